@@ -1,0 +1,16 @@
+// The file seam: what the plug-in needs to know of files on drive-letter paths.
+#pragma once
+
+#include <string>
+
+namespace vex::platform {
+
+class Files {
+public:
+    virtual ~Files() = default;
+    /// Whether `path` names an ordinary file: not a folder, not hidden, not a system file. Doubled
+    /// separators count as one; bad or missing paths answer false.
+    virtual bool ordinary_file_exists(const std::u16string& path) = 0;
+};
+
+}  // namespace vex::platform

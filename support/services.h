@@ -1,0 +1,28 @@
+// What the dialogs need of the outside, handed down from the composition in plugin/.
+#pragma once
+
+#include <string>
+
+#include "forms/toolkit.h"
+#include "platform/code_page.h"
+#include "platform/files.h"
+#include "platform/processes.h"
+#include "platform/registry.h"
+
+namespace vex {
+
+/// The plug-in's title: of its message boxes and of the About box.
+inline constexpr char16_t kApplicationTitle[] = u"vexFirmWarePlugin";
+
+/// One per apartment; outlives every dialog and is used on the apartment's thread only.
+struct Services {
+    forms::Toolkit& toolkit;
+    platform::Registry& registry;
+    platform::Files& files;
+    platform::Processes& processes;
+    const platform::CodePage& code_page;
+    /// The folder of the plug-in's own library file, normally without a trailing backslash.
+    std::u16string module_folder;
+};
+
+}  // namespace vex
