@@ -48,6 +48,8 @@ public:
         SysFreeString(std::exchange(text_, nullptr));
         return &text_;
     }
+    /// For in-and-out parameters: the callee may replace the text.
+    BSTR* put_reference() noexcept { return &text_; }
     std::u16string str() const { return std::u16string(view(text_)); }
 
 private:

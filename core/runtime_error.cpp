@@ -26,6 +26,7 @@ constexpr UsualText kUsualTexts[] = {
     {kWrongArgumentCount, u"Wrong number of arguments or invalid property assignment"},
     {kDuplicateKey, u"This key is already associated with an element of this collection"},
     {kResourceNotFound, u"Resource not found"},
+    {kNoSuchEvents, u"Object or class does not support the set of events"},
     {kListElementNotFound, u"Element not found"},
     {kListKeyNotUnique, u"Key is not unique in collection"},
 };

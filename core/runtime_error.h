@@ -20,6 +20,7 @@ enum ErrorNumber : std::int32_t {
     kAutomationError = 440,
     kWrongArgumentCount = 450,
     kDuplicateKey = 457,
+    kNoSuchEvents = 459,
     kResourceNotFound = 326,
     kListElementNotFound = 35601,
     kListKeyNotUnique = 35602,

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "com/object.h"
 #include "forms/toolkit.h"
 #include "platform/code_page.h"
 #include "platform/files.h"
@@ -21,6 +22,8 @@ struct Services {
     platform::Files& files;
     platform::Processes& processes;
     const platform::CodePage& code_page;
+    /// Counts what keeps the library loaded.
+    com::ModuleLifetime& module;
     /// The folder of the plug-in's own library file, normally without a trailing backslash.
     std::u16string module_folder;
 };

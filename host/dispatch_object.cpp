@@ -1,0 +1,171 @@
+// An automation object of the host, called late.
+#include "host/dispatch_object.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include "core/runtime_error.h"
+
+namespace vex::host {
+namespace {
+
+/// Result codes that have an automation error number of their own.
+struct NumberOfResult {
+    HRESULT result;
+    ErrorNumber number;
+};
+
+constexpr NumberOfResult kNumbers[] = {
+    {DISP_E_MEMBERNOTFOUND, kMemberNotSupported}, {DISP_E_UNKNOWNNAME, kMemberNotSupported},
+    {DISP_E_TYPEMISMATCH, kTypeMismatch},         {DISP_E_BADVARTYPE, kTypeMismatch},
+    {DISP_E_OVERFLOW, kOverflow},                 {DISP_E_BADPARAMCOUNT, kWrongArgumentCount},
+    {DISP_E_BADINDEX, kSubscriptOutOfRange},      {E_OUTOFMEMORY, kOutOfMemory},
+};
+
+/// Automation error numbers travel in result codes of this facility.
+constexpr std::uint32_t kControlFacility = 0x800A0000U;
+
+std::int32_t error_number(HRESULT result) {
+    const auto code = static_cast<std::uint32_t>(result);
+    if ((code & 0xFFFF0000U) == kControlFacility) return static_cast<std::int32_t>(code & 0xFFFFU);
+    for (const NumberOfResult& entry : kNumbers) {
+        if (entry.result == result) return entry.number;
+    }
+    return result;
+}
+
+[[noreturn]] void raise(HRESULT result, std::u16string description = {}) {
+    const std::int32_t number = error_number(result);
+    if (!description.empty()) throw RuntimeError(number, std::move(description));
+    if (number > 0) throw RuntimeError(static_cast<ErrorNumber>(number));
+    throw RuntimeError(number, u"Automation error");
+}
+
+/// The texts of an exception that an object raised; owned here.
+class Exception {
+public:
+    Exception() noexcept = default;
+    Exception(const Exception&) = delete;
+    Exception& operator=(const Exception&) = delete;
+    ~Exception() {
+        SysFreeString(info_.bstrSource);
+        SysFreeString(info_.bstrDescription);
+        SysFreeString(info_.bstrHelpFile);
+    }
+
+    EXCEPINFO* put() noexcept { return &info_; }
+
+    [[noreturn]] void raise_it() {
+        if (info_.pfnDeferredFillIn != nullptr) info_.pfnDeferredFillIn(&info_);
+        std::u16string description(com::view(info_.bstrDescription));
+        if (info_.wCode != 0) {
+            if (description.empty()) throw RuntimeError(static_cast<ErrorNumber>(info_.wCode));
+            throw RuntimeError(info_.wCode, std::move(description));
+        }
+        raise(FAILED(info_.scode) ? info_.scode : DISP_E_EXCEPTION, std::move(description));
+    }
+
+private:
+    EXCEPINFO info_ = {};
+};
+
+com::Variant converted(const com::Variant& value, VARTYPE type) {
+    com::Variant result;
+    const HRESULT outcome = VariantChangeType(result.put(), &value.get(), 0, type);
+    if (FAILED(outcome)) raise(outcome);
+    return result;
+}
+
+com::ComPtr<IDispatch> create(REFCLSID clsid, const char16_t* name) {
+    com::ComPtr<IDispatch> object;
+    if (FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IDispatch, object.put_void()))) {
+        throw RuntimeError(kCannotCreateObject, std::u16string(u"ActiveX component can't create object: ") + name);
+    }
+    return object;
+}
+
+}  // namespace
+
+com::ComPtr<IDispatch> create_object(REFCLSID clsid, const char16_t* name) { return create(clsid, name); }
+
+com::ComPtr<IDispatch> create_object(const char16_t* programmatic_id) {
+    CLSID clsid = GUID_NULL;
+    // An unknown identifier leaves the null class id, which cannot be created: one error for both.
+    if (FAILED(CLSIDFromProgID(reinterpret_cast<const OLECHAR*>(programmatic_id), &clsid))) clsid = GUID_NULL;
+    return create(clsid, programmatic_id);
+}
+
+bool to_boolean(const com::Variant& value) { return converted(value, VT_BOOL).get().boolVal != VARIANT_FALSE; }
+
+std::int16_t to_int16(const com::Variant& value) { return converted(value, VT_I2).get().iVal; }
+
+std::int32_t to_int32(const com::Variant& value) { return converted(value, VT_I4).get().lVal; }
+
+std::u16string to_text(const com::Variant& value) {
+    if (value.type() == VT_BSTR) return std::u16string(com::view(value.get().bstrVal));
+    return std::u16string(com::view(converted(value, VT_BSTR).get().bstrVal));
+}
+
+com::ComPtr<IDispatch> to_object(const com::Variant& value) {
+    const com::Variant object = converted(value, VT_DISPATCH);
+    if (object.get().pdispVal == nullptr) throw RuntimeError(kObjectVariableNotSet);
+    return com::ComPtr<IDispatch>(object.get().pdispVal);
+}
+
+com::Variant DispatchObject::property(const char16_t* name) const {
+    // Both flags, as late-bound callers pass them: they do not know whether it is a property or a method.
+    return invoke(member_id(name), DISPATCH_METHOD | DISPATCH_PROPERTYGET, {});
+}
+
+void DispatchObject::set_property(const char16_t* name, com::Variant value) const {
+    set_property(member_id(name), std::move(value));
+}
+
+com::Variant DispatchObject::call(const char16_t* name, std::initializer_list<com::Variant> arguments) const {
+    return call(member_id(name), arguments);
+}
+
+void DispatchObject::set_property(DISPID member, com::Variant value) const {
+    invoke(member, DISPATCH_PROPERTYPUT, {std::move(value)});
+}
+
+com::Variant DispatchObject::call(DISPID member, std::initializer_list<com::Variant> arguments) const {
+    return invoke(member, DISPATCH_METHOD, arguments);
+}
+
+DISPID DispatchObject::member_id(const char16_t* name) const {
+    if (!object_) throw RuntimeError(kObjectVariableNotSet);
+    DISPID member = DISPID_UNKNOWN;
+    OLECHAR* ole_name = const_cast<OLECHAR*>(reinterpret_cast<const OLECHAR*>(name));
+    if (FAILED(object_->GetIDsOfNames(IID_NULL, &ole_name, 1, LOCALE_USER_DEFAULT, &member))) {
+        throw RuntimeError(kMemberNotSupported, std::u16string(u"Object doesn't support this property or method: ") + name);
+    }
+    return member;
+}
+
+com::Variant DispatchObject::invoke(DISPID member, WORD flags, std::initializer_list<com::Variant> arguments) const {
+    if (!object_) throw RuntimeError(kObjectVariableNotSet);
+    // Last argument first, as automation passes them. The values stay the initializer list's.
+    std::vector<VARIANT> values;
+    values.reserve(arguments.size());
+    std::transform(std::rbegin(arguments), std::rend(arguments), std::back_inserter(values),
+                   [](const com::Variant& argument) { return argument.get(); });
+    DISPID put = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters = {values.data(), nullptr, static_cast<UINT>(values.size()), 0};
+    const bool puts = flags == DISPATCH_PROPERTYPUT;
+    if (puts) {
+        parameters.rgdispidNamedArgs = &put;
+        parameters.cNamedArgs = 1;
+    }
+    com::Variant result;
+    Exception exception;
+    UINT argument_error = 0;
+    const HRESULT outcome = object_->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                                            puts ? nullptr : result.put(), exception.put(), &argument_error);
+    if (outcome == DISP_E_EXCEPTION) exception.raise_it();
+    if (FAILED(outcome)) raise(outcome);
+    return result;
+}
+
+}  // namespace vex::host

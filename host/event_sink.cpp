@@ -1,0 +1,88 @@
+// Receives the one event of a host control that the plug-in handles.
+#include "host/event_sink.h"
+
+#include <utility>
+
+#include "core/runtime_error.h"
+#include "host/dispatch_object.h"
+#include "platform/event_source.h"
+#include "support/boundary.h"
+
+namespace vex::host {
+
+/// What the control calls. Answers to the source interface that it was connected through.
+class EventConnection::Sink final : public com::Object<Sink, IDispatch> {
+public:
+    Sink(com::ModuleLifetime& module, const IID& source, DISPID member, Handler handler)
+        : Object(module), source_(source), member_(member), handler_(std::move(handler)) {}
+
+    void cut_off() noexcept { handler_ = nullptr; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        return Object::QueryInterface(IsEqualGUID(iid, source_) ? IID_IDispatch : iid, object);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
+        if (count == nullptr) return E_POINTER;
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) noexcept override {
+        if (info != nullptr) *info = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* /*names*/, UINT /*count*/, LCID /*locale*/,
+                                            DISPID* /*ids*/) noexcept override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID /*reserved*/, LCID /*locale*/, WORD /*flags*/,
+                                     DISPPARAMS* parameters, VARIANT* /*result*/, EXCEPINFO* exception,
+                                     UINT* /*argument_error*/) noexcept override {
+        // Other events of the control are none of ours.
+        if (member != member_ || !handler_) return S_OK;
+        if (parameters == nullptr || parameters->cArgs == 0) return DISP_E_BADPARAMCOUNT;
+        return at_dispatch_boundary(exception, [&] {
+            com::Variant text;
+            // The event's argument is a reference to the text.
+            if (FAILED(VariantCopyInd(text.put(), &parameters->rgvarg[0]))) throw RuntimeError(kTypeMismatch);
+            handler_(to_text(text));
+        });
+    }
+
+private:
+    IID source_;
+    DISPID member_;
+    Handler handler_;
+};
+
+EventConnection::EventConnection(IUnknown& object, std::u16string_view name, DISPID position,
+                                 com::ModuleLifetime& module, Handler handler) {
+    platform::EventSource source = platform::find_event_source(object, name, position);
+    sink_ = com::make_object<Sink>(module, source.iid, source.member, std::move(handler));
+    if (FAILED(source.point->Advise(sink_.get(), &cookie_))) throw RuntimeError(kNoSuchEvents);
+    point_ = std::move(source.point);
+}
+
+EventConnection::EventConnection(EventConnection&& other) noexcept
+    : point_(std::move(other.point_)), sink_(std::move(other.sink_)), cookie_(std::exchange(other.cookie_, 0)) {}
+
+EventConnection& EventConnection::operator=(EventConnection&& other) noexcept {
+    if (this != &other) {
+        disconnect();
+        point_ = std::move(other.point_);
+        sink_ = std::move(other.sink_);
+        cookie_ = std::exchange(other.cookie_, 0);
+    }
+    return *this;
+}
+
+EventConnection::~EventConnection() { disconnect(); }
+
+void EventConnection::disconnect() noexcept {
+    if (point_) point_->Unadvise(cookie_);
+    if (sink_) sink_->cut_off();
+    point_.reset();
+    sink_.reset();
+}
+
+}  // namespace vex::host

@@ -1,0 +1,37 @@
+// Receives the one event of a host control that the plug-in handles.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "com/object.h"
+
+namespace vex::host {
+
+/// A connection to one event of an object. While it lives, the handler is called with the event's last
+/// argument as text, on the thread that raises the event. Errors of the handler go back to the object as
+/// its call's result. Cut off when it is destroyed, even if the object keeps the sink.
+class EventConnection {
+public:
+    using Handler = std::function<void(std::u16string text)>;
+
+    EventConnection() noexcept = default;
+    /// Connects to the event `name`, the one at `position` where the object describes no names. `module`
+    /// counts the sink. Raises 459 when the object offers no events or refuses the connection.
+    EventConnection(IUnknown& object, std::u16string_view name, DISPID position, com::ModuleLifetime& module,
+                    Handler handler);
+    EventConnection(EventConnection&& other) noexcept;
+    EventConnection& operator=(EventConnection&& other) noexcept;
+    ~EventConnection();
+
+private:
+    class Sink;
+
+    void disconnect() noexcept;
+
+    com::ComPtr<IConnectionPoint> point_;
+    com::ComPtr<Sink> sink_;
+    DWORD cookie_ = 0;
+};
+
+}  // namespace vex::host
