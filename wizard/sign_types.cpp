@@ -1,0 +1,43 @@
+// What the types of the chosen displays mean for the firmware: its file format, the external tool, and
+// whether they may be loaded together.
+#include <string_view>
+
+#include "core/unicode.h"
+#include "wizard/dlg_firmware_wizard.h"
+
+namespace vex {
+namespace {
+
+constexpr std::u16string_view kTQ1Prefix = u"TQ-1 - ";
+constexpr std::size_t kDisplayTypeColumn = 0;
+
+}  // namespace
+
+bool dlgFirmwareWizard::IsFirstDisplayTQ1() const {
+    if (lstvDisplays.row_count() == 0) return false;
+    const std::u16string_view type = lstvDisplays.sub_item(0, kDisplayTypeColumn);
+    return equal_ignoring_case(type.substr(0, kTQ1Prefix.size()), kTQ1Prefix);
+}
+
+bool dlgFirmwareWizard::CheckSignTypes() {
+    // Kept: when only resetting, the format caption and the external-tool option stay as they are.
+    if (optJustResetDisplays.value()) {
+        lblSignMismatchWarning.set_visible(false);
+        return false;
+    }
+    const bool tq1 = IsFirstDisplayTQ1();
+    lblFirmwareFileNotification.set_caption(tq1 ? u"This file will be in Rabbit BIN format."
+                                                : u"This file will be in Motorola SHX format.");
+    // Hidden, it keeps its tick.
+    chkUseExternalApp.set_visible(tq1);
+
+    // The whole type text counts, not only the board family.
+    bool mismatch = false;
+    for (std::size_t row = 1; row < lstvDisplays.row_count() && !mismatch; ++row) {
+        mismatch = lstvDisplays.sub_item(row - 1, kDisplayTypeColumn) != lstvDisplays.sub_item(row, kDisplayTypeColumn);
+    }
+    lblSignMismatchWarning.set_visible(mismatch);
+    return mismatch;
+}
+
+}  // namespace vex
