@@ -2,6 +2,7 @@
 // the binary order of the originals, and the functions that the native runtime implements.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -360,6 +361,8 @@ constexpr DWORD CLSCTX_ALL = 0x17;
 constexpr DWORD REGCLS_MULTIPLEUSE = 1;
 constexpr DWORD COINIT_APARTMENTTHREADED = 2;
 
+// One copy of the runtime serves every module of the process, so its functions are exported.
+#pragma GCC visibility push(default)
 extern "C" {
 
 BSTR SysAllocString(const OLECHAR* text) noexcept;
@@ -393,3 +396,4 @@ HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) noexcept;
 HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info) noexcept;
 
 }  // extern "C"
+#pragma GCC visibility pop
