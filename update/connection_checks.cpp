@@ -1,0 +1,96 @@
+// What a display can take, and which units stand behind it.
+#include <array>
+
+#include "core/runtime_error.h"
+#include "core/unicode.h"
+#include "support/automation_value.h"
+#include "support/mod_reg_access.h"
+#include "support/text.h"
+#include "update/dlg_handle_sign_option.h"
+
+namespace vex {
+namespace {
+
+constexpr double kSmallestVersion = 1.41;
+constexpr std::int16_t kSearchTimeout = 1000;
+
+/// 16-bit arithmetic: raises 6 when the result leaves the range.
+std::int16_t checked(std::int32_t value) {
+    if (value < INT16_MIN || value > INT16_MAX) throw RuntimeError(kOverflow);
+    return static_cast<std::int16_t>(value);
+}
+
+/// The number around the last "." of the controller's version text. Kept: only one character before the
+/// point is read, so 12.00 counts as 2 and 10.9 as 0.9. Raises 5 when no character precedes the point.
+double version_number(std::u16string_view version) {
+    const std::size_t point = version.rfind(u'.');
+    if (point == std::u16string_view::npos) return 0;
+    if (point == 0) throw RuntimeError(kInvalidProcedureCall);
+    return leading_number(version.substr(point - 1));
+}
+
+/// The text after the last "." of a dotted address; empty when there is none.
+std::u16string_view host_text(std::u16string_view address) {
+    const std::size_t point = address.rfind(u'.');
+    return point == std::u16string_view::npos ? std::u16string_view() : address.substr(point + 1);
+}
+
+}  // namespace
+
+bool dlgHandleSignOption::DisplaySupportsFirmware() {
+    const std::u16string version = dDisp->FirmwareVersion();
+    if (to_upper(std::u16string_view(version).substr(0, 3)) == u"KQS") return true;
+    if (version_number(version) < kSmallestVersion) return false;
+    if (dDisp->ConnectionType() != host::kNetwork) return true;
+
+    ShowStatus(u"Checking if Display Type and Connection support firmware download!");
+    const std::u16string address = dDisp->NetworkAddress();
+    const double host_number = leading_number(host_text(address));
+    finder_->set_SearchTimeout(kSearchTimeout);
+    // Just the display's own host number. The boxes found set the kind of box before the call returns.
+    finder_->FindBoxes(address, host_number, host_number);
+    const bool enable_xport =
+        to_upper(ReadHostSetting(services_, u"Brivola3", u"Settings", u"EnableXPort", u"FALSE")) == u"TRUE";
+    if (sLANBoxType == u"UDS" || sLANBoxType == u"MSS") return true;
+    return enable_xport;
+}
+
+void dlgHandleSignOption::FindXPort_BoxFound(const std::u16string& description) {
+    // The first word found decides; the last box reported wins.
+    static constexpr std::array<std::u16string_view, 3> kBoxes = {u"XPort", u"UDS", u"MSS"};
+    for (const std::u16string_view box : kBoxes) {
+        if (description.find(box) != std::u16string::npos) {
+            sLANBoxType = box;
+            return;
+        }
+    }
+    sLANBoxType = u"Unknown";
+}
+
+void dlgHandleSignOption::CheckMasterSlaves() {
+    const std::u16string sign_ids = dDisp->SignIDs();
+    if (sign_ids.empty()) return;
+    ShowStatus(u"Checking for Master/Slaves");
+    lblStatus.refresh();
+    for (const std::u16string& piece : split(sign_ids, u',')) {
+        const std::int16_t master = to_int16(piece);
+        iDisplayIDs.push_back(master);
+        lblID.set_caption(piece);
+        if (bCancelled) return;
+        const std::int16_t count = GetSlaveCount(master);
+        // Kept: a cancel during the count still lets this master's slaves be listed.
+        for (std::int32_t slave = 1; slave <= count; ++slave) iDisplayIDs.push_back(checked(master + slave));
+    }
+}
+
+std::int16_t dlgHandleSignOption::GetSlaveCount(std::int16_t id) {
+    transmission_->set_SignID(id);
+    const host::HostSignInfo info = transmission_->GetSignInfo();
+    if (!info.HasSlaves()) return 0;
+    // The units of a grid less the master itself, each operation in 16 bits.
+    const std::int16_t rows = checked(info.SlaveCountY() + 1);
+    const std::int16_t columns = checked(info.SlaveCountX() + 1);
+    return checked(checked(rows * columns) - 1);
+}
+
+}  // namespace vex
