@@ -15,8 +15,8 @@ namespace vex::forms {
 
 /// The frame of a dialog.
 struct FormDesign {
-    std::string_view name;
-    std::u16string_view caption;
+    std::string_view name = {};
+    std::u16string_view caption = {};
     /// The client area, in twips.
     Twips width = 0;
     Twips height = 0;

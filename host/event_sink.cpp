@@ -41,7 +41,7 @@ public:
         // Other events of the control are none of ours.
         if (member != member_ || !handler_) return S_OK;
         if (parameters == nullptr || parameters->cArgs == 0) return DISP_E_BADPARAMCOUNT;
-        return at_dispatch_boundary(exception, [&] {
+        return guarded_invoke(exception, [&] {
             com::Variant text;
             // The event's argument is a reference to the text.
             if (FAILED(VariantCopyInd(text.put(), &parameters->rgvarg[0]))) throw RuntimeError(kTypeMismatch);
