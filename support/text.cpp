@@ -1,5 +1,7 @@
-// Splitting texts.
+// Splitting texts, and numbers as texts.
 #include "support/text.h"
+
+#include <charconv>
 
 namespace vex {
 
@@ -12,6 +14,12 @@ std::vector<std::u16string> split(std::u16string_view text, char16_t separator) 
         if (end == std::u16string_view::npos) return pieces;
         start = end + 1;
     }
+}
+
+std::u16string decimal_text(std::int32_t number) {
+    char digits[12];
+    const char* end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
+    return std::u16string(digits, end);
 }
 
 }  // namespace vex

@@ -1,8 +1,8 @@
 // The work steps of a session: resetting and clearing, and the ways of loading firmware.
 #include <ranges>
 
-#include "support/automation_value.h"
 #include "support/host_folder.h"
+#include "support/text.h"
 #include "update/dlg_handle_sign_option.h"
 
 namespace vex {
@@ -22,7 +22,7 @@ bool dlgHandleSignOption::ResetAndClearDisplays() {
     for (const std::int16_t id : iDisplayIDs | std::views::reverse) {
         if (bCancelled) return false;
         transmission_->set_SignID(id);
-        lblID.set_caption(to_text(id));
+        lblID.set_caption(decimal_text(id));
         result = transmission_->ResetAndClear();
         if (!result) return false;
     }
@@ -33,7 +33,7 @@ bool dlgHandleSignOption::DownloadFirmwareToDisplays() {
     bool result = false;
     for (const std::int16_t id : iDisplayIDs | std::views::reverse) {
         if (bCancelled) return false;
-        lblID.set_caption(to_text(id));
+        lblID.set_caption(decimal_text(id));
         transmission_->set_SignID(id);
         result = transmission_->DownloadFirmware(sFirmwareFilename);
         if (!result) return false;
