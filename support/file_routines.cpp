@@ -1,0 +1,20 @@
+// The path function that the firmware file selection needs.
+#include "support/file_routines.h"
+
+#include <cstdint>
+#include <limits>
+
+#include "core/runtime_error.h"
+
+namespace vex {
+
+std::u16string GetPathOnly(const std::u16string& path) {
+    // Positions count from 1 and are 16-bit, and callers were written to expect the overflow.
+    constexpr std::size_t kLastPosition = std::numeric_limits<std::int16_t>::max();
+    const std::size_t backslash = path.rfind(u'\\');
+    const bool found = backslash != std::u16string::npos;
+    if ((found ? backslash + 1 : path.size()) > kLastPosition) throw RuntimeError(kOverflow);
+    return found ? path.substr(0, backslash) : path;
+}
+
+}  // namespace vex

@@ -1,0 +1,32 @@
+// The host's settings, in its branch of the registry.
+#include "support/mod_reg_access.h"
+
+#include "support/registry_routines.h"
+
+namespace vex {
+namespace {
+
+constexpr char16_t kVendorPrefix[] = u"Software\\Norvan\\";
+
+}  // namespace
+
+std::u16string ReadHostSetting(const Services& services, const std::u16string& application,
+                               const std::u16string& section, const std::u16string& key,
+                               const std::u16string& default_value) {
+    RegistryRoutines registry(services.registry, services.code_page);
+    registry.set_hKey(platform::kHkeyLocalMachine);
+    registry.set_KeyRoot(kVendorPrefix + application + u'\\' + section);
+    return registry.GetRegistryValue(key, default_value).to_text();
+}
+
+void WriteHostSetting(const Services& services, const std::u16string& application, const std::u16string& section,
+                      const std::u16string& key, const std::u16string& value) {
+    RegistryRoutines registry(services.registry, services.code_page);
+    registry.set_hKey(platform::kHkeyLocalMachine);
+    registry.set_KeyRoot(kVendorPrefix + application);
+    registry.CreateKey(section);
+    registry.set_KeyRoot(kVendorPrefix + application + u'\\' + section);
+    registry.SetRegistryValue(key, value, platform::kRegSz);
+}
+
+}  // namespace vex

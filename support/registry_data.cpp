@@ -1,0 +1,124 @@
+// What the registry answers for a value, and its conversions to automation values.
+#include "support/registry_data.h"
+
+#include <algorithm>
+
+#include "core/runtime_error.h"
+
+namespace vex {
+namespace {
+
+/// The first four bytes, little end first. A shorter value has zeros behind it in its buffer.
+std::int32_t dword(const RegistryData& data) {
+    std::uint32_t number = 0;
+    for (std::size_t i = std::min<std::size_t>(4, data.buffer.size()); i > 0; --i) number = number << 8 | data.buffer[i - 1];
+    return static_cast<std::int32_t>(number);
+}
+
+/// The bytes that count. An array cannot shrink to no elements.
+AutomationValue::Bytes binary(RegistryData&& data) {
+    if (data.size == 0) throw RuntimeError(kSubscriptOutOfRange);
+    data.buffer.resize(std::min<std::size_t>(data.size, data.buffer.size()));
+    return std::move(data.buffer);
+}
+
+/// The strings and the nulls between them. A text cannot have a negative length.
+std::u16string multiple_string(const RegistryData& data, const RegistryTexts& texts) {
+    if (data.size < 2) throw RuntimeError(kInvalidProcedureCall);
+    return texts.text(data, data.size - 2);
+}
+
+/// Two digits below ten ("07"), but single letters for ten to fifteen ("C"): the digits pass through a
+/// number format that leaves letters alone. Readers of the texts know them so; kept.
+std::u16string hexadecimal(std::uint8_t byte) {
+    constexpr char16_t kDigits[] = u"0123456789ABCDEF";
+    if (byte >= 10 && byte <= 15) return {kDigits[byte]};
+    return {kDigits[byte >> 4], kDigits[byte & 15]};
+}
+
+}  // namespace
+
+std::u16string trimmed_at_null(std::u16string item) {
+    item.resize(std::min(item.size(), item.find(u'\0')));
+    return item;
+}
+
+std::u16string RegistryTexts::text(const RegistryData& data, std::size_t count) const {
+    const char* bytes = reinterpret_cast<const char*>(data.buffer.data());
+    return code_page_.from_ansi({bytes, std::min(count, data.buffer.size())});
+}
+
+std::u16string RegistryTexts::expanded(const std::u16string& text, std::size_t& reported) const {
+    const std::string source = code_page_.to_ansi(text);
+    std::string buffer = source;
+    reported = registry_.expand_environment(source.c_str(), buffer.data(), static_cast<std::uint32_t>(buffer.size()));
+    return code_page_.from_ansi(buffer);
+}
+
+AutomationValue decode_value(RegistryData data, AutomationValue initial, EmptyExpandable empty_expandable,
+                             const RegistryTexts& texts) {
+    switch (data.type) {
+        case platform::kRegSz:
+            if (data.size == 0) return initial;
+            return texts.text(data, data.size - 1);
+        case platform::kRegExpandSz: {
+            // Kept: with this rule the terminating null of an empty text counts as its content.
+            if (data.size == 1 && empty_expandable == EmptyExpandable::one_null) data.size = 2;
+            if (data.size == 0) return initial;
+            // Kept: the buffer is as long as the text, and the reported length counts the null. What grows
+            // comes back unexpanded, what shrinks ends in a null, and callers live with both.
+            std::size_t reported = 0;
+            std::u16string text = texts.expanded(texts.text(data, data.size - 1), reported);
+            text.resize(std::min(text.size(), reported));
+            return text;
+        }
+        case platform::kRegBinary:
+            return binary(std::move(data));
+        case platform::kRegDword:
+            return dword(data);
+        case platform::kRegMultiSz: {
+            std::u16string text = multiple_string(data, texts);
+            // Kept: a list whose first string is empty counts as no list.
+            if (text.empty() || text.front() == u'\0') return initial;
+            return text;
+        }
+        default:
+            return initial;
+    }
+}
+
+const AutomationValue& EnumeratedValues::next(RegistryData data) {
+    switch (data.type) {
+        case platform::kRegSz:
+            scratch_ = data.size == 0 ? std::u16string() : texts_.text(data, data.size - 1);
+            value_ = scratch_;
+            break;
+        case platform::kRegExpandSz: {
+            std::size_t reported = 0;
+            scratch_ = data.size == 0 ? std::u16string()
+                                      : trimmed_at_null(texts_.expanded(texts_.text(data, data.size - 1), reported));
+            value_ = scratch_;
+            break;
+        }
+        case platform::kRegBinary:
+            // Kept: the bytes are appended to whatever text the value before left, which is not cleared.
+            for (const std::uint8_t byte : binary(std::move(data))) scratch_ += u' ' + hexadecimal(byte);
+            value_ = scratch_.substr(std::min(scratch_.size(), scratch_.find_first_not_of(u' ')));
+            break;
+        case platform::kRegDword:
+            value_ = dword(data);
+            break;
+        case platform::kRegMultiSz:
+            scratch_ = multiple_string(data, texts_);
+            std::replace(scratch_.begin(), scratch_.end(), u'\0', u',');
+            value_ = scratch_;
+            break;
+        default:
+            // Kept: the pair is used again for each value, so a type without a conversion shows the data of
+            // the value before.
+            break;
+    }
+    return value_;
+}
+
+}  // namespace vex
