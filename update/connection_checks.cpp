@@ -1,11 +1,10 @@
 // What a display can take, and which units stand behind it.
-#include <array>
-
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "support/automation_value.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
+#include "update/display_facts.h"
 #include "update/dlg_handle_sign_option.h"
 
 namespace vex {
@@ -20,35 +19,20 @@ std::int16_t checked(std::int32_t value) {
     return static_cast<std::int16_t>(value);
 }
 
-/// The number around the last "." of the controller's version text. Kept: only one character before the
-/// point is read, so 12.00 counts as 2 and 10.9 as 0.9. Raises 5 when no character precedes the point.
-double version_number(std::u16string_view version) {
-    const std::size_t point = version.rfind(u'.');
-    if (point == std::u16string_view::npos) return 0;
-    if (point == 0) throw RuntimeError(kInvalidProcedureCall);
-    return leading_number(version.substr(point - 1));
-}
-
-/// The text after the last "." of a dotted address; empty when there is none.
-std::u16string_view host_text(std::u16string_view address) {
-    const std::size_t point = address.rfind(u'.');
-    return point == std::u16string_view::npos ? std::u16string_view() : address.substr(point + 1);
-}
-
 }  // namespace
 
 bool dlgHandleSignOption::DisplaySupportsFirmware() {
     const std::u16string version = dDisp->FirmwareVersion();
-    if (to_upper(std::u16string_view(version).substr(0, 3)) == u"KQS") return true;
+    if (is_kqs_controller(version)) return true;
     if (version_number(version) < kSmallestVersion) return false;
     if (dDisp->ConnectionType() != host::kNetwork) return true;
 
     ShowStatus(u"Checking if Display Type and Connection support firmware download!");
     const std::u16string address = dDisp->NetworkAddress();
-    const double host_number = leading_number(host_text(address));
+    const double host = host_number(address);
     finder_->set_SearchTimeout(kSearchTimeout);
     // Just the display's own host number. The boxes found set the kind of box before the call returns.
-    finder_->FindBoxes(address, host_number, host_number);
+    finder_->FindBoxes(address, host, host);
     const bool enable_xport =
         to_upper(ReadHostSetting(services_, u"Brivola3", u"Settings", u"EnableXPort", u"FALSE")) == u"TRUE";
     if (sLANBoxType == u"UDS" || sLANBoxType == u"MSS") return true;
@@ -56,15 +40,8 @@ bool dlgHandleSignOption::DisplaySupportsFirmware() {
 }
 
 void dlgHandleSignOption::FindXPort_BoxFound(const std::u16string& description) {
-    // The first word found decides; the last box reported wins.
-    static constexpr std::array<std::u16string_view, 3> kBoxes = {u"XPort", u"UDS", u"MSS"};
-    for (const std::u16string_view box : kBoxes) {
-        if (description.find(box) != std::u16string::npos) {
-            sLANBoxType = box;
-            return;
-        }
-    }
-    sLANBoxType = u"Unknown";
+    // The last box reported wins.
+    sLANBoxType = lan_box_type(description);
 }
 
 void dlgHandleSignOption::CheckMasterSlaves() {

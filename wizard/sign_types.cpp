@@ -1,22 +1,19 @@
 // What the types of the chosen displays mean for the firmware: its file format, the external tool, and
 // whether they may be loaded together.
-#include <string_view>
-
-#include "core/unicode.h"
 #include "wizard/dlg_firmware_wizard.h"
+#include "wizard/mod_sign_type.h"
 
 namespace vex {
 namespace {
 
-constexpr std::u16string_view kTQ1Prefix = u"TQ-1 - ";
 constexpr std::size_t kDisplayTypeColumn = 0;
 
 }  // namespace
 
 bool dlgFirmwareWizard::IsFirstDisplayTQ1() const {
     if (lstvDisplays.row_count() == 0) return false;
-    const std::u16string_view type = lstvDisplays.sub_item(0, kDisplayTypeColumn);
-    return equal_ignoring_case(type.substr(0, kTQ1Prefix.size()), kTQ1Prefix);
+    // The first row speaks for all.
+    return is_tq1_type_text(lstvDisplays.sub_item(0, kDisplayTypeColumn));
 }
 
 bool dlgFirmwareWizard::CheckSignTypes() {
