@@ -1,0 +1,164 @@
+// The small rules of the wizard and the session, at their edges and against plain restatements of them.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <random>
+#include <string>
+
+#include "core/runtime_error.h"
+#include "support/automation_value.h"
+#include "support/file_routines.h"
+#include "support/text.h"
+#include "update/display_facts.h"
+#include "wizard/mod_sign_type.h"
+
+namespace vex {
+namespace {
+
+std::int32_t error_of(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const RuntimeError& error) {
+        return error.number();
+    }
+    return 0;
+}
+
+/// Short texts of few characters: they collide with the rules' own characters all the time.
+class Texts {
+public:
+    explicit Texts(std::u16string alphabet) : alphabet_(std::move(alphabet)) {}
+    std::u16string next() {
+        std::u16string text(std::uniform_int_distribution<std::size_t>(0, 8)(random_), u' ');
+        for (char16_t& c : text) c = alphabet_[std::uniform_int_distribution<std::size_t>(0, alphabet_.size() - 1)(random_)];
+        return text;
+    }
+
+private:
+    std::u16string alphabet_;
+    std::mt19937 random_{20261124};
+};
+
+constexpr int kTries = 20'000;
+
+TEST(Rules, VersionNumbersReadOneCharacterBeforeTheLastPoint) {
+    const struct {
+        const char16_t* text;
+        double number;
+    } cases[] = {{u"1.41", 1.41},   {u"1.40", 1.40}, {u"V1.5", 1.5},  {u"V2.10", 2.1},  {u"12.00", 2},    {u"10.9", 0.9},
+                 {u"", 0},          {u"version", 0}, {u"V.5", 0},     {u"1.2.30", 2.3}, {u"9.5beta7", 9.5}, {u"1.", 1},
+                 {u"TQ1 1.41 r2", 1.41}};
+    for (const auto& one : cases) EXPECT_DOUBLE_EQ(version_number(one.text), one.number);
+    EXPECT_FALSE(version_number(u"1.41") < 1.41);
+    EXPECT_EQ(error_of([] { version_number(u".5"); }), kInvalidProcedureCall);
+    EXPECT_TRUE(is_kqs_controller(u"kqS"));
+    EXPECT_TRUE(is_kqs_controller(u"KQSomething"));
+    EXPECT_FALSE(is_kqs_controller(u"KQ"));
+    EXPECT_FALSE(is_kqs_controller(u" KQS"));
+}
+
+TEST(Rules, VersionNumbersAgreeWithAPlainRestatement) {
+    Texts texts(u"0123456789.V ");
+    for (int i = 0; i < kTries; ++i) {
+        const std::u16string text = texts.next();
+        const std::size_t point = text.rfind(u'.');
+        if (point == 0) {
+            EXPECT_EQ(error_of([&] { version_number(text); }), kInvalidProcedureCall);
+            continue;
+        }
+        double expected = 0;
+        if (point != std::u16string::npos) {
+            // One digit, then the digits after the point, by school arithmetic.
+            const char16_t major = text[point - 1];
+            const bool digit = major >= u'0' && major <= u'9';
+            expected = digit ? major - u'0' : 0;
+            double scale = 0.1;
+            for (std::size_t k = point + 1; digit && k < text.size() && text[k] >= u'0' && text[k] <= u'9'; ++k, scale /= 10)
+                expected += (text[k] - u'0') * scale;
+        }
+        EXPECT_NEAR(version_number(text), expected, 1e-9) << std::string(text.begin(), text.end());
+    }
+}
+
+TEST(Rules, LeadingNumbersStopAtTheFirstOtherCharacter) {
+    const struct {
+        const char16_t* text;
+        double number;
+    } cases[] = {{u"9600", 9600}, {u"9600 baud", 9600}, {u"0", 0}, {u"", 0},    {u"x9", 0},       {u" 9600", 0},
+                 {u"-5", 0},      {u"+5", 0},           {u"1e5", 1}, {u".5", 0.5}, {u"1.2.3", 1.2}, {u".", 0}};
+    for (const auto& one : cases) EXPECT_DOUBLE_EQ(leading_number(one.text), one.number);
+    EXPECT_TRUE(std::isfinite(leading_number(std::u16string(300, u'9'))));
+    EXPECT_EQ(host_number(u"10.0.0.7"), 7);
+    EXPECT_EQ(host_number(u"10.0.0."), 0);
+    EXPECT_EQ(host_number(u"displays"), 0);
+}
+
+TEST(Rules, SixteenBitNumbersAreWholeAndInRange) {
+    const struct {
+        const char16_t* text;
+        std::int32_t number;
+    } good[] = {{u"32767", 32767}, {u"-32768", -32768}, {u" 20", 20}, {u"+7", 7}, {u"1.0", 1}, {u"1e2", 100}, {u"007", 7}};
+    for (const auto& one : good) EXPECT_EQ(to_int16(one.text), one.number);
+    for (const char16_t* text : {u"", u" ", u"x", u"1.5", u"1 2", u"--1", u"1,5", u"0x10"}) {
+        EXPECT_EQ(error_of([&] { to_int16(text); }), kTypeMismatch);
+    }
+    for (const char16_t* text : {u"32768", u"-32769", u"99999999999999999999", u"1e300"}) {
+        EXPECT_EQ(error_of([&] { to_int16(text); }), kOverflow);
+    }
+}
+
+TEST(Rules, SplittingLosesNothing) {
+    EXPECT_TRUE(split(u"", u',').empty());
+    EXPECT_EQ(split(u",", u','), (std::vector<std::u16string>{u"", u""}));
+    Texts texts(u"ab, ,");
+    for (int i = 0; i < kTries; ++i) {
+        const std::u16string text = texts.next();
+        std::u16string joined;
+        const auto pieces = split(text, u',');
+        for (std::size_t k = 0; k < pieces.size(); ++k) {
+            EXPECT_EQ(pieces[k].find(u','), std::u16string::npos);
+            joined += (k == 0 ? u"" : u",") + pieces[k];
+        }
+        EXPECT_EQ(joined, text);
+    }
+}
+
+TEST(Rules, BoardFamiliesByTypeTextAndByCode) {
+    EXPECT_TRUE(is_tq1_type_text(u"TQ-1 - Street"));
+    EXPECT_TRUE(is_tq1_type_text(u"tq-1 - "));
+    for (const char16_t* text : {u"", u"TQ-1", u"TQ-1 -", u"TQ-1 -x", u" TQ-1 - ", u"TQ-1  - "}) EXPECT_FALSE(is_tq1_type_text(text));
+    for (std::int32_t code = INT16_MIN; code <= INT16_MAX; ++code) {
+        EXPECT_EQ(IsTQ1SignType(static_cast<std::int16_t>(code)), code / 10 == 16) << code;
+    }
+}
+
+TEST(Rules, LanBoxesAreToldByTheFirstWordOfThree) {
+    EXPECT_EQ(lan_box_type(u"UDS before XPort"), u"XPort");
+    EXPECT_EQ(lan_box_type(u"MSS4 or UDS"), u"UDS");
+    EXPECT_EQ(lan_box_type(u"MSS"), u"MSS");
+    EXPECT_EQ(lan_box_type(u"xport uds mss"), u"Unknown");
+    EXPECT_EQ(lan_box_type(u""), u"Unknown");
+}
+
+TEST(Rules, PathsEndBeforeTheirLastBackslash) {
+    EXPECT_EQ(GetPathOnly(u"C:\\Firmware\\new.bin"), u"C:\\Firmware");
+    EXPECT_EQ(GetPathOnly(u"C:\\new.bin"), u"C:");
+    EXPECT_EQ(GetPathOnly(u"\\new.bin"), u"");
+    Texts texts(u"a\\/");
+    for (int i = 0; i < kTries; ++i) {
+        const std::u16string path = texts.next();
+        const std::u16string folder = GetPathOnly(path);
+        ASSERT_TRUE(path.starts_with(folder));
+        const std::u16string rest = path.substr(folder.size());
+        EXPECT_TRUE(rest.empty() ? path.find(u'\\') == std::u16string::npos : rest.rfind(u'\\') == 0);
+    }
+    const std::u16string longest(32767, u'a');
+    EXPECT_EQ(GetPathOnly(longest), longest);
+    EXPECT_EQ(error_of([&] { GetPathOnly(longest + u'a'); }), kOverflow);
+    EXPECT_EQ(GetPathOnly(u"C:\\" + longest + longest), u"C:") << "what follows the last backslash may be long";
+    EXPECT_EQ(error_of([&] { GetPathOnly(longest + u"\\x"); }), kOverflow);
+}
+
+}  // namespace
+}  // namespace vex
