@@ -1,0 +1,46 @@
+// The code page seam: the system's ANSI code page.
+#include "platform/code_page.h"
+
+#include <limits>
+
+#include "platform/win32/system.h"
+#include "platform/win32/windows_api.h"
+
+namespace vex::platform::win32 {
+namespace {
+
+int checked_length(std::size_t length) {
+    if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw RuntimeError(kOutOfMemory);
+    return static_cast<int>(length);
+}
+
+class AnsiCodePage final : public CodePage {
+public:
+    std::string to_ansi(std::u16string_view text) const override {
+        const int length = checked_length(text.size());
+        if (length == 0) return {};
+        const auto* source = reinterpret_cast<LPCWSTR>(text.data());
+        const int size = WideCharToMultiByte(CP_ACP, 0, source, length, nullptr, 0, nullptr, nullptr);
+        std::string bytes(static_cast<std::size_t>(size), '\0');
+        WideCharToMultiByte(CP_ACP, 0, source, length, bytes.data(), size, nullptr, nullptr);
+        return bytes;
+    }
+
+    std::u16string from_ansi(std::string_view bytes) const override {
+        const int size = checked_length(bytes.size());
+        if (size == 0) return {};
+        const int length = MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0);
+        std::u16string text(static_cast<std::size_t>(length), u'\0');
+        MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, wide(text), length);
+        return text;
+    }
+};
+
+}  // namespace
+
+const CodePage& code_page() {
+    static const AnsiCodePage instance;
+    return instance;
+}
+
+}  // namespace vex::platform::win32

@@ -1,0 +1,48 @@
+// The system's modern controls.
+#include "platform/win32/controls_context.h"
+
+#include <string>
+
+#include "platform/win32/system.h"
+
+namespace vex::platform::win32 {
+namespace {
+
+/// The manifest's context, made once and released with the module.
+class Manifest {
+public:
+    Manifest() noexcept {
+        ACTCTXW request = {};
+        request.cbSize = sizeof request;
+        request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+        request.hModule = module_instance();
+        // ISOLATIONAWARE_MANIFEST_RESOURCE_ID
+        request.lpResourceName = MAKEINTRESOURCEW(2);
+        context_ = CreateActCtxW(&request);
+    }
+    Manifest(const Manifest&) = delete;
+    Manifest& operator=(const Manifest&) = delete;
+    ~Manifest() {
+        if (exists()) ReleaseActCtx(context_);
+    }
+    bool exists() const noexcept { return context_ != INVALID_HANDLE_VALUE; }
+    HANDLE get() const noexcept { return context_; }
+
+private:
+    HANDLE context_;
+};
+
+}  // namespace
+
+ControlsContext::ControlsContext() noexcept {
+    static const Manifest manifest;
+    active_ = manifest.exists() && ActivateActCtx(manifest.get(), &cookie_);
+    const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&classes);
+}
+
+ControlsContext::~ControlsContext() {
+    if (active_) DeactivateActCtx(0, cookie_);
+}
+
+}  // namespace vex::platform::win32

@@ -1,0 +1,34 @@
+// What a modal form does to the other windows of its thread.
+#include "platform/win32/modal_scope.h"
+
+namespace vex::platform::win32 {
+
+ModalScope::ModalScope(HWND modal) {
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM parameter) noexcept -> BOOL {
+            if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+            try {
+                reinterpret_cast<std::vector<HWND>*>(parameter)->push_back(window);
+            } catch (...) {
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&disabled_));
+    std::erase(disabled_, modal);
+    for (const HWND window : disabled_) EnableWindow(window, FALSE);
+}
+
+ModalScope::~ModalScope() {
+    for (const HWND window : disabled_) {
+        if (IsWindow(window)) EnableWindow(window, TRUE);
+    }
+}
+
+FocusScope::~FocusScope() {
+    if (focus_ == nullptr || GetActiveWindow() != active_) return;
+    if (IsWindow(focus_) && IsWindowEnabled(focus_) && IsWindowVisible(focus_)) SetFocus(focus_);
+}
+
+}  // namespace vex::platform::win32
