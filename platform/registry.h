@@ -37,10 +37,14 @@ enum RegistryResult : std::int32_t {
     kFileNotFound = 2,
     kAccessDenied = 5,
     kInvalidHandle = 6,
+    kNotEnoughMemory = 8,
     kBadNetPath = 53,
     kInvalidParameter = 87,
+    kDiskFull = 112,
     kMoreData = 234,
     kNoMoreItems = 259,
+    kRegistryCorrupt = 1009,
+    kRegistryIoFailed = 1016,
     kKeyDeleted = 1018,
 };
 

@@ -1,0 +1,133 @@
+// The simulated computer's drives: folders of the real file system under drive letters.
+#include "platform/native/files.h"
+
+#include <algorithm>
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+#include "core/runtime_error.h"
+#include "core/unicode.h"
+
+namespace vex::platform::native {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kHiddenList[] = ".hidden";
+
+bool is_separator(char16_t c) { return c == u'\\' || c == u'/'; }
+
+/// The names of a path in order. "." and ".." are resolved; ".." stops at the drive's root.
+std::vector<std::u16string> components(std::u16string_view path) {
+    std::vector<std::u16string> names;
+    while (!path.empty()) {
+        const auto end = std::find_if(path.begin(), path.end(), is_separator);
+        const std::u16string_view name = path.substr(0, static_cast<std::size_t>(end - path.begin()));
+        path.remove_prefix(std::min(path.size(), name.size() + 1));
+        if (name == u"..") {
+            if (!names.empty()) names.pop_back();
+        } else if (!name.empty() && name != u".") {
+            names.emplace_back(name);
+        }
+    }
+    return names;
+}
+
+/// The entry of `folder` with this name in this or another case. The name as given when there is none.
+fs::path entry(const fs::path& folder, const std::u16string& name) {
+    const fs::path exact = folder / to_utf8(name);
+    std::error_code error;
+    if (fs::symlink_status(exact, error).type() != fs::file_type::not_found) return exact;
+    fs::path best;
+    for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+        const fs::path& candidate = it->path();
+        if (!equal_ignoring_case(from_utf8(candidate.filename().native()), name)) continue;
+        // A folder lists its entries in any order; the answer should not depend on it.
+        if (best.empty() || candidate < best) best = candidate;
+    }
+    return best.empty() ? exact : best;
+}
+
+std::vector<std::string> read_hidden_names(const fs::path& folder) {
+    std::vector<std::string> names;
+    std::ifstream list(folder / kHiddenList);
+    for (std::string line; std::getline(list, line);) names.push_back(line);
+    return names;
+}
+
+bool is_hidden(const fs::path& file) {
+    const std::string name = file.filename().native();
+    if (name.starts_with('.')) return true;
+    const std::vector<std::string> hidden = read_hidden_names(file.parent_path());
+    return std::find(hidden.begin(), hidden.end(), name) != hidden.end();
+}
+
+/// The rest of `file` below `folder`, or nothing when it lies elsewhere.
+bool lies_below(const fs::path& file, const fs::path& folder, fs::path& rest) {
+    const auto [at_folder, at_file] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
+    if (at_folder != folder.end()) return false;
+    rest.clear();
+    for (auto it = at_file; it != file.end(); ++it) rest /= *it;
+    return true;
+}
+
+}  // namespace
+
+bool DriveFiles::ordinary_file_exists(const std::u16string& path) {
+    if (path.empty() || is_separator(path.back())) return false;
+    const fs::path file = real_path(path);
+    std::error_code error;
+    return !file.empty() && fs::is_regular_file(file, error) && !is_hidden(file);
+}
+
+fs::path DriveFiles::real_path(const std::u16string& path) const {
+    if (path.size() < 2 || path[1] != u':' || path.find(u'\0') != std::u16string::npos) return {};
+    const char16_t letter = to_upper(path[0]);
+    if (letter < u'A' || letter > u'Z') return {};
+
+    fs::path file;
+    if (letter == u'Z') {
+        file = "/";
+    } else {
+        if (folder_.empty()) return {};
+        file = folder_ / (std::string("drive_") + static_cast<char>(letter - u'A' + u'a'));
+        std::error_code error;
+        if (!fs::is_directory(file, error)) return {};
+    }
+    for (const std::u16string& name : components(std::u16string_view(path).substr(2))) file = entry(file, name);
+    return file;
+}
+
+std::u16string DriveFiles::drive_path(const fs::path& file) const {
+    const fs::path whole = fs::absolute(file).lexically_normal();
+    std::u16string result = u"Z:";
+    fs::path rest = whole.relative_path();
+    fs::path below;
+    if (!folder_.empty() && lies_below(whole, folder_, below) && !below.empty()) {
+        const std::string drive = below.begin()->native();
+        if (drive.starts_with("drive_") && drive.size() == 7 && drive[6] >= 'a' && drive[6] < 'z') {
+            result[0] = static_cast<char16_t>(drive[6] - 'a' + u'A');
+            lies_below(below, drive, rest);
+        }
+    }
+    for (const fs::path& name : rest) {
+        if (!name.empty()) result += u'\\' + from_utf8(name.native());
+    }
+    if (result.size() == 2) result += u'\\';
+    return result;
+}
+
+void DriveFiles::set_hidden(const std::u16string& path, bool hidden) const {
+    const fs::path file = real_path(path);
+    const std::string name = file.filename().native();
+    std::vector<std::string> names = read_hidden_names(file.parent_path());
+    std::erase(names, name);
+    if (hidden) names.push_back(name);
+    std::ofstream list(file.parent_path() / kHiddenList, std::ios::trunc);
+    for (const std::string& each : names) list << each << '\n';
+    list.close();
+    if (file.empty() || !list) throw RuntimeError(kAutomationError, u"The hidden files of " + path + u" cannot be listed");
+}
+
+}  // namespace vex::platform::native

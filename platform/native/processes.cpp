@@ -1,0 +1,23 @@
+// Outside programs on the simulated computer: they are told of, and never started for real.
+#include "platform/native/processes.h"
+
+namespace vex::platform::native {
+
+void SimulatedProcesses::set_listener(Listener listener) {
+    const std::lock_guard lock(mutex_);
+    listener_ = std::move(listener);
+}
+
+bool SimulatedProcesses::start(const std::u16string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(files_.real_path(path), error)) return false;
+    Listener listener;
+    {
+        const std::lock_guard lock(mutex_);
+        listener = listener_;
+    }
+    if (listener) listener(path);
+    return true;
+}
+
+}  // namespace vex::platform::native

@@ -1,0 +1,167 @@
+// The keys and values of a registry in memory.
+#include "platform/native/registry_tree.h"
+
+#include <algorithm>
+
+#include "platform/registry.h"
+
+namespace vex::platform::native {
+namespace {
+
+struct Root {
+    std::int32_t handle;
+    const char16_t* name;
+};
+
+constexpr Root kClasses = {kHkeyClassesRoot, u"HKEY_CLASSES_ROOT"};
+constexpr char16_t kClassesPath[] = u"Software\\Classes";
+constexpr Root kRoots[] = {
+    {kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"},
+    {kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
+    {kHkeyUsers, u"HKEY_USERS"},
+    {static_cast<std::int32_t>(0x80000005U), u"HKEY_CURRENT_CONFIG"},
+};
+
+/// About what a value takes in the text: hexadecimal bytes take three characters each.
+std::size_t text_size(const RegistryValue& value) {
+    const std::size_t data_size = value.type == kRegSz ? value.data.size() / 2 : value.data.size() * 3;
+    return value.name.size() + data_size + 4;
+}
+
+RegistryNode& create(RegistryNode& from, std::u16string_view path) {
+    const std::u16string_view name = take_name(path);
+    if (name.empty()) return from;
+    RegistryNode* node = from.subkeys.find(name);
+    if (node == nullptr) {
+        auto created = std::make_shared<RegistryNode>();
+        created->name = name;
+        created->parent = &from;
+        node = &from.subkeys.add(std::move(created));
+    }
+    return create(*node, path);
+}
+
+/// Marks a key and all below it as deleted. Returns about what they took in the text.
+std::size_t detach(RegistryNode& node) {
+    std::size_t size = node.name.size();
+    for (const auto& value : node.values) size += text_size(*value);
+    for (const auto& subkey : node.subkeys) size += detach(*subkey);
+    node.parent = nullptr;
+    node.deleted = true;
+    return size;
+}
+
+}  // namespace
+
+std::u16string_view take_name(std::u16string_view& path) {
+    const auto skip_separators = [&path] { path.remove_prefix(std::min(path.size(), path.find_first_not_of(u'\\'))); };
+    skip_separators();
+    const std::u16string_view name = path.substr(0, path.find(u'\\'));
+    path.remove_prefix(name.size());
+    skip_separators();
+    return name;
+}
+
+bool is_registry_root(std::u16string_view name) {
+    return equal_ignoring_case(name, kClasses.name) ||
+           std::any_of(std::begin(kRoots), std::end(kRoots),
+                       [name](const Root& root) { return equal_ignoring_case(name, root.name); });
+}
+
+std::u16string RegistryNode::path() const { return parent == nullptr ? name : parent->path() + u'\\' + name; }
+
+RegistryNode* RegistryNode::find(std::u16string_view path) {
+    RegistryNode* node = this;
+    for (auto next = take_name(path); node != nullptr && !next.empty(); next = take_name(path)) {
+        node = node->subkeys.find(next);
+    }
+    return node;
+}
+
+RegistryTree::RegistryTree() {
+    for (const Root& root : kRoots) {
+        auto node = std::make_shared<RegistryNode>();
+        node->name = root.name;
+        roots_.add(std::move(node));
+    }
+    classes_ = &create(*root(kHkeyLocalMachine), kClassesPath);
+}
+
+RegistryTree::~RegistryTree() {
+    // Open handles may outlive the tree.
+    for (const auto& root : roots_) detach(*root);
+}
+
+RegistryNode* RegistryTree::root(std::int32_t handle) const {
+    if (handle == kClasses.handle) return classes_;
+    const auto* found = std::find_if(std::begin(kRoots), std::end(kRoots),
+                                     [handle](const Root& root) { return root.handle == handle; });
+    return found == std::end(kRoots) ? nullptr : roots_.find(found->name);
+}
+
+RegistryNode* RegistryTree::find_root(std::u16string_view name) const {
+    return equal_ignoring_case(name, kClasses.name) ? classes_ : roots_.find(name);
+}
+
+RegistryNode* RegistryTree::find(std::u16string_view path) const {
+    RegistryNode* root = find_root(take_name(path));
+    return root == nullptr ? nullptr : root->find(path);
+}
+
+void RegistryTree::key(std::u16string_view path) {
+    RegistryNode* root = find_root(take_name(path));
+    current_ = root == nullptr ? nullptr : &create(*root, path);
+}
+
+void RegistryTree::key_deleted(std::u16string_view path) {
+    current_ = nullptr;
+    if (RegistryNode* node = find(path)) remove(*node);
+}
+
+void RegistryTree::remove(RegistryNode& node) {
+    if (node.parent == nullptr) {
+        // A root stays and loses what it has.
+        while (node.subkeys.size() > 0) remove(*node.subkeys[node.subkeys.size() - 1]);
+        for (const auto& value : node.values) superseded_size_ += text_size(*value);
+        node.values = {};
+    } else {
+        RegistryNode& parent = *node.parent;
+        const std::shared_ptr<RegistryNode> kept = node.shared_from_this();
+        parent.subkeys.remove(node);
+        superseded_size_ += detach(node);
+    }
+    if (classes_->deleted) classes_ = &create(*root(kHkeyLocalMachine), kClassesPath);
+}
+
+void RegistryTree::value(RegistryValue value) {
+    if (current_ == nullptr) return;
+    if (RegistryValue* old = current_->values.find(value.name)) {
+        superseded_size_ += text_size(*old);
+        // The name keeps the case in which it came first.
+        old->type = value.type;
+        old->data = std::move(value.data);
+    } else {
+        current_->values.add(std::make_unique<RegistryValue>(std::move(value)));
+    }
+}
+
+void RegistryTree::value_deleted(std::u16string_view name) {
+    RegistryValue* value = current_ == nullptr ? nullptr : current_->values.find(name);
+    if (value == nullptr) return;
+    superseded_size_ += text_size(*value);
+    current_->values.remove(*value);
+}
+
+void RegistryTree::tell_node(const RegistryNode& node, const std::u16string& path, RegistryChanges& changes) const {
+    // A key above others is told of by them, and one that always exists by nobody.
+    const bool untold = node.subkeys.size() == 0 && !is_permanent(node);
+    if (node.values.size() > 0 || untold) changes.key(path);
+    for (const auto& value : node.values) changes.value(*value);
+    for (const auto& subkey : node.subkeys) tell_node(*subkey, path + u'\\' + subkey->name, changes);
+}
+
+void RegistryTree::tell(RegistryChanges& changes) const {
+    for (const auto& root : roots_) tell_node(*root, root->name, changes);
+}
+
+}  // namespace vex::platform::native
