@@ -395,5 +395,11 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** info) noexcept;
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) noexcept;
 HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info) noexcept;
 
+// What an in-process server exports.
+HRESULT DllCanUnloadNow();
+HRESULT DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object);
+HRESULT DllRegisterServer();
+HRESULT DllUnregisterServer();
+
 }  // extern "C"
 #pragma GCC visibility pop

@@ -1,0 +1,31 @@
+// The name of the company under whose label the host is sold.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "support/registry_routines.h"
+
+namespace vex {
+
+class clsDynamicLabeling {
+public:
+    /// Both outlive the object.
+    clsDynamicLabeling(platform::Registry& registry, const platform::CodePage& code_page) noexcept
+        : registry_(registry), code_page_(code_page) {}
+
+    /// The private label's company, or the maker's name where the host has no private label. Read afresh at
+    /// every call. Raises kTypeMismatch for a label that is no text.
+    const std::u16string& CompanyName();
+
+private:
+    RegistryRoutines& routines();
+
+    platform::Registry& registry_;
+    const platform::CodePage& code_page_;
+    /// Made on first use.
+    std::optional<RegistryRoutines> routines_;
+    std::u16string company_name_;
+};
+
+}  // namespace vex

@@ -1,0 +1,89 @@
+// The catalogue class.
+#include "plugin/plugin_data.h"
+
+#include <exception>
+#include <iterator>
+#include <limits>
+
+#include "core/runtime_error.h"
+#include "plugin/composition.h"
+#include "plugin/features.h"
+#include "plugin/module.h"
+
+namespace vex::plugin {
+namespace {
+
+/// Element `index` of a table. Negative indexes are large ones.
+const std::u16string& element(const ModuleData::Table& table, SHORT index) {
+    const auto position = static_cast<std::uint32_t>(std::int32_t{index});
+    if (position >= table.size()) throw RuntimeError(kSubscriptOutOfRange);
+    return table[position];
+}
+
+std::int16_t icon_of(SHORT index) {
+    const int id = kFirstIcon + index;
+    if (id > std::numeric_limits<std::int16_t>::max()) throw RuntimeError(kOverflow);
+    return static_cast<std::int16_t>(id);
+}
+
+HRESULT give_element(const ModuleData::Table ModuleData::*table, SHORT index, BSTR* result) noexcept {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    return guarded_method(kPluginDataInterface.id,
+                          [&] { *result = com::allocate_bstr(element(module_data().*table, index)); });
+}
+
+constexpr MemberCall<IPluginData> kCalls[] = {
+    [](IPluginData& object, const Arguments&, VARIANT& result) { return object.get_TotalPlugins(&result.iVal); },
+    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
+        return object.get_PluginNames(arguments.int16(0), &result.bstrVal);
+    },
+    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
+        return object.get_PluginDescription(arguments.int16(0), &result.bstrVal);
+    },
+    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
+        return object.get_PluginPic(arguments.int16(0), reinterpret_cast<IPictureDisp**>(&result.pdispVal));
+    },
+    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
+        return object.get_PluginDescriptiveName(arguments.int16(0), &result.bstrVal);
+    },
+};
+static_assert(std::size(kCalls) == std::size(kPluginDataMembers));
+
+}  // namespace
+
+PluginData::PluginData() : AutomationObject(module_lifetime()) {}
+
+std::span<const MemberCall<IPluginData>> PluginData::calls() noexcept { return kCalls; }
+
+HRESULT PluginData::get_TotalPlugins(SHORT* result) noexcept {
+    if (result == nullptr) return E_POINTER;
+    *result = static_cast<SHORT>(std::tuple_size_v<ModuleData::Table>);
+    return S_OK;
+}
+
+HRESULT PluginData::get_PluginNames(SHORT iIndex, BSTR* result) noexcept {
+    return give_element(&ModuleData::sPluginNames, iIndex, result);
+}
+
+HRESULT PluginData::get_PluginDescription(SHORT iIndex, BSTR* result) noexcept {
+    return give_element(&ModuleData::sPluginDescriptions, iIndex, result);
+}
+
+HRESULT PluginData::get_PluginDescriptiveName(SHORT iIndex, BSTR* result) noexcept {
+    return give_element(&ModuleData::sPluginDescriptiveNames, iIndex, result);
+}
+
+HRESULT PluginData::get_PluginPic(SHORT iIndex, IPictureDisp** result) noexcept {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    return guarded_method(kPluginDataInterface.id, [&] {
+        try {
+            *result = pictures().load_icon(icon_of(iIndex)).detach();
+        } catch (const std::exception&) {
+            // No picture, and no error: the contract of this property.
+        }
+    });
+}
+
+}  // namespace vex::plugin

@@ -1,0 +1,25 @@
+// The catalogue class: what the host learns of the features that the library contributes.
+#pragma once
+
+#include "plugin/dispatch.h"
+#include "plugin/interfaces.h"
+
+namespace vex::plugin {
+
+class PluginData final : public AutomationObject<PluginData, IPluginData> {
+public:
+    PluginData();
+
+    static const Interface& description() noexcept { return kPluginDataInterface; }
+    static std::span<const MemberCall<IPluginData>> calls() noexcept;
+
+    HRESULT STDMETHODCALLTYPE get_TotalPlugins(SHORT* result) noexcept override;
+    // The three texts: an index other than 0 raises 9.
+    HRESULT STDMETHODCALLTYPE get_PluginNames(SHORT iIndex, BSTR* result) noexcept override;
+    HRESULT STDMETHODCALLTYPE get_PluginDescription(SHORT iIndex, BSTR* result) noexcept override;
+    HRESULT STDMETHODCALLTYPE get_PluginDescriptiveName(SHORT iIndex, BSTR* result) noexcept override;
+    /// An index without a picture answers an empty picture and no error, unlike the texts; hosts depend on both.
+    HRESULT STDMETHODCALLTYPE get_PluginPic(SHORT iIndex, IPictureDisp** result) noexcept override;
+};
+
+}  // namespace vex::plugin

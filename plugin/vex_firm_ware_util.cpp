@@ -1,0 +1,85 @@
+// The entry class.
+#include "plugin/vex_firm_ware_util.h"
+
+#include <iterator>
+
+#include "plugin/composition.h"
+#include "plugin/features.h"
+#include "plugin/module.h"
+#include "wizard/dlg_firmware_wizard.h"
+
+namespace vex::plugin {
+namespace {
+
+HRESULT give_first(const ModuleData::Table ModuleData::*table, BSTR* result) noexcept {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    return guarded_method(kFirmWareUtilInterface.id,
+                          [&] { *result = com::allocate_bstr((module_data().*table).front()); });
+}
+
+HRESULT give_false(VARIANT_BOOL* result) noexcept {
+    if (result == nullptr) return E_POINTER;
+    *result = VARIANT_FALSE;
+    return S_OK;
+}
+
+using Target = IvexFirmWareUtil;
+
+constexpr MemberCall<Target> kCalls[] = {
+    [](Target& object, const Arguments& arguments, VARIANT&) { return object.StartPlugin(arguments.object(0)); },
+    [](Target& object, const Arguments&, VARIANT& result) { return object.DoesFrameEdit(&result.boolVal); },
+    [](Target& object, const Arguments& arguments, VARIANT&) { return object.StartFrameFeature(arguments.object(0)); },
+    [](Target& object, const Arguments&, VARIANT& result) { return object.DoesPreTransmit(&result.boolVal); },
+    [](Target& object, const Arguments& arguments, VARIANT&) { return object.StartPreTransmit(arguments.object(0)); },
+    [](Target& object, const Arguments&, VARIANT& result) { return object.GetMyName(&result.bstrVal); },
+    [](Target& object, const Arguments&, VARIANT& result) { return object.GetMyDescription(&result.bstrVal); },
+    [](Target& object, const Arguments&, VARIANT& result) {
+        return object.GetMyPicture(reinterpret_cast<IPictureDisp**>(&result.pdispVal));
+    },
+    [](Target& object, const Arguments&, VARIANT& result) { return object.GetMyDescriptiveName(&result.bstrVal); },
+};
+static_assert(std::size(kCalls) == std::size(kFirmWareUtilMembers));
+
+}  // namespace
+
+vexFirmWareUtil::vexFirmWareUtil() : AutomationObject(module_lifetime()) {}
+
+std::span<const MemberCall<IvexFirmWareUtil>> vexFirmWareUtil::calls() noexcept { return kCalls; }
+
+HRESULT vexFirmWareUtil::run_wizard() noexcept {
+    // The host may release the object while the wizard is open; the library must stay all the same.
+    const com::ComPtr<IvexFirmWareUtil> alive(this);
+    return guarded_method(kFirmWareUtilInterface.id, [] {
+        dlgFirmwareWizard wizard(services(), show_about);
+        wizard.show_modal();
+    });
+}
+
+HRESULT vexFirmWareUtil::StartPlugin(IDispatch** /*bActive*/) noexcept { return run_wizard(); }
+
+HRESULT vexFirmWareUtil::StartFrameFeature(IDispatch** /*fMyFrm*/) noexcept { return run_wizard(); }
+
+HRESULT vexFirmWareUtil::StartPreTransmit(IDispatch** /*vexObject*/) noexcept { return S_OK; }
+
+HRESULT vexFirmWareUtil::DoesFrameEdit(VARIANT_BOOL* result) noexcept { return give_false(result); }
+
+HRESULT vexFirmWareUtil::DoesPreTransmit(VARIANT_BOOL* result) noexcept { return give_false(result); }
+
+HRESULT vexFirmWareUtil::GetMyName(BSTR* result) noexcept { return give_first(&ModuleData::sPluginNames, result); }
+
+HRESULT vexFirmWareUtil::GetMyDescription(BSTR* result) noexcept {
+    return give_first(&ModuleData::sPluginDescriptions, result);
+}
+
+HRESULT vexFirmWareUtil::GetMyDescriptiveName(BSTR* result) noexcept {
+    return give_first(&ModuleData::sPluginDescriptiveNames, result);
+}
+
+HRESULT vexFirmWareUtil::GetMyPicture(IPictureDisp** result) noexcept {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    return guarded_method(kFirmWareUtilInterface.id, [result] { *result = pictures().load_icon(kFirstIcon).detach(); });
+}
+
+}  // namespace vex::plugin
