@@ -1,0 +1,47 @@
+// Where the controls of a form stand on the character grid.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "forms/form.h"
+#include "platform/native/terminal/geometry.h"
+
+namespace vex::platform::native::terminal {
+
+/// Twips of one cell.
+struct Scale {
+    forms::Twips column = 100;
+    forms::Twips row = 195;
+
+    friend bool operator==(const Scale&, const Scale&) = default;
+};
+
+/// The smallest terminal that the dialogs are drawn on.
+inline constexpr Size kSmallestTerminal{80, 24};
+
+/// The scale for a terminal: coarse enough for the smallest one, and finer where there is room. It is the
+/// same for all forms, so that they keep their proportions to each other.
+Scale scale_for(Size terminal) noexcept;
+
+/// A control on the grid, in cells of the form's client area.
+struct PlacedControl {
+    forms::Control* control = nullptr;
+    /// Its place. Where a text needs more room than its control has, and there is some, the place is larger.
+    Area cells;
+    /// The part of the client area that its containers leave to it.
+    Area clip;
+    /// The lines of its text, for labels, buttons, option buttons and check boxes; mnemonics taken out.
+    std::vector<std::u32string> lines;
+};
+
+/// The cells of a form's client area.
+Size client_size(const forms::Form& form, const Scale& scale) noexcept;
+
+/// The reachable controls of `form` in drawing order; no tab containers and host controls.
+std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale);
+
+/// The cells that the brackets and marks around a control's text take.
+int adornment_width(forms::ControlKind kind) noexcept;
+
+}  // namespace vex::platform::native::terminal

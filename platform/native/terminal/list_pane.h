@@ -1,0 +1,67 @@
+// A list view on the character grid: where its rows and columns stand, and how it is drawn.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "forms/controls.h"
+#include "platform/native/terminal/canvas.h"
+#include "platform/native/terminal/layout.h"
+
+namespace vex::platform::native::terminal {
+
+/// The character that stands for an icon, by the icon's resource name.
+using IconCharacters = std::map<std::string, char32_t, std::less<>>;
+
+/// How far a list view is scrolled.
+struct ListScroll {
+    std::size_t top = 0;
+    /// Cells that are scrolled out to the left.
+    int left = 0;
+};
+
+/// For one use: a pane must not outlive the list, nor a change of its rows.
+class ListPane {
+public:
+    /// Brings `scroll` into the list's range.
+    ListPane(const forms::ListView& list, const Area& cells, const Scale& scale, ListScroll& scroll);
+
+    /// The number of rows that can be seen at once.
+    std::size_t page() const noexcept { return page_; }
+    /// The row shown at a row of the grid.
+    std::optional<std::size_t> row_at(int row) const noexcept;
+    /// The row of the grid at which a row of the list is shown; it may lie outside of the pane.
+    int place_of(std::size_t row) const noexcept;
+    bool on_scroll_bar(Point at) const noexcept;
+
+    /// Scrolls as little as it needs to show `row`.
+    void reveal(std::size_t row) noexcept;
+    void scroll_rows(std::ptrdiff_t rows) noexcept;
+    void scroll_columns(int cells) noexcept;
+
+    void paint(Canvas& canvas, bool focused, const IconCharacters& icons) const;
+
+private:
+    void limit() noexcept;
+    int widest_last_cell() const;
+    bool overflows() const noexcept { return list_.row_count() > page_; }
+    int view_width() const noexcept { return cells_.width() - (overflows() ? 1 : 0); }
+    /// The cells before the text of the first column: the mark of the selection and the icon.
+    int gutter() const noexcept { return list_.small_icons != nullptr ? 3 : 1; }
+    void paint_header(Canvas& canvas, bool focused) const;
+    void paint_row(Canvas& canvas, std::size_t row, bool focused, const IconCharacters& icons) const;
+    void paint_scroll_bar(Canvas& canvas) const;
+
+    const forms::ListView& list_;
+    Area cells_;
+    ListScroll& scroll_;
+    std::size_t page_;
+    /// Widths in cells, with the blank between columns.
+    std::vector<int> widths_;
+};
+
+}  // namespace vex::platform::native::terminal

@@ -1,0 +1,39 @@
+// Signals while the terminal is in use: a request to end and a new size are read like input, and whatever
+// kills the process leaves the terminal as it was.
+#pragma once
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace vex::platform::native::terminal {
+
+/// At most one at a time; the former handlers are back after it.
+class SignalWatch {
+public:
+    enum class Event { none, resized, ended };
+
+    SignalWatch();
+    SignalWatch(const SignalWatch&) = delete;
+    SignalWatch& operator=(const SignalWatch&) = delete;
+    ~SignalWatch();
+
+    /// Bytes that bring the terminal back, written when the process is killed by its own fault or is asked
+    /// a second time to end. The modes of the terminal are those of the construction.
+    void set_farewell(const std::string& bytes) noexcept;
+    /// Can be read when there is an event.
+    int descriptor() const noexcept;
+    Event next() noexcept;
+
+private:
+    struct Former {
+        int signal;
+        struct sigaction action;
+    };
+
+    void handle(int signal, void (*handler)(int));
+
+    std::vector<Former> former_;
+};
+
+}  // namespace vex::platform::native::terminal
