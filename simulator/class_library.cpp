@@ -1,0 +1,158 @@
+// The simulated host's class library.
+#include "simulator/class_library.h"
+
+#include "core/runtime_error.h"
+#include "core/unicode.h"
+#include "simulator/screen.h"
+
+namespace vex::sim {
+namespace {
+
+constexpr char16_t kDisplayFile[] = u"Displays.dat";
+
+// The error numbers of file trouble that automation clients know.
+constexpr std::int32_t kFileNotFound = 53;
+constexpr std::int32_t kInvalidFileFormat = 321;
+
+std::u16string decimal(std::int16_t number) { return from_utf8(std::to_string(number)); }
+
+com::Variant nothing() noexcept { return {}; }
+
+}  // namespace
+
+// ---- Display list -------------------------------------------------------------------------------------
+
+std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
+    using List = HostDisplayList;
+    constexpr WORD kGet = DISPATCH_PROPERTYGET;
+    static constexpr Member<List> kMembers[] = {
+        {u"ComPort", 1, kGet, &get<&Display::port>},
+        {u"ComBaud", 2, kGet, &get<&Display::baud>},
+        {u"SignTypeCode", 3, kGet, &get<&Display::code>},
+        {u"ConnectionType", 4, kGet,
+         [](List& list, const Arguments&) { return com::Variant::int16(list.current().connection); }},
+        {u"NetworkAddress", 5, kGet, &get<&Display::address>},
+        {u"PhoneNumber", 6, kGet, &get<&Display::phone>},
+        {u"SignIDs", 7, kGet, &get<&Display::ids>},
+        {u"DisplayName", 8, kGet, &get<&Display::name>},
+        {u"SelectDisplay", 9, DISPATCH_METHOD,
+         [](List& list, const Arguments& arguments) {
+             list.select(arguments.int32(0));
+             return nothing();
+         },
+         {VT_I4}},
+        {u"OpenDisplayFile", 10, DISPATCH_METHOD,
+         [](List& list, const Arguments& arguments) {
+             list.open(arguments.text(0));
+             return nothing();
+         },
+         {VT_BSTR}},
+        {u"FindDisplay", 11, DISPATCH_METHOD,
+         [](List& list, const Arguments& arguments) { return com::Variant::int32(list.find(arguments.text(0))); },
+         {VT_BSTR}},
+        {u"DisplayTypeName", 12, kGet, &get<&Display::type>},
+        {u"FirmwareVersion", 13, kGet, &get<&Display::version>},
+    };
+    return kMembers;
+}
+
+void HostDisplayList::open(const std::u16string& file_name) {
+    if (!equal_ignoring_case(file_name, kDisplayFile)) {
+        throw RuntimeError(kFileNotFound, u"File not found: " + file_name);
+    }
+    try {
+        host_.save_displays();
+        displays_ = Displays::load(host_.display_file);
+        current_ = 0;
+    } catch (const TextError& error) {
+        throw RuntimeError(kInvalidFileFormat, from_utf8(error.what()));
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw RuntimeError(kFileNotFound, std::u16string(kDisplayFile) + u": " + from_utf8(error.code().message()));
+    }
+}
+
+std::int32_t HostDisplayList::find(const std::u16string& name) const {
+    const auto index = displays_.find(name);
+    return index ? static_cast<std::int32_t>(*index) + 1 : 0;
+}
+
+void HostDisplayList::select(std::int32_t handle) {
+    if (handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size()) current_ = static_cast<std::size_t>(handle) - 1;
+}
+
+const Display& HostDisplayList::current() const {
+    static const Display kNone{.name{}, .type{}, .code{}, .port{}, .baud{}, .phone{}, .connection = 0, .address{}, .ids{},
+                               .version{}};
+    if (current_ >= displays_.size()) return kNone;
+    const Display& display = displays_.at(current_);
+    host_.display_asked_about = display.name;
+    return display;
+}
+
+// ---- Display picker -----------------------------------------------------------------------------------
+
+std::span<const Member<HostDisplayPicker>> HostDisplayPicker::members() noexcept {
+    static constexpr Member<HostDisplayPicker> kMembers[] = {
+        {u"ShowDisplayPicker", 1, DISPATCH_METHOD,
+         [](HostDisplayPicker& picker, const Arguments&) { return com::Variant::text(picker.host_.choose_displays()); }},
+    };
+    return kMembers;
+}
+
+// ---- Connection settings ------------------------------------------------------------------------------
+
+std::span<const Member<HostConnection>> HostConnection::members() noexcept {
+    constexpr WORD kPut = DISPATCH_PROPERTYPUT;
+    static constexpr Member<HostConnection> kMembers[] = {
+        {u"ConnectionType", 1, kPut, &put_number<&ConnectionSettings::connection_type>, {VT_I2}},
+        {u"ComPort", 2, kPut, &put_text<&ConnectionSettings::com_port>, {VT_BSTR}},
+        {u"PhoneNumber", 3, kPut, &put_text<&ConnectionSettings::phone_number>, {VT_BSTR}},
+        {u"NetworkAddress", 4, kPut, &put_text<&ConnectionSettings::network_address>, {VT_BSTR}},
+        {u"ComBaud", 5, kPut, &put_text<&ConnectionSettings::com_baud>, {VT_BSTR}},
+        {u"SignID", 6, kPut, &put_number<&ConnectionSettings::sign_id>, {VT_I2}},
+    };
+    return kMembers;
+}
+
+std::u16string ConnectionSettings::describe() const {
+    std::u16string line;
+    const auto add = [&line](std::u16string_view key, const std::u16string& value) {
+        line.append(line.empty() ? u"" : u" ").append(key).append(u"=").append(value);
+    };
+    if (connection_type) add(u"ConnectionType", decimal(*connection_type));
+    if (com_port) add(u"ComPort", in_quotes(*com_port));
+    if (phone_number) add(u"PhoneNumber", in_quotes(*phone_number));
+    if (network_address) add(u"NetworkAddress", in_quotes(*network_address));
+    if (com_baud) add(u"ComBaud", in_quotes(*com_baud));
+    if (sign_id) add(u"SignID", decimal(*sign_id));
+    return line;
+}
+
+std::u16string ConnectionSettings::line() const {
+    return connection_line(connection_type.value_or(0), com_port.value_or(u""), com_baud.value_or(u""),
+                           phone_number.value_or(u""), network_address.value_or(u""));
+}
+
+// ---- Sign information ---------------------------------------------------------------------------------
+
+std::span<const Member<HostSignInfo>> HostSignInfo::members() noexcept {
+    using Info = HostSignInfo;
+    constexpr WORD kGet = DISPATCH_PROPERTYGET;
+    static constexpr Member<Info> kMembers[] = {
+        {u"HasSlaves", 1, kGet,
+         [](Info& info, const Arguments&) { return com::Variant::boolean(info.slaves_.has_value()); }},
+        {u"SlaveCountY", 2, kGet,
+         [](Info& info, const Arguments&) { return com::Variant::int16(info.slaves_.value_or(SlaveCounts()).y); }},
+        {u"SlaveCountX", 3, kGet,
+         [](Info& info, const Arguments&) { return com::Variant::int16(info.slaves_.value_or(SlaveCounts()).x); }},
+    };
+    return kMembers;
+}
+
+std::u16string HostSignInfo::describe() const {
+    const SlaveCounts counts = slaves_.value_or(SlaveCounts());
+    return u"HasSlaves=" + shown_boolean(slaves_.has_value()) + u" SlaveCountY=" + decimal(counts.y) + u" SlaveCountX=" +
+           decimal(counts.x);
+}
+
+}  // namespace vex::sim

@@ -1,0 +1,53 @@
+// The command line of the simulated host.
+#include "simulator/command_line.h"
+
+#include "simulator/scenario.h"
+
+namespace vex::sim {
+
+CommandLine parse_command_line(std::span<const std::string> arguments) {
+    CommandLine line;
+    bool runs = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& word = arguments[i];
+        const auto value = [&]() -> const std::string& {
+            if (i + 1 == arguments.size()) throw std::invalid_argument(word + " needs a value");
+            return arguments[++i];
+        };
+        if (word == "--help" || word == "-h") {
+            line.help = true;
+        } else if (word == "--quiet") {
+            line.quiet = true;
+        } else if (word == "--data") {
+            line.data = value();
+        } else if (word == "--plugin") {
+            line.plugin = value();
+        } else if (word == "run" && !runs) {
+            runs = true;
+        } else if (runs && !line.scenario && (word == "-" || word.substr(0, 1) != "-")) {
+            line.scenario = word;
+        } else {
+            throw std::invalid_argument("\"" + word + "\" is not understood");
+        }
+    }
+    if (runs && !line.scenario && !line.help) throw std::invalid_argument("run needs a scenario file");
+    return line;
+}
+
+std::string usage() {
+    return "brivola-sim: a simulated host with displays, for the firmware plug-in\n"
+           "\n"
+           "  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace\n"
+           "  brivola-sim            plays the sample scenario\n"
+           "\n"
+           "  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own\n"
+           "  --plugin PATH  the plug-in's library; without it the one beside this program\n"
+           "  --quiet        prints no trace, only what the scenario shows\n"
+           "\n"
+           "Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage.\n"
+           "\n"
+           "Statements, one a line (# begins a comment):\n" +
+           statement_reference();
+}
+
+}  // namespace vex::sim

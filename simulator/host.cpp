@@ -1,0 +1,25 @@
+// What the simulated host's objects share.
+#include "simulator/host.h"
+
+#include <utility>
+
+namespace vex::sim {
+
+void Host::put_display(Display display) {
+    units.clear_hardware(display.name);
+    displays.put(std::move(display));
+    displays_changed = true;
+}
+
+void Host::save_displays() {
+    if (!std::exchange(displays_changed, false)) return;
+    std::filesystem::create_directories(display_file.parent_path());
+    displays.save(display_file);
+}
+
+std::optional<std::size_t> Host::display_on_line(const std::u16string& line) const {
+    const auto asked = displays.find(display_asked_about);
+    return asked && displays.at(*asked).line() == line ? asked : displays.first_on_line(line);
+}
+
+}  // namespace vex::sim

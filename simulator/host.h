@@ -1,0 +1,53 @@
+// What the simulated host's objects share: its displays and their units, its links, and its surroundings.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "com/object.h"
+#include "simulator/computer.h"
+#include "simulator/displays.h"
+#include "simulator/link_script.h"
+#include "simulator/trace.h"
+#include "simulator/units.h"
+
+namespace vex::sim {
+
+/// One per run; outlives the objects made from it. Used on the host's thread only.
+struct Host {
+    Host(Trace& shown_trace, Computer& own_computer) noexcept : trace(shown_trace), computer(own_computer) {}
+
+    Trace& trace;
+    Computer& computer;
+    /// Counts the host's own living objects.
+    com::ModuleLifetime lifetime;
+
+    /// The displays as they stand in the world; the file at `display_file` is what the host knows of them.
+    Displays displays;
+    std::filesystem::path display_file;
+    bool displays_changed = false;
+    Units units;
+    LinkScript links;
+
+    /// The host's selection dialog: display names joined by ",".
+    std::function<std::u16string()> choose_displays;
+    /// Told how many bytes went over a link, so that a link can take its time; may be empty.
+    std::function<void(std::size_t bytes)> on_transfer;
+
+    /// The display that a caller asked about last. Where several displays share one line, it is meant.
+    std::u16string display_asked_about;
+    /// The status messages that are being shown, the innermost last.
+    std::vector<ScriptedMessage> messages_shown;
+
+    /// Adds or replaces a display, without slaves and device servers; what its units hold stays.
+    void put_display(Display display);
+    /// Writes the file where a display has changed since. Raises `filesystem_error`.
+    void save_displays();
+    /// The display that answers on a line, by its position.
+    std::optional<std::size_t> display_on_line(const std::u16string& line) const;
+};
+
+}  // namespace vex::sim

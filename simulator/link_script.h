@@ -1,0 +1,83 @@
+// What a scenario lets happen on the links to the displays: faults, and messages with a user's reactions.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vex::sim {
+
+/// The members of the transmission control, in the order in which a session first uses them.
+enum class Operation {
+    OpenConnection,
+    SignID,
+    GetSignInfo,
+    ResetAndClear,
+    DownloadFirmware,
+    PrepareForFirmware,
+    DownloadFirmwareWithLoader,
+    CloseConnection,
+    CancelTransmission,
+};
+
+std::u16string_view name_of(Operation operation) noexcept;
+/// Raises `std::invalid_argument` naming the operations.
+Operation parse_operation(std::u16string_view name);
+
+/// Which calls something is about; what is not given matches any.
+struct CallPattern {
+    std::optional<std::u16string> display;
+    std::optional<std::int16_t> id;
+    Operation operation = Operation::OpenConnection;
+    /// Only the N-th matching call, from 1; 0: each.
+    std::int64_t at = 0;
+};
+
+/// One call of the transmission control. The display is empty where no display answers on the line.
+struct Call {
+    std::u16string display;
+    std::int16_t id = 0;
+    Operation operation = Operation::OpenConnection;
+};
+
+enum class FaultKind { none, fail, raise };
+
+/// A status message that the control says during a call, and what the user does while he sees it.
+struct ScriptedMessage {
+    std::u16string text;
+    /// Empty: he only reads it.
+    std::function<void()> reaction;
+};
+
+/// What the script has for one call.
+struct ScriptedCall {
+    FaultKind fault = FaultKind::none;
+    std::vector<ScriptedMessage> messages;
+};
+
+class LinkScript {
+public:
+    void add_fault(CallPattern pattern, FaultKind kind);
+    void add_message(CallPattern pattern, ScriptedMessage message);
+    /// Counts the call; to be asked once for each call.
+    ScriptedCall next(const Call& call);
+
+private:
+    template <class Content>
+    struct Entry {
+        CallPattern pattern;
+        Content content;
+        std::int64_t calls = 0;
+
+        /// Whether the entry is about this call; counts it.
+        bool takes(const Call& call);
+    };
+
+    std::vector<Entry<FaultKind>> faults_;
+    std::vector<Entry<ScriptedMessage>> messages_;
+};
+
+}  // namespace vex::sim

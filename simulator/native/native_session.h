@@ -1,0 +1,40 @@
+// The native program's composition: a simulated computer, a screen, COM, and what is played on them.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "simulator/command_line.h"
+#include "simulator/native/native_computer.h"
+#include "simulator/native/native_screen.h"
+#include "simulator/native/private_folder.h"
+#include "simulator/run.h"
+
+namespace vex::sim {
+
+/// One per process. Used on the thread that made it.
+class NativeSession {
+public:
+    /// Raises `RuntimeError` or `filesystem_error` when the data folder cannot be used.
+    explicit NativeSession(const CommandLine& options);
+    NativeSession(const NativeSession&) = delete;
+    NativeSession& operator=(const NativeSession&) = delete;
+    ~NativeSession();
+
+    /// Plays the scenario of that file; "-": standard input. Raises `std::exception` for one that is missing
+    /// or bad.
+    ExitStatus play(const std::string& file);
+
+    /// The folder that this program lies in.
+    static std::filesystem::path program_folder();
+
+private:
+    CommandLine options_;
+    std::optional<PrivateFolder> private_;
+    std::filesystem::path data_;
+    NativeComputer computer_;
+    NativeScreen screen_;
+};
+
+}  // namespace vex::sim

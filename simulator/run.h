@@ -1,0 +1,29 @@
+// One run of the simulated host, from its data to the last look at what is left.
+#pragma once
+
+#include <filesystem>
+#include <ostream>
+
+#include "simulator/computer.h"
+#include "simulator/scenario.h"
+#include "simulator/scenario_player.h"
+#include "simulator/screen.h"
+
+namespace vex::sim {
+
+/// Where a run's parts lie.
+struct RunFolders {
+    /// The host's units; its displays lie on the computer's own drive.
+    std::filesystem::path data;
+    std::filesystem::path plugin_library;
+    /// Relative files of the scenario.
+    std::filesystem::path scenario;
+};
+
+/// Plays a scenario: loads what the host kept, registers the host's classes, loads the plug-in, plays, keeps
+/// what the units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment.
+/// The trace goes to `out`, everything else to `errors`.
+ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& screen, const RunFolders& folders,
+                        bool quiet, std::ostream& out, std::ostream& errors);
+
+}  // namespace vex::sim

@@ -1,0 +1,269 @@
+// The simulated host's transmission control.
+#include "simulator/transmission_control.h"
+
+#include "core/runtime_error.h"
+#include "core/unicode.h"
+#include "simulator/firmware_image.h"
+#include "simulator/screen.h"
+#include "support/text.h"
+
+namespace vex::sim {
+namespace {
+
+constexpr std::u16string_view kName = u"vexDispTrans1";
+
+/// A download tells its progress this often.
+constexpr int kPercentStep = 5;
+/// Where the script's messages and faults come in a download: the unit holds half a program then.
+constexpr int kScriptedPercent = 50;
+
+std::u16string shown_call(Operation operation) {
+    return std::u16string(u"call ").append(kName).append(u".").append(name_of(operation));
+}
+
+/// Marks an operation as in progress.
+class Busy {
+public:
+    Busy(bool& busy, bool& interrupted) noexcept : busy_(busy) {
+        busy = true;
+        interrupted = false;
+    }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+    ~Busy() { busy_ = false; }
+
+private:
+    bool& busy_;
+};
+
+}  // namespace
+
+std::span<const Member<TransmissionControl>> TransmissionControl::members() noexcept {
+    using Control = TransmissionControl;
+    static constexpr Member<Control> kMembers[] = {
+        {u"OpenConnection", dispatch_id(0x60030065), DISPATCH_METHOD,
+         [](Control& control, const Arguments& arguments) { return control.open_connection(arguments); },
+         {VT_DISPATCH}},
+        {u"CloseConnection", dispatch_id(0x60030066), DISPATCH_METHOD,
+         [](Control& control, const Arguments&) { return control.close_connection(); }},
+        {u"DownloadFirmware", dispatch_id(0x60030067), DISPATCH_METHOD,
+         [](Control& control, const Arguments& arguments) { return control.download_firmware(arguments.text(0)); },
+         {VT_BSTR}},
+        {u"ResetAndClear", dispatch_id(0x60030068), DISPATCH_METHOD,
+         [](Control& control, const Arguments&) { return control.reset_and_clear(); }},
+        {u"CancelTransmission", dispatch_id(0x60030069), DISPATCH_METHOD,
+         [](Control& control, const Arguments&) { return control.cancel_transmission(); }},
+        {u"PrepareForFirmware", dispatch_id(0x6003004E), DISPATCH_METHOD,
+         [](Control& control, const Arguments&) { return control.prepare_for_firmware(); }},
+        {u"GetSignInfo", dispatch_id(0x60030053), DISPATCH_METHOD,
+         [](Control& control, const Arguments&) { return control.get_sign_info(); }},
+        {u"DownloadFirmwareWithLoader", dispatch_id(0x600300B2), DISPATCH_METHOD,
+         [](Control& control, const Arguments& arguments) {
+             return control.download_firmware_with_loader(arguments.text(0), arguments.text(1));
+         },
+         {VT_BSTR, VT_BSTR}},
+        {u"SignID", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT,
+         [](Control& control, const Arguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
+         {VT_I2}},
+    };
+    return kMembers;
+}
+
+// ---- The connection -----------------------------------------------------------------------------------
+
+com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
+    const auto object = com::ComPtr<IDispatch>(arguments.object(0)).query<IConnectionSettings>();
+    if (!object) throw RuntimeError(kTypeMismatch);
+    const ConnectionSettings settings = object->settings();
+    const std::int16_t id = settings.sign_id.value_or(0);
+    const auto answering = host_.display_on_line(settings.line());
+    const Call call{answering ? host_.displays.at(*answering).name : u"", id, Operation::OpenConnection};
+    return operate(call, shown_call(call.operation) + u" " + settings.describe(), [&](const ScriptedCall& scripted) {
+        if (display_) return goes_on(scripted, call.operation) && refuse(u"A connection is open already");
+        if (!goes_on(scripted, call.operation)) return false;
+        if (!answering) return refuse(u"No display answers");
+        display_ = answering;
+        sign_id_ = id;
+        return true;
+    });
+}
+
+com::Variant TransmissionControl::close_connection() {
+    const std::u16string shown = shown_call(Operation::CloseConnection);
+    const ScriptedCall scripted = begin(call_of(Operation::CloseConnection), shown);
+    host_.trace.line(shown);
+    if (busy_) interrupted_ = true;
+    display_.reset();
+    for (const ScriptedMessage& message : scripted.messages) say(message);
+    return com::Variant::boolean(scripted.fault == FaultKind::none);
+}
+
+com::Variant TransmissionControl::cancel_transmission() {
+    const std::u16string shown = shown_call(Operation::CancelTransmission);
+    const ScriptedCall scripted = begin(call_of(Operation::CancelTransmission), shown);
+    host_.trace.line(shown);
+    const bool cancels = scripted.fault == FaultKind::none;
+    if (busy_ && cancels) interrupted_ = true;
+    for (const ScriptedMessage& message : scripted.messages) say(message);
+    return com::Variant::boolean(cancels);
+}
+
+// ---- Units --------------------------------------------------------------------------------------------
+
+com::Variant TransmissionControl::put_sign_id(std::int16_t id) {
+    const std::u16string value = u" = " + decimal_text(id);
+    Call call = call_of(Operation::SignID);
+    call.id = id;
+    const std::u16string shown = std::u16string(u"put ").append(kName).append(u".SignID").append(value);
+    const ScriptedCall scripted = begin(call, shown);
+    host_.trace.line(shown);
+    sign_id_ = id;
+    for (const ScriptedMessage& message : scripted.messages) say(message);
+    return {};
+}
+
+com::Variant TransmissionControl::get_sign_info() {
+    const Call call = call_of(Operation::GetSignInfo);
+    const std::u16string shown = shown_call(call.operation);
+    const ScriptedCall scripted = begin(call, shown);
+    if (!display_) throw RuntimeError(kAutomationError, u"No connection is open");
+    // What the display reports is under way before anybody can cancel.
+    std::optional<SlaveCounts> slaves;
+    if (host_.units.answers(host_.displays.at(*display_), sign_id_)) slaves = host_.units.slaves(call.display, sign_id_);
+    for (const ScriptedMessage& message : scripted.messages) say(message);
+    if (scripted.fault == FaultKind::fail) {
+        host_.trace.line(shown + u" -> " + shown_boolean(false));
+        return com::Variant::boolean(false);
+    }
+    const auto info = com::make_object<HostSignInfo>(host_, slaves);
+    host_.trace.line(shown + u" -> " + info->describe());
+    return com::Variant::object(info.get());
+}
+
+com::Variant TransmissionControl::reset_and_clear() {
+    return operate_unit(Operation::ResetAndClear, [this](const Display& display, const ScriptedCall& scripted) {
+        say({unit(u": resetting and clearing"), {}});
+        if (!goes_on(scripted, Operation::ResetAndClear)) return false;
+        host_.units.store(display.name, sign_id_, {Content::State::empty, {}});
+        return true;
+    });
+}
+
+com::Variant TransmissionControl::prepare_for_firmware() {
+    return operate_unit(Operation::PrepareForFirmware, [this](const Display&, const ScriptedCall& scripted) {
+        say({unit(u": preparing for firmware"), {}});
+        return goes_on(scripted, Operation::PrepareForFirmware);
+    });
+}
+
+com::Variant TransmissionControl::download_firmware(const std::u16string& file) {
+    constexpr Operation kOperation = Operation::DownloadFirmware;
+    return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
+        try {
+            return transfer(display, read_motorola_image(host_.computer.real_path(file), file), scripted, kOperation);
+        } catch (const ImageError& error) {
+            return goes_on(scripted, kOperation) && refuse(error.reason());
+        }
+    });
+}
+
+com::Variant TransmissionControl::download_firmware_with_loader(const std::u16string& file, const std::u16string& loader) {
+    constexpr Operation kOperation = Operation::DownloadFirmwareWithLoader;
+    return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
+        try {
+            const Firmware firmware = read_rabbit_image(host_.computer.real_path(file), file);
+            if (!std::filesystem::is_regular_file(host_.computer.real_path(loader))) {
+                throw ImageError(loader + u" is no file");
+            }
+            return transfer(display, firmware, scripted, kOperation);
+        } catch (const ImageError& error) {
+            return goes_on(scripted, kOperation) && refuse(error.reason());
+        }
+    });
+}
+
+bool TransmissionControl::transfer(const Display& display, const Firmware& firmware, const ScriptedCall& scripted,
+                                   Operation operation) {
+    // Erased first: a unit that loses its link half way has neither its old firmware nor the new one.
+    const std::int16_t id = sign_id_;
+    host_.units.store(display.name, id, {Content::State::incomplete, {}});
+    for (int percent = kPercentStep; percent <= 100; percent += kPercentStep) {
+        if (host_.on_transfer) host_.on_transfer(static_cast<std::size_t>(firmware.size) * kPercentStep / 100);
+        say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}});
+        if (interrupted_) return refuse(u"Transmission cancelled");
+        if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
+    }
+    host_.units.store(display.name, id, {Content::State::firmware, firmware});
+    return true;
+}
+
+// ---- What all calls share -----------------------------------------------------------------------------
+
+ScriptedCall TransmissionControl::begin(const Call& call, const std::u16string& shown) {
+    ScriptedCall scripted = host_.links.next(call);
+    if (scripted.fault == FaultKind::raise) {
+        const RuntimeError error(kAutomationError, std::u16string(name_of(call.operation)) + u": the control failed");
+        host_.trace.line(shown + u" -> error " + decimal_text(error.number()));
+        throw error;
+    }
+    return scripted;
+}
+
+com::Variant TransmissionControl::operate(const Call& call, const std::u16string& shown, const Work& work) {
+    const ScriptedCall scripted = begin(call, shown);
+    bool done = false;
+    if (busy_) {
+        refuse(u"A transmission is in progress");
+    } else {
+        const Busy busy(busy_, interrupted_);
+        done = work(scripted);
+    }
+    host_.trace.line(shown + u" -> " + shown_boolean(done));
+    return com::Variant::boolean(done);
+}
+
+com::Variant TransmissionControl::operate_unit(Operation operation, const UnitWork& work) {
+    const Call call = call_of(operation);
+    return operate(call, shown_call(operation), [&](const ScriptedCall& scripted) {
+        if (!display_) return goes_on(scripted, operation) && refuse(u"No connection is open");
+        // By value: what a user does meanwhile may change the host's displays.
+        const Display display = host_.displays.at(*display_);
+        if (!host_.units.answers(display, sign_id_)) return goes_on(scripted, operation) && refuse(unit(u" does not answer"));
+        return work(display, scripted);
+    });
+}
+
+bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operation) {
+    for (const ScriptedMessage& message : scripted.messages) {
+        say(message);
+        if (interrupted_) return refuse(u"Transmission cancelled");
+    }
+    if (scripted.fault == FaultKind::none) return true;
+    // A message of the script's own explains the failure where it has one.
+    return scripted.messages.empty() ? refuse(unit(u": the line is disturbed, ").append(name_of(operation)) + u" failed")
+                                     : false;
+}
+
+bool TransmissionControl::refuse(const std::u16string& text) {
+    say({text, {}});
+    return false;
+}
+
+void TransmissionControl::say(ScriptedMessage message) {
+    host_.trace.line(std::u16string(u"event ").append(kName).append(u".StatusMessage ") + in_quotes(message.text));
+    com::Bstr text(message.text);
+    host_.messages_shown.push_back(std::move(message));
+    VARIANT argument = com::Variant::text_reference(text.put_reference()).detach();
+    events().raise_event(kHandledEvent, {&argument, 1});
+    host_.messages_shown.pop_back();
+}
+
+Call TransmissionControl::call_of(Operation operation) const {
+    return {display_ ? host_.displays.at(*display_).name : u"", sign_id_, operation};
+}
+
+std::u16string TransmissionControl::unit(std::u16string_view text) const {
+    return (u"Unit " + decimal_text(sign_id_)).append(text);
+}
+
+}  // namespace vex::sim

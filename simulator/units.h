@@ -1,0 +1,92 @@
+// The simulated displays' units: what answers behind each display ID, and what each one holds.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/displays.h"
+
+namespace vex::sim {
+
+/// What a display reports of the grid of units behind a master: rows and columns less one each.
+struct SlaveCounts {
+    std::int16_t y = 0;
+    std::int16_t x = 0;
+
+    /// The number of slaves: the units of the grid less the master.
+    std::int64_t slaves() const noexcept { return (std::int64_t{y} + 1) * (std::int64_t{x} + 1) - 1; }
+};
+
+constexpr std::int16_t kLowestId = -32768;
+constexpr std::int16_t kHighestId = 32767;
+
+/// Read a display ID, and a grid written "YxX". Raise `std::invalid_argument`.
+std::int16_t parse_id(std::u16string_view word);
+SlaveCounts parse_slaves(std::u16string_view word);
+
+/// A firmware file as a unit keeps it: who compares the three can tell which file it was.
+struct Firmware {
+    std::u16string name;
+    std::uint64_t size = 0;
+    std::uint32_t crc32 = 0;
+};
+
+/// What a unit holds.
+struct Content {
+    enum class State { as_delivered, empty, incomplete, firmware };
+    State state = State::as_delivered;
+    /// Of State::firmware only.
+    Firmware firmware;
+};
+
+/// What a content is called: "as delivered", "empty", "incomplete", or name, size and checksum.
+std::u16string describe(const Content& content);
+
+/// The units of all displays. A display has the units that its IDs name, the slaves behind them, and those
+/// that were put there by `set_slaves`; each is as delivered until something happens to it.
+class Units {
+public:
+    void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts);
+    /// Takes a unit off its line: nobody answers there.
+    void set_absent(const std::u16string& display, std::int16_t id);
+    void add_box(const std::u16string& display, std::u16string description);
+    /// Forgets the slaves, absences and device servers of a display; what its units hold stays.
+    void clear_hardware(const std::u16string& display);
+
+    std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const;
+    bool answers(const Display& display, std::int16_t id) const;
+    /// Device servers in front of a display, in the order in which the finder reports them.
+    std::vector<std::u16string> boxes(const std::u16string& display) const;
+
+    Content content(const std::u16string& display, std::int16_t id) const;
+    void store(const std::u16string& display, std::int16_t id, Content content);
+    /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
+    std::vector<std::int16_t> ids(const Display& display) const;
+
+    /// Raises `TextError` for a damaged file, or `filesystem_error`.
+    static Units load(const std::filesystem::path& path);
+    /// Raises `filesystem_error`.
+    void save(const std::filesystem::path& path) const;
+
+private:
+    struct Unit {
+        std::optional<SlaveCounts> slaves;
+        bool absent = false;
+        Content content;
+    };
+    struct Site {
+        std::map<std::int16_t, Unit> units;
+        std::vector<std::u16string> boxes;
+    };
+
+    const Unit* find(const std::u16string& display, std::int16_t id) const;
+    void read(const Words& words);
+
+    std::map<std::u16string, Site> sites_;
+};
+
+}  // namespace vex::sim

@@ -1,0 +1,132 @@
+// Lines of words: the writing that scenarios and the simulated host's own files share.
+#include "simulator/words.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+#include "core/unicode.h"
+
+namespace vex::sim {
+namespace {
+
+constexpr bool is_blank(char16_t character) noexcept { return character == u' ' || character == u'\t'; }
+
+/// The quoted part of a line that begins behind the opening quote at `next`; leaves `next` behind its end.
+void append_quoted(std::u16string_view line, std::size_t& next, std::u16string& word) {
+    for (; next < line.size(); ++next) {
+        if (line[next] != u'"') {
+            word += line[next];
+        } else if (next + 1 < line.size() && line[next + 1] == u'"') {
+            word += line[next++];
+        } else {
+            ++next;
+            return;
+        }
+    }
+    throw std::invalid_argument("a quote is not closed");
+}
+
+[[noreturn]] void raise(const char* what, const std::filesystem::path& path) {
+    throw std::filesystem::filesystem_error(what, path, std::make_error_code(std::errc::io_error));
+}
+
+}  // namespace
+
+TextError::TextError(std::string file, std::size_t line, std::string message)
+    : what_(std::move(file) + ":" + (line == 0 ? "" : std::to_string(line) + ":") + " " + std::move(message)) {}
+
+Words split_words(std::u16string_view line) {
+    Words words;
+    for (std::size_t next = 0; next < line.size();) {
+        if (is_blank(line[next])) {
+            ++next;
+            continue;
+        }
+        if (line[next] == u'#') break;
+        std::u16string& word = words.emplace_back();
+        while (next < line.size() && !is_blank(line[next])) {
+            if (line[next] == u'"') {
+                append_quoted(line, ++next, word);
+            } else {
+                word += line[next++];
+            }
+        }
+    }
+    return words;
+}
+
+std::u16string in_quotes(std::u16string_view text) {
+    std::u16string result = u"\"";
+    for (const char16_t character : text) {
+        if (character == u'"') result += u'"';
+        result += character < u' ' && character != u'\t' ? u' ' : character;
+    }
+    return result + u"\"";
+}
+
+std::u16string as_word(std::u16string_view text) {
+    const bool plain = !text.empty() && text.front() != u'#' && std::none_of(text.begin(), text.end(), [](char16_t c) {
+        return c <= u' ' || c == u'"';
+    });
+    return plain ? std::u16string(text) : in_quotes(text);
+}
+
+std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) noexcept {
+    constexpr std::size_t kMostDigits = 18;
+    const bool negative = !word.empty() && word.front() == u'-';
+    const std::u16string_view digits = word.substr(negative ? 1 : 0);
+    if (digits.empty() || digits.size() > kMostDigits) return std::nullopt;
+    std::int64_t number = 0;
+    for (const char16_t digit : digits) {
+        if (digit < u'0' || digit > u'9') return std::nullopt;
+        number = number * 10 + (digit - u'0');
+    }
+    if (negative) number = -number;
+    return number < low || number > high ? std::nullopt : std::optional(number);
+}
+
+std::vector<std::u16string> split_lines(std::string_view bytes) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark) bytes.remove_prefix(kByteOrderMark.size());
+    std::vector<std::u16string> lines;
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find('\n'), bytes.size());
+        std::string_view line = bytes.substr(0, end);
+        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+        lines.push_back(from_utf8(line));
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return lines;
+}
+
+std::string read_file(const std::filesystem::path& path) {
+    // A folder opens like a file on some systems and fails only when it is read.
+    if (!std::filesystem::exists(path)) {
+        throw std::filesystem::filesystem_error("cannot read", path,
+                                                std::make_error_code(std::errc::no_such_file_or_directory));
+    }
+    if (std::filesystem::is_directory(path)) {
+        throw std::filesystem::filesystem_error("cannot read", path, std::make_error_code(std::errc::is_a_directory));
+    }
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    if (!file) raise("cannot read", path);
+    return bytes;
+}
+
+void replace_file(const std::filesystem::path& path, std::string_view bytes) {
+    std::filesystem::path fresh = path;
+    fresh += ".new";
+    {
+        std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        file.flush();
+        if (!file) raise("cannot write", fresh);
+    }
+    std::filesystem::rename(fresh, path);
+}
+
+}  // namespace vex::sim

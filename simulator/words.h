@@ -1,0 +1,49 @@
+// Lines of words: the writing that scenarios and the simulated host's own files share.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vex::sim {
+
+using Words = std::vector<std::u16string>;
+
+/// A fault at one line of a text, or of a whole file (line 0). what() is "FILE:LINE: message".
+class TextError : public std::exception {
+public:
+    TextError(std::string file, std::size_t line, std::string message);
+
+    const char* what() const noexcept override { return what_.c_str(); }
+
+private:
+    std::string what_;
+};
+
+/// The words of a line: separated by blanks, "#" at the start of a word begins a comment. A part in double
+/// quotes may hold blanks and takes backslashes as they are; a doubled quote in it stands for one quote.
+/// Raises `std::invalid_argument` for a quote that is never closed.
+Words split_words(std::u16string_view line);
+
+/// `text` in quotes, inner quotes doubled; what would break a line becomes a blank.
+std::u16string in_quotes(std::u16string_view text);
+/// `text` as a word that `split_words` reads back: in quotes only where it must be.
+std::u16string as_word(std::u16string_view text);
+
+/// A decimal number that fills the whole word and lies in the range.
+std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) noexcept;
+
+/// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark.
+std::vector<std::u16string> split_lines(std::string_view bytes);
+
+/// A whole file. Raises `std::filesystem::filesystem_error`.
+std::string read_file(const std::filesystem::path& path);
+/// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.
+/// Raises `std::filesystem::filesystem_error`.
+void replace_file(const std::filesystem::path& path, std::string_view bytes);
+
+}  // namespace vex::sim
