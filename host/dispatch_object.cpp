@@ -113,9 +113,9 @@ com::ComPtr<IDispatch> to_object(const com::Variant& value) {
     return com::ComPtr<IDispatch>(object.get().pdispVal);
 }
 
-com::Variant DispatchObject::property(const char16_t* name, std::initializer_list<com::Variant> arguments) const {
+com::Variant DispatchObject::property(const char16_t* name) const {
     // Both flags, as late-bound callers pass them: they do not know whether it is a property or a method.
-    return invoke(member_id(name), DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments);
+    return invoke(member_id(name), DISPATCH_METHOD | DISPATCH_PROPERTYGET, {});
 }
 
 void DispatchObject::set_property(const char16_t* name, com::Variant value) const {

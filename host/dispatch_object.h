@@ -28,7 +28,7 @@ public:
 
     IDispatch* get() const noexcept { return object_.get(); }
 
-    com::Variant property(const char16_t* name, std::initializer_list<com::Variant> arguments = {}) const;
+    com::Variant property(const char16_t* name) const;
     void set_property(const char16_t* name, com::Variant value) const;
     com::Variant call(const char16_t* name, std::initializer_list<com::Variant> arguments = {}) const;
 

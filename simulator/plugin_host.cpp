@@ -2,7 +2,7 @@
 #include "simulator/plugin_host.h"
 
 #include "core/runtime_error.h"
-#include "host/dispatch_object.h"
+#include "simulator/late_call.h"
 
 namespace vex::sim {
 namespace {
@@ -12,9 +12,14 @@ using CanUnloadNow = HRESULT(STDAPICALLTYPE*)();
 
 constexpr char16_t kCatalogue[] = u"vexFirmWarePlugin.PluginData";
 
-host::DispatchObject create(const std::u16string& programmatic_id) {
-    return host::DispatchObject(host::create_object(programmatic_id.c_str()));
+/// What the plug-in's contract says of its results.
+template <VARTYPE Type>
+const VARIANT& expect_type(const com::Variant& value) {
+    if (value.type() != Type) throw RuntimeError(kTypeMismatch);
+    return value.get();
 }
+
+std::u16string text_of(const com::Variant& value) { return std::u16string(com::view(expect_type<VT_BSTR>(value).bstrVal)); }
 
 }  // namespace
 
@@ -31,30 +36,29 @@ PluginHost::PluginHost(const std::filesystem::path& library) : library_(library)
 PluginHost::~PluginHost() = default;
 
 void PluginHost::read_catalogue() {
-    const host::DispatchObject catalogue = create(kCatalogue);
-    const std::int16_t total = host::to_int16(catalogue.property(u"TotalPlugins"));
+    const auto catalogue = create_object(kCatalogue);
+    const std::int16_t total = expect_type<VT_I2>(call_late(*catalogue, u"TotalPlugins")).iVal;
     for (std::int16_t i = 0; i < total; ++i) {
         const auto index = com::Variant::int16(i);
-        Feature feature;
-        feature.name = host::to_text(catalogue.property(u"PluginNames", {index}));
-        feature.description = host::to_text(catalogue.property(u"PluginDescription", {index}));
-        feature.caption = host::to_text(catalogue.property(u"PluginDescriptiveName", {index}));
-        const com::Variant picture = catalogue.property(u"PluginPic", {index});
-        feature.has_picture = picture.type() == VT_DISPATCH && picture.get().pdispVal != nullptr;
-        features_.push_back(std::move(feature));
+        features_.push_back({
+            .name = text_of(call_late(*catalogue, u"PluginNames", {index})),
+            .description = text_of(call_late(*catalogue, u"PluginDescription", {index})),
+            .caption = text_of(call_late(*catalogue, u"PluginDescriptiveName", {index})),
+            .has_picture = expect_type<VT_DISPATCH>(call_late(*catalogue, u"PluginPic", {index})).pdispVal != nullptr,
+        });
     }
     if (features_.empty()) throw RuntimeError(kSubscriptOutOfRange, u"the plug-in offers no feature");
 }
 
 void PluginHost::start(StartMember member, IDispatch* object) {
-    const host::DispatchObject entry = create(features_.front().name);
+    const auto entry = create_object(features_.front().name);
     if (member == StartMember::StartPlugin) {
-        entry.call(u"StartPlugin");
+        call_late(*entry, u"StartPlugin");
         return;
     }
     // By reference, as hosts hand over their frame. It stays ours.
     IDispatch* frame = object;
-    entry.call(u"StartFrameFeature", {com::Variant::object_reference(&frame)});
+    call_late(*entry, u"StartFrameFeature", {com::Variant::object_reference(&frame)});
     if (frame != object) throw RuntimeError(kAutomationError, u"the plug-in replaced the host's object");
 }
 
