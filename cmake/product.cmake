@@ -3,6 +3,7 @@
 
 set(VEX_PROJECT_NAME "vexFirmWarePlugin")
 set(VEX_PROJECT_DESCRIPTION "vexFirmwarePlugin")
+set(VEX_FILE_NAME "vexFirmwarePlugin")
 set(VEX_COMPANY_NAME "Norvan")
 set(VEX_TRADEMARKS "28")
 
