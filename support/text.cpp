@@ -19,7 +19,7 @@ std::vector<std::u16string> split(std::u16string_view text, char16_t separator) 
 std::u16string decimal_text(std::int32_t number) {
     char digits[12];
     const char* end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
-    return std::u16string(digits, end);
+    return std::u16string(static_cast<const char*>(digits), end);
 }
 
 }  // namespace vex
