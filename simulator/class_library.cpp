@@ -57,17 +57,15 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
 }
 
 void HostDisplayList::open(const std::u16string& file_name) {
-    if (!equal_ignoring_case(file_name, kDisplayFile)) {
+    host_.save_displays();
+    if (!equal_ignoring_case(file_name, kDisplayFile) || !std::filesystem::exists(host_.display_file)) {
         throw RuntimeError(kFileNotFound, u"File not found: " + file_name);
     }
     try {
-        host_.save_displays();
         displays_ = Displays::load(host_.display_file);
         current_ = 0;
     } catch (const TextError& error) {
         throw RuntimeError(kInvalidFileFormat, from_utf8(error.what()));
-    } catch (const std::filesystem::filesystem_error& error) {
-        throw RuntimeError(kFileNotFound, std::u16string(kDisplayFile) + u": " + from_utf8(error.code().message()));
     }
 }
 

@@ -56,9 +56,9 @@ public:
     /// Adds a display or puts it into the place of the one of that name.
     void put(Display display);
 
-    /// Raises `TextError` naming the line and what was expected there, or `filesystem_error`.
+    /// Raises `TextError` naming the line and what was expected there.
     static Displays load(const std::filesystem::path& path);
-    /// Raises `filesystem_error`.
+    /// Raises `TextError`.
     void save(const std::filesystem::path& path) const;
 
 private:

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -118,13 +119,14 @@ private:
 };
 
 std::string read_image(const std::filesystem::path& path, const std::u16string& shown) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error) throw ImageError(shown + u" is no file that can be read");
+    if (size > kLargestImage) throw ImageError(shown + u" is too large for a display");
     try {
-        if (std::filesystem::is_regular_file(path) && std::filesystem::file_size(path) > kLargestImage) {
-            throw ImageError(shown + u" is too large for a display");
-        }
         return read_file(path);
-    } catch (const std::filesystem::filesystem_error& error) {
-        throw ImageError(shown + u" cannot be read: " + from_utf8(error.code().message()));
+    } catch (const TextError&) {
+        throw ImageError(shown + u" cannot be read");
     }
 }
 

@@ -44,7 +44,7 @@ struct Host {
 
     /// Adds or replaces a display, without slaves and device servers; what its units hold stays.
     void put_display(Display display);
-    /// Writes the file where a display has changed since. Raises `filesystem_error`.
+    /// Writes the file where a display has changed since. Raises `TextError` or `filesystem_error`.
     void save_displays();
     /// The display that answers on a line, by its position.
     std::optional<std::size_t> display_on_line(const std::u16string& line) const;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,9 +11,15 @@ namespace vex::sim {
 
 class ScenarioPlayer;
 
+/// Where a statement stands.
+struct Place {
+    std::shared_ptr<const std::string> file;
+    std::size_t line = 0;
+};
+
 /// One statement, checked as far as it can be before anything runs.
 struct Statement {
-    std::size_t line = 0;
+    Place place;
     /// The control that it acts on or looks at; empty: none.
     std::u16string control;
     /// Raises `std::exception`: the script is bad.
@@ -20,13 +27,14 @@ struct Statement {
 };
 
 struct Scenario {
-    /// As messages name it.
-    std::string file;
     std::vector<Statement> statements;
 };
 
-/// Raises `TextError` for the first line that is no statement.
-Scenario parse_scenario(std::string file, std::string_view text);
+/// The text of a file that a scenario includes. Raises `std::exception` where there is none.
+using ReadIncluded = std::function<std::string(const std::u16string& name)>;
+
+/// `file`: the scenario's name in messages. Raises `TextError` for the first line that is no statement.
+Scenario parse_scenario(const std::string& file, std::string_view text, const ReadIncluded& read_included);
 
 /// A line for each statement: how it is written.
 std::string statement_reference();

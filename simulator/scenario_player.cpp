@@ -83,23 +83,23 @@ bool ScenarioPlayer::act() noexcept {
     if (stopped_ || next_ == scenario_.statements.size()) return false;
     // Advanced first: the statement may open a dialog that the ones after it act in.
     const Statement& statement = scenario_.statements[next_++];
-    run(statement.line, statement.run);
+    run(statement.place, statement.run);
     return true;
 }
 
-void ScenarioPlayer::run(std::size_t line, const std::function<void(ScenarioPlayer&)>& action) noexcept {
-    const std::size_t outer = std::exchange(line_, line);
+void ScenarioPlayer::run(const Place& place, const std::function<void(ScenarioPlayer&)>& action) noexcept {
+    Place outer = std::exchange(place_, place);
     try {
         action(*this);
     } catch (const std::exception& error) {
-        report(line, error.what());
+        report(place, error.what());
         stopped_ = true;
     }
-    line_ = outer;
+    place_ = std::move(outer);
 }
 
-void ScenarioPlayer::report(std::size_t line, const std::string& text) {
-    errors_ << TextError(scenario_.file, line, text).what() << '\n';
+void ScenarioPlayer::report(const Place& place, const std::string& text) {
+    errors_ << TextError(*place.file, place.line, text).what() << '\n';
 }
 
 const Display& ScenarioPlayer::display(const std::u16string& name) const {
@@ -117,7 +117,7 @@ std::filesystem::path ScenarioPlayer::target_file(const std::u16string& path) {
 
 void ScenarioPlayer::say(CallPattern pattern, std::u16string text, std::function<void(ScenarioPlayer&)> reaction) {
     std::function<void()> bound;
-    if (reaction) bound = [this, line = line_, reaction = std::move(reaction)] { run(line, reaction); };
+    if (reaction) bound = [this, place = place_, reaction = std::move(reaction)] { run(place, reaction); };
     host_.links.add_message(std::move(pattern), {std::move(text), std::move(bound)});
 }
 
@@ -144,14 +144,14 @@ void ScenarioPlayer::start(StartMember member) {
 
 void ScenarioPlayer::note_unless_done(ActionResult result, const std::u16string& what) {
     if (result == ActionResult::done) return;
-    report(line_, "note: " + to_utf8(what) + " is disabled or cannot be reached; nothing happens");
+    report(place_, "note: " + to_utf8(what) + " is disabled or cannot be reached; nothing happens");
 }
 
 void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found,
                             bool equal) {
     if (equal) return;
     failed_ = true;
-    report(line_, "expected " + to_utf8(what) + " = " + to_utf8(expected) + ", found " + to_utf8(found));
+    report(place_, "expected " + to_utf8(what) + " = " + to_utf8(expected) + ", found " + to_utf8(found));
 }
 
 // ---- What the screen tells ----------------------------------------------------------------------------
@@ -185,7 +185,7 @@ forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexce
         if (offers(box.buttons, choice->answer)) {
             answer = choice->answer;
         } else {
-            report(choice->line, "the message " + to_utf8(in_quotes(box.text)) + " has no such button");
+            report(choice->place, "the message " + to_utf8(in_quotes(box.text)) + " has no such button");
             stopped_ = true;
         }
     }

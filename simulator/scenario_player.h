@@ -22,7 +22,7 @@ enum ExitStatus { kPassed = 0, kFailed = 1, kBadUsage = 2 };
 /// What a user does about one message box.
 struct MessageChoice {
     forms::MessageAnswer answer;
-    std::size_t line;
+    Place place;
 };
 
 class ScenarioPlayer final : private ScreenUser {
@@ -48,22 +48,22 @@ public:
     /// The display of that name, which must exist. Raises `std::invalid_argument`.
     const Display& display(const std::u16string& name) const;
     /// The real file at a drive-letter path, in a folder that exists. What the host keeps is written first, so
-    /// that a statement may replace it. Raises `std::invalid_argument` or `filesystem_error`.
+    /// that a statement may replace it. Raises `std::exception`.
     std::filesystem::path target_file(const std::u16string& path);
 
     /// Lets the control say `text` during matching calls, and the user do `reaction` while he reads it.
     void say(CallPattern pattern, std::u16string text, std::function<void(ScenarioPlayer&)> reaction);
     void queue_picker(std::u16string answer) { picker_.push_back(std::move(answer)); }
     void queue_file(std::optional<std::u16string> answer) { files_.push_back(std::move(answer)); }
-    void queue_message(forms::MessageAnswer answer) { messages_.push_back({answer, line_}); }
+    void queue_message(forms::MessageAnswer answer) { messages_.push_back({answer, place_}); }
     void start(StartMember member);
     /// Tells of an action that a user could not take.
     void note_unless_done(ActionResult result, const std::u16string& what);
     void expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found, bool equal);
 
 private:
-    void run(std::size_t line, const std::function<void(ScenarioPlayer&)>& action) noexcept;
-    void report(std::size_t line, const std::string& text);
+    void run(const Place& place, const std::function<void(ScenarioPlayer&)>& action) noexcept;
+    void report(const Place& place, const std::string& text);
 
     void dialog_opened(const std::string& name) noexcept override;
     void dialog_closed(const std::string& name) noexcept override;
@@ -86,7 +86,7 @@ private:
 
     std::size_t next_ = 0;
     /// Of the statement that runs, or ran last.
-    std::size_t line_ = 0;
+    Place place_;
     bool stopped_ = false;
     bool failed_ = false;
 

@@ -32,6 +32,8 @@ constexpr char16_t kAny[] = u"*";
 constexpr char16_t kNone[] = u"(none)";
 constexpr char16_t kRunList[] = u"lstvDisplayStatus";
 constexpr char16_t kRetryItem[] = u"Retry!";
+constexpr std::u16string_view kInclude = u"include";
+constexpr char kIncludeUsage[] = "include FILE";
 constexpr char16_t kSettingsRoot[] = u"Software\\Norvan\\";
 
 [[noreturn]] void refuse(std::string_view what, const std::u16string& word) {
@@ -411,30 +413,63 @@ const Form& form_of(const Words& words) {
 
 Action read_statement(const Words& words) { return form_of(words).read(words); }
 
-}  // namespace
+/// Reads a scenario and the files that it includes, statement by statement.
+struct Parser {
+    Scenario& scenario;
+    const ReadIncluded& read_included;
 
-Scenario parse_scenario(std::string file, std::string_view text) {
-    Scenario scenario{std::move(file), {}};
-    const std::vector<std::u16string> lines = split_lines(text);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        try {
-            const Words words = split_words(lines[i]);
-            if (words.empty()) continue;
-            const Form& form = form_of(words);
-            std::u16string control;
-            if (form.control != 0 && !is_registry_path(words[form.control])) {
-                control = words[form.control].substr(0, words[form.control].find(u'.'));
+    void read(const std::string& file, std::string_view text, int depth) {
+        const auto name = std::make_shared<const std::string>(file);
+        const std::vector<std::u16string> lines = split_lines(text);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const Place place{name, i + 1};
+            try {
+                const Words words = split_words(lines[i]);
+                if (words.empty()) continue;
+                if (words.front() == kInclude) {
+                    include(words, depth);
+                } else {
+                    scenario.statements.push_back({place, control_of(words), read_statement(words)});
+                }
+            } catch (const TextError&) {
+                throw;
+            } catch (const std::exception& error) {
+                throw TextError(file, place.line, error.what());
             }
-            scenario.statements.push_back({i + 1, std::move(control), form.read(words)});
-        } catch (const std::invalid_argument& error) {
-            throw TextError(scenario.file, i + 1, error.what());
         }
     }
+
+private:
+    void include(const Words& words, int depth) {
+        constexpr int kDeepest = 8;
+        if (words.size() != 2) throw std::invalid_argument(std::string("expected ") + kIncludeUsage);
+        if (depth == kDeepest) throw std::invalid_argument("files include each other too deeply");
+        std::string text;
+        try {
+            text = read_included(words[1]);
+        } catch (const std::exception& error) {
+            throw std::invalid_argument(error.what());
+        }
+        read(to_utf8(words[1]), text, depth + 1);
+    }
+
+    static std::u16string control_of(const Words& words) {
+        const Form& form = form_of(words);
+        if (form.control == 0 || is_registry_path(words[form.control])) return {};
+        return words[form.control].substr(0, words[form.control].find(u'.'));
+    }
+};
+
+}  // namespace
+
+Scenario parse_scenario(const std::string& file, std::string_view text, const ReadIncluded& read_included) {
+    Scenario scenario;
+    Parser{scenario, read_included}.read(file, text, 0);
     return scenario;
 }
 
 std::string statement_reference() {
-    std::string text;
+    std::string text = std::string("  ") + kIncludeUsage + "\n";
     for (const Form& form : kForms) text += std::string("  ") + form.usage + "\n";
     return text;
 }

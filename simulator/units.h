@@ -67,9 +67,9 @@ public:
     /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
     std::vector<std::int16_t> ids(const Display& display) const;
 
-    /// Raises `TextError` for a damaged file, or `filesystem_error`.
+    /// Raises `TextError` naming the line and what was expected there.
     static Units load(const std::filesystem::path& path);
-    /// Raises `filesystem_error`.
+    /// Raises `TextError`.
     void save(const std::filesystem::path& path) const;
 
 private:

@@ -29,8 +29,8 @@ void append_quoted(std::u16string_view line, std::size_t& next, std::u16string& 
     throw std::invalid_argument("a quote is not closed");
 }
 
-[[noreturn]] void raise(const char* what, const std::filesystem::path& path) {
-    throw std::filesystem::filesystem_error(what, path, std::make_error_code(std::errc::io_error));
+[[noreturn]] void fail(const std::filesystem::path& path, const std::string& reason) {
+    throw TextError(path.string(), 0, reason);
 }
 
 }  // namespace
@@ -103,30 +103,27 @@ std::vector<std::u16string> split_lines(std::string_view bytes) {
 }
 
 std::string read_file(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) fail(path, "does not exist");
     // A folder opens like a file on some systems and fails only when it is read.
-    if (!std::filesystem::exists(path)) {
-        throw std::filesystem::filesystem_error("cannot read", path,
-                                                std::make_error_code(std::errc::no_such_file_or_directory));
-    }
-    if (std::filesystem::is_directory(path)) {
-        throw std::filesystem::filesystem_error("cannot read", path, std::make_error_code(std::errc::is_a_directory));
-    }
+    if (std::filesystem::is_directory(status)) fail(path, "is a folder");
     std::ifstream file(path, std::ios::binary);
     std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file) raise("cannot read", path);
+    if (!file) fail(path, "cannot be read");
     return bytes;
 }
 
 void replace_file(const std::filesystem::path& path, std::string_view bytes) {
     std::filesystem::path fresh = path;
     fresh += ".new";
-    {
-        std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        file.flush();
-        if (!file) raise("cannot write", fresh);
-    }
-    std::filesystem::rename(fresh, path);
+    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) fail(fresh, "cannot be written");
+    std::error_code error;
+    std::filesystem::rename(fresh, path, error);
+    if (error) fail(path, error.message());
 }
 
 }  // namespace vex::sim

@@ -40,10 +40,10 @@ std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t 
 /// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark.
 std::vector<std::u16string> split_lines(std::string_view bytes);
 
-/// A whole file. Raises `std::filesystem::filesystem_error`.
+/// A whole file. Raises `TextError` without a line.
 std::string read_file(const std::filesystem::path& path);
 /// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.
-/// Raises `std::filesystem::filesystem_error`.
+/// Raises `TextError` without a line.
 void replace_file(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace vex::sim

@@ -1,10 +1,13 @@
 // What the program does when no scenario is named: it plays the sample scenario.
 #include "simulator/native/interactive.h"
 
+#include <iostream>
+
 namespace vex::sim {
 
 ExitStatus play_without_scenario(const CommandLine& options) {
-    return NativeSession(options).play((NativeSession::program_folder() / "samples" / "demo.scn").string());
+    const std::filesystem::path sample = NativeSession::program_folder() / "samples" / "demo.scn";
+    return NativeSession(options).play(sample.string(), std::cout, std::cerr);
 }
 
 }  // namespace vex::sim

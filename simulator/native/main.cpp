@@ -22,7 +22,8 @@ int main(int count, char** words) {
         return kPassed;
     }
     try {
-        return options.scenario ? NativeSession(options).play(*options.scenario) : play_without_scenario(options);
+        if (!options.scenario) return play_without_scenario(options);
+        return NativeSession(options).play(*options.scenario, std::cout, std::cerr);
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {

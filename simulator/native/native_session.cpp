@@ -29,17 +29,23 @@ NativeSession::~NativeSession() {
     platform::native::set_desktop(nullptr);
 }
 
-ExitStatus NativeSession::play(const std::string& file) {
-    const bool from_input = file == kStandardInput;
-    const std::string text =
-        from_input ? std::string{std::istreambuf_iterator<char>(std::cin), {}} : read_file(file);
-    const Scenario scenario = parse_scenario(from_input ? "standard input" : file, text);
+ExitStatus NativeSession::play(const std::string& file, std::ostream& out, std::ostream& errors) {
+    if (file == kStandardInput) {
+        return play_text("standard input", std::string{std::istreambuf_iterator<char>(std::cin), {}}, {}, out, errors);
+    }
+    return play_text(file, read_file(file), std::filesystem::path(file).parent_path(), out, errors);
+}
+
+ExitStatus NativeSession::play_text(const std::string& name, const std::string& text,
+                                    const std::filesystem::path& folder, std::ostream& out, std::ostream& errors) {
+    const Scenario scenario = parse_scenario(
+        name, text, [&folder](const std::u16string& included) { return read_file(folder / std::filesystem::path(included)); });
     const RunFolders folders{
         .data = data_,
         .plugin_library = options_.plugin.value_or(program_folder() / kPluginFile),
-        .scenario = from_input ? std::filesystem::path() : std::filesystem::path(file).parent_path(),
+        .scenario = folder,
     };
-    return run_scenario(scenario, computer_, screen_, folders, options_.quiet, std::cout, std::cerr);
+    return run_scenario(scenario, computer_, screen_, folders, options_.quiet, out, errors);
 }
 
 std::filesystem::path NativeSession::program_folder() {

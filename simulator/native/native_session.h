@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <ostream>
 #include <string>
 
 #include "simulator/command_line.h"
@@ -23,8 +24,11 @@ public:
     ~NativeSession();
 
     /// Plays the scenario of that file; "-": standard input. Raises `std::exception` for one that is missing
-    /// or bad.
-    ExitStatus play(const std::string& file);
+    /// or bad. The trace goes to `out`, everything else to `errors`.
+    ExitStatus play(const std::string& file, std::ostream& out, std::ostream& errors);
+    /// The same for a text; `folder`: where its relative files lie.
+    ExitStatus play_text(const std::string& name, const std::string& text, const std::filesystem::path& folder,
+                         std::ostream& out, std::ostream& errors);
 
     /// The folder that this program lies in.
     static std::filesystem::path program_folder();

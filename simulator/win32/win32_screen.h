@@ -1,0 +1,49 @@
+// The screen of real windows: reads and operates the windows of the plug-in's dialogs, found by their names.
+#pragma once
+
+#include <optional>
+
+#include "platform/win32/window_driver.h"
+#include "simulator/screen.h"
+
+namespace vex::sim {
+
+class Win32Screen final : public Screen, private platform::win32::WindowUser {
+public:
+    /// `module`: the file name of the library whose dialogs are on the screen, loaded before anybody looks;
+    /// empty: this program.
+    explicit Win32Screen(std::u16string module) noexcept : module_(std::move(module)) {}
+
+    void set_user(ScreenUser* user) noexcept override;
+    bool any_dialog() const noexcept override { return platform::win32::top_form_window() != nullptr; }
+    bool has_control(const std::u16string& control) const override;
+    ActionResult click(const std::u16string& control) override;
+    ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y) override;
+    ActionResult set(const std::u16string& control, const std::u16string& value) override;
+    ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item) override;
+    void close() override;
+    void activate() override;
+    std::u16string property(const std::u16string& control, const std::u16string& property) const override;
+    std::vector<std::vector<std::u16string>> rows(const std::u16string& list) const override;
+
+private:
+    using WindowHandle = platform::win32::WindowHandle;
+
+    void form_opened(const std::u16string& name) noexcept override;
+    void form_closed(const std::u16string& name) noexcept override;
+    bool act() noexcept override { return user_ != nullptr && user_->act(); }
+    void messages_handled() noexcept override;
+    forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override;
+
+    /// The topmost dialog.
+    static WindowHandle dialog();
+    static WindowHandle control(const std::u16string& name);
+    static WindowHandle list(const std::u16string& name);
+
+    std::u16string module_;
+    ScreenUser* user_ = nullptr;
+    /// While there is a user.
+    std::optional<platform::win32::WindowDriver> driver_;
+};
+
+}  // namespace vex::sim
