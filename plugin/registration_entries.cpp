@@ -43,11 +43,11 @@ RegistrationBranch programmatic_id_branch(const Class& type, const std::string& 
     return {programmatic_id, SELFREG_E_CLASS, {{"", "", programmatic_id}, {"CLSID", "", clsid}}, "CLSID", clsid};
 }
 
-RegistrationBranch interface_branch(const Interface& interface) {
-    return {"Interface\\" + text_of(interface.id),
+RegistrationBranch interface_branch(const Interface& description) {
+    return {"Interface\\" + text_of(description.id),
             SELFREG_E_TYPELIB,
             {
-                {"", "", std::string(interface.name)},
+                {"", "", std::string(description.name)},
                 {"ProxyStubClsid32", "", text_of(kAutomationMarshaller)},
                 {"TypeLib", "", text_of(kLibrary.id)},
                 {"TypeLib", "Version", version_text()},

@@ -32,8 +32,8 @@ int main(int argc, char** argv) {
         const plugin::Library& library = plugin::kLibrary;
         save(folder + std::string(library.name) + ".tlb", type_library::write(library));
         for (const plugin::Class& type : library.classes) {
-            const plugin::Interface& interface = type.default_interface;
-            save(folder + std::string(interface.name) + ".bin", type_library::write_interface_id(interface));
+            const plugin::Interface& source = type.default_interface;
+            save(folder + std::string(source.name) + ".bin", type_library::write_interface_id(source));
         }
         return 0;
     } catch (const std::exception& error) {

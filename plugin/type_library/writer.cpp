@@ -92,18 +92,18 @@ private:
         out.put32(kNone);
     }
 
-    std::uint32_t add_interface(const Interface& interface) {
+    std::uint32_t add_interface(const Interface& source) {
         const std::uint32_t at = descriptions_.size();
         Description type;
         type.kind = kDualInterface;
-        type.function_count = static_cast<std::uint32_t>(interface.members.size());
+        type.function_count = static_cast<std::uint32_t>(source.members.size());
         type.flags = kHidden | kDual | kNonExtensible | kOleAutomation | kDispatchable;
-        type.guid = guids_.enter(interface.id, at);
-        type.name = names_.enter(interface.name, at, kTypeNameMark);
+        type.guid = guids_.enter(source.id, at);
+        type.name = names_.enter(source.name, at, kTypeNameMark);
         type.table_size = (kDispatchFunctions + type.function_count) * kPointerSize;
         type.base = dispatch();
         type.base_facts = kDispatchFunctions << 16 | kDispatchAncestors;
-        blocks_.push_back(members_block(interface, at, type.function_memory));
+        blocks_.push_back(members_block(source, at, type.function_memory));
         add(type);
         return at;
     }
@@ -150,11 +150,11 @@ private:
     }
 
     /// The descriptions of an interface's members with what goes with them. `memory`: what all of them take.
-    ByteBuffer members_block(const Interface& interface, std::uint32_t interface_at, std::uint32_t& memory) {
+    ByteBuffer members_block(const Interface& source, std::uint32_t interface_at, std::uint32_t& memory) {
         ByteBuffer descriptions;
         std::vector<Function> functions;
         memory = 0;
-        for (const Member& member : interface.members) {
+        for (const Member& member : source.members) {
             const auto index = static_cast<std::uint32_t>(functions.size());
             functions.push_back({static_cast<std::uint32_t>(member.id),
                                  names_.enter(member.name, interface_at, 0), descriptions.size()});
@@ -304,10 +304,10 @@ private:
 
 std::vector<std::uint8_t> write(const Library& library) { return Writer(library).write(); }
 
-std::vector<std::uint8_t> write_interface_id(const Interface& interface) {
+std::vector<std::uint8_t> write_interface_id(const Interface& source) {
     ByteBuffer bytes;
     bytes.put32(16);
-    bytes.put(interface.id);
+    bytes.put(source.id);
     return bytes.bytes();
 }
 

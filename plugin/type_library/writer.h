@@ -38,6 +38,6 @@ namespace vex::type_library {
 std::vector<std::uint8_t> write(const plugin::Library& library);
 
 /// The content of an interface-id resource: the length 16 in 32 bits, then the identity.
-std::vector<std::uint8_t> write_interface_id(const plugin::Interface& interface);
+std::vector<std::uint8_t> write_interface_id(const plugin::Interface& source);
 
 }  // namespace vex::type_library
