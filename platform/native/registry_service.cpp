@@ -347,11 +347,12 @@ std::int32_t RegistryService::connect_registry(const char* computer, RegistryKey
     key = 0;
     return answered([&]() -> std::int32_t {
         const auto predefined = static_cast<std::int32_t>(root);
-        // Whose current user or classes these would be, nobody could tell.
-        const bool can_be_remote = predefined == kHkeyLocalMachine || predefined == kHkeyUsers;
-        if (root != registry_key(predefined) || !can_be_remote) return kInvalidHandle;
+        if (root != registry_key(predefined) || local_->known_tree().root(predefined) == nullptr) return kInvalidHandle;
         std::string_view name = computer == nullptr ? std::string_view() : std::string_view(computer);
         name.remove_prefix(std::min(name.size(), name.find_first_not_of('\\')));
+        // Another computer's current user, and so its classes, would be nobody's.
+        const bool can_be_remote = predefined == kHkeyLocalMachine || predefined == kHkeyUsers;
+        if (!name.empty() && !can_be_remote) return kInvalidHandle;
         RegistryStore* store = name.empty() ? local_.get() : remote_store(name);
         if (store == nullptr) return kBadNetPath;
         key = add_handle(*store, *store->current_tree().root(predefined), kMaximumAllowed);

@@ -1,0 +1,18 @@
+// The side that the contract tests run on: its registry, and where its behaviour may differ.
+#pragma once
+
+#include "platform/code_page.h"
+#include "platform/registry.h"
+
+namespace vex::test {
+
+platform::Registry& side_registry();
+const platform::CodePage& side_code_page();
+/// Sets a variable of the process's environment.
+void set_environment(const char* name, const char* value);
+
+/// Whether an expansion that does not fit leaves its buffer alone. What it leaves there is each side's own
+/// business; the class that works on it only takes what it finds.
+extern const bool kExpansionLeavesFullBuffer;
+
+}  // namespace vex::test

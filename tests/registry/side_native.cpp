@@ -1,0 +1,33 @@
+// The contract tests on the native side: a store in a folder of its own.
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/native/machine.h"
+#include "tests/registry/side.h"
+#include "tests/registry/temporary_folder.h"
+
+namespace vex::test {
+namespace {
+
+/// Puts the computer in place on first use and takes it away at the end.
+struct Computer {
+    Computer() { platform::native::use_machine_folder(folder.path()); }
+    TemporaryFolder folder;
+};
+
+void start_computer() { static const Computer computer; }
+
+}  // namespace
+
+platform::Registry& side_registry() {
+    start_computer();
+    return platform::native::registry();
+}
+
+const platform::CodePage& side_code_page() { return platform::native::code_page(); }
+
+void set_environment(const char* name, const char* value) { ::setenv(name, value, 1); }
+
+const bool kExpansionLeavesFullBuffer = true;
+
+}  // namespace vex::test
