@@ -15,7 +15,7 @@
 namespace vex {
 namespace {
 
-constexpr forms::FormDesign kDesign{.name = "frmAbout", .caption = u"About", .width = 5700, .height = 3330};
+constexpr forms::FormDesign kDesign{.name = "frmAbout", .caption = u"About", .width = 5700, .height = 3525};
 constexpr char16_t kDescriptionDesignText[] = u"";
 
 std::u16string decimal_text(int number) { return from_utf8(std::to_string(number)); }
@@ -59,7 +59,7 @@ frmAbout::frmAbout(const Services& services) : Form(services.toolkit, kDesign), 
         {.control = lblDescription, .name = "lblDescription", .at = {240, 600, 5220, 900},
          .text = kDescriptionDesignText},
         {.control = lnSeparator, .name = "lnSeparator", .at = {120, 1740, 5460, 0}},
-        {.control = lblDisclaimer, .name = "lblDisclaimer", .at = {240, 1950, 3720, 1200},
+        {.control = lblDisclaimer, .name = "lblDisclaimer", .at = {240, 1950, 3720, 1395},
          .text = u"Warning: This program is meant for updating the firmware of message displays and for nothing "
                  u"else. Using it for any other purpose may damage a display. It is protected by copyright; making "
                  u"or passing on unauthorized copies, in whole or in part, is not permitted."},

@@ -59,8 +59,8 @@ void FormWindow::mouse_press(const MouseEvent& event) {
     const Area cells = placed->cells;
     set_focus(control);
     raise_mouse_down(*placed, event);
-    // The handler may have ended the form, or changed what stands here.
-    if (!form_.running() || !control.enabled() || !control.reachable()) return;
+    // The handler may have changed what stands here.
+    if (!control.enabled() || !control.reachable()) return;
     if (event.button != forms::MouseButton::left) return;
     if (control.kind() == ControlKind::text_box) {
         auto& box = static_cast<forms::TextBox&>(control);

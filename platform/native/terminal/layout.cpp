@@ -23,9 +23,8 @@ int cell_at(Twips twips, Twips per_cell) noexcept {
     return static_cast<int>(std::floor(static_cast<double>(twips) / per_cell));
 }
 
-bool has_text(ControlKind kind) noexcept {
-    return kind == ControlKind::label || kind == ControlKind::button || kind == ControlKind::option_button ||
-           kind == ControlKind::check_box;
+bool wraps_text(ControlKind kind) noexcept {
+    return kind == ControlKind::label || kind == ControlKind::option_button || kind == ControlKind::check_box;
 }
 
 /// The left top corner of a control in twips of the client area.
@@ -72,12 +71,24 @@ int widest(const std::vector<std::u32string>& lines) noexcept {
     return width;
 }
 
-/// Makes room for the texts that do not fit: first to the right, buttons then to the left, others downwards.
+/// Makes room for the texts that do not fit.
 class TextFitter {
 public:
     explicit TextFitter(std::vector<PlacedControl>& controls) noexcept : controls_(controls) {}
 
-    void fit(PlacedControl& placed) const {
+    /// A caption does not wrap: its button grows to the right, then to the left.
+    void fit_button(PlacedControl& placed) const {
+        const int adornment = adornment_width(ControlKind::button);
+        const std::u32string text = text_of(*placed.control);
+        const int wanted = text_width(text) + adornment;
+        Area& cells = placed.cells;
+        if (cells.width() < wanted) cells.right = std::max(cells.right, std::min(cells.left + wanted, free_right(placed)));
+        if (cells.width() < wanted) cells.left = std::min(cells.left, std::max(cells.right - wanted, free_left(placed)));
+        placed.lines = {shorten(text, cells.width() - adornment)};
+    }
+
+    /// Others grow to the right, then downwards.
+    void fit_text(PlacedControl& placed) const {
         const int adornment = adornment_width(placed.control->kind());
         const std::u32string text = text_of(*placed.control);
         const auto lines_for = [&](int width) { return wrap(text, std::max(1, width - adornment)); };
@@ -94,12 +105,6 @@ public:
         placed.cells.right = std::max(placed.cells.right, placed.cells.left + adornment + widest(placed.lines));
         if (fits()) return;
 
-        if (placed.control->kind() == ControlKind::button) {
-            const int missing = wanted - placed.cells.right;
-            placed.cells.left = std::max(placed.cells.left - missing, free_left(placed));
-            placed.lines = {shorten(text, placed.cells.width() - adornment)};
-            return;
-        }
         const int bottom = placed.cells.top + static_cast<int>(placed.lines.size());
         placed.cells.bottom = std::max(placed.cells.bottom, std::min(bottom, free_bottom(placed)));
         const auto rows = static_cast<std::size_t>(placed.cells.height());
@@ -194,9 +199,13 @@ std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale) 
         placed.cells = cells_for(absolute_place(*control), kind, scale);
         placed_controls.push_back(std::move(placed));
     }
+    // Buttons first: their captions have no other way out.
     const TextFitter fitter(placed_controls);
     for (PlacedControl& placed : placed_controls) {
-        if (has_text(placed.control->kind())) fitter.fit(placed);
+        if (placed.control->kind() == ControlKind::button) fitter.fit_button(placed);
+    }
+    for (PlacedControl& placed : placed_controls) {
+        if (wraps_text(placed.control->kind())) fitter.fit_text(placed);
     }
     return placed_controls;
 }

@@ -1,0 +1,76 @@
+// Drawing on cells, and colours that can be read.
+#include "platform/native/terminal/canvas.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/native/terminal/colors.h"
+#include "platform/native/terminal/text_picture.h"
+
+namespace vex::platform::native::terminal {
+namespace {
+
+TEST(Canvas, NeverShowsHalfAWideCharacter) {
+    Canvas canvas({6, 1});
+    canvas.text({0, 0}, U"日本語", {});
+    EXPECT_EQ(text_picture(canvas), "日本語\n");
+    // Over the right half, over the left half, and at the edge.
+    canvas.text({1, 0}, U"x", {});
+    EXPECT_EQ(text_picture(canvas), " x本語\n");
+    canvas.text({2, 0}, U"y", {});
+    EXPECT_EQ(text_picture(canvas), " xy 語\n");
+    canvas.text({5, 0}, U"日", {});
+    EXPECT_EQ(text_picture(canvas), " xy\n");
+    const ClipScope clip(canvas, {0, 0, 3, 1});
+    canvas.text({2, 0}, U"日", {});
+    EXPECT_EQ(text_picture(canvas), " x\n");
+}
+
+TEST(Canvas, LetsNoTextSteerTheTerminal) {
+    Canvas canvas({20, 1});
+    canvas.text({0, 0}, U"a\x1B[2Jb\u009Bc\u202Ed\u200Be\n", {});
+    EXPECT_EQ(text_picture(canvas), "a\uFFFD[2Jb\uFFFDcde\uFFFD\n");
+    // Marks beyond those a cell keeps are dropped, and one without a letter is.
+    canvas.fill(canvas.area(), {});
+    canvas.text({0, 0}, U"\u0301e\u0301\u0302\u0303\u0304x", {});
+    EXPECT_EQ(text_picture(canvas), "e\u0301\u0302x\n");
+}
+
+TEST(Canvas, JoinsLinesThatMeet) {
+    Canvas canvas({5, 3});
+    canvas.line({0, 0}, {4, 0}, forms::kBlack);
+    canvas.line({2, 0}, {2, 2}, forms::kBlack);
+    canvas.line({2, 2}, {4, 2}, forms::kBlack);
+    EXPECT_EQ(text_picture(canvas), "──┬──\n  │\n  └──\n");
+    Canvas framed({4, 3});
+    framed.frame(framed.area(), forms::kBlack);
+    EXPECT_EQ(text_picture(framed), "┌──┐\n│  │\n└──┘\n");
+}
+
+TEST(Colors, KeepTheirHueAndCanBeRead) {
+    // The light green of a finished display, on white.
+    const forms::Color green = readable_on(forms::rgb(100, 255, 100), forms::kWhite);
+    EXPECT_GE(contrast(green, forms::kWhite), 2.5);
+    EXPECT_GT(green >> 8 & 0xFF, 2 * (green & 0xFF));
+    EXPECT_EQ(readable_on(forms::kRed, forms::kWhite), forms::kRed);
+    EXPECT_EQ(readable_on(forms::kWhite, forms::kDarkGrey), forms::kWhite);
+    EXPECT_NE(readable_on(forms::kWhite, forms::kWhite), forms::kWhite);
+    EXPECT_NE(readable_on(forms::kBlack, forms::kBlack), forms::kBlack);
+}
+
+TEST(Colors, FindTheirPlaceInEveryPalette) {
+    EXPECT_EQ(nearest_palette_color(forms::kGreen, 256), 46);
+    EXPECT_EQ(nearest_palette_color(forms::kGrey, 256), 244);
+    EXPECT_EQ(nearest_palette_color(forms::kGrey, 16), 8);
+    EXPECT_EQ(nearest_palette_color(forms::kRed, 8), 1);
+    // Greys that fall onto one colour of eight are still told apart.
+    for (const int count : {8, 16, 256}) {
+        for (const forms::Color back : {look::kFace, look::kField, look::kHeader, look::kDesktop}) {
+            const int back_color = nearest_palette_color(back, count);
+            EXPECT_NE(palette_text_color(look::kFaint, back_color, count), back_color) << count;
+            EXPECT_NE(palette_text_color(back, back_color, count), back_color) << count;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vex::platform::native::terminal
