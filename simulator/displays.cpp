@@ -34,7 +34,7 @@ std::string key_names() {
 
 Display read_display(const Words& words) {
     if (words.size() < 2 || words.front() != kDisplayWord) {
-        throw std::invalid_argument("expected \"display NAME KEY=VALUE...\"");
+        throw std::invalid_argument("expected display NAME KEY=VALUE...");
     }
     Display display;
     display.name = words[1];
@@ -81,7 +81,7 @@ void read_display_field(std::u16string_view word, Display& display) {
     if (equals != word.npos && key == kConnectionKey) {
         const auto number = parse_number(value, std::numeric_limits<std::int16_t>::min(),
                                          std::numeric_limits<std::int16_t>::max());
-        if (!number) throw std::invalid_argument("\"" + to_utf8(word) + "\" needs a number of 16 bits");
+        if (!number) throw std::invalid_argument(to_utf8(word) + " needs a number of 16 bits");
         display.connection = static_cast<std::int16_t>(*number);
         return;
     }
@@ -90,7 +90,7 @@ void read_display_field(std::u16string_view word, Display& display) {
         display.*field.text = value;
         return;
     }
-    throw std::invalid_argument("\"" + to_utf8(word) + "\" is no KEY=VALUE with a key of " + key_names());
+    throw std::invalid_argument(to_utf8(word) + " is no KEY=VALUE with a key of " + key_names());
 }
 
 std::optional<std::size_t> Displays::find(const std::u16string& name) const {
@@ -132,7 +132,7 @@ Displays Displays::load(const std::filesystem::path& path) {
     const std::string file = path.filename().string();
     const std::vector<std::u16string> lines = split_lines(read_file(path));
     if (lines.empty() || lines.front() != kHeader) {
-        throw TextError(file, 1, "expected \"" + to_utf8(kHeader) + "\"");
+        throw TextError(file, 1, "expected the line " + to_utf8(kHeader));
     }
     Displays displays;
     for (std::size_t i = 1; i < lines.size(); ++i) {
@@ -141,7 +141,7 @@ Displays Displays::load(const std::filesystem::path& path) {
             if (words.empty()) continue;
             Display display = read_display(words);
             if (displays.find(display.name)) {
-                throw std::invalid_argument("display " + to_utf8(in_quotes(display.name)) + " stands here twice");
+                throw std::invalid_argument("display " + to_utf8(display.name) + " stands here twice");
             }
             displays.put(std::move(display));
         } catch (const std::invalid_argument& error) {

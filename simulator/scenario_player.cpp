@@ -117,7 +117,14 @@ std::filesystem::path ScenarioPlayer::target_file(const std::u16string& path) {
 
 void ScenarioPlayer::say(CallPattern pattern, std::u16string text, std::function<void(ScenarioPlayer&)> reaction) {
     std::function<void()> bound;
-    if (reaction) bound = [this, place = place_, reaction = std::move(reaction)] { run(place, reaction); };
+    if (reaction) {
+        // A click may lead to another call with the same message; the user does not click in his own click.
+        bound = [this, place = place_, reaction = std::move(reaction), busy = std::make_shared<bool>(false)] {
+            if (std::exchange(*busy, true)) return;
+            run(place, reaction);
+            *busy = false;
+        };
+    }
     host_.links.add_message(std::move(pattern), {std::move(text), std::move(bound)});
 }
 

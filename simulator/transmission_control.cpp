@@ -77,13 +77,16 @@ com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
     const ConnectionSettings settings = object->settings();
     const std::int16_t id = settings.sign_id.value_or(0);
     const auto answering = host_.display_on_line(settings.line());
-    const Call call{answering ? host_.displays.at(*answering).name : u"", id, Operation::OpenConnection};
+    if (!display_ && !busy_) {
+        called_display_ = answering ? host_.displays.at(*answering).name : u"";
+        sign_id_ = id;
+    }
+    const Call call = call_of(Operation::OpenConnection);
     return operate(call, shown_call(call.operation) + u" " + settings.describe(), [&](const ScriptedCall& scripted) {
         if (display_) return goes_on(scripted, call.operation) && refuse(u"A connection is open already");
         if (!goes_on(scripted, call.operation)) return false;
         if (!answering) return refuse(u"No display answers");
         display_ = answering;
-        sign_id_ = id;
         return true;
     });
 }
@@ -126,10 +129,10 @@ com::Variant TransmissionControl::get_sign_info() {
     const Call call = call_of(Operation::GetSignInfo);
     const std::u16string shown = shown_call(call.operation);
     const ScriptedCall scripted = begin(call, shown);
-    if (!display_) throw RuntimeError(kAutomationError, u"No connection is open");
-    // What the display reports is under way before anybody can cancel.
+    // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
+    // nobody answers and no slaves are known.
     std::optional<SlaveCounts> slaves;
-    if (host_.units.answers(host_.displays.at(*display_), sign_id_)) slaves = host_.units.slaves(call.display, sign_id_);
+    if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_)) slaves = host_.units.slaves(call.display, sign_id_);
     for (const ScriptedMessage& message : scripted.messages) say(message);
     if (scripted.fault == FaultKind::fail) {
         host_.trace.line(shown + u" -> " + shown_boolean(false));
@@ -259,7 +262,7 @@ void TransmissionControl::say(ScriptedMessage message) {
 }
 
 Call TransmissionControl::call_of(Operation operation) const {
-    return {display_ ? host_.displays.at(*display_).name : u"", sign_id_, operation};
+    return {called_display_, sign_id_, operation};
 }
 
 std::u16string TransmissionControl::unit(std::u16string_view text) const {

@@ -56,8 +56,10 @@ private:
     std::u16string unit(std::u16string_view text) const;
 
     Host& host_;
-    /// Position of the connected display.
+    /// The connected display, by its position.
     std::optional<std::size_t> display_;
+    /// The display that was connected last, or asked for: whose calls these are, also when it is gone.
+    std::u16string called_display_;
     /// The unit that operations address.
     std::int16_t sign_id_ = 0;
     bool busy_ = false;

@@ -9,7 +9,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "support/automation_value.h"
 #include "support/text.h"
 
 namespace vex::sim {
@@ -35,12 +37,15 @@ std::uint32_t read_crc(const std::u16string& word) {
     return value;
 }
 
-/// The masters of a display, as far as its IDs are numbers.
+/// The masters of a display, as far as its IDs are numbers to an automation client.
 std::vector<std::int16_t> masters(const Display& display) {
     std::vector<std::int16_t> result;
     for (const std::u16string& piece : split(display.ids, u',')) {
-        const auto id = parse_number(piece, kLowestId, kHighestId);
-        if (id) result.push_back(static_cast<std::int16_t>(*id));
+        try {
+            result.push_back(to_int16(piece));
+        } catch (const RuntimeError&) {
+            // No unit has that ID; who asks for it learns so.
+        }
     }
     return result;
 }
@@ -181,14 +186,14 @@ void Units::read(const Words& words) {
               {Content::State::firmware, {words[3], static_cast<std::uint64_t>(*size), read_crc(words[5])}});
     } else {
         throw std::invalid_argument(
-            "expected \"slaves NAME ID YxX\", \"absent NAME ID\", \"box NAME TEXT\" or \"holds NAME ID CONTENT\"");
+            "expected slaves NAME ID YxX, absent NAME ID, box NAME TEXT or holds NAME ID CONTENT");
     }
 }
 
 Units Units::load(const std::filesystem::path& path) {
     const std::string file = path.filename().string();
     const std::vector<std::u16string> lines = split_lines(read_file(path));
-    if (lines.empty() || lines.front() != kHeader) throw TextError(file, 1, "expected \"" + to_utf8(kHeader) + "\"");
+    if (lines.empty() || lines.front() != kHeader) throw TextError(file, 1, "expected the line " + to_utf8(kHeader));
     Units units;
     for (std::size_t i = 1; i < lines.size(); ++i) {
         try {
