@@ -40,7 +40,8 @@ std::string describe(const Input& input) {
                std::to_string(static_cast<int>(mouse->button)) + " " + std::to_string(mouse->at.column) + "," +
                std::to_string(mouse->at.row);
     }
-    return std::holds_alternative<Resized>(input) ? "resized" : "ended";
+    if (const auto* ended = std::get_if<Ended>(&input)) return "ended " + std::to_string(ended->signal);
+    return "resized";
 }
 
 std::string key_name(Key key) { return "key " + std::to_string(static_cast<int>(key)); }
@@ -166,7 +167,7 @@ void report_input(int report) {
             screen.show(greeting(screen.size()), std::nullopt);
         }
         tell(report, line);
-        if (line == "ended") return;
+        if (std::holds_alternative<Ended>(*input)) return;
     }
 }
 
@@ -258,14 +259,14 @@ TEST(NcursesScreen, TellsOfARequestToEndOrALostTerminal) {
         TerminalProcess process(report_input);
         ASSERT_EQ(process.hear(), "ready");
         process.signal(signal);
-        EXPECT_EQ(process.hear(), "ended");
+        EXPECT_EQ(process.hear(), "ended " + std::to_string(signal));
         EXPECT_EQ(process.wait(), 0);
         EXPECT_TRUE(process.modes_are_as_before());
     }
     TerminalProcess process(report_input);
     ASSERT_EQ(process.hear(), "ready");
     process.hang_up();
-    EXPECT_EQ(process.hear(), "ended");
+    EXPECT_THAT(process.hear(), testing::StartsWith("ended "));
 }
 
 TEST(NcursesScreen, UsesColoursOnlyWhereTheyAreWelcome) {

@@ -11,6 +11,8 @@ using forms::Control;
 using forms::ControlKind;
 
 constexpr int kColumnStep = 8;
+/// Letters that come faster belong together.
+constexpr std::chrono::milliseconds kTypingPause{700};
 
 bool has_mnemonic(ControlKind kind) noexcept {
     return kind == ControlKind::button || kind == ControlKind::option_button || kind == ControlKind::check_box;
@@ -114,13 +116,18 @@ void FormWindow::select(forms::ListView& list, std::size_t row) {
     if (auto pane = pane_of(list)) pane->reveal(row);
 }
 
-bool FormWindow::select_by_letter(forms::ListView& list, char32_t letter) {
+bool FormWindow::search(forms::ListView& list, char32_t letter) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - typed_at_ > kTypingPause) typed_.clear();
+    typed_at_ = now;
+    typed_.push_back(letter);
     const std::size_t count = list.row_count();
-    const std::size_t start = list.selected() ? *list.selected() + 1 : 0;
+    // The first letter goes on from the selected row, further ones may keep it.
+    const std::size_t start = !list.selected() ? 0 : *list.selected() + (typed_.size() == 1 ? 1 : 0);
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t row = (start + i) % count;
         const std::u32string text = to_utf32(list.rows()[row].text);
-        if (!text.empty() && same_letter(text.front(), letter)) {
+        if (text.size() >= typed_.size() && std::equal(typed_.begin(), typed_.end(), text.begin(), same_letter)) {
             select(list, row);
             return true;
         }
@@ -133,10 +140,11 @@ void FormWindow::handle_key_of(forms::ListView& list, const KeyPress& key) {
     if (!pane) return;
     if (key.key == Key::left) return pane->scroll_columns(-kColumnStep);
     if (key.key == Key::right) return pane->scroll_columns(kColumnStep);
-    if (key.key == Key::character && key.character == U' ') return form_.raise_click(list);
+    const bool typing = std::chrono::steady_clock::now() - typed_at_ < kTypingPause;
+    if (key.key == Key::character && key.character == U' ' && !typing) return form_.raise_click(list);
     if (list.row_count() == 0) return owner_.beep();
     if (key.key == Key::character) {
-        if (!select_by_letter(list, key.character)) owner_.beep();
+        if (!search(list, key.character)) owner_.beep();
         return;
     }
     const auto last = static_cast<std::ptrdiff_t>(list.row_count()) - 1;

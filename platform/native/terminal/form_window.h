@@ -1,7 +1,9 @@
 // A form on the terminal while it is shown: turns keys and mouse into what the user does to the form.
 #pragma once
 
+#include <chrono>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "forms/form.h"
@@ -60,7 +62,8 @@ private:
     void press_enter();
     void press_escape();
     void handle_key_of(forms::ListView& list, const KeyPress& key);
-    bool select_by_letter(forms::ListView& list, char32_t letter);
+    /// Goes to the next row that begins with what was typed in one go.
+    bool search(forms::ListView& list, char32_t letter);
     void select(forms::ListView& list, std::size_t row);
     void open_menu();
 
@@ -84,6 +87,9 @@ private:
     const forms::Control* pressed_ = nullptr;
     bool close_pressed_ = false;
     Point pointer_;
+    /// What was typed in a list in one go, and when last.
+    std::u32string typed_;
+    std::chrono::steady_clock::time_point typed_at_;
 };
 
 }  // namespace vex::platform::native::terminal

@@ -45,8 +45,11 @@ struct MouseEvent {
 /// The terminal has another size.
 struct Resized {};
 
-/// The process was asked to end, or the terminal is gone.
-struct Ended {};
+/// The process is to end.
+struct Ended {
+    /// The signal that asked for it; 0: the terminal is gone.
+    int signal = 0;
+};
 
 using Input = std::variant<KeyPress, MouseEvent, Resized, Ended>;
 

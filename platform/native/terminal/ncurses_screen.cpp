@@ -170,7 +170,7 @@ public:
             hung_up = (sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
             if (!wait && sources[0].revents == 0 && sources[1].revents == 0) return std::nullopt;
         }
-        return Ended{};
+        return Ended{signals_.ending_signal()};
     }
 
 private:
@@ -198,7 +198,7 @@ private:
     static void follow_size() {
         winsize size{};
         if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row == 0 || size.ws_col == 0) return;
-        resizeterm(size.ws_row, size.ws_col);
+        resize_term(size.ws_row, size.ws_col);
         // What the terminal made of the old picture is not known.
         clearok(stdscr, TRUE);
     }

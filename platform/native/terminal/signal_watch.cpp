@@ -53,7 +53,7 @@ void tell(char event) noexcept {
 
 void on_end(int signal) {
     if (state.asked_to_end != 0) return die_of(signal);
-    state.asked_to_end = 1;
+    state.asked_to_end = signal;
     tell('e');
 }
 
@@ -100,6 +100,8 @@ void SignalWatch::set_farewell(const std::string& bytes) noexcept {
 }
 
 int SignalWatch::descriptor() const noexcept { return state.pipe[0]; }
+
+int SignalWatch::ending_signal() const noexcept { return state.asked_to_end; }
 
 SignalWatch::Event SignalWatch::next() noexcept {
     char event = 0;

@@ -24,6 +24,8 @@ public:
     /// Can be read when there is an event.
     int descriptor() const noexcept;
     Event next() noexcept;
+    /// The signal of Event::ended.
+    int ending_signal() const noexcept;
 
 private:
     struct Former {

@@ -30,19 +30,6 @@ private:
     FormWindow window_;
 };
 
-class TerminalToolkit::OwnDialogScope {
-public:
-    explicit OwnDialogScope(TerminalToolkit& toolkit) noexcept
-        : toolkit_(toolkit), before_(std::exchange(toolkit.own_dialog_, true)) {}
-    OwnDialogScope(const OwnDialogScope&) = delete;
-    OwnDialogScope& operator=(const OwnDialogScope&) = delete;
-    ~OwnDialogScope() { toolkit_.own_dialog_ = before_; }
-
-private:
-    TerminalToolkit& toolkit_;
-    bool before_;
-};
-
 TerminalToolkit::TerminalToolkit(Screen& screen, const Drives& drives, IconCharacters icons, Surroundings surroundings)
     : screen_(screen), drives_(drives), icons_(std::move(icons)), surroundings_(std::move(surroundings)) {}
 
@@ -54,20 +41,15 @@ forms::Form* TerminalToolkit::top() const noexcept {
 
 void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
     if (ended_) return;
-    {
-        const ShowScope shown(*this, form);
-        draw_now();
-        form.raise_activate();
-        while (form.running() && !ended_) {
-            draw_when_stale();
-            if (const auto input = read(true)) handle(*input);
-        }
-        if (form.running()) form.raise_close_request(forms::UnloadMode::system);
-        if (form.running()) form.hide();
+    const ShowScope shown(*this, form);
+    draw_now();
+    form.raise_activate();
+    while (form.running() && !ended_) {
+        draw_when_stale();
+        if (const auto input = read(true)) handle(*input);
     }
-    if (ended_ || own_dialog_ || windows_.empty()) return;
-    forms::Form& below = windows_.back().window.form();
-    if (below.running()) below.raise_activate();
+    if (form.running()) form.raise_close_request(forms::UnloadMode::system);
+    if (form.running()) form.hide();
 }
 
 void TerminalToolkit::pump_messages() {
@@ -80,14 +62,12 @@ void TerminalToolkit::pump_messages() {
 }
 
 forms::MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
-    const OwnDialogScope own(*this);
     MessageForm form(*this, box);
     form.show_modal();
     return form.answer();
 }
 
 std::optional<std::u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
-    const OwnDialogScope own(*this);
     OpenFileForm form(*this, drives_, request);
     form.show_modal();
     return form.chosen();
@@ -95,8 +75,9 @@ std::optional<std::u16string> TerminalToolkit::open_file(const forms::OpenFileRe
 
 std::optional<Input> TerminalToolkit::read(bool wait) {
     auto input = screen_.read(wait);
-    if (input && std::holds_alternative<Ended>(*input)) ended_ = true;
-    if (input && std::holds_alternative<Resized>(*input)) stale_ = true;
+    if (!input) return input;
+    if (const auto* ended = std::get_if<Ended>(&*input)) ended_ = *ended;
+    if (std::holds_alternative<Resized>(*input)) stale_ = true;
     return input;
 }
 

@@ -39,8 +39,8 @@ public:
     void pop_up_menu(forms::Form& form, forms::Menu& menu) override;
     void beep() override { screen_.beep(); }
 
-    /// Whether the process was asked to end: then no form is shown any more, and those that are end.
-    bool ended() const noexcept { return ended_; }
+    /// Why the process is to end, if it is: then no form is shown any more, and those that are end.
+    const std::optional<Ended>& ended() const noexcept { return ended_; }
     /// The topmost form, or null.
     forms::Form* top() const noexcept;
     void invalidate() override { stale_ = true; }
@@ -52,7 +52,6 @@ private:
         Point at;
     };
     class ShowScope;
-    class OwnDialogScope;
     struct OpenMenu {
         const forms::Menu& menu;
         Point at;
@@ -80,9 +79,7 @@ private:
     std::vector<ShownForm> windows_;
     std::optional<OpenMenu> menu_;
     bool stale_ = true;
-    bool ended_ = false;
-    /// A message box or an Open dialog is shown: it is the toolkit's own, and its end activates no form.
-    bool own_dialog_ = false;
+    std::optional<Ended> ended_;
 };
 
 }  // namespace vex::platform::native::terminal
