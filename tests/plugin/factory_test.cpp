@@ -1,0 +1,108 @@
+// The exports, the class factories, and what keeps the library loaded.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/plugin/plugin_fixture.h"
+
+namespace vex::plugin_test {
+namespace {
+
+void* const kPoison = reinterpret_cast<void*>(std::uintptr_t{0xDEAD});
+
+constexpr GUID kUnknownClass = {0x12345678, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}};
+
+class Factory : public PluginTest, public testing::WithParamInterface<GUID> {};
+
+INSTANTIATE_TEST_SUITE_P(Classes, Factory, testing::Values(kCatalogueClass, kEntryClass));
+
+TEST_P(Factory, MakesObjectsThatKeepTheLibraryLoaded) {
+    auto factory = factory_of(GetParam());
+    com::ComPtr<IUnknown> first;
+    com::ComPtr<IUnknown> second;
+    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, first.put_void()), S_OK);
+    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, second.put_void()), S_OK);
+    EXPECT_NE(first.get(), second.get());
+    factory.reset();
+    EXPECT_EQ(can_unload_now(), S_FALSE);
+    first.reset();
+    EXPECT_EQ(can_unload_now(), S_FALSE);
+    second.reset();
+    EXPECT_EQ(can_unload_now(), S_OK);
+}
+
+TEST_P(Factory, OffersTheInterfacesOfItsClassAndNoOthers) {
+    const auto object = make(GetParam());
+    const bool is_catalogue = IsEqualGUID(GetParam(), kCatalogueClass);
+    const GUID own = is_catalogue ? kCatalogueInterface : kEntryInterface;
+    const GUID other = is_catalogue ? kEntryInterface : kCatalogueInterface;
+    com::ComPtr<IUnknown> identity;
+    ASSERT_EQ(object->QueryInterface(IID_IUnknown, identity.put_void()), S_OK);
+    for (const GUID& iid : {own, IID_IDispatch, IID_ISupportErrorInfo}) {
+        com::ComPtr<IUnknown> offered;
+        EXPECT_EQ(object->QueryInterface(iid, offered.put_void()), S_OK);
+        com::ComPtr<IUnknown> same;
+        EXPECT_EQ(offered->QueryInterface(IID_IUnknown, same.put_void()), S_OK);
+        EXPECT_EQ(same.get(), identity.get()) << "every interface leads back to one identity";
+    }
+    void* refused = kPoison;
+    EXPECT_EQ(object->QueryInterface(other, &refused), E_NOINTERFACE);
+    EXPECT_EQ(refused, nullptr);
+    EXPECT_EQ(object->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    const auto errors = object.query<ISupportErrorInfo>();
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(own), S_OK);
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(other), S_FALSE);
+}
+
+TEST_P(Factory, RefusesAggregationAndUnknownInterfacesWithoutAnObject) {
+    const auto factory = factory_of(GetParam());
+    void* object = kPoison;
+    EXPECT_EQ(factory->CreateInstance(factory.get(), IID_IUnknown, &object), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(object, nullptr);
+    object = kPoison;
+    EXPECT_EQ(factory->CreateInstance(nullptr, kUnknownClass, &object), E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
+}
+
+TEST_P(Factory, LocksKeepTheLibraryLoaded) {
+    auto factory = factory_of(GetParam());
+    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    factory.reset();
+    EXPECT_EQ(can_unload_now(), S_FALSE);
+    factory = factory_of(GetParam());
+    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    factory.reset();
+    EXPECT_EQ(can_unload_now(), S_OK);
+}
+
+using Exports = PluginTest;
+
+TEST_F(Exports, AreTheFourOfAnInProcessServer) {
+    for (const char* name : {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}) {
+        EXPECT_NE(plugin_export(name), nullptr) << name;
+    }
+}
+
+TEST_F(Exports, RefuseOtherClassesAndNullResults) {
+    void* object = kPoison;
+    EXPECT_EQ(class_object(kUnknownClass, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(object, nullptr);
+    object = kPoison;
+    EXPECT_EQ(class_object(kCatalogueClass, kCatalogueInterface, &object), E_NOINTERFACE) << "no factory is a catalogue";
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(class_object(kCatalogueClass, IID_IClassFactory, nullptr), E_POINTER);
+}
+
+TEST_F(Exports, TenThousandObjectsLeaveNothingBehind) {
+    for (int i = 0; i < 10000; ++i) {
+        make(kCatalogueClass);
+        make(kEntryClass);
+    }
+    EXPECT_EQ(can_unload_now(), S_OK);
+}
+
+}  // namespace
+}  // namespace vex::plugin_test

@@ -1,0 +1,25 @@
+// The native side.
+#include "tests/plugin/side.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <stdexcept>
+
+#include "platform/native/machine.h"
+
+namespace vex::plugin_test {
+
+void* plugin_export(const char* name) {
+    static void* const library = [] {
+        const char* path = std::getenv("VEX_PLUGIN");
+        void* loaded = dlopen(path != nullptr ? path : "libvexFirmwarePlugin.so", RTLD_NOW | RTLD_LOCAL);
+        if (loaded == nullptr) throw std::runtime_error(dlerror());
+        return loaded;
+    }();
+    return dlsym(library, name);
+}
+
+platform::Registry& registry() { return platform::native::registry(); }
+
+}  // namespace vex::plugin_test
