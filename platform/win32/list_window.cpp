@@ -2,6 +2,7 @@
 #include "platform/win32/list_window.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/unicode.h"
 #include "platform/win32/module_icon.h"
@@ -50,10 +51,13 @@ void ListWindow::make_icons() {
 
 void ListWindow::update(forms::Change change) {
     switch (change) {
-        case forms::Change::rows: show_rows(); break;
+        case forms::Change::rows:
+            if (!std::exchange(stale_, true)) InvalidateRect(window(), nullptr, TRUE);
+            break;
         case forms::Change::row: {
+            // A list whose rows have changed is drawn again as a whole.
             const std::size_t row = list_.changed_row();
-            SendMessageW(window(), LVM_REDRAWITEMS, row, static_cast<LPARAM>(row));
+            if (!stale_) SendMessageW(window(), LVM_REDRAWITEMS, row, static_cast<LPARAM>(row));
             break;
         }
         case forms::Change::selection: show_selection(); break;
@@ -63,10 +67,10 @@ void ListWindow::update(forms::Change change) {
 }
 
 void ListWindow::show_rows() {
+    const FormContext::Update update(context());
     const std::size_t count = list_.row_count();
-    const LPARAM what = count > shown_rows_ ? LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL : 0;
-    shown_rows_ = count;
-    SendMessageW(window(), LVM_SETITEMCOUNT, count, what);
+    const bool more = count > std::exchange(shown_rows_, count);
+    system_handling(LVM_SETITEMCOUNT, count, more ? LVSICF_NOSCROLL : 0);
 }
 
 void ListWindow::show_selection() {
@@ -147,6 +151,8 @@ int ListWindow::find_item(const NMLVFINDITEMW& search) const {
 }
 
 std::optional<LRESULT> ListWindow::message(UINT message, WPARAM wide_parameter, LPARAM long_parameter) {
+    // Told only when it next has something to do: counting anew for each of many rows would take long.
+    if (std::exchange(stale_, false)) show_rows();
     if (message == WM_CONTEXTMENU) {
         // By mouse, the press has been told already.
         constexpr LPARAM kByKeyboard = -1;

@@ -28,7 +28,9 @@ private:
 
     forms::ListView& list_;
     OwnedImageList icons_;
+    /// How many rows the window knows of; stale when the list has been given others since.
     std::size_t shown_rows_ = 0;
+    bool stale_ = false;
 };
 
 }  // namespace vex::platform::win32

@@ -71,7 +71,7 @@ void Win32Screen::set_user(ScreenUser* user) noexcept {
     user_ = user;
     if (user == nullptr) return;
     // Without a driver nobody would ever act: a module whose loops cannot be watched ends the program.
-    driver_.emplace(module_, *this);
+    driver_.emplace(module_, static_cast<platform::win32::WindowUser&>(*this));
 }
 
 WindowHandle Win32Screen::dialog() {
@@ -82,7 +82,7 @@ WindowHandle Win32Screen::dialog() {
 
 WindowHandle Win32Screen::control(const std::u16string& name) {
     const WindowHandle found = platform::win32::control_window(dialog(), name);
-    if (found == nullptr) refuse(u"the dialog", "has no control " + to_utf8(quoted(name)));
+    if (found == nullptr) refuse(u"the dialog", "has no control " + to_utf8(in_quotes(name)));
     return found;
 }
 
@@ -120,7 +120,7 @@ ActionResult Win32Screen::set(const std::u16string& name, const std::u16string& 
         return possible(takes);
     }
     const bool on = value == u"on";
-    if (!on && value != u"off") throw std::invalid_argument(to_utf8(quoted(value)) + " is neither on nor off");
+    if (!on && value != u"off") throw std::invalid_argument(to_utf8(in_quotes(value)) + " is neither on nor off");
     if (kind != ShownKind::option_button && kind != ShownKind::check_box) refuse(name, "takes no value");
     if (platform::win32::shown_checked(target) == on) return possible(takes);
     // An option goes off only by another one going on.
@@ -146,7 +146,7 @@ std::u16string Win32Screen::property(const std::u16string& name, const std::u16s
     if (property == u"Enabled") return shown_boolean(platform::win32::shown_enabled(target));
     if (property == u"Visible") return shown_boolean(platform::win32::shown_visible(target));
     auto value = own_property(target, name, property);
-    if (!value) refuse(name, "has no property " + to_utf8(quoted(property)));
+    if (!value) refuse(name, "has no property " + to_utf8(in_quotes(property)));
     return *std::move(value);
 }
 

@@ -1,0 +1,394 @@
+// What every Toolkit owes the dialogs, seen from its screen. Runs unchanged against each side.
+#include <gmock/gmock.h>
+
+#include "core/runtime_error.h"
+#include "tests/toolkit/sample_form.h"
+#include "tests/toolkit/side.h"
+#include "tests/toolkit/test_user.h"
+
+namespace vex::test {
+namespace {
+
+using sim::ActionResult;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ToolkitContract : public testing::Test {
+protected:
+    std::u16string shown(const char16_t* control, const char16_t* property) {
+        return screen.property(control, property);
+    }
+    /// Shows the form until the user has nothing left to do.
+    void show() {
+        user.then([this] { screen.click(u"cmdCancel"); });
+        form.show_modal();
+        EXPECT_EQ(user.actions_left(), 0U);
+    }
+    void add_rows(std::size_t count) {
+        for (std::size_t row = 0; row < count; ++row) {
+            const std::string number = std::to_string(row + 1);
+            form.list.add_row({}, u"Row " + std::u16string(number.begin(), number.end()), u"good");
+        }
+    }
+
+    std::unique_ptr<Side> side = make_side();
+    sim::Screen& screen = side->screen();
+    TestUser user{screen};
+    SampleForm form{side->toolkit()};
+};
+
+// ---- A form's life on the screen ----------------------------------------------------------------------
+
+TEST_F(ToolkitContract, FormIsActivatedOnceBeforeTheUserActs) {
+    user.then([&] { EXPECT_THAT(form.log, ElementsAre("load", "activate")); });
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdCancel"));
+    EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "close dlgSample"));
+    EXPECT_FALSE(screen.any_dialog());
+    EXPECT_EQ(form.view(), nullptr);
+}
+
+TEST_F(ToolkitContract, HiddenFormStaysLoadedAndCanBeShownAgain) {
+    form.on_activate = [&] { form.hide(); };
+    form.show_modal();
+    EXPECT_TRUE(form.loaded());
+    form.on_activate = nullptr;
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "activate", "cmdCancel"));
+}
+
+TEST_F(ToolkitContract, CloseBoxIsARequestThatTheFormMayRefuse) {
+    form.refuses_to_close = true;
+    user.then([&] { screen.close(); })
+        .then([&] {
+            EXPECT_TRUE(form.loaded());
+            form.refuses_to_close = false;
+            screen.close();
+        });
+    form.show_modal();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "close box", "close box", "unloaded"));
+}
+
+TEST_F(ToolkitContract, FormThatIsBroughtToTheFrontIsActivatedAgain) {
+    user.then([&] { screen.activate(); }).then([&] {
+        EXPECT_THAT(form.log, ElementsAre("load", "activate", "activate"));
+    });
+    show();
+}
+
+TEST_F(ToolkitContract, ModalFormKeepsTheOneBelowFromTakingInput) {
+    SampleForm inner(side->toolkit(), "dlgInner");
+    form.on_any_click = [&](const std::string& control) {
+        if (control != "cmdOk") return;
+        inner.show_modal(&form);
+        form.log.push_back("inner is gone");
+    };
+    user.then([&] { screen.click(u"cmdOk"); })
+        .then([&] {
+            EXPECT_EQ(shown(u"dlgInner", u"Caption"), u"Sample");
+            inner.label.set_caption(u"inner");
+            EXPECT_EQ(shown(u"label", u"Caption"), u"inner");
+            screen.click(u"cmdCancel");
+        })
+        .then([&] { EXPECT_EQ(shown(u"label", u"Caption"), u"Label & text"); });
+    show();
+    // Real windows activate the form again when the one above it is gone.
+    std::erase(form.log, "activate");
+    EXPECT_THAT(form.log, ElementsAre("load", "cmdOk", "inner is gone", "cmdCancel"));
+    EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
+}
+
+TEST_F(ToolkitContract, FormCanBeShownInsideAnActivation) {
+    SampleForm inner(side->toolkit(), "dlgInner");
+    inner.on_activate = [&] { inner.hide(); };
+    form.on_activate = [&] {
+        form.on_activate = nullptr;
+        inner.show_modal();
+    };
+    show();
+    EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
+}
+
+// ---- Errors -------------------------------------------------------------------------------------------
+
+TEST_F(ToolkitContract, ErrorOfAHandlerEndsTheDisplayAndIsRaisedWhereTheFormWasShown) {
+    form.on_any_click = [](const std::string&) { throw RuntimeError(kTypeMismatch); };
+    user.then([&] { screen.click(u"cmdOk"); });
+    try {
+        form.show_modal();
+        FAIL() << "no error arrived";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.number(), kTypeMismatch);
+    }
+    EXPECT_FALSE(screen.any_dialog());
+}
+
+TEST_F(ToolkitContract, ErrorGoesUpThroughAllModalForms) {
+    SampleForm inner(side->toolkit(), "dlgInner");
+    inner.on_activate = [] { throw RuntimeError(kOverflow); };
+    form.on_any_click = [&](const std::string&) { inner.show_modal(&form); };
+    user.then([&] { screen.click(u"cmdOk"); });
+    EXPECT_THROW(form.show_modal(), RuntimeError);
+    EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
+}
+
+TEST_F(ToolkitContract, ErrorOfAMousePressArrivesToo) {
+    form.on_press = [](const SampleForm::Press&) { throw RuntimeError(kSubscriptOutOfRange); };
+    user.then([&] { screen.press(u"panel", forms::MouseButton::left, 15, 15); });
+    EXPECT_THROW(form.show_modal(), RuntimeError);
+}
+
+// ---- Controls -----------------------------------------------------------------------------------------
+
+TEST_F(ToolkitContract, WhatTheProgramChangesIsSeen) {
+    user.then([&] {
+        form.label.set_caption(u"A & B");
+        form.text.set_text(u"C:\\a b");
+        form.cmdOk.set_enabled(false);
+        form.check.set_visible(false);
+        form.option_b.set_value(true);
+        form.shape.set_fill_color(forms::kGreen);
+        EXPECT_EQ(shown(u"label", u"Caption"), u"A & B");
+        EXPECT_EQ(shown(u"text", u"Text"), u"C:\\a b");
+        EXPECT_EQ(shown(u"cmdOk", u"Enabled"), u"False");
+        EXPECT_EQ(shown(u"check", u"Visible"), u"False");
+        EXPECT_EQ(shown(u"option_b", u"Value"), u"True");
+        EXPECT_EQ(shown(u"option_a", u"Value"), u"False");
+        EXPECT_EQ(shown(u"shape", u"FillColor"), u"0x0000FF00");
+        form.shape.set_fill_color(forms::kGrey);
+        EXPECT_EQ(shown(u"shape", u"FillColor"), u"0x00808080");
+    });
+    show();
+}
+
+TEST_F(ToolkitContract, WhatWasSetBeforeTheFormIsShownIsSeen) {
+    form.on_load = [&] {
+        form.label.set_caption(u"loaded");
+        form.check.set_value(1);
+        form.cmdOk.set_enabled(false);
+        form.pages.set_tab(1);
+        add_rows(2);
+        form.list.select(1);
+    };
+    user.then([&] {
+        EXPECT_EQ(shown(u"label", u"Caption"), u"loaded");
+        EXPECT_EQ(shown(u"check", u"Value"), u"1");
+        EXPECT_EQ(shown(u"cmdOk", u"Enabled"), u"False");
+        EXPECT_EQ(shown(u"pages", u"Tab"), u"1");
+        EXPECT_EQ(shown(u"list", u"Rows"), u"2");
+    });
+    show();
+    EXPECT_EQ(form.list.selected(), 1U);
+}
+
+TEST_F(ToolkitContract, OptionsOfOneContainerExcludeEachOther) {
+    user.then([&] {
+        EXPECT_EQ(screen.set(u"option_a", u"on"), ActionResult::done);
+        EXPECT_TRUE(form.option_a.value());
+        EXPECT_EQ(screen.click(u"option_b"), ActionResult::done);
+        EXPECT_EQ(shown(u"option_a", u"Value"), u"False");
+        EXPECT_EQ(shown(u"option_b", u"Value"), u"True");
+        EXPECT_EQ(screen.click(u"option_b"), ActionResult::done);
+        EXPECT_TRUE(form.option_b.value());
+        form.pages.set_tab(1);
+        EXPECT_EQ(screen.set(u"lone_option", u"on"), ActionResult::done);
+        EXPECT_TRUE(form.option_b.value());
+    });
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "option_b", "option_b", "cmdCancel"));
+}
+
+TEST_F(ToolkitContract, CheckBoxTogglesBeforeItsHandlerRuns) {
+    std::vector<int> values;
+    form.on_any_click = [&](const std::string&) { values.push_back(form.check.value()); };
+    user.then([&] {
+        screen.click(u"check");
+        screen.set(u"check", u"on");
+        screen.set(u"check", u"off");
+    });
+    show();
+    EXPECT_THAT(values, ElementsAre(1, 0, 0));
+}
+
+TEST_F(ToolkitContract, WhatTheUserTypesIsTheText) {
+    user.then([&] {
+        EXPECT_EQ(screen.set(u"text", u"D:\\fw\\\u00FCber.shx"), ActionResult::done);
+        EXPECT_EQ(form.text.text(), u"D:\\fw\\\u00FCber.shx");
+        screen.set(u"text", u"");
+        EXPECT_EQ(form.text.text(), u"");
+    });
+    show();
+}
+
+TEST_F(ToolkitContract, DisabledHiddenAndPagedAwayControlsTakeNothing) {
+    user.then([&] {
+        form.cmdOk.set_enabled(false);
+        EXPECT_EQ(screen.click(u"cmdOk"), ActionResult::not_possible);
+        form.check.set_visible(false);
+        EXPECT_EQ(screen.click(u"check"), ActionResult::not_possible);
+        EXPECT_EQ(shown(u"option_b", u"Visible"), u"True");
+        form.pages.set_tab(1);
+        EXPECT_EQ(screen.click(u"option_b"), ActionResult::not_possible);
+        EXPECT_EQ(shown(u"option_b", u"Visible"), u"True");
+        form.panel.set_visible(false);
+        EXPECT_EQ(screen.press(u"panel_label", forms::MouseButton::left, 15, 15), ActionResult::not_possible);
+    });
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdCancel"));
+    EXPECT_THAT(form.presses, IsEmpty());
+}
+
+TEST_F(ToolkitContract, PressesOnAPanelComeInItsTwips) {
+    user.then([&] {
+        // On the background, on a shape (which lets it through), on the label (which takes it itself).
+        screen.press(u"panel", forms::MouseButton::left, 30, 2700);
+        screen.press(u"panel", forms::MouseButton::right, 450, 450);
+        screen.press(u"panel_label", forms::MouseButton::left, 45, 60);
+    });
+    show();
+    ASSERT_EQ(form.presses.size(), 3U);
+    EXPECT_EQ(form.presses[0].control, "panel");
+    EXPECT_EQ(form.presses[0].button, forms::MouseButton::left);
+    EXPECT_FLOAT_EQ(form.presses[0].x, 30);
+    EXPECT_FLOAT_EQ(form.presses[0].y, 2700);
+    EXPECT_EQ(form.presses[1].control, "panel");
+    EXPECT_EQ(form.presses[1].button, forms::MouseButton::right);
+    EXPECT_FLOAT_EQ(form.presses[1].x, 450);
+    EXPECT_EQ(form.presses[2].control, "panel_label");
+    EXPECT_FLOAT_EQ(form.presses[2].y, 60);
+}
+
+// ---- Lists --------------------------------------------------------------------------------------------
+
+TEST_F(ToolkitContract, RowsAreShownWithTheirCellsAndColors) {
+    form.pages.set_tab(1);
+    user.then([&] {
+        add_rows(2);
+        form.list.set_sub_item(1, 0, u"Updated - ");
+        form.list.set_row_color(1, forms::rgb(100, 255, 100));
+        form.list.set_icon(1, u"bad");
+        EXPECT_EQ(screen.rows(u"list"), (std::vector<std::vector<std::u16string>>{{u"Row 1", u""}, {u"Row 2", u"Updated - "}}));
+        EXPECT_EQ(shown(u"list", u"Row2"), u"\"Row 2\" | \"Updated - \"");
+        EXPECT_EQ(shown(u"list", u"Row2.ForeColor"), u"0x0064FF64");
+        EXPECT_EQ(shown(u"list", u"Row1.ForeColor"), u"0x00000000");
+        form.list.clear();
+        EXPECT_EQ(shown(u"list", u"Rows"), u"0");
+        add_rows(1);
+        EXPECT_EQ(shown(u"list", u"Rows"), u"1");
+    });
+    show();
+}
+
+TEST_F(ToolkitContract, RowsStandBelowEachOtherAtEvenSteps) {
+    form.pages.set_tab(1);
+    user.then([&] {
+        add_rows(4);
+        const forms::Twips step = form.list.row_top(1) - form.list.row_top(0);
+        EXPECT_GE(form.list.row_top(0), 0);
+        EXPECT_GT(step, 0);
+        EXPECT_EQ(form.list.row_top(3) - form.list.row_top(2), step);
+    });
+    show();
+}
+
+TEST_F(ToolkitContract, PressOnARowComesInTheTwipsThatRowsStandAt) {
+    form.pages.set_tab(1);
+    form.on_press = [&](const SampleForm::Press& press) {
+        for (std::size_t row = 0; row < form.list.row_count(); ++row) {
+            if (static_cast<float>(form.list.row_top(row)) < press.y) form.list.select(row);
+        }
+    };
+    user.then([&] {
+        add_rows(4);
+        screen.choose_from_menu(u"list", 3, u"none");
+        EXPECT_EQ(form.list.selected(), 2U);
+        const auto below = static_cast<float>(form.list.row_top(3) * 2 - form.list.row_top(2) + 150);
+        screen.press(u"list", forms::MouseButton::left, 15, below);
+        EXPECT_EQ(form.list.selected(), 3U);
+    });
+    show();
+    ASSERT_EQ(form.presses.size(), 2U);
+    EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
+    EXPECT_EQ(form.presses[1].button, forms::MouseButton::left);
+}
+
+TEST_F(ToolkitContract, ContextMenuRaisesTheItemChosenOrNothing) {
+    form.pages.set_tab(1);
+    form.on_press = [&](const SampleForm::Press&) { side->toolkit().pop_up_menu(form, form.list_menu); };
+    user.then([&] {
+        add_rows(2);
+        EXPECT_EQ(screen.choose_from_menu(u"list", 2, u"Second!"), ActionResult::done);
+        EXPECT_EQ(form.log.back(), "mnuSecond");
+        screen.choose_from_menu(u"list", 1, u"No such item");
+        EXPECT_EQ(form.log.back(), "mnuSecond");
+        form.on_press = nullptr;
+        EXPECT_EQ(screen.choose_from_menu(u"list", 1, u"First!"), ActionResult::not_possible);
+    });
+    show();
+}
+
+TEST_F(ToolkitContract, TenThousandRowsAreNoMatter) {
+    form.pages.set_tab(1);
+    user.then([&] {
+        add_rows(10'000);
+        EXPECT_EQ(shown(u"list", u"Rows"), u"10000");
+        EXPECT_EQ(shown(u"list", u"Row10000"), u"\"Row 10000\" | \"\"");
+    });
+    show();
+}
+
+// ---- In the midst of work -----------------------------------------------------------------------------
+
+TEST_F(ToolkitContract, PumpingServesTheUserInTheMidstOfWork) {
+    form.on_any_click = [&](const std::string& control) {
+        if (control != "cmdOk") return;
+        side->toolkit().pump_messages();
+        form.log.push_back("pumped");
+        side->toolkit().pump_messages();
+        form.log.push_back("done");
+    };
+    user.on_messages_handled = [&, pumpings = 0]() mutable {
+        if (form.log.back() == "cmdOk" && pumpings++ == 0) screen.click(u"check");
+    };
+    user.then([&] { screen.click(u"cmdOk"); });
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdOk", "check", "pumped", "done", "cmdCancel"));
+}
+
+TEST_F(ToolkitContract, FormHiddenByAHandlerDuringPumpingEndsAfterTheWork) {
+    form.on_any_click = [&](const std::string& control) {
+        if (control != "cmdOk") return;
+        side->toolkit().pump_messages();
+        form.log.push_back("done");
+    };
+    user.on_messages_handled = [&, pumpings = 0]() mutable {
+        if (form.log.back() == "cmdOk" && pumpings++ == 0) screen.click(u"cmdCancel");
+    };
+    user.then([&] { screen.click(u"cmdOk"); });
+    form.show_modal();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdOk", "cmdCancel", "done"));
+}
+
+TEST_F(ToolkitContract, MessageBoxShowsItsTextsAndTellsTheAnswer) {
+    using forms::MessageAnswer;
+    using forms::MessageButtons;
+    std::vector<MessageAnswer> given;
+    form.on_any_click = [&](const std::string& control) {
+        if (control != "cmdOk") return;
+        given.push_back(side->toolkit().message_box({u"Title", u"Not a valid SHX file!", MessageButtons::ok}));
+        given.push_back(side->toolkit().message_box({u"Verify", u"Are you sure?", MessageButtons::yes_no}));
+        given.push_back(side->toolkit().message_box({u"Verify", u"Are you sure?", MessageButtons::yes_no}));
+    };
+    user.answers = {MessageAnswer::ok, MessageAnswer::no, MessageAnswer::yes};
+    user.then([&] { screen.click(u"cmdOk"); });
+    show();
+    EXPECT_THAT(given, ElementsAre(MessageAnswer::ok, MessageAnswer::no, MessageAnswer::yes));
+    ASSERT_EQ(user.boxes.size(), 3U);
+    EXPECT_EQ(user.boxes[0].title, u"Title");
+    EXPECT_EQ(user.boxes[0].text, u"Not a valid SHX file!");
+    EXPECT_EQ(user.boxes[0].buttons, MessageButtons::ok);
+    EXPECT_EQ(user.boxes[1].buttons, MessageButtons::yes_no);
+}
+
+}  // namespace
+}  // namespace vex::test
