@@ -1,0 +1,128 @@
+// Stands between the plug-in and the simulated host.
+#include "tests/proof/interposer.h"
+
+#include <algorithm>
+
+#include "com/object.h"
+#include "com/variant.h"
+#include "simulator/box_finder.h"
+#include "simulator/class_library.h"
+#include "simulator/transmission_control.h"
+
+namespace vex::proof {
+namespace {
+
+/// What the wrapper needs to know of the wrapped class.
+struct ClassFacts {
+    const char16_t* name;
+    std::function<std::u16string(DISPID, WORD)> member_name;
+};
+
+template <class Wrapped>
+ClassFacts facts(const char16_t* name) {
+    return {name, [](DISPID id, WORD flags) {
+                for (const auto& member : Wrapped::members()) {
+                    if (member.id == id && (member.kind & flags) != 0) return std::u16string(member.name);
+                }
+                return std::u16string(u"?");
+            }};
+}
+
+class Wrapper final : public com::Object<Wrapper, IDispatch> {
+public:
+    Wrapper(sim::Host& host, Meddling& meddling, const ClassFacts& facts, com::ComPtr<IDispatch> inner)
+        : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        const bool own = com::interface_matches<IDispatch>(iid);
+        return own ? Object::QueryInterface(iid, object) : inner_->QueryInterface(iid, object);
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override { return inner_->GetTypeInfoCount(count); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override {
+        return inner_->GetTypeInfo(index, locale, info);
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
+                                            DISPID* ids) noexcept override {
+        return inner_->GetIDsOfNames(reserved, names, count, locale, ids);
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
+        const com::ComPtr<Wrapper> alive(this);
+        const std::u16string call = facts_.name + (u"." + facts_.member_name(id, flags));
+        switch (meddling_.judge(call)) {
+            case Verdict::pass:
+                break;
+            case Verdict::answer_false:
+                if (result != nullptr) *result = com::Variant::boolean(false).detach();
+                return S_OK;
+            case Verdict::raise:
+                if (exception != nullptr) {
+                    *exception = {};
+                    exception->scode = static_cast<HRESULT>(0x800A0000U + kRaisedNumber);
+                    exception->bstrDescription = com::allocate_bstr(u"raised by the test");
+                }
+                return DISP_E_EXCEPTION;
+        }
+        if (auto answer = meddling_.substitute ? meddling_.substitute(call) : std::nullopt; answer && result != nullptr) {
+            *result = answer->detach();
+            return S_OK;
+        }
+        const HRESULT outcome = inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
+        if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
+            // Sign information is the only object that the host gives away.
+            static const ClassFacts kSignInfo = facts<sim::HostSignInfo>(u"HostSignInfo");
+            auto wrapped = com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
+            result->pdispVal = wrapped.detach();
+        }
+        return outcome;
+    }
+
+private:
+    sim::Host& host_;
+    Meddling& meddling_;
+    const ClassFacts& facts_;
+    com::ComPtr<IDispatch> inner_;
+};
+
+template <class Wrapped>
+class Factory final : public com::Object<Factory<Wrapped>, IClassFactory> {
+public:
+    Factory(sim::Host& host, Meddling& meddling, const char16_t* name)
+        : com::Object<Factory, IClassFactory>(host.lifetime), host_(host), meddling_(meddling), facts_(facts<Wrapped>(name)) {}
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** object) noexcept override {
+        *object = nullptr;
+        if (meddling_.judge(std::u16string(u"new ") + facts_.name) != Verdict::pass) return E_FAIL;
+        auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host_).detach());
+        return com::make_object<Wrapper>(host_, meddling_, facts_, std::move(inner))->QueryInterface(iid, object);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) noexcept override { return S_OK; }
+
+private:
+    sim::Host& host_;
+    Meddling& meddling_;
+    ClassFacts facts_;
+};
+
+template <class Wrapped>
+DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
+    DWORD cookie = 0;
+    const auto factory = com::make_object<Factory<Wrapped>>(host, meddling, name);
+    if (FAILED(CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie))) std::abort();
+    return cookie;
+}
+
+}  // namespace
+
+Interposer::Interposer(sim::Host& host, Meddling& meddling)
+    : cookies_{offer<sim::HostDisplayList>(host, meddling, sim::kHostDisplayListClass, u"HostDisplayList"),
+               offer<sim::HostDisplayPicker>(host, meddling, sim::kHostDisplayPickerClass, u"HostDisplayPicker"),
+               offer<sim::HostConnection>(host, meddling, sim::kHostConnectionClass, u"HostConnection"),
+               offer<sim::TransmissionControl>(host, meddling, sim::kTransmissionControlClass, u"vexDispTrans"),
+               offer<sim::BoxFinder>(host, meddling, sim::kBoxFinderClass, u"vexLANBoxFinder2")} {}
+
+Interposer::~Interposer() {
+    for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);
+}
+
+}  // namespace vex::proof

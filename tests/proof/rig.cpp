@@ -1,0 +1,249 @@
+// A whole update in one process.
+#include "tests/proof/rig.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <utility>
+
+#include "core/runtime_error.h"
+#include "core/unicode.h"
+#include "platform/native/machine.h"
+#include "simulator/host_classes.h"
+#include "simulator/native/native_computer.h"
+#include "simulator/native/private_folder.h"
+#include "support/mod_reg_access.h"
+#include "support/text.h"
+#include "wizard/dlg_firmware_wizard.h"
+
+namespace vex::proof {
+namespace {
+
+using platform::native::real_path;
+
+void write_file(const std::u16string& path, const std::string& content) {
+    const std::filesystem::path real = real_path(path);
+    std::filesystem::create_directories(real.parent_path());
+    std::ofstream(real, std::ios::binary) << content;
+}
+
+/// The computer of this process: files and registry that every plan needs.
+struct Computer {
+    Computer() {
+        platform::native::use_machine_folder(folder.path());
+        for (const char drive : {'c', 'd'}) std::filesystem::create_directories(folder.path() / (std::string("drive_") + drive));
+        write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
+        write_file(u"D:\\fw\\new.BIN", "image");
+        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", "loader");
+        write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    }
+    ~Computer() { CoUninitialize(); }
+
+    sim::PrivateFolder folder;
+    sim::NativeComputer side;
+};
+
+std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
+    std::vector<std::vector<std::u16string>> contents;
+    for (std::size_t i = 0; i < host.displays.size(); ++i) {
+        const sim::Display& display = host.displays.at(i);
+        auto& units = contents.emplace_back();
+        for (const std::int16_t id : host.units.ids(display)) {
+            units.push_back(sim::describe(host.units.content(display.name, id)));
+        }
+    }
+    return contents;
+}
+
+/// Makes the computer before the first test and takes it away after the last, while the runtime still stands.
+class ComputerEnvironment final : public ::testing::Environment {
+public:
+    void SetUp() override { computer_ = std::make_unique<Computer>(); }
+    void TearDown() override { computer_.reset(); }
+    sim::NativeComputer& side() { return computer_->side; }
+
+private:
+    std::unique_ptr<Computer> computer_;
+};
+
+auto* const environment =
+    static_cast<ComputerEnvironment*>(::testing::AddGlobalTestEnvironment(new ComputerEnvironment));
+
+/// Drives the wizard to its end and looks at the run.
+class User final : public forms::ScriptedUser {
+public:
+    User(const Plan& plan, sim::Host& host, Outcome& outcome, bool& interrupting) noexcept
+        : plan_(plan), host_(host), outcome_(outcome), interrupting_(interrupting) {
+        const bool loads = plan.mode != Mode::reset;
+        clicks_ = {"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext"};
+        if (loads) {
+            clicks_.insert(clicks_.begin() + 1, "opLoadFirmware");
+            clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
+        }
+        if (plan.mode == Mode::external_tool) clicks_.insert(clicks_.end() - 1, "chkUseExternalApp");
+        clicks_.push_back("cmdFinish");
+    }
+
+    void form_opened(forms::Form&) override {}
+    void form_closed(forms::Form& form) override {
+        if (form.name() == "dlgHandleSignOption") cancelled_ = false;
+    }
+
+    bool act(forms::Form& form) override {
+        if (form.name() == "dlgFirmwareWizard") {
+            if (clicks_.empty()) return false;
+            form.raise_click(*form.find(std::exchange(clicks_.front(), {})));
+            clicks_.pop_front();
+            return true;
+        }
+        return form.name() == "dlgDispUpdater" && look_at_run(form);
+    }
+
+    void pumped(forms::Form& form) override {
+        if (host_.messages_shown.empty()) return;
+        const auto reaction = std::exchange(host_.messages_shown.back().reaction, nullptr);
+        if (!reaction) return;
+        if (plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
+    }
+
+    forms::MessageAnswer answer(const forms::MessageBox&) override {
+        const auto answer = plan_.moment->cancel.value_or(forms::MessageAnswer::ok);
+        if (answer == forms::MessageAnswer::yes) cancelled_ = true;
+        return answer;
+    }
+    std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override {
+        return plan_.mode == Mode::firmware ? u"D:\\fw\\new.SHX" : u"D:\\fw\\new.BIN";
+    }
+    const forms::MenuItem* choose(const forms::Menu& menu) override { return &menu.items.front(); }
+    void beep() override {}
+
+    bool cancelled() const noexcept { return cancelled_; }
+
+private:
+    static std::vector<std::u16string> status_column(const forms::ListView& list) {
+        std::vector<std::u16string> words;
+        for (std::size_t row = 0; row < list.row_count(); ++row) words.push_back(list.sub_item(row, 0));
+        return words;
+    }
+
+    bool look_at_run(forms::Form& form) {
+        auto& list = static_cast<forms::ListView&>(*form.find("lstvDisplayStatus"));
+        if (outcome_.rows.empty()) {
+            outcome_.rows = status_column(list);
+            outcome_.units = unit_contents(host_);
+            interrupting_ = false;
+        }
+        for (; plan_.retry && next_retry_ < list.row_count(); ++next_retry_) {
+            if (outcome_.rows[next_retry_] == u"Updated - ") continue;
+            std::vector<std::u16string> before = status_column(list);
+            const auto y = static_cast<float>(list.row_top(next_retry_)) + 1;
+            form.raise_mouse_down(list, forms::MouseButton::right, 1, y);
+            std::vector<std::u16string> after = status_column(list);
+            before[next_retry_] = after[next_retry_];
+            outcome_.retry_touched_others = outcome_.retry_touched_others || before != after;
+            if (!form.running()) return true;
+        }
+        outcome_.rows_after_retry = status_column(list);
+        form.raise_click(*form.find("cmdClose"));
+        return true;
+    }
+
+    const Plan& plan_;
+    sim::Host& host_;
+    Outcome& outcome_;
+    bool& interrupting_;
+    std::deque<const char*> clicks_;
+    std::size_t next_retry_ = 0;
+    bool cancelled_ = false;
+};
+
+void equip(sim::Host& host, const Plan& plan) {
+    const bool tq1 = plan.mode == Mode::flash_loader || plan.mode == Mode::external_tool;
+    std::u16string names;
+    for (std::size_t i = 0; i < plan.displays; ++i) {
+        const std::u16string number = decimal_text(static_cast<std::int32_t>(i + 1));
+        sim::Display display;
+        display.name = u"Display " + number;
+        display.type = tq1 ? u"TQ-1 - Street" : u"Z180 Sign";
+        display.code = tq1 ? u"165" : u"12";
+        display.port = u"COM" + number;
+        display.version = u"1.50";
+        display.ids = i % 3 == 0 ? u"1,20" : u"7";
+        const std::u16string name = display.name;
+        names += (i == 0 ? u"" : u",") + name;
+        host.put_display(std::move(display));
+        if (i % 3 == 0) host.units.set_slaves(name, 1, {0, 2});
+    }
+    host.choose_displays = [names] { return names; };
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, Mode mode) { return out << name_of(mode); }
+
+const char* name_of(Mode mode) noexcept {
+    switch (mode) {
+        case Mode::reset: return "reset";
+        case Mode::firmware: return "firmware";
+        case Mode::flash_loader: return "flash loader";
+        case Mode::external_tool: return "external tool";
+    }
+    return "?";
+}
+
+Outcome play(const Plan& plan) {
+    Outcome outcome;
+    std::ostringstream shown;
+    sim::Trace trace(shown, true);
+    com::ModuleLifetime module;
+    {
+        sim::Host host(trace, environment->side());
+        host.display_file = real_path(u"C:\\Brivola\\Displays.dat");
+        std::filesystem::create_directories(host.display_file.parent_path());
+        equip(host, plan);
+        platform::native::on_program_started([&](const std::u16string& path) { outcome.programs.push_back(path); });
+
+        bool interrupting = true;
+        User user(plan, host, outcome, interrupting);
+        Meddling meddling;
+        meddling.judge = [&](const std::u16string& call) {
+            if (!interrupting) return Verdict::pass;
+            outcome.calls.push_back(call);
+            if (user.cancelled() && call.starts_with(u"vexDispTrans.")) outcome.calls_after_cancel.push_back(call);
+            return plan.judge ? plan.judge(call) : Verdict::pass;
+        };
+        if (plan.substitute) {
+            meddling.substitute = [&](const std::u16string& call) {
+                return interrupting ? plan.substitute(call) : std::nullopt;
+            };
+        }
+        if (plan.moment) {
+            host.links.add_message({std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
+                                   {u"Just a moment", [] {}});
+        }
+        const Interposer interposer(host, meddling);
+        const sim::HostClasses classes(host);
+        const long factories = host.lifetime.objects();
+        forms::ScriptedToolkit toolkit(user);
+        namespace native = platform::native;
+        const Services services{toolkit, native::registry(), native::files(), native::processes(), native::code_page(),
+                                module,  u"C:\\Host"};
+        try {
+            dlgFirmwareWizard wizard(services, [](forms::Form&) {});
+            wizard.show_modal();
+        } catch (const RuntimeError& error) {
+            outcome.error = error.number();
+            if (outcome.units.empty()) outcome.units = unit_contents(host);
+        }
+        platform::native::on_program_started(nullptr);
+        outcome.host_objects = host.lifetime.objects() - factories;
+    }
+    outcome.plugin_objects = module.objects();
+    return outcome;
+}
+
+}  // namespace vex::proof

@@ -1,0 +1,68 @@
+// A whole update in one process: simulated host, real dialogs, a scripted user. Each run stands alone.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "forms/scripted_toolkit.h"
+#include "simulator/link_script.h"
+#include "tests/proof/interposer.h"
+
+namespace vex::proof {
+
+enum class Mode { reset, firmware, flash_loader, external_tool };
+
+const char* name_of(Mode mode) noexcept;
+std::ostream& operator<<(std::ostream& out, Mode mode);
+
+/// A message during the `at`-th call of an operation, and what the user does about it.
+struct Moment {
+    sim::Operation operation;
+    std::int64_t at;
+    /// Clicks Cancel while it is shown, and answers the question so; nothing: only reads it.
+    std::optional<forms::MessageAnswer> cancel;
+};
+
+struct Plan {
+    Mode mode = Mode::reset;
+    /// 1 to 3 for the interruption tests; each third one has slaves.
+    std::size_t displays = 1;
+    Judge judge;
+    /// Until the run is over.
+    Substitute substitute;
+    std::optional<Moment> moment;
+    /// After the run, each row that was not updated is tried again without any interruption.
+    bool retry = true;
+};
+
+struct Outcome {
+    /// Automation error that the start ended with; 0: none.
+    std::int32_t error = 0;
+    /// The status column after the run; empty when there was no run to look at.
+    std::vector<std::u16string> rows;
+    /// The status column after each row that was not updated has been tried again.
+    std::vector<std::u16string> rows_after_retry;
+    /// For each display: what its units hold after the run.
+    std::vector<std::vector<std::u16string>> units;
+    /// Every host call in order, "Class.Member" or "new Class"; those of the retries are not among them.
+    std::vector<std::u16string> calls;
+    /// Calls of the transmission control from the confirmed cancel to the end of that session.
+    std::vector<std::u16string> calls_after_cancel;
+    /// Programs started.
+    std::vector<std::u16string> programs;
+    /// The host's and the plug-in's objects that were left over.
+    long host_objects = 0;
+    long plugin_objects = 0;
+    /// A retry changed another row than its own.
+    bool retry_touched_others = false;
+};
+
+/// Plays the plan. The simulated computer's folder is made once per process.
+Outcome play(const Plan& plan);
+
+}  // namespace vex::proof
