@@ -17,9 +17,18 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# g++ 12 warns falsely of overlapping copies inside its own std::string at -O3.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  add_compile_options(-Wno-restrict)
+endif()
 if(VEX_SANITIZE)
   add_compile_options(-fsanitize=${VEX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${VEX_SANITIZE})
+endif()
+
+if(VEX_FUZZ)
+  # The fuzz targets see which ways through the code an input takes.
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 # A room: a static library named vex_NAME from this folder's sources. Includes start at the project's root.

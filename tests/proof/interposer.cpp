@@ -32,6 +32,9 @@ class Wrapper final : public com::Object<Wrapper, IDispatch> {
 public:
     Wrapper(sim::Host& host, Meddling& meddling, const ClassFacts& facts, com::ComPtr<IDispatch> inner)
         : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
+    ~Wrapper() {
+        if (meddling_.observer != nullptr) meddling_.observer->released(this);
+    }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
         const bool own = com::interface_matches<IDispatch>(iid);
@@ -48,8 +51,9 @@ public:
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         const com::ComPtr<Wrapper> alive(this);
-        const std::u16string call = facts_.name + (u"." + facts_.member_name(id, flags));
-        switch (meddling_.judge(call)) {
+        std::u16string call;
+        if (meddling_.judge || meddling_.substitute) call = facts_.name + (u"." + facts_.member_name(id, flags));
+        switch (meddling_.judge ? meddling_.judge(call) : Verdict::pass) {
             case Verdict::pass:
                 break;
             case Verdict::answer_false:
@@ -68,12 +72,14 @@ public:
             return S_OK;
         }
         const HRESULT outcome = inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
+        const IDispatch* given = nullptr;
         if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
             // Sign information is the only object that the host gives away.
             static const ClassFacts kSignInfo = facts<sim::HostSignInfo>(u"HostSignInfo");
             auto wrapped = com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
-            result->pdispVal = wrapped.detach();
+            given = result->pdispVal = wrapped.detach();
         }
+        if (meddling_.observer != nullptr) meddling_.observer->called(this, id, flags, *parameters, given);
         return outcome;
     }
 
@@ -87,27 +93,34 @@ private:
 template <class Wrapped>
 class Factory final : public com::Object<Factory<Wrapped>, IClassFactory> {
 public:
-    Factory(sim::Host& host, Meddling& meddling, const char16_t* name)
-        : com::Object<Factory, IClassFactory>(host.lifetime), host_(host), meddling_(meddling), facts_(facts<Wrapped>(name)) {}
+    Factory(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name)
+        : com::Object<Factory, IClassFactory>(host.lifetime),
+          host_(host),
+          meddling_(meddling),
+          clsid_(clsid),
+          facts_(facts<Wrapped>(name)) {}
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** object) noexcept override {
         *object = nullptr;
-        if (meddling_.judge(std::u16string(u"new ") + facts_.name) != Verdict::pass) return E_FAIL;
+        if (meddling_.judge && meddling_.judge(std::u16string(u"new ") + facts_.name) != Verdict::pass) return E_FAIL;
         auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host_).detach());
-        return com::make_object<Wrapper>(host_, meddling_, facts_, std::move(inner))->QueryInterface(iid, object);
+        const auto wrapper = com::make_object<Wrapper>(host_, meddling_, facts_, std::move(inner));
+        if (meddling_.observer != nullptr) meddling_.observer->created(wrapper.get(), clsid_);
+        return wrapper->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) noexcept override { return S_OK; }
 
 private:
     sim::Host& host_;
     Meddling& meddling_;
+    CLSID clsid_;
     ClassFacts facts_;
 };
 
 template <class Wrapped>
 DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
     DWORD cookie = 0;
-    const auto factory = com::make_object<Factory<Wrapped>>(host, meddling, name);
+    const auto factory = com::make_object<Factory<Wrapped>>(host, meddling, clsid, name);
     if (FAILED(CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie))) std::abort();
     return cookie;
 }

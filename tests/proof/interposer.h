@@ -24,10 +24,23 @@ using Judge = std::function<Verdict(const std::u16string& call)>;
 /// What the host answers to a call in place of its own answer; nothing: its own.
 using Substitute = std::function<std::optional<com::Variant>(const std::u16string& call)>;
 
-/// How the interposer meddles.
+/// Told of everything that passes. Objects are told apart by their address while they live.
+class Observer {
+public:
+    virtual ~Observer() = default;
+    virtual void created(const IDispatch* object, REFCLSID clsid) = 0;
+    /// `result`: the object that the call gave away, or null.
+    virtual void called(const IDispatch* object, DISPID member, WORD flags, const DISPPARAMS& parameters,
+                        const IDispatch* result) = 0;
+    virtual void released(const IDispatch* object) = 0;
+};
+
+/// How the interposer meddles; what is empty does nothing.
 struct Meddling {
     Judge judge;
     Substitute substitute;
+    /// Not owned.
+    Observer* observer = nullptr;
 };
 
 /// While it lives, the host's objects that the plug-in creates or is given are wrapped. Needs an initialised
