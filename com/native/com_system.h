@@ -201,10 +201,7 @@ struct VARIANT {
         IDispatch** ppdispVal;
         VARIANT* pvarVal;
         // As on Windows, where a record reference makes the value two pointers long.
-        struct {
-            void* first;
-            void* second;
-        } record;
+        void* record[2];
     };
 };
 

@@ -2,6 +2,7 @@
 #include "platform/native/registry_tree.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/registry.h"
 
@@ -115,21 +116,19 @@ void RegistryTree::key(std::u16string_view path) {
 
 void RegistryTree::key_deleted(std::u16string_view path) {
     current_ = nullptr;
-    if (RegistryNode* node = find(path)) remove(*node);
-}
-
-void RegistryTree::remove(RegistryNode& node) {
-    if (node.parent == nullptr) {
-        // A root stays and loses what it has.
-        while (node.subkeys.size() > 0) remove(*node.subkeys[node.subkeys.size() - 1]);
-        for (const auto& value : node.values) superseded_size_ += text_size(*value);
-        node.values = {};
+    RegistryNode* node = find(path);
+    if (node == nullptr) return;
+    std::shared_ptr<RegistryNode> removed;
+    if (node->parent == nullptr) {
+        // A root stays, and loses what it has.
+        removed = std::make_shared<RegistryNode>();
+        std::swap(removed->subkeys, node->subkeys);
+        std::swap(removed->values, node->values);
     } else {
-        RegistryNode& parent = *node.parent;
-        const std::shared_ptr<RegistryNode> kept = node.shared_from_this();
-        parent.subkeys.remove(node);
-        superseded_size_ += detach(node);
+        removed = node->shared_from_this();
+        node->parent->subkeys.remove(*node);
     }
+    superseded_size_ += detach(*removed);
     if (classes_->deleted) classes_ = &create(*root(kHkeyLocalMachine), kClassesPath);
 }
 

@@ -104,7 +104,6 @@ public:
 
 private:
     RegistryNode* find_root(std::u16string_view name) const;
-    void remove(RegistryNode& node);
     void tell_node(const RegistryNode& node, const std::u16string& path, RegistryChanges& changes) const;
 
     NameList<std::shared_ptr<RegistryNode>> roots_;

@@ -109,7 +109,7 @@ TEST(RegistryText, PeopleMayWriteItLoosely) {
 TEST(RegistryText, DeletingARootOrTheClassesLeavesThemEmpty) {
     EXPECT_EQ(rewritten(kHeader +
                         "[HKEY_LOCAL_MACHINE\\Software\\Classes\\X]\n[HKEY_CURRENT_USER\\A\\B]\n@=\"\"\n"
-                        "[-HKEY_LOCAL_MACHINE\\Software]\n[-HKEY_CURRENT_USER]\n"
+                        "[-HKEY_LOCAL_MACHINE\\Software]\n[-HKEY_CURRENT_USER]\n[-HKEY_LOCAL_MACHINE]\n[-HKEY_CLASSES_ROOT]\n"
                         "[HKEY_CLASSES_ROOT]\n\"after\"=\"wards\"\n"),
               "\n[HKEY_LOCAL_MACHINE\\Software\\Classes]\n\"after\"=\"wards\"\n");
 }
