@@ -87,6 +87,12 @@ HostClasses::HostClasses(Host& host) {
     }
 }
 
+std::vector<std::u16string> host_class_names() {
+    std::vector<std::u16string> names;
+    for (const HostClass& entry : kClasses) names.emplace_back(entry.programmatic_id);
+    return names;
+}
+
 HostClasses::~HostClasses() {
     for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);
 }

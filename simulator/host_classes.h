@@ -1,6 +1,7 @@
 // Offers the simulated host's classes to the process, as its libraries would.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "com/com.h"
@@ -21,5 +22,8 @@ public:
 private:
     std::vector<DWORD> cookies_;
 };
+
+/// The programmatic identifiers of the host's classes.
+std::vector<std::u16string> host_class_names();
 
 }  // namespace vex::sim

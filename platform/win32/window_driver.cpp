@@ -55,8 +55,10 @@ thread_local WindowDriver* WindowDriver::current_ = nullptr;
 
 WindowDriver::WindowDriver(const std::u16string& module, WindowUser& user) : user_(user) {
     const HMODULE watched = module_named(module);
-    peek_hook_ = ImportHook(watched, "PeekMessageW", replacement(&WindowDriver::peek_message));
-    wait_hook_ = ImportHook(watched, "WaitMessage", replacement(&WindowDriver::wait_message));
+    import_hooks_.emplace_back(watched, "PeekMessageW", replacement(&WindowDriver::peek_message));
+    import_hooks_.emplace_back(watched, "WaitMessage", replacement(&WindowDriver::wait_message));
+    import_hooks_.emplace_back(watched, "GetOpenFileNameW", replacement(&WindowDriver::get_open_file_name));
+    import_hooks_.emplace_back(watched, "MessageBeep", replacement(&WindowDriver::message_beep));
     activity_hook_ = SetWindowsHookExW(WH_CBT, activity_hook, nullptr, GetCurrentThreadId());
     message_hook_ = SetWindowsHookExW(WH_CALLWNDPROC, message_hook, nullptr, GetCurrentThreadId());
     current_ = this;
@@ -99,6 +101,28 @@ bool WindowDriver::idle() noexcept {
         close(form);
     }
     return true;
+}
+
+BOOL WINAPI WindowDriver::get_open_file_name(OPENFILENAMEW* dialog) noexcept {
+    if (current_ == nullptr) return FALSE;
+    const auto text = [](LPCWSTR given) {
+        return given == nullptr ? std::u16string() : std::u16string(reinterpret_cast<const char16_t*>(given));
+    };
+    // One description and one pattern, each ended by a null.
+    const std::u16string description = text(dialog->lpstrFilter);
+    const std::u16string pattern = text(dialog->lpstrFilter + description.size() + 1);
+    const auto chosen = current_->user_.choose_file({text(dialog->lpstrInitialDir), text(dialog->lpstrFile),
+                                                     description + u"|" + pattern,
+                                                     dialog->Flags & ~DWORD{OFN_NOCHANGEDIR}});
+    if (!chosen || chosen->size() >= dialog->nMaxFile) return FALSE;
+    chosen->copy(reinterpret_cast<char16_t*>(dialog->lpstrFile), chosen->size());
+    dialog->lpstrFile[chosen->size()] = L'\0';
+    return TRUE;
+}
+
+BOOL WINAPI WindowDriver::message_beep(UINT /*type*/) noexcept {
+    if (current_ != nullptr) current_->user_.beeped();
+    return TRUE;
 }
 
 LRESULT CALLBACK WindowDriver::activity_hook(int code, WPARAM wide_parameter, LPARAM long_parameter) noexcept {

@@ -24,6 +24,10 @@ public:
     /// The messages that waited have been handled in the midst of some work.
     virtual void messages_handled() noexcept = 0;
     virtual forms::MessageAnswer answer(const forms::MessageBox& box) noexcept = 0;
+    /// Asked in place of the system's Open dialog, whose windows do not show what it was given. The path
+    /// chosen, or nothing to cancel.
+    virtual std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept = 0;
+    virtual void beeped() noexcept = 0;
 };
 
 /// One at a time on a thread.
@@ -56,6 +60,8 @@ private:
 
     static BOOL WINAPI peek_message(MSG* message, HWND window, UINT first, UINT last, UINT flags) noexcept;
     static BOOL WINAPI wait_message() noexcept;
+    static BOOL WINAPI get_open_file_name(OPENFILENAMEW* dialog) noexcept;
+    static BOOL WINAPI message_beep(UINT type) noexcept;
     static LRESULT CALLBACK activity_hook(int code, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
     static LRESULT CALLBACK message_hook(int code, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
@@ -69,8 +75,7 @@ private:
     static thread_local WindowDriver* current_;
 
     WindowUser& user_;
-    ImportHook peek_hook_;
-    ImportHook wait_hook_;
+    std::vector<ImportHook> import_hooks_;
     HHOOK activity_hook_ = nullptr;
     HHOOK message_hook_ = nullptr;
     std::vector<OpenForm> open_;

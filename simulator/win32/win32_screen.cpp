@@ -178,4 +178,12 @@ forms::MessageAnswer Win32Screen::answer(const forms::MessageBox& box) noexcept 
     return box.buttons == forms::MessageButtons::yes_no ? forms::MessageAnswer::yes : forms::MessageAnswer::ok;
 }
 
+std::optional<std::u16string> Win32Screen::choose_file(const forms::OpenFileRequest& request) noexcept {
+    return user_ == nullptr ? std::nullopt : user_->choose_file(request);
+}
+
+void Win32Screen::beeped() noexcept {
+    if (user_ != nullptr) user_->beeped();
+}
+
 }  // namespace vex::sim

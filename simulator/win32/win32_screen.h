@@ -34,6 +34,8 @@ private:
     bool act() noexcept override { return user_ != nullptr && user_->act(); }
     void messages_handled() noexcept override;
     forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override;
+    std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept override;
+    void beeped() noexcept override;
 
     /// The topmost dialog.
     static WindowHandle dialog();

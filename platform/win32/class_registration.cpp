@@ -1,0 +1,39 @@
+// Classes that a program registers for its own time.
+#include "platform/win32/class_registration.h"
+
+#include "platform/win32/windows_api.h"
+
+namespace vex::platform::win32 {
+namespace {
+
+/// The key of the class behind a name, or empty text.
+std::u16string class_key(const std::u16string& programmatic_id) {
+    constexpr DWORD kGuidLength = 39;
+    std::u16string clsid(kGuidLength, u'\0');
+    DWORD size = kGuidLength * sizeof(char16_t);
+    const LSTATUS result = RegGetValueW(HKEY_CLASSES_ROOT, wide(programmatic_id + u"\\CLSID"), nullptr, RRF_RT_REG_SZ,
+                                        nullptr, clsid.data(), &size);
+    return result == ERROR_SUCCESS ? std::u16string(u"CLSID\\") + clsid.c_str() : std::u16string();
+}
+
+bool key_exists(const std::u16string& path) noexcept {
+    HKEY key = nullptr;
+    const bool exists = RegOpenKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, KEY_READ, &key) == ERROR_SUCCESS;
+    if (exists) RegCloseKey(key);
+    return exists;
+}
+
+}  // namespace
+
+bool class_has_server(const std::u16string& programmatic_id) {
+    const std::u16string key = class_key(programmatic_id);
+    return !key.empty() && (key_exists(key + u"\\InprocServer32") || key_exists(key + u"\\LocalServer32"));
+}
+
+void remove_class(const std::u16string& programmatic_id) {
+    const std::u16string key = class_key(programmatic_id);
+    if (!key.empty()) RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(key));
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(programmatic_id));
+}
+
+}  // namespace vex::platform::win32
