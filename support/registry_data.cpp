@@ -52,7 +52,8 @@ std::u16string RegistryTexts::expanded(const std::u16string& text, std::size_t& 
     const std::string source = code_page_.to_ansi(text);
     std::string buffer = source;
     reported = registry_.expand_environment(source.c_str(), buffer.data(), static_cast<std::uint32_t>(buffer.size()));
-    return code_page_.from_ansi(buffer);
+    // What does not fit comes back unexpanded, whatever the system has left in the buffer.
+    return code_page_.from_ansi(reported <= buffer.size() ? buffer : source);
 }
 
 AutomationValue decode_value(RegistryData data, AutomationValue initial, EmptyExpandable empty_expandable,
