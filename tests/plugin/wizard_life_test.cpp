@@ -1,0 +1,204 @@
+// Native only, for its scripted user: wizards opened by the entry class, and what keeps the library loaded
+// meanwhile.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+#include "com/object.h"
+#include "forms/scripted_toolkit.h"
+#include "platform/native/machine.h"
+#include "tests/plugin/late_call.h"
+#include "tests/plugin/plugin_fixture.h"
+
+namespace vex::plugin_test {
+namespace {
+
+constexpr DISPID kStartPlugin = 0x60030000;
+constexpr DISPID kStartFrameFeature = 0x60030002;
+constexpr CLSID kDisplayListClass = {0x2AF1D132, 0xAC50, 0x445B, {0xBE, 0x5B, 0x80, 0x59, 0xD3, 0x20, 0x64, 0x9C}};
+
+com::ModuleLifetime host_objects;
+
+/// The host's display list, as far as the wizard's first page asks for it: opens any file, or fails.
+class DisplayList final : public com::Object<DisplayList, IDispatch> {
+public:
+    explicit DisplayList(int error) noexcept : Object(host_objects), error_(error) {}
+
+    HRESULT GetTypeInfoCount(UINT* count) noexcept override {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+    HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* ids) noexcept override {
+        *ids = 1;
+        return S_OK;
+    }
+    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception, UINT*) noexcept override {
+        if (error_ == 0) return S_OK;
+        exception->scode = error_code(error_);
+        exception->bstrDescription = SysAllocString(u"The file is damaged");
+        return DISP_E_EXCEPTION;
+    }
+
+private:
+    int error_;
+};
+
+class DisplayListFactory final : public com::Object<DisplayListFactory, IClassFactory> {
+public:
+    explicit DisplayListFactory(const int& error) noexcept : Object(host_objects), error_(error) {}
+    HRESULT CreateInstance(IUnknown*, REFIID iid, void** object) noexcept override {
+        return com::make_object<DisplayList>(error_)->QueryInterface(iid, object);
+    }
+    HRESULT LockServer(BOOL) noexcept override { return S_OK; }
+
+private:
+    const int& error_;
+};
+
+/// Does what the test says on each dialog that opens, then closes it.
+class User final : public forms::ScriptedUser {
+public:
+    std::function<void(forms::Form&)> on_open = [](forms::Form&) {};
+    std::vector<std::string> opened;
+    int closed = 0;
+
+    void form_opened(forms::Form& form) override {
+        opened.push_back(form.name());
+        on_open(form);
+    }
+    void form_closed(forms::Form&) override { ++closed; }
+    bool act(forms::Form&) override { return false; }
+    void pumped(forms::Form&) override {}
+    forms::MessageAnswer answer(const forms::MessageBox&) override { return forms::MessageAnswer::ok; }
+    std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override { return std::nullopt; }
+    const forms::MenuItem* choose(const forms::Menu&) override { return nullptr; }
+    void beep() override {}
+};
+
+class WizardLife : public PluginTest {
+protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        platform::native::set_desktop(&toolkit_);
+        ASSERT_EQ(CoRegisterClassObject(kDisplayListClass, com::make_object<DisplayListFactory>(host_error_).get(),
+                                        CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_),
+                  S_OK);
+    }
+    void TearDown() override {
+        CoRevokeClassObject(cookie_);
+        platform::native::set_desktop(nullptr);
+        EXPECT_TRUE(host_objects.can_unload()) << "an object of the host was left";
+        PluginTest::TearDown();
+    }
+
+    User user_;
+    forms::ScriptedToolkit toolkit_{user_};
+    /// What opening the host's display file raises; 0: nothing.
+    int host_error_ = 0;
+
+private:
+    DWORD cookie_ = 0;
+};
+
+std::u16string caption(forms::Form& form, const char* control) { return form.find(control)->caption(); }
+
+TEST_F(WizardLife, TheLibraryStaysWhileAWizardIsOpenEvenWithoutItsObject) {
+    IDispatch* entry = make(kEntryClass).detach();
+    user_.on_open = [&entry](forms::Form&) {
+        EXPECT_EQ(can_unload_now(), S_FALSE);
+        entry->Release();
+        entry = nullptr;
+        EXPECT_EQ(can_unload_now(), S_FALSE) << "the wizard is still open";
+    };
+    DISPPARAMS none{};
+    EXPECT_EQ(entry->Invoke(kStartPlugin, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(user_.opened, std::vector<std::string>{"dlgFirmwareWizard"});
+    EXPECT_EQ(can_unload_now(), S_OK);
+}
+
+TEST_F(WizardLife, AThousandWizardsEachBeginAnewAndLeaveNothing) {
+    const auto entry = make(kEntryClass);
+    int at_first_step = 0;
+    user_.on_open = [&at_first_step](forms::Form& form) {
+        const auto& pages = static_cast<forms::TabPages&>(*form.find("SSTab1"));
+        if (pages.tab() == 0) ++at_first_step;
+        form.raise_click(*form.find("cmdNext"));
+        EXPECT_EQ(pages.tab(), 1);
+    };
+    IDispatch* frame = entry.get();
+    for (int i = 0; i < 500; ++i) {
+        EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
+        EXPECT_EQ(call(*entry, kStartFrameFeature, DISPATCH_METHOD, {com::Variant::object_reference(&frame)}).result, S_OK);
+    }
+    EXPECT_EQ(at_first_step, 1000);
+    EXPECT_EQ(user_.closed, 1000);
+    EXPECT_TRUE(!host_objects.can_unload()) << "only the host's own factory is left";
+    EXPECT_EQ(host_objects.objects(), 1);
+}
+
+TEST_F(WizardLife, ErrorsInsideReachTheHostWithTheirNumber) {
+    const auto entry = make(kEntryClass);
+    host_error_ = 1234;
+    Outcome outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);
+    EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+    EXPECT_EQ(outcome.code, error_code(1234));
+    EXPECT_EQ(outcome.description, u"The file is damaged");
+    EXPECT_TRUE(user_.opened.empty()) << "raised while the wizard loads";
+
+    host_error_ = 0;
+    user_.on_open = [this](forms::Form& form) {
+        host_error_ = 55;
+        form.raise_click(*form.find("cmdNext"));
+    };
+    outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);
+    EXPECT_EQ(outcome.code, error_code(55)) << "raised by a handler";
+    EXPECT_EQ(user_.closed, 1);
+    EXPECT_EQ(outcome.source, u"vexFirmWarePlugin");
+}
+
+TEST_F(WizardLife, TheAboutBoxIsOneAndShowsTheSameEachTime) {
+    const auto entry = make(kEntryClass);
+    std::vector<std::u16string> descriptions;
+    std::vector<const forms::Form*> boxes;
+    user_.on_open = [&](forms::Form& form) {
+        if (form.name() == "frmAbout") {
+            descriptions.push_back(caption(form, "lblDescription"));
+            boxes.push_back(&form);
+            return;
+        }
+        form.raise_click(*form.find("cmdAbout"));
+        form.raise_click(*form.find("cmdAbout"));
+    };
+    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
+    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
+    ASSERT_EQ(descriptions.size(), 4U);
+    EXPECT_FALSE(descriptions[0].empty());
+    EXPECT_EQ(std::count(descriptions.begin(), descriptions.end(), descriptions[0]), 4);
+    EXPECT_EQ(std::count(boxes.begin(), boxes.end(), boxes[0]), 4);
+}
+
+TEST_F(WizardLife, WithoutADesktopOnlyTheWizardFails) {
+    platform::native::set_desktop(nullptr);
+    const auto entry = make(kEntryClass);
+    EXPECT_EQ(call(*entry, 0x60030005, DISPATCH_METHOD).result, S_OK);
+    const Outcome outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);
+    EXPECT_EQ(outcome.code, error_code(429));
+}
+
+TEST_F(WizardLife, UnusedLibrariesGoAndComeBack) {
+    ASSERT_EQ(register_server(), S_OK);
+    for (int i = 0; i < 3; ++i) {
+        com::ComPtr<IDispatch> entry;
+        ASSERT_EQ(CoCreateInstance(kEntryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, entry.put_void()), S_OK);
+        CoFreeUnusedLibraries();
+        EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK) << "in use: it must have stayed";
+        entry.reset();
+        CoFreeUnusedLibraries();
+    }
+    EXPECT_EQ(unregister_server(), S_OK);
+}
+
+}  // namespace
+}  // namespace vex::plugin_test
