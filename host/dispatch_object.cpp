@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <vector>
 
 #include "core/runtime_error.h"
 
@@ -136,11 +135,14 @@ com::Variant DispatchObject::call(DISPID member, std::initializer_list<com::Vari
 
 DISPID DispatchObject::member_id(const char16_t* name) const {
     if (!object_) throw RuntimeError(kObjectVariableNotSet);
+    const auto known = std::ranges::find(ids_, name, &std::pair<const char16_t*, DISPID>::first);
+    if (known != ids_.end()) return known->second;
     DISPID member = DISPID_UNKNOWN;
     OLECHAR* ole_name = const_cast<OLECHAR*>(reinterpret_cast<const OLECHAR*>(name));
     if (FAILED(object_->GetIDsOfNames(IID_NULL, &ole_name, 1, LOCALE_USER_DEFAULT, &member))) {
         throw RuntimeError(kMemberNotSupported, std::u16string(u"Object doesn't support this property or method: ") + name);
     }
+    ids_.emplace_back(name, member);
     return member;
 }
 

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "com/variant.h"
 
@@ -21,7 +23,8 @@ std::u16string to_text(const com::Variant& value);
 com::ComPtr<IDispatch> to_object(const com::Variant& value);
 
 /// Owns a reference to an automation object. Calls raise the error that the object raised, or the
-/// automation error number of the result code, or the result code itself where it has no number.
+/// automation error number of the result code, or the result code itself where it has no number. Member names
+/// are string literals.
 class DispatchObject {
 public:
     explicit DispatchObject(com::ComPtr<IDispatch> object) noexcept : object_(std::move(object)) {}
@@ -39,6 +42,9 @@ private:
     DISPID member_id(const char16_t* name) const;
     com::Variant invoke(DISPID member, WORD flags, std::initializer_list<com::Variant> arguments) const;
 
+    /// The ids of names asked for so far; an object's ids do not change while it lives. Names are literals
+    /// and told apart by their address.
+    mutable std::vector<std::pair<const char16_t*, DISPID>> ids_;
     com::ComPtr<IDispatch> object_;
 };
 
