@@ -56,6 +56,11 @@ std::u16string from_utf8(std::string_view bytes) {
     text.reserve(bytes.size());
     for (std::size_t i = 0; i < bytes.size();) {
         const auto lead = static_cast<unsigned char>(bytes[i]);
+        if (lead < 0x80) {
+            text += static_cast<char16_t>(lead);
+            ++i;
+            continue;
+        }
         const int more = continuation_count(lead);
         static constexpr char32_t kSmallest[] = {0, 0x80, 0x800, 0x10000};
         char32_t code = more <= 0 ? lead : static_cast<char32_t>(lead & (0x3F >> more));

@@ -76,8 +76,10 @@ public:
         const std::size_t first_line = line_;
         std::string unescaped;
         for (;;) {
-            const std::size_t length = rest_.find_first_of(std::string_view("\"\\\n\0", 4));
-            if (length == std::string_view::npos) throw RegistryDamage(first_line, "a closing quotation mark is missing");
+            const auto stops = [](char c) { return c == '"' || c == '\\' || c == '\n' || c == '\0'; };
+            const auto found = std::find_if(rest_.begin(), rest_.end(), stops);
+            const auto length = static_cast<std::size_t>(found - rest_.begin());
+            if (length == rest_.size()) throw RegistryDamage(first_line, "a closing quotation mark is missing");
             const std::string_view plain = rest_.substr(0, length);
             const char stop = rest_[length];
             rest_.remove_prefix(length + 1);

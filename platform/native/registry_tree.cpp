@@ -134,14 +134,13 @@ void RegistryTree::key_deleted(std::u16string_view path) {
 
 void RegistryTree::value(RegistryValue value) {
     if (current_ == nullptr) return;
-    if (RegistryValue* old = current_->values.find(value.name)) {
-        superseded_size_ += text_size(*old);
-        // The name keeps the case in which it came first.
-        old->type = value.type;
-        old->data = std::move(value.data);
-    } else {
-        current_->values.add(std::make_unique<RegistryValue>(std::move(value)));
-    }
+    auto told = std::make_unique<RegistryValue>(std::move(value));
+    RegistryValue& holder = current_->values.add(std::move(told));
+    if (told == nullptr) return;
+    superseded_size_ += text_size(holder);
+    // The name keeps the case in which it came first.
+    holder.type = told->type;
+    holder.data = std::move(told->data);
 }
 
 void RegistryTree::value_deleted(std::u16string_view name) {

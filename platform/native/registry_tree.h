@@ -29,10 +29,12 @@ public:
         const auto found = names_.find(name);
         return found == names_.end() ? nullptr : *found;
     }
-    /// The name must not be taken.
-    Element& add(Owner element) {
-        names_.insert(element.get());
-        return *order_.emplace_back(std::move(element));
+    /// The element that has the name: the new one, unless another has it already and `element` stays where it
+    /// is.
+    Element& add(Owner&& element) {
+        Element& holder = **names_.insert(element.get()).first;
+        if (&holder == element.get()) order_.push_back(std::move(element));
+        return holder;
     }
     void remove(Element& element) {
         names_.erase(&element);
@@ -40,13 +42,18 @@ public:
     }
 
 private:
+    static char16_t folded(char16_t c) noexcept {
+        if (c < 0x80) return static_cast<char16_t>(c >= u'a' && c <= u'z' ? c - 0x20 : c);
+        return to_upper(c);
+    }
     static std::u16string_view name_of(std::u16string_view name) { return name; }
     static std::u16string_view name_of(const Element* element) { return element->name; }
     struct Hash {
         using is_transparent = void;
-        std::size_t operator()(const auto& name) const noexcept {
+        // Not noexcept: only then does the library keep the numbers instead of working them out again and again.
+        std::size_t operator()(const auto& name) const {
             std::uint64_t hash = 0xCBF29CE484222325U;
-            for (const char16_t c : name_of(name)) hash = (hash ^ to_upper(c)) * 0x100000001B3U;
+            for (const char16_t c : name_of(name)) hash = (hash ^ folded(c)) * 0x100000001B3U;
             return static_cast<std::size_t>(hash ^ (hash >> 32));
         }
     };
