@@ -120,14 +120,17 @@ std::u16string DriveFiles::drive_path(const fs::path& file) const {
 
 void DriveFiles::set_hidden(const std::u16string& path, bool hidden) const {
     const fs::path file = real_path(path);
-    const std::string name = file.filename().native();
-    std::vector<std::string> names = read_hidden_names(file.parent_path());
-    std::erase(names, name);
-    if (hidden) names.push_back(name);
-    std::ofstream list(file.parent_path() / kHiddenList, std::ios::trunc);
-    for (const std::string& each : names) list << each << '\n';
-    list.close();
-    if (file.empty() || !list) throw RuntimeError(kAutomationError, u"The hidden files of " + path + u" cannot be listed");
+    bool listed = false;
+    if (!file.empty()) {
+        const std::string name = file.filename().native();
+        std::vector<std::string> names = read_hidden_names(file.parent_path());
+        std::erase(names, name);
+        if (hidden) names.push_back(name);
+        std::ofstream list(file.parent_path() / kHiddenList, std::ios::trunc);
+        for (const std::string& each : names) list << each << '\n';
+        listed = static_cast<bool>(list.flush());
+    }
+    if (!listed) throw RuntimeError(kAutomationError, u"The hidden files of " + path + u" cannot be listed");
 }
 
 }  // namespace vex::platform::native

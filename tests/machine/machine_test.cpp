@@ -1,0 +1,156 @@
+// The simulated computer: its folder, its drives, and its programs.
+#include "platform/native/machine.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "core/runtime_error.h"
+#include "platform/native/registry_text.h"
+#include "tests/registry/temporary_folder.h"
+
+namespace vex::platform::native {
+namespace {
+
+using test::TemporaryFolder;
+using test::write_file;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class Machine : public ::testing::Test {
+protected:
+    Machine() { use_machine_folder(computer); }
+
+    TemporaryFolder folder;
+    const std::filesystem::path computer = folder / "a computer";
+    const std::filesystem::path drive_c = computer / "drive_c";
+};
+
+TEST_F(Machine, ItsFolderIsMadeForTheOwnerAlone) {
+    EXPECT_EQ(machine_folder(), computer);
+    for (const auto& each : {computer, drive_c}) {
+        struct stat status = {};
+        ASSERT_EQ(::stat(each.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, 0700U);
+    }
+    use_machine_folder(computer);
+    use_machine_folder(computer.native() + "/");
+    EXPECT_EQ(machine_folder(), computer);
+}
+
+TEST_F(Machine, WhatCannotBeUsedIsNamed) {
+    write_file(folder / "file", "");
+    const std::filesystem::path damaged = folder / "damaged";
+    std::filesystem::create_directory(damaged);
+    write_file(damaged / "registry", std::string(kRegistryHeader) + "\noops\n");
+    const std::pair<std::filesystem::path, std::string> cases[] = {
+        {folder / "file", (folder / "file").native()},
+        {folder / "file" / "below", (folder / "file" / "below").native()},
+        {damaged, (damaged / "registry").native() + ": line 3"},
+    };
+    for (const auto& [unusable, told] : cases) {
+        try {
+            use_machine_folder(unusable);
+            ADD_FAILURE() << unusable;
+        } catch (const RuntimeError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(told));
+        }
+        EXPECT_EQ(machine_folder(), computer) << "the computer before is still there";
+    }
+}
+
+TEST_F(Machine, AnotherFolderIsAnotherComputer) {
+    RegistryKey key = 0;
+    ASSERT_EQ(registry().create_key(registry_key(kHkeyCurrentUser), "Key", nullptr, kKeyAllAccess, {}, key), kSuccess);
+    use_machine_folder(folder / "another");
+    EXPECT_EQ(registry().open_key(registry_key(kHkeyCurrentUser), "Key", kKeyRead, key), kFileNotFound);
+    use_machine_folder(computer);
+    EXPECT_EQ(registry().open_key(registry_key(kHkeyCurrentUser), "Key", kKeyRead, key), kSuccess);
+}
+
+TEST_F(Machine, ExportsAreImported) {
+    write_file(folder / "export.reg", std::string(kRegistryHeader) + "[HKEY_CURRENT_USER\\Imported]\n");
+    import_registry(folder / "export.reg");
+    RegistryKey key = 0;
+    EXPECT_EQ(registry().open_key(registry_key(kHkeyCurrentUser), "Imported", kKeyRead, key), kSuccess);
+    EXPECT_THROW(import_registry(folder / "missing.reg"), RuntimeError);
+    write_file(folder / "export.reg", std::string(kRegistryHeader) + "oops\n");
+    try {
+        import_registry(folder / "export.reg");
+        ADD_FAILURE();
+    } catch (const RuntimeError& error) {
+        EXPECT_THAT(error.what(), HasSubstr((folder / "export.reg").native() + ": line 2"));
+    }
+}
+
+TEST_F(Machine, DriveLettersLeadIntoItsFolders) {
+    std::filesystem::create_directories(drive_c / "Program Files/Brivola");
+    std::filesystem::create_directory(computer / "drive_d");
+    EXPECT_EQ(real_path(u"C:\\"), drive_c);
+    EXPECT_EQ(real_path(u"C:"), drive_c);
+    EXPECT_EQ(real_path(u"c:\\program files\\BRIVOLA\\New.txt"), drive_c / "Program Files/Brivola/New.txt");
+    EXPECT_EQ(real_path(u"C:\\\\Program Files//Brivola\\"), drive_c / "Program Files/Brivola");
+    EXPECT_EQ(real_path(u"C:\\Program Files\\..\\..\\..\\.\\Program Files"), drive_c / "Program Files");
+    EXPECT_EQ(real_path(u"D:\\x"), computer / "drive_d/x");
+    EXPECT_EQ(real_path(u"Z:\\"), "/");
+    EXPECT_EQ(real_path(u"z:\\tmp"), "/tmp");
+    for (const char16_t* path : {u"E:\\x", u"", u"C", u"x.txt", u"\\x", u"\\\\server\\x", u"1:\\x", u"?:\\x"}) {
+        EXPECT_EQ(real_path(path), "");
+    }
+    EXPECT_EQ(real_path(std::u16string(u"C:\\a\0b", 6)), "");
+}
+
+TEST_F(Machine, TheSpellingAskedForComesFirst) {
+    write_file(drive_c / "same", "");
+    write_file(drive_c / "SAME", "");
+    EXPECT_EQ(real_path(u"C:\\same"), drive_c / "same");
+    EXPECT_EQ(real_path(u"C:\\SAME"), drive_c / "SAME");
+    EXPECT_EQ(real_path(u"C:\\Same"), drive_c / "SAME") << "always the same of those that differ";
+    write_file(drive_c / "Größe", "");
+    EXPECT_EQ(real_path(u"C:\\GR\xD6\xDF" u"E"), drive_c / "Größe");
+}
+
+TEST_F(Machine, RealFilesHaveDriveLetterPaths) {
+    EXPECT_EQ(drive_path(drive_c / "Firmware/new.bin"), u"C:\\Firmware\\new.bin");
+    EXPECT_EQ(drive_path(drive_c), u"C:\\");
+    EXPECT_EQ(drive_path(drive_c / "a/../b"), u"C:\\b");
+    EXPECT_EQ(drive_path(computer / "drive_d/x"), u"D:\\x");
+    EXPECT_EQ(drive_path("/usr/lib"), u"Z:\\usr\\lib");
+    EXPECT_EQ(drive_path("/"), u"Z:\\");
+    EXPECT_EQ(real_path(drive_path(computer / "registry")), computer / "registry");
+}
+
+TEST_F(Machine, OnlyOrdinaryFilesExist) {
+    std::filesystem::create_directory(drive_c / "Folder");
+    for (const char* name : {"Folder/file.bin", "Folder/hidden.bin", "Folder/.dot"}) write_file(drive_c / name, "");
+    std::filesystem::create_symlink("file.bin", drive_c / "Folder/link.bin");
+    std::filesystem::create_symlink("nowhere", drive_c / "Folder/dangling.bin");
+    set_hidden(u"C:\\folder\\HIDDEN.bin", true);
+    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\Folder\\file.bin"));
+    EXPECT_TRUE(files().ordinary_file_exists(u"c:\\\\folder\\\\FILE.BIN"));
+    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\Folder\\link.bin"));
+    for (const char16_t* path : {u"C:\\Folder", u"C:\\Folder\\hidden.bin", u"C:\\Folder\\.dot", u"C:\\Folder\\.hidden",
+                                 u"C:\\Folder\\dangling.bin", u"C:\\Folder\\file.bin\\", u"C:\\Folder\\file.bin\\x",
+                                 u"C:\\missing", u"E:\\x", u"Z:\\dev\\null", u"", u"\\", u"C:\\Folder\\*.bin"}) {
+        EXPECT_FALSE(files().ordinary_file_exists(path)) << real_path(path);
+    }
+    set_hidden(u"C:\\Folder\\hidden.bin", false);
+    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\Folder\\hidden.bin"));
+    EXPECT_THROW(set_hidden(u"C:\\Missing\\x", true), RuntimeError);
+    EXPECT_THROW(set_hidden(u"E:\\x", true), RuntimeError);
+}
+
+TEST_F(Machine, ProgramsThatExistStartAndAreToldOf) {
+    write_file(drive_c / "tool.exe", "");
+    std::vector<std::u16string> started;
+    on_program_started([&](const std::u16string& path) { started.push_back(path); });
+    EXPECT_TRUE(processes().start(u"C:\\Tool.exe"));
+    EXPECT_FALSE(processes().start(u"C:\\missing.exe"));
+    EXPECT_FALSE(processes().start(u"C:\\tool.exe with arguments")) << "the whole text is one path";
+    EXPECT_FALSE(processes().start(u""));
+    EXPECT_THAT(started, ElementsAre(u"C:\\Tool.exe"));
+    on_program_started(nullptr);
+    EXPECT_TRUE(processes().start(u"C:\\tool.exe"));
+}
+
+}  // namespace
+}  // namespace vex::platform::native
