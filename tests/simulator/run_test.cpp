@@ -1,0 +1,161 @@
+// Whole runs: exit statuses, messages with their place, what is kept and what is found damaged.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "simulator/native/native_session.h"
+#include "simulator/words.h"
+#include "tests/simulator/scratch_folder.h"
+
+namespace vex::sim {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+struct Outcome {
+    ExitStatus status;
+    std::string out;
+    std::string errors;
+};
+
+Outcome run(const std::string& text, CommandLine options = {}, const std::filesystem::path& folder = {}) {
+    if (!options.plugin) options.plugin = VEX_PLUGIN_LIBRARY;
+    std::ostringstream out, errors;
+    const ExitStatus status = NativeSession(options).play_text("a.scn", text, folder, out, errors);
+    return {status, out.str(), errors.str()};
+}
+
+CommandLine with_data(const ScratchFolder& folder) {
+    CommandLine options;
+    options.data = folder.path() / "data";
+    return options;
+}
+
+TEST(Run, ChecksAllExpectationsAndPrintsEach) {
+    const Outcome outcome = run(
+        "display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled false\nexpect SSTab1.Tab 3\n"
+        "expect HKLM\\Software\\x y z\nclick cmdCancel");
+    EXPECT_EQ(outcome.status, kFailed);
+    EXPECT_EQ(outcome.errors,
+              "a.scn:3: expected cmdNext.Enabled = False, found True\n"
+              "a.scn:5: expected SSTab1.Tab = 3, found 0\n"
+              "a.scn:6: expected HKLM\\Software\\x y = z, found (none)\n");
+    EXPECT_EQ(outcome.out, "open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n");
+}
+
+TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
+    const struct {
+        const char* statement;
+        const char* message;
+    } cases[] = {
+        {"click cmdNxt", "a.scn:3: dlgFirmwareWizard has no control \"cmdNxt\"\n"},
+        {"show cmdNext.Value", "a.scn:3: cmdNext has no property \"Value\"\n"},
+        {"show lstvDisplays.Rowx", "a.scn:3: lstvDisplays has no property \"Rowx\"\n"},
+        {"set lblStart text", "a.scn:3: \"text\" is neither on nor off\n"},
+        {"set cmdNext on", "a.scn:3: cmdNext takes no value\n"},
+        {"rows cmdNext", "a.scn:3: cmdNext is no list\n"},
+        {"retry 1", "a.scn:3: dlgFirmwareWizard has no control \"lstvDisplayStatus\"\n"},
+        {"start", "a.scn:3: a dialog is still open\n"},
+        {"unit B 1 absent", "a.scn:3: there is no display \"B\"\n"},
+        {"box B XPort", "a.scn:3: there is no display \"B\"\n"},
+        {"fault B 1 ResetAndClear fail", "a.scn:3: there is no display \"B\"\n"},
+        {"copy nowhere D:\\x", "a.scn:3: there is no file \"nowhere\"\n"},
+        {"file no-drive", "a.scn:3: \"no-drive\" is no path on a drive of A: to Y:\n"},
+        {"file Z:\\tmp\\x", "a.scn:3: \"Z:\\tmp\\x\" is no path on a drive of A: to Y:\n"},
+        {"registry HKLM\\a b word 1", "a.scn:3: \"word\" is none of sz, expand_sz, multi_sz, dword, binary\n"},
+        {"registry HKLM\\a b dword 4294967296", "a.scn:3: \"4294967296\" is no number of 32 bits\n"},
+        {"registry HKLM\\a b binary 0g", "a.scn:3: a binary value is written in hexadecimal digits\n"},
+    };
+    for (const auto& bad : cases) {
+        const Outcome outcome = run(std::string("display A\nstart\n") + bad.statement + "\nshow SSTab1.Tab\n");
+        EXPECT_EQ(outcome.status, kBadUsage) << bad.statement;
+        EXPECT_EQ(outcome.errors, bad.message);
+        EXPECT_EQ(outcome.out, "open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n") << bad.statement;
+    }
+    EXPECT_EQ(run("click cmdNext").errors, "a.scn:1: no dialog is open\n");
+}
+
+TEST(Run, TakesNoMessageAnswerThatTheBoxDoesNotOffer) {
+    const Outcome outcome = run(
+        "display A\nanswer msgbox no\nanswer openfile D:\\a.txt\nstart\nclick cmdNext\nclick opLoadFirmware\n"
+        "answer picker A\nclick cmdNext\nclick cmdChooseDisplay\nclick cmdNext\nclick cmdFirmwareBrowse\nunits");
+    EXPECT_EQ(outcome.status, kBadUsage);
+    EXPECT_EQ(outcome.errors, "a.scn:2: the message \"Not a valid SHX file!\" has no such button\n");
+}
+
+TEST(Run, NotesWhatAUserCannotDo) {
+    const Outcome outcome = run("display A\nstart\nclick cmdFinish\nset optJustResetDisplays off\nclick opLoadFirmware\n");
+    EXPECT_EQ(outcome.status, kPassed);
+    EXPECT_THAT(outcome.errors, HasSubstr("a.scn:3: note: cmdFinish is disabled"));
+    EXPECT_THAT(outcome.errors, HasSubstr("a.scn:5: note: opLoadFirmware is disabled or cannot be reached"));
+}
+
+TEST(Run, DoesNotClickInItsOwnClick) {
+    const Outcome outcome = run(
+        "display A\nsay A 1 CloseConnection bye cmdCancel\nsay A 1 CancelTransmission stop cmdCancel\nanswer picker A\n"
+        "start\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick cmdFinish\nrows lstvDisplayStatus");
+    EXPECT_EQ(outcome.status, kPassed);
+    EXPECT_THAT(outcome.out, HasSubstr("row 1: \"A\" | \"Cancelled - \""));
+}
+
+TEST(Run, KeepsItsDataWhereItIsTold) {
+    const ScratchFolder folder;
+    const Outcome first = run(
+        "display A ids=1,2\nunit A 1 absent\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
+        "file C:\\Host\\x.bin\nanswer picker B\nstart\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick cmdFinish\n"
+        "click cmdClose",
+        with_data(folder));
+    EXPECT_EQ(first.status, kPassed) << first.errors;
+    const Outcome second = run("units\nshow HKLM\\Software\\Norvan\\Brivola3\\Settings AppPath", with_data(folder));
+    EXPECT_EQ(second.out,
+              "unit \"A\" 1: as delivered\nunit \"A\" 2: as delivered\nunit \"B\" 1: empty\n"
+              "show HKLM\\Software\\Norvan\\Brivola3\\Settings AppPath = C:\\Host\n");
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "data" / "drive_c" / "Host" / "x.bin"));
+    // Stated anew, a display replaces the one of its name; its units keep what they hold.
+    const Outcome third = run("display B port=COM7 ids=1,3\nunits", with_data(folder));
+    EXPECT_THAT(third.out, EndsWith("unit \"B\" 1: empty\nunit \"B\" 3: as delivered\n"));
+    // Without a folder a run knows of nothing.
+    EXPECT_THAT(run("units").out, IsEmpty());
+}
+
+TEST(Run, NamesTheDamagedLineOfWhatItKept) {
+    const ScratchFolder folder;
+    run("display A", with_data(folder));
+    folder.write("data/Units.dat", "# Brivola units, version 1\nholds A 1 everything\n");
+    EXPECT_EQ(run("units", with_data(folder)).errors, "Units.dat:2: \"everything\" is nothing that a unit holds\n");
+    folder.write("data/drive_c/Brivola/Displays.dat", "# Brivola displays, version 1\n\xFF\xFE\n");
+    const Outcome outcome = run("units", with_data(folder));
+    EXPECT_EQ(outcome.status, kBadUsage);
+    EXPECT_EQ(outcome.errors, "Displays.dat:2: expected display NAME KEY=VALUE...\n");
+}
+
+TEST(Run, SaysWhyThereIsNoPlugin) {
+    CommandLine options;
+    options.plugin = "no-such-library.so";
+    const Outcome outcome = run("units", options);
+    EXPECT_EQ(outcome.status, kBadUsage);
+    EXPECT_THAT(outcome.errors, HasSubstr("no-such-library.so"));
+}
+
+TEST(Run, FindsFilesBesideTheScenario) {
+    const ScratchFolder folder;
+    folder.write("firmware.bin", "content");
+    folder.write("more.scn", "display B\n");
+    const Outcome outcome = run("include more.scn\ncopy firmware.bin D:\\a.bin\nunits", {}, folder.path());
+    EXPECT_EQ(outcome.status, kPassed) << outcome.errors;
+    EXPECT_EQ(outcome.out, "unit \"B\" 1: as delivered\n");
+}
+
+TEST(Run, PrintsWithoutATraceOnlyWhatIsShown) {
+    CommandLine options;
+    options.quiet = true;
+    const Outcome outcome = run("display A\nstart\nshow SSTab1.Tab\nclick cmdCancel\nunits", options);
+    EXPECT_EQ(outcome.out, "show SSTab1.Tab = 0\nunit \"A\" 1: as delivered\n");
+}
+
+}  // namespace
+}  // namespace vex::sim

@@ -1,0 +1,113 @@
+// What is refused before a scenario runs, and with which place.
+#include "simulator/scenario.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <stdexcept>
+
+#include "core/unicode.h"
+#include "simulator/command_line.h"
+#include "simulator/words.h"
+
+namespace vex::sim {
+namespace {
+
+using testing::StartsWith;
+
+/// The first complaint about a scenario; empty: none.
+std::string complaint(const std::string& text, const std::map<std::u16string, std::string>& files = {}) {
+    try {
+        parse_scenario("a.scn", text, [&files](const std::u16string& name) {
+            const auto file = files.find(name);
+            if (file == files.end()) throw std::invalid_argument(to_utf8(name) + ": does not exist");
+            return file->second;
+        });
+    } catch (const TextError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+TEST(Scenario, RefusesWhatIsNoStatement) {
+    const struct {
+        const char* text;
+        const char* message;
+    } cases[] = {
+        {"# fine\n\ndisplay A\nclik cmdNext\n", "a.scn:4: \"clik\" is no statement"},
+        {"display", "a.scn:1: expected display NAME"},
+        {"units now", "a.scn:1: expected units"},
+        {"display A porch=COM1", "a.scn:1: porch=COM1 is no KEY=VALUE"},
+        {"display A connection=x", "a.scn:1: connection=x needs a number"},
+        {"displays 0 Gate", "a.scn:1: \"0\" is no number from 1"},
+        {"unit A 1 slaves=2", "a.scn:1: \"2\" is no grid"},
+        {"unit A one slaves=1x1", "a.scn:1: \"one\" is no display ID"},
+        {"unit A 1 grid=1x1", "a.scn:1: \"grid=1x1\" is neither slaves=YxX nor absent"},
+        {"registry HKXX\\a b sz c", "a.scn:1: \"HKXX\\a\" is no ROOT\\KEY"},
+        {"registry HKLM b sz c", "a.scn:1: \"HKLM\" is no ROOT\\KEY"},
+        {"file C:\\a secret", "a.scn:1: \"secret\" is neither hidden nor folder"},
+        {"fault A 1 Reset fail", "a.scn:1: \"Reset\" is none of OpenConnection"},
+        {"fault A 1 ResetAndClear break", "a.scn:1: \"break\" is neither fail nor raise"},
+        {"fault A 1 ResetAndClear fail at=0", "a.scn:1: \"0\" is no number from 1"},
+        {"fault A 1 ResetAndClear fail once", "a.scn:1: \"once\" is not at=N"},
+        {"fault A 1 SignID fail", "a.scn:1: \"fail\" is no answer of SignID"},
+        {"say A 1 ResetAndClear", "a.scn:1: expected say NAME"},
+        {"say A 1 ResetAndClear x cmdCancel y", "a.scn:1: \"y\" is not at=N"},
+        {"during A 1 ResetAndClear x clik cmdCancel", "a.scn:1: \"clik\" is no statement"},
+        {"answer phone yes", "a.scn:1: \"phone\" is none of picker, openfile, msgbox"},
+        {"answer msgbox maybe", "a.scn:1: \"maybe\" is none of yes, no, ok"},
+        {"start window", "a.scn:1: \"window\" is not frame"},
+        {"press picNavTree 1 2.5x", "a.scn:1: \"2.5x\" is no number of twips"},
+        {"press picNavTree 1 2 middle", "a.scn:1: \"middle\" is neither left nor right"},
+        {"retry 0", "a.scn:1: \"0\" is no number from 1"},
+        {"show cmdNext", "a.scn:1: \"cmdNext\" is no CONTROL.PROPERTY"},
+        {"show .Caption", "a.scn:1: \".Caption\" is no CONTROL.PROPERTY"},
+        {"expect cmdNext.Enabled", "a.scn:1: expected expect CONTROL.PROPERTY"},
+        {"say \"A 1 ResetAndClear x", "a.scn:1: a quote is not closed"},
+        {"include", "a.scn:1: expected include FILE"},
+    };
+    for (const auto& bad : cases) EXPECT_THAT(complaint(bad.text), StartsWith(bad.message)) << bad.text;
+}
+
+TEST(Scenario, NamesThePlaceInAnIncludedFile) {
+    EXPECT_EQ(complaint("include b.scn", {{u"b.scn", "display A"}}), "");
+    EXPECT_THAT(complaint("\ninclude b.scn", {{u"b.scn", "display A\nunits 1"}}), StartsWith("b.scn:2: expected units"));
+    EXPECT_EQ(complaint("\ninclude b.scn"), "a.scn:2: b.scn: does not exist");
+    EXPECT_THAT(complaint("include b.scn", {{u"b.scn", "include b.scn"}}),
+                StartsWith("b.scn:1: files include each other too deeply"));
+}
+
+TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
+    const Scenario scenario = parse_scenario("a", "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
+                                                  "expect lstv.Row1.ForeColor 0", {});
+    ASSERT_EQ(scenario.statements.size(), 5U);
+    EXPECT_EQ(scenario.statements[0].control, u"cmdNext");
+    EXPECT_EQ(scenario.statements[1].control, u"");
+    EXPECT_EQ(scenario.statements[2].control, u"cmdNext");
+    EXPECT_EQ(scenario.statements[3].control, u"");
+    EXPECT_EQ(scenario.statements[4].control, u"lstv");
+}
+
+CommandLine command_line(std::vector<std::string> words) { return parse_command_line(words); }
+
+TEST(CommandLine, TakesOptionsInAnyOrder) {
+    EXPECT_EQ(command_line({}).scenario, std::nullopt);
+    const CommandLine line = command_line({"--data", "d", "run", "--quiet", "a.scn", "--plugin", "p.so"});
+    EXPECT_EQ(line.scenario, "a.scn");
+    EXPECT_EQ(line.data, "d");
+    EXPECT_EQ(line.plugin, "p.so");
+    EXPECT_TRUE(line.quiet);
+    EXPECT_EQ(command_line({"run", "-"}).scenario, "-");
+    EXPECT_TRUE(command_line({"run", "--help"}).help);
+}
+
+TEST(CommandLine, RefusesTheRest) {
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--loud"}, {"run", "run", "a"}, {""}}) {
+        EXPECT_THROW(command_line(words), std::invalid_argument);
+    }
+}
+
+}  // namespace
+}  // namespace vex::sim

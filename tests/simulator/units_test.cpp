@@ -1,0 +1,110 @@
+// The units behind displays: which there are, what they hold, and that it lasts.
+#include "simulator/units.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "tests/simulator/scratch_folder.h"
+
+namespace vex::sim {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+Display display_with(std::u16string ids) {
+    Display display;
+    display.name = u"A";
+    display.ids = std::move(ids);
+    return display;
+}
+
+TEST(Units, AreMastersTheirSlavesAndWhatWasPutThere) {
+    Units units;
+    const Display display = display_with(u"20, 1,x,,40000,1");
+    EXPECT_THAT(units.ids(display), ElementsAre(20, 1));
+    units.set_slaves(u"A", 1, {0, 2});
+    units.set_slaves(u"A", 50, {0, 0});
+    EXPECT_THAT(units.ids(display), ElementsAre(20, 1, 2, 3, 50));
+    for (const int id : {1, 2, 3, 20, 50}) EXPECT_TRUE(units.answers(display, static_cast<std::int16_t>(id))) << id;
+    for (const int id : {0, 4, 19, 21, -1}) EXPECT_FALSE(units.answers(display, static_cast<std::int16_t>(id))) << id;
+    units.set_absent(u"A", 2);
+    EXPECT_FALSE(units.answers(display, 2));
+    EXPECT_TRUE(units.answers(display, 3));
+    EXPECT_THAT(units.ids(display_with(u"")), ElementsAre(1, 50));
+}
+
+TEST(Units, OfAGridBeyondAllBoundsEndAtTheHighestId) {
+    Units units;
+    units.set_slaves(u"A", 32766, {200, 200});
+    EXPECT_THAT(units.ids(display_with(u"32766")), ElementsAre(32766, 32767));
+    // A display may report anything, and some of it makes no sense.
+    units.set_slaves(u"A", 1, {-1, 5});
+    EXPECT_THAT(units.ids(display_with(u"1")), ElementsAre(1, 32766));
+}
+
+TEST(Units, SurviveTheirFile) {
+    const ScratchFolder folder;
+    Units written;
+    written.set_slaves(u"A", 1, {0, 2});
+    written.set_absent(u"A", 3);
+    written.add_box(u"A", u"XPort \"03\"");
+    written.add_box(u"A", u"");
+    written.store(u"A", 1, {Content::State::firmware, {u"new one.SHX", 12345, 0x0000ABCD}});
+    written.store(u"A", 2, {Content::State::incomplete, {}});
+    written.store(u"A", -7, {Content::State::empty, {}});
+    written.save(folder.path() / "Units.dat");
+
+    const Units read = Units::load(folder.path() / "Units.dat");
+    EXPECT_EQ(read.slaves(u"A", 1)->x, 2);
+    EXPECT_FALSE(read.answers(display_with(u"1"), 3));
+    EXPECT_THAT(read.boxes(u"A"), ElementsAre(u"XPort \"03\"", u""));
+    EXPECT_EQ(describe(read.content(u"A", 1)), u"\"new one.SHX\", 12345 bytes, CRC-32 0000ABCD");
+    EXPECT_EQ(describe(read.content(u"A", 2)), u"incomplete");
+    EXPECT_EQ(describe(read.content(u"A", -7)), u"empty");
+    EXPECT_EQ(describe(read.content(u"A", 5)), u"as delivered");
+}
+
+TEST(Units, KeepWhatTheyHoldWhenTheirDisplayIsSetUpAnew) {
+    Units units;
+    units.set_slaves(u"A", 1, {0, 2});
+    units.add_box(u"A", u"XPort");
+    units.store(u"A", 2, {Content::State::empty, {}});
+    units.clear_hardware(u"A");
+    EXPECT_EQ(units.slaves(u"A", 1), std::nullopt);
+    EXPECT_THAT(units.boxes(u"A"), IsEmpty());
+    EXPECT_EQ(units.content(u"A", 2).state, Content::State::empty);
+}
+
+TEST(Units, NameTheDamagedLineOfTheirFile) {
+    const ScratchFolder folder;
+    const std::string header = "# Brivola units, version 1\n";
+    const struct {
+        std::string text;
+        const char* message;
+    } cases[] = {
+        {"holds A 1 empty\n", "Units.dat:1: expected the line # Brivola"},
+        {header + "holds A one empty\n", "Units.dat:2: \"one\" is no display ID"},
+        {header + "holds A 1 full\n", "Units.dat:2: \"full\" is nothing that a unit holds"},
+        {header + "holds A 1 a.SHX many 0\n", "Units.dat:2: expected a size"},
+        {header + "holds A 1 a.SHX 1 XYZ\n", "Units.dat:2: expected a checksum"},
+        {header + "slaves A 1 3\n", "Units.dat:2: \"3\" is no grid"},
+        {header + "slaves A 1 1x2x3\n", "Units.dat:2: \"1x2x3\" is no grid"},
+        {header + "\nbox A\n", "Units.dat:3: expected slaves NAME"},
+    };
+    for (const auto& damaged : cases) {
+        const auto path = folder.write("Units.dat", damaged.text);
+        try {
+            Units::load(path);
+            ADD_FAILURE() << damaged.text;
+        } catch (const TextError& error) {
+            EXPECT_THAT(error.what(), StartsWith(damaged.message));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vex::sim
