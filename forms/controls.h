@@ -173,6 +173,8 @@ public:
     TextBox() noexcept : Control(ControlKind::text_box) {}
     const std::u16string& text() const noexcept { return caption(); }
     void set_text(std::u16string text) { set_caption(std::move(text)); }
+    /// The user changed the text.
+    std::function<void()> on_change;
 };
 
 /// A plain area that holds other controls.

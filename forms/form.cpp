@@ -126,7 +126,12 @@ void Form::raise_menu_click(const MenuItem& item) noexcept {
 }
 
 void Form::user_text(TextBox& box, std::u16string text) noexcept {
-    guarded([&box, &text] { static_cast<Control&>(box).caption_ = std::move(text); });
+    guarded([&box, &text] {
+        std::u16string& shown = static_cast<Control&>(box).caption_;
+        const bool changed = shown != text;
+        shown = std::move(text);
+        if (changed && box.on_change) box.on_change();
+    });
 }
 
 void Form::user_selection(ListView& list, std::optional<std::size_t> row) noexcept {

@@ -3,7 +3,21 @@
 
 #include "simulator/scenario.h"
 
+#include <charconv>
+
 namespace vex::sim {
+namespace {
+
+double read_speed(const std::string& word) {
+    double speed = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), speed);
+    if (error != std::errc() || end != word.data() + word.size() || !(speed >= kSlowest && speed <= kFastest)) {
+        throw std::invalid_argument("\"" + word + "\" is no speed from 0.1 to 1000");
+    }
+    return speed;
+}
+
+}  // namespace
 
 CommandLine parse_command_line(std::span<const std::string> arguments) {
     CommandLine line;
@@ -18,6 +32,10 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
             line.help = true;
         } else if (word == "--quiet") {
             line.quiet = true;
+        } else if (word == "--pictures") {
+            line.pictures = true;
+        } else if (word == "--speed") {
+            line.speed = read_speed(value());
         } else if (word == "--data") {
             line.data = value();
         } else if (word == "--plugin") {
@@ -38,13 +56,17 @@ std::string usage() {
     return "brivola-sim: a simulated host with displays, for the firmware plug-in\n"
            "\n"
            "  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace\n"
-           "  brivola-sim            plays the sample scenario\n"
+           "  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is\n"
+           "                         none, plays the sample scenario and draws each screen as text\n"
            "\n"
            "  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own\n"
            "  --plugin PATH  the plug-in's library; without it the one beside this program\n"
            "  --quiet        prints no trace, only what the scenario shows\n"
+           "  --pictures     draws each screen of the scenario as text (not on Windows)\n"
+           "  --speed N      on the terminal: makes the simulated links N times as fast as usual (0.1 to 1000)\n"
            "\n"
-           "Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage.\n"
+           "Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage,\n"
+           "128 + N the wizard was ended by signal N.\n"
            "\n"
            "Statements, one a line (# begins a comment):\n" +
            statement_reference();

@@ -18,7 +18,15 @@ struct CommandLine {
     /// Nothing: the plug-in beside the program.
     std::optional<std::filesystem::path> plugin;
     bool quiet = false;
+    /// Draws each screen of a scenario as text.
+    bool pictures = false;
+    /// How many times as fast as usual the simulated links are, where somebody watches.
+    double speed = 1;
 };
+
+/// The range of `CommandLine::speed`.
+constexpr double kSlowest = 0.1;
+constexpr double kFastest = 1000;
 
 /// Without the program's name. Raises `std::invalid_argument`.
 CommandLine parse_command_line(std::span<const std::string> arguments);

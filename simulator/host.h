@@ -34,8 +34,8 @@ struct Host {
 
     /// The host's selection dialog: display names joined by ",".
     std::function<std::u16string()> choose_displays;
-    /// Told how many bytes went over a link, so that a link can take its time; may be empty.
-    std::function<void(std::size_t bytes)> on_transfer;
+    /// Told of what goes on on the links, so that it can be watched and take its time; may be empty.
+    std::function<void(const LinkEvent& event)> on_link;
 
     /// The display that a caller asked about last. Where several displays share one line, it is meant.
     std::u16string display_asked_about;

@@ -1,6 +1,7 @@
 // What a scenario lets happen on the links to the displays: faults, and messages with a user's reactions.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -41,6 +42,27 @@ struct Call {
     std::u16string display;
     std::int16_t id = 0;
     Operation operation = Operation::OpenConnection;
+};
+
+/// Something on a link, while it happens.
+struct LinkEvent {
+    enum class Kind {
+        /// A call begins.
+        begins,
+        /// Part of a firmware file goes over the link.
+        transfers,
+        /// The control has said something in its status event.
+        says,
+        /// A call has ended.
+        ends,
+    };
+    Kind kind = Kind::begins;
+    Call call;
+    /// Of Kind::transfers: how much of the file the unit has when it is through, and the part's size.
+    int percent = 0;
+    std::size_t bytes = 0;
+    /// Of Kind::ends.
+    bool succeeded = false;
 };
 
 enum class FaultKind { none, fail, raise };

@@ -27,8 +27,8 @@ void load(Host& host, const std::filesystem::path& unit_file) {
 
 }  // namespace
 
-ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& screen, const RunFolders& folders,
-                        bool quiet, std::ostream& out, std::ostream& errors) {
+ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+                    const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work) {
     Trace trace(out, quiet);
     Host host(trace, computer);
     const std::filesystem::path unit_file = folders.data / kUnitFile;
@@ -38,7 +38,7 @@ ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& sc
         load(host, unit_file);
         const HostClasses classes(host);
         PluginHost plugin(folders.plugin_library);
-        status = ScenarioPlayer(scenario, host, screen, plugin, errors, folders.scenario).play();
+        status = work(host, plugin);
         host.save_displays();
         host.units.save(unit_file);
         if (!plugin.can_unload()) {
@@ -54,6 +54,13 @@ ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& sc
         left_behind = true;
     }
     return status == kPassed && left_behind ? kFailed : status;
+}
+
+ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& screen, const RunFolders& folders,
+                        bool quiet, std::ostream& out, std::ostream& errors) {
+    return run_host(computer, folders, quiet, out, errors, [&](Host& host, PluginHost& plugin) {
+        return ScenarioPlayer(scenario, host, screen, plugin, errors, folders.scenario).play();
+    });
 }
 
 }  // namespace vex::sim

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <ostream>
 
 #include "simulator/computer.h"
@@ -20,9 +21,13 @@ struct RunFolders {
     std::filesystem::path scenario;
 };
 
-/// Plays a scenario: loads what the host kept, registers the host's classes, loads the plug-in, plays, keeps
-/// what the units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment.
-/// The trace goes to `out`, everything else to `errors`.
+/// Loads what the host kept, registers the host's classes, loads the plug-in, does the `work`, keeps what the
+/// units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment. The trace
+/// goes to `out`, everything else to `errors`.
+ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+                    const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work);
+
+/// The same with a scenario as the work.
 ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& screen, const RunFolders& folders,
                         bool quiet, std::ostream& out, std::ostream& errors);
 

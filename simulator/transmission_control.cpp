@@ -95,6 +95,7 @@ com::Variant TransmissionControl::close_connection() {
     const std::u16string shown = shown_call(Operation::CloseConnection);
     const ScriptedCall scripted = begin(call_of(Operation::CloseConnection), shown);
     host_.trace.line(shown);
+    tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CloseConnection)});
     if (busy_) interrupted_ = true;
     display_.reset();
     for (const ScriptedMessage& message : scripted.messages) say(message);
@@ -105,6 +106,7 @@ com::Variant TransmissionControl::cancel_transmission() {
     const std::u16string shown = shown_call(Operation::CancelTransmission);
     const ScriptedCall scripted = begin(call_of(Operation::CancelTransmission), shown);
     host_.trace.line(shown);
+    tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CancelTransmission)});
     const bool cancels = scripted.fault == FaultKind::none;
     if (busy_ && cancels) interrupted_ = true;
     for (const ScriptedMessage& message : scripted.messages) say(message);
@@ -129,6 +131,7 @@ com::Variant TransmissionControl::get_sign_info() {
     const Call call = call_of(Operation::GetSignInfo);
     const std::u16string shown = shown_call(call.operation);
     const ScriptedCall scripted = begin(call, shown);
+    tell({.kind = LinkEvent::Kind::begins, .call = call});
     // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
     // nobody answers and no slaves are known.
     std::optional<SlaveCounts> slaves;
@@ -191,7 +194,10 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
     const std::int16_t id = sign_id_;
     host_.units.store(display.name, id, {Content::State::incomplete, {}});
     for (int percent = kPercentStep; percent <= 100; percent += kPercentStep) {
-        if (host_.on_transfer) host_.on_transfer(static_cast<std::size_t>(firmware.size) * kPercentStep / 100);
+        tell({.kind = LinkEvent::Kind::transfers,
+              .call = call_of(operation),
+              .percent = percent,
+              .bytes = static_cast<std::size_t>(firmware.size) * kPercentStep / 100});
         say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}});
         if (interrupted_) return refuse(u"Transmission cancelled");
         if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
@@ -219,7 +225,10 @@ com::Variant TransmissionControl::operate(const Call& call, const std::u16string
         refuse(u"A transmission is in progress");
     } else {
         const Busy busy(busy_, interrupted_);
-        done = work(scripted);
+        operation_ = call.operation;
+        tell({.kind = LinkEvent::Kind::begins, .call = call});
+        done = interrupted_ ? refuse(u"Transmission cancelled") : work(scripted);
+        tell({.kind = LinkEvent::Kind::ends, .call = call_of(call.operation), .succeeded = done});
     }
     host_.trace.line(shown + u" -> " + shown_boolean(done));
     return com::Variant::boolean(done);
@@ -237,6 +246,7 @@ com::Variant TransmissionControl::operate_unit(Operation operation, const UnitWo
 }
 
 bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operation) {
+    if (interrupted_) return refuse(u"Transmission cancelled");
     for (const ScriptedMessage& message : scripted.messages) {
         say(message);
         if (interrupted_) return refuse(u"Transmission cancelled");
@@ -259,6 +269,11 @@ void TransmissionControl::say(ScriptedMessage message) {
     VARIANT argument = com::Variant::text_reference(text.put_reference()).detach();
     events().raise_event(kHandledEvent, {&argument, 1});
     host_.messages_shown.pop_back();
+    if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
+}
+
+void TransmissionControl::tell(const LinkEvent& event) {
+    if (host_.on_link) host_.on_link(event);
 }
 
 Call TransmissionControl::call_of(Operation operation) const {

@@ -51,6 +51,7 @@ private:
     /// Says why the operation fails; answers false.
     bool refuse(const std::u16string& text);
     void say(ScriptedMessage message);
+    void tell(const LinkEvent& event);
 
     Call call_of(Operation operation) const;
     std::u16string unit(std::u16string_view text) const;
@@ -63,6 +64,8 @@ private:
     /// The unit that operations address.
     std::int16_t sign_id_ = 0;
     bool busy_ = false;
+    /// What is in progress while busy.
+    Operation operation_ = Operation::OpenConnection;
     /// The operation in progress was cancelled or lost its connection.
     bool interrupted_ = false;
 };

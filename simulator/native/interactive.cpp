@@ -1,13 +1,28 @@
-// What the program does when no scenario is named: it plays the sample scenario.
+// What the program does when no scenario is named.
 #include "simulator/native/interactive.h"
 
 #include <iostream>
 
-namespace vex::sim {
+#include "platform/native/terminal/terminal_description.h"
+#include "simulator/native/trial.h"
 
-ExitStatus play_without_scenario(const CommandLine& options) {
-    const std::filesystem::path sample = NativeSession::program_folder() / "samples" / "demo.scn";
-    return NativeSession(options).play(sample.string(), std::cout, std::cerr);
+namespace vex::sim {
+namespace {
+
+constexpr char kSampleScenario[] = "demo.scn";
+
+}  // namespace
+
+int play_without_scenario(const CommandLine& options) {
+    if (platform::native::terminal::terminal_is_usable()) {
+        NativeSession session(options);
+        return run_trial(session, options);
+    }
+    CommandLine pictured = options;
+    pictured.pictures = true;
+    pictured.quiet = true;
+    const std::filesystem::path sample = NativeSession::samples_folder() / kSampleScenario;
+    return NativeSession(pictured).play(sample.string(), std::cout, std::cerr);
 }
 
 }  // namespace vex::sim

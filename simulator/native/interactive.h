@@ -5,7 +5,8 @@
 
 namespace vex::sim {
 
-/// Lets somebody try the plug-in on the sample displays. Raises `std::exception`.
-ExitStatus play_without_scenario(const CommandLine& options);
+/// Lets somebody try the plug-in on the terminal; where there is none, plays the sample scenario and draws its
+/// screens. Answers the program's exit status. Raises `std::exception`.
+int play_without_scenario(const CommandLine& options);
 
 }  // namespace vex::sim

@@ -12,6 +12,8 @@ public:
 
     /// What the plug-in's dialogs are shown on.
     forms::Toolkit& toolkit() noexcept { return toolkit_; }
+    /// The topmost dialog, or null.
+    forms::Form* top() const noexcept { return toolkit_.top(); }
 
     void set_user(ScreenUser* user) noexcept override { user_ = user; }
     bool any_dialog() const noexcept override { return toolkit_.top() != nullptr; }

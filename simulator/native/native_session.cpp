@@ -6,6 +6,7 @@
 
 #include "com/com.h"
 #include "platform/native/machine.h"
+#include "simulator/native/pictured_screen.h"
 #include "simulator/words.h"
 
 namespace vex::sim {
@@ -13,6 +14,11 @@ namespace {
 
 constexpr char kPluginFile[] = "libvexFirmwarePlugin.so";
 constexpr char kStandardInput[] = "-";
+
+Scenario parse(const std::string& name, const std::string& text, const std::filesystem::path& folder) {
+    return parse_scenario(
+        name, text, [&folder](const std::u16string& included) { return read_file(folder / std::filesystem::path(included)); });
+}
 
 }  // namespace
 
@@ -38,14 +44,22 @@ ExitStatus NativeSession::play(const std::string& file, std::ostream& out, std::
 
 ExitStatus NativeSession::play_text(const std::string& name, const std::string& text,
                                     const std::filesystem::path& folder, std::ostream& out, std::ostream& errors) {
-    const Scenario scenario = parse_scenario(
-        name, text, [&folder](const std::u16string& included) { return read_file(folder / std::filesystem::path(included)); });
-    const RunFolders folders{
+    const Scenario scenario = parse(name, text, folder);
+    PicturedScreen pictured(screen_, out);
+    Screen& screen = options_.pictures ? static_cast<Screen&>(pictured) : screen_;
+    return run_scenario(scenario, computer_, screen, folders(folder), options_.quiet, out, errors);
+}
+
+RunFolders NativeSession::folders(const std::filesystem::path& scenario) const {
+    return {
         .data = data_,
         .plugin_library = options_.plugin.value_or(program_folder() / kPluginFile),
-        .scenario = folder,
+        .scenario = scenario,
     };
-    return run_scenario(scenario, computer_, screen_, folders, options_.quiet, out, errors);
+}
+
+Scenario NativeSession::read_scenario(const std::filesystem::path& file) {
+    return parse(file.string(), read_file(file), file.parent_path());
 }
 
 std::filesystem::path NativeSession::program_folder() {

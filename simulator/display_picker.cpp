@@ -1,0 +1,118 @@
+// The host's selection dialog.
+#include "simulator/display_picker.h"
+
+#include <algorithm>
+
+#include "core/unicode.h"
+#include "support/text.h"
+
+namespace vex::sim {
+namespace {
+
+constexpr char16_t kChecked[] = u"checked";
+constexpr char16_t kUnchecked[] = u"unchecked";
+
+/// Where a display is reached, besides its port.
+const std::u16string& address_of(const Display& display) {
+    return display.connection == kModem ? display.phone : display.address;
+}
+
+bool matches(const Display& display, const std::u16string& wanted) {
+    const std::u16string* const texts[] = {&display.name, &display.type, &display.port, &address_of(display)};
+    return std::any_of(std::begin(texts), std::end(texts), [&wanted](const std::u16string* text) {
+        return to_upper(*text).find(wanted) != std::u16string::npos;
+    });
+}
+
+}  // namespace
+
+DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
+    : Form(shown_on, {.name = "DisplayPicker", .caption = u"Brivola - Choose Displays", .width = 7200, .height = 3705}),
+      displays_(displays),
+      images_{{kChecked, "CHECKED"}, {kUnchecked, "UNCHECKED"}} {
+    list_.columns = {{u"Display", 2500}, {u"Type", 1900}, {u"Port", 800}, {u"Address", 1400}};
+    list_.small_icons = &images_;
+    lay_out({
+        {.control = search_label_, .name = "search_label", .at = {200, 195, 800, 195}, .text = u"Search:"},
+        {.control = search_box_, .name = "search_box", .at = {1100, 195, 3000, 195}, .tab_index = 0,
+         .accessible_name = u"Search"},
+        {.control = list_, .name = "list", .at = {200, 585, 6800, 2340}, .tab_index = 1,
+         .accessible_name = u"Displays"},
+        {.control = count_label_, .name = "count_label", .at = {200, 3120, 2600, 195}},
+        {.control = all_button_, .name = "all_button", .at = {3000, 3120, 1300, 195}, .text = u"Check &All", .tab_index = 2},
+        {.control = ok_button_, .name = "ok_button", .at = {4700, 3120, 1000, 195}, .text = u"OK", .tab_index = 3},
+        {.control = cancel_button_, .name = "cancel_button", .at = {6000, 3120, 1000, 195}, .text = u"Cancel",
+         .tab_index = 4},
+    });
+    ok_button_.is_default = true;
+    cancel_button_.is_cancel = true;
+    search_box_.on_change = [this] { show_matches(); };
+    list_.on_click = [this] {
+        if (list_.selected()) toggle(*list_.selected());
+    };
+    all_button_.on_click = [this] { check_all(); };
+    ok_button_.on_click = [this] {
+        accepted_ = true;
+        hide();
+    };
+    cancel_button_.on_click = [this] { hide(); };
+}
+
+std::u16string DisplayPicker::answer() const {
+    std::u16string names;
+    if (!accepted_) return names;
+    for (const std::size_t display : checked_) {
+        if (!names.empty()) names += u',';
+        names += displays_.at(display).name;
+    }
+    return names;
+}
+
+void DisplayPicker::Form_Load() { show_matches(); }
+
+void DisplayPicker::show_matches() {
+    const std::u16string wanted = to_upper(search_box_.text());
+    rows_.clear();
+    list_.clear();
+    for (std::size_t i = 0; i < displays_.size(); ++i) {
+        const Display& display = displays_.at(i);
+        if (!matches(display, wanted)) continue;
+        rows_.push_back(i);
+        const std::size_t row = list_.add_row({}, display.name, checked_.contains(i) ? kChecked : kUnchecked);
+        list_.set_sub_item(row, 0, display.type);
+        list_.set_sub_item(row, 1, display.port);
+        list_.set_sub_item(row, 2, address_of(display));
+    }
+    if (!rows_.empty()) list_.select(0);
+    show_count();
+}
+
+void DisplayPicker::show_check(std::size_t row) {
+    list_.set_icon(row, checked_.contains(rows_.at(row)) ? kChecked : kUnchecked);
+}
+
+void DisplayPicker::show_count() {
+    count_label_.set_caption(decimal_text(static_cast<std::int32_t>(checked_.size())) + u" of " +
+                             decimal_text(static_cast<std::int32_t>(displays_.size())) + u" checked");
+}
+
+void DisplayPicker::toggle(std::size_t row) {
+    if (!checked_.insert(rows_.at(row)).second) checked_.erase(rows_.at(row));
+    show_check(row);
+    show_count();
+}
+
+void DisplayPicker::check_all() {
+    const bool all = std::all_of(rows_.begin(), rows_.end(), [this](std::size_t display) { return checked_.contains(display); });
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        if (all) {
+            checked_.erase(rows_[row]);
+        } else {
+            checked_.insert(rows_[row]);
+        }
+        show_check(row);
+    }
+    show_count();
+}
+
+}  // namespace vex::sim

@@ -1,0 +1,31 @@
+// The time that simulated links take, so that a person can watch.
+#pragma once
+
+#include <chrono>
+
+#include "platform/native/terminal/terminal_toolkit.h"
+#include "simulator/link_script.h"
+
+namespace vex::sim {
+
+/// Waits where a real link would, and serves the user meanwhile. `toolkit` must outlive it.
+class Pace {
+public:
+    /// `speed`: how many times as fast as usual.
+    Pace(platform::native::terminal::TerminalToolkit& toolkit, double speed) noexcept : toolkit_(toolkit), speed_(speed) {}
+
+    void follow(const LinkEvent& event);
+
+private:
+    void wait(std::chrono::duration<double> usual);
+
+    platform::native::terminal::TerminalToolkit& toolkit_;
+    double speed_;
+    /// Who cancels waits for nothing more.
+    bool cancelled_ = false;
+    bool waiting_ = false;
+    /// What the control says of a transfer is read while the next part is on its way.
+    bool transferring_ = false;
+};
+
+}  // namespace vex::sim

@@ -1,0 +1,136 @@
+// A trial of the plug-in on the terminal.
+#include "simulator/native/trial.h"
+
+#include <iostream>
+#include <sstream>
+
+#include "core/unicode.h"
+#include "platform/native/machine.h"
+#include "platform/native/terminal/machine_drives.h"
+#include "platform/native/terminal/ncurses_screen.h"
+#include "platform/native/terminal/terminal_toolkit.h"
+#include "simulator/display_picker.h"
+#include "simulator/native/host_line.h"
+#include "simulator/native/icon_characters.h"
+#include "simulator/native/pace.h"
+#include "simulator/run_progress.h"
+#include "simulator/unit_table.h"
+#include "support/text.h"
+
+namespace vex::sim {
+namespace {
+
+namespace terminal = platform::native::terminal;
+
+constexpr char kSampleScenario[] = "trial.scn";
+constexpr int kEndedBySignal = 128;
+
+/// What somebody sees who has never seen this: three lines.
+std::u16string first_run_text(std::size_t displays) {
+    return u"A simulated host with " + decimal_text(static_cast<std::int32_t>(displays)) +
+           u" sample displays: nothing real is touched.\n"
+           u"Its firmware plug-in opens now: options, displays, file, Finish.\n"
+           u"Use the mouse, or Tab, Enter, Space and arrows; Ctrl+C leaves.";
+}
+
+/// A windowing system for this thread, then the one before again.
+class DesktopScope {
+public:
+    DesktopScope(forms::Toolkit& now, forms::Toolkit& before) noexcept : before_(before) {
+        platform::native::set_desktop(&now);
+    }
+    DesktopScope(const DesktopScope&) = delete;
+    DesktopScope& operator=(const DesktopScope&) = delete;
+    ~DesktopScope() { platform::native::set_desktop(&before_); }
+
+private:
+    forms::Toolkit& before_;
+};
+
+/// The host in front of its user.
+class Trial {
+public:
+    Trial(Host& host, double speed)
+        : host_(host),
+          progress_(host),
+          toolkit_(screen_, drives_, icon_characters(),
+                   {.behind = {},
+                    .host_line = [this](terminal::Canvas& canvas, const terminal::Area& line) {
+                        draw_host_line(canvas, line, progress_);
+                    }}),
+          pace_(toolkit_, speed) {
+        host_.choose_displays = [this] { return choose_displays(); };
+        host_.on_link = [this](const LinkEvent& event) {
+            progress_.follow(event);
+            toolkit_.invalidate();
+            pace_.follow(event);
+        };
+    }
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+    ~Trial() {
+        host_.on_link = nullptr;
+        host_.choose_displays = nullptr;
+    }
+
+    void play(PluginHost& plugin, forms::Toolkit& scripted, bool first_run) {
+        const DesktopScope desktop(toolkit_, scripted);
+        if (first_run) toolkit_.message_box({u"Brivola (simulated)", first_run_text(host_.displays.size())});
+        if (!toolkit_.ended()) plugin.start(StartMember::StartPlugin, nullptr);
+    }
+
+    /// The signal that ended it, if any.
+    std::optional<int> ended_by() const {
+        if (!toolkit_.ended()) return std::nullopt;
+        return toolkit_.ended()->signal;
+    }
+
+private:
+    std::u16string choose_displays() {
+        DisplayPicker picker(toolkit_, host_.displays);
+        picker.show_modal();
+        const std::u16string answer = picker.answer();
+        if (!answer.empty()) progress_.begin_run(split(answer, u','));
+        return answer;
+    }
+
+    Host& host_;
+    RunProgress progress_;
+    terminal::MachineDrives drives_;
+    terminal::NcursesScreen screen_;
+    terminal::TerminalToolkit toolkit_;
+    Pace pace_;
+};
+
+}  // namespace
+
+int run_trial(NativeSession& session, const CommandLine& options) {
+    const std::filesystem::path samples = NativeSession::samples_folder();
+    std::ostream no_trace(nullptr);
+    // The screen is in use until the end.
+    std::ostringstream errors;
+    std::ostringstream summary;
+    std::optional<int> signal;
+    const ExitStatus status = run_host(
+        session.computer(), session.folders(samples), true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
+            const bool first_run = host.displays.size() == 0;
+            if (first_run) {
+                const Scenario sample = session.read_scenario(samples / kSampleScenario);
+                ScenarioPlayer player(sample, host, session.screen(), plugin, errors, samples);
+                if (const ExitStatus installed = player.play(); installed != kPassed) return installed;
+            }
+            {
+                Trial trial(host, options.speed);
+                trial.play(plugin, session.screen().toolkit(), first_run);
+                signal = trial.ended_by();
+            }
+            print_units(host, summary);
+            return kPassed;
+        });
+    std::cout << summary.str() << std::flush;
+    std::cerr << errors.str();
+    if (signal && status == kPassed) return kEndedBySignal + *signal;
+    return status;
+}
+
+}  // namespace vex::sim
