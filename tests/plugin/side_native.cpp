@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 
 #include "platform/native/machine.h"
@@ -13,7 +14,8 @@ namespace vex::plugin_test {
 void* plugin_export(const char* name) {
     static void* const library = [] {
         const char* path = std::getenv("VEX_PLUGIN");
-        void* loaded = dlopen(path != nullptr ? path : "libvexFirmwarePlugin.so", RTLD_NOW | RTLD_LOCAL);
+        const auto beside = std::filesystem::read_symlink("/proc/self/exe").replace_filename("libvexFirmwarePlugin.so");
+        void* loaded = dlopen(path != nullptr ? path : beside.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (loaded == nullptr) throw std::runtime_error(dlerror());
         return loaded;
     }();
