@@ -79,7 +79,8 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
-                                     VARIANT* result, EXCEPINFO* exception, UINT* /*argument_error*/) noexcept override {
+                                     VARIANT* result, EXCEPINFO* exception,
+                                     UINT* /*argument_error*/) noexcept override {
         if (result != nullptr) VariantInit(result);
         if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (parameters == nullptr) return E_INVALIDARG;

@@ -24,7 +24,9 @@ std::u16string shown_number(double number) {
 
 std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
     static constexpr Member<BoxFinder> kMembers[] = {
-        {u"SearchTimeout", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT,
+        {u"SearchTimeout",
+         dispatch_id(0x68030001),
+         DISPATCH_PROPERTYPUT,
          [](BoxFinder& finder, const Arguments& arguments) {
              // A simulated search takes no time.
              finder.host_.trace.line(std::u16string(u"put ").append(kName) + u".SearchTimeout = " +
@@ -32,7 +34,9 @@ std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
              return com::Variant();
          },
          {VT_I2}},
-        {u"FindBoxes", dispatch_id(0x6003000A), DISPATCH_METHOD,
+        {u"FindBoxes",
+         dispatch_id(0x6003000A),
+         DISPATCH_METHOD,
          [](BoxFinder& finder, const Arguments& arguments) {
              finder.find_boxes(arguments.text(0), arguments.real(1), arguments.real(2));
              return com::Variant();

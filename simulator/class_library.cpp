@@ -35,19 +35,25 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
         {u"PhoneNumber", 6, kGet, &get<&Display::phone>},
         {u"SignIDs", 7, kGet, &get<&Display::ids>},
         {u"DisplayName", 8, kGet, &get<&Display::name>},
-        {u"SelectDisplay", 9, DISPATCH_METHOD,
+        {u"SelectDisplay",
+         9,
+         DISPATCH_METHOD,
          [](List& list, const Arguments& arguments) {
              list.select(arguments.int32(0));
              return nothing();
          },
          {VT_I4}},
-        {u"OpenDisplayFile", 10, DISPATCH_METHOD,
+        {u"OpenDisplayFile",
+         10,
+         DISPATCH_METHOD,
          [](List& list, const Arguments& arguments) {
              list.open(arguments.text(0));
              return nothing();
          },
          {VT_BSTR}},
-        {u"FindDisplay", 11, DISPATCH_METHOD,
+        {u"FindDisplay",
+         11,
+         DISPATCH_METHOD,
          [](List& list, const Arguments& arguments) { return com::Variant::int32(list.find(arguments.text(0))); },
          {VT_BSTR}},
         {u"DisplayTypeName", 12, kGet, &get<&Display::type>},
@@ -75,12 +81,13 @@ std::int32_t HostDisplayList::find(const std::u16string& name) const {
 }
 
 void HostDisplayList::select(std::int32_t handle) {
-    if (handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size()) current_ = static_cast<std::size_t>(handle) - 1;
+    if (handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size())
+        current_ = static_cast<std::size_t>(handle) - 1;
 }
 
 const Display& HostDisplayList::current() const {
-    static const Display kNone{.name{}, .type{}, .code{}, .port{}, .baud{}, .phone{}, .connection = 0, .address{}, .ids{},
-                               .version{}};
+    static const Display kNone{
+        .name{}, .type{}, .code{}, .port{}, .baud{}, .phone{}, .connection = 0, .address{}, .ids{}, .version{}};
     if (current_ >= displays_.size()) return kNone;
     const Display& display = displays_.at(current_);
     host_.display_asked_about = display.name;
@@ -92,7 +99,9 @@ const Display& HostDisplayList::current() const {
 std::span<const Member<HostDisplayPicker>> HostDisplayPicker::members() noexcept {
     static constexpr Member<HostDisplayPicker> kMembers[] = {
         {u"ShowDisplayPicker", 1, DISPATCH_METHOD,
-         [](HostDisplayPicker& picker, const Arguments&) { return com::Variant::text(picker.host_.choose_displays()); }},
+         [](HostDisplayPicker& picker, const Arguments&) {
+             return com::Variant::text(picker.host_.choose_displays());
+         }},
     };
     return kMembers;
 }
@@ -149,8 +158,8 @@ std::span<const Member<HostSignInfo>> HostSignInfo::members() noexcept {
 
 std::u16string HostSignInfo::describe() const {
     const SlaveCounts counts = slaves_.value_or(SlaveCounts());
-    return u"HasSlaves=" + shown_boolean(slaves_.has_value()) + u" SlaveCountY=" + decimal(counts.y) + u" SlaveCountX=" +
-           decimal(counts.x);
+    return u"HasSlaves=" + shown_boolean(slaves_.has_value()) + u" SlaveCountY=" + decimal(counts.y) +
+           u" SlaveCountX=" + decimal(counts.x);
 }
 
 }  // namespace vex::sim

@@ -21,9 +21,9 @@ struct TextField {
 };
 
 constexpr TextField kTextFields[] = {
-    {u"type", &Display::type},       {u"code", &Display::code},       {u"port", &Display::port},
-    {u"baud", &Display::baud},       {u"phone", &Display::phone},     {u"address", &Display::address},
-    {u"ids", &Display::ids},         {u"version", &Display::version},
+    {u"type", &Display::type}, {u"code", &Display::code},       {u"port", &Display::port},
+    {u"baud", &Display::baud}, {u"phone", &Display::phone},     {u"address", &Display::address},
+    {u"ids", &Display::ids},   {u"version", &Display::version},
 };
 
 std::string key_names() {
@@ -79,8 +79,8 @@ void read_display_field(std::u16string_view word, Display& display) {
     const std::u16string_view key = word.substr(0, equals);
     const std::u16string_view value = equals == word.npos ? std::u16string_view() : word.substr(equals + 1);
     if (equals != word.npos && key == kConnectionKey) {
-        const auto number = parse_number(value, std::numeric_limits<std::int16_t>::min(),
-                                         std::numeric_limits<std::int16_t>::max());
+        const auto number =
+            parse_number(value, std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max());
         if (!number) throw std::invalid_argument(to_utf8(word) + " needs a number of 16 bits");
         display.connection = static_cast<std::int16_t>(*number);
         return;

@@ -40,8 +40,7 @@ private:
 
 /// Base of a control with one source interface, `Derived::kSourceInterface`.
 template <class Derived>
-class EventfulControl
-    : public AutomationObject<Derived, IDispatch, IConnectionPointContainer, IProvideClassInfo2> {
+class EventfulControl : public AutomationObject<Derived, IDispatch, IConnectionPointContainer, IProvideClassInfo2> {
 public:
     HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override {
         if (points != nullptr) *points = nullptr;

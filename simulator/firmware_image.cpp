@@ -27,8 +27,8 @@ struct RecordType {
 using Use = RecordType::Use;
 
 constexpr RecordType kRecordTypes[] = {
-    {'0', 2, Use::header}, {'1', 2, Use::data},       {'2', 3, Use::data},
-    {'3', 4, Use::data},   {'5', 2, Use::count},      {'6', 3, Use::count},
+    {'0', 2, Use::header},     {'1', 2, Use::data},       {'2', 3, Use::data},
+    {'3', 4, Use::data},       {'5', 2, Use::count},      {'6', 3, Use::count},
     {'7', 4, Use::terminator}, {'8', 3, Use::terminator}, {'9', 2, Use::terminator},
 };
 

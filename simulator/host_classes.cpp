@@ -82,7 +82,8 @@ HostClasses::HostClasses(Host& host) {
         DWORD cookie = 0;
         const HRESULT result =
             CoRegisterClassObject(entry.clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
-        if (FAILED(result)) throw RuntimeError(result, u"the class " + std::u16string(entry.programmatic_id) + u" is refused");
+        if (FAILED(result))
+            throw RuntimeError(result, u"the class " + std::u16string(entry.programmatic_id) + u" is refused");
         cookies_.push_back(cookie);
     }
 }

@@ -14,7 +14,8 @@ constexpr std::uint32_t kNumberFacility = 0x800AU;
 
 std::int32_t number_of(HRESULT result) noexcept {
     const auto code = static_cast<std::uint32_t>(result);
-    return code >> 16U == kNumberFacility ? static_cast<std::int32_t>(code & 0xFFFFU) : static_cast<std::int32_t>(result);
+    return code >> 16U == kNumberFacility ? static_cast<std::int32_t>(code & 0xFFFFU)
+                                          : static_cast<std::int32_t>(result);
 }
 
 /// The exception that an object filled in; its strings are ours.
@@ -33,7 +34,8 @@ com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {
     CLSID clsid = GUID_NULL;
     HRESULT result = CLSIDFromProgID(com::ole_text(programmatic_id), &clsid);
     com::ComPtr<IDispatch> object;
-    if (SUCCEEDED(result)) result = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
+    if (SUCCEEDED(result))
+        result = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
     if (FAILED(result)) throw RuntimeError(kCannotCreateObject, programmatic_id + u" cannot be created");
     return object;
 }

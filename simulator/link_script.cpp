@@ -11,9 +11,15 @@ namespace vex::sim {
 namespace {
 
 constexpr std::array<std::u16string_view, 9> kOperations = {
-    u"OpenConnection",     u"SignID",          u"GetSignInfo",
-    u"ResetAndClear",      u"DownloadFirmware", u"PrepareForFirmware",
-    u"DownloadFirmwareWithLoader", u"CloseConnection", u"CancelTransmission",
+    u"OpenConnection",
+    u"SignID",
+    u"GetSignInfo",
+    u"ResetAndClear",
+    u"DownloadFirmware",
+    u"PrepareForFirmware",
+    u"DownloadFirmwareWithLoader",
+    u"CloseConnection",
+    u"CancelTransmission",
 };
 
 }  // namespace

@@ -19,7 +19,9 @@ const VARIANT& expect_type(const com::Variant& value) {
     return value.get();
 }
 
-std::u16string text_of(const com::Variant& value) { return std::u16string(com::view(expect_type<VT_BSTR>(value).bstrVal)); }
+std::u16string text_of(const com::Variant& value) {
+    return std::u16string(com::view(expect_type<VT_BSTR>(value).bstrVal));
+}
 
 }  // namespace
 

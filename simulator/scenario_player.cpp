@@ -60,7 +60,8 @@ ScenarioPlayer::ScenarioPlayer(const Scenario& scenario, Host& host, Screen& scr
       folder_(std::move(folder)),
       registry_(host.computer.registry(), host.computer.code_page()) {
     host_.choose_displays = [this] { return take(picker_).value_or(u""); };
-    host_.computer.on_program_started([this](const std::u16string& path) { trace().line(u"program " + in_quotes(path)); });
+    host_.computer.on_program_started(
+        [this](const std::u16string& path) { trace().line(u"program " + in_quotes(path)); });
     screen_.set_user(this);
 }
 

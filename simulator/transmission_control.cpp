@@ -41,12 +41,16 @@ private:
 std::span<const Member<TransmissionControl>> TransmissionControl::members() noexcept {
     using Control = TransmissionControl;
     static constexpr Member<Control> kMembers[] = {
-        {u"OpenConnection", dispatch_id(0x60030065), DISPATCH_METHOD,
+        {u"OpenConnection",
+         dispatch_id(0x60030065),
+         DISPATCH_METHOD,
          [](Control& control, const Arguments& arguments) { return control.open_connection(arguments); },
          {VT_DISPATCH}},
         {u"CloseConnection", dispatch_id(0x60030066), DISPATCH_METHOD,
          [](Control& control, const Arguments&) { return control.close_connection(); }},
-        {u"DownloadFirmware", dispatch_id(0x60030067), DISPATCH_METHOD,
+        {u"DownloadFirmware",
+         dispatch_id(0x60030067),
+         DISPATCH_METHOD,
          [](Control& control, const Arguments& arguments) { return control.download_firmware(arguments.text(0)); },
          {VT_BSTR}},
         {u"ResetAndClear", dispatch_id(0x60030068), DISPATCH_METHOD,
@@ -57,12 +61,16 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
          [](Control& control, const Arguments&) { return control.prepare_for_firmware(); }},
         {u"GetSignInfo", dispatch_id(0x60030053), DISPATCH_METHOD,
          [](Control& control, const Arguments&) { return control.get_sign_info(); }},
-        {u"DownloadFirmwareWithLoader", dispatch_id(0x600300B2), DISPATCH_METHOD,
+        {u"DownloadFirmwareWithLoader",
+         dispatch_id(0x600300B2),
+         DISPATCH_METHOD,
          [](Control& control, const Arguments& arguments) {
              return control.download_firmware_with_loader(arguments.text(0), arguments.text(1));
          },
          {VT_BSTR, VT_BSTR}},
-        {u"SignID", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT,
+        {u"SignID",
+         dispatch_id(0x68030001),
+         DISPATCH_PROPERTYPUT,
          [](Control& control, const Arguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
          {VT_I2}},
     };
@@ -135,7 +143,8 @@ com::Variant TransmissionControl::get_sign_info() {
     // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
     // nobody answers and no slaves are known.
     std::optional<SlaveCounts> slaves;
-    if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_)) slaves = host_.units.slaves(call.display, sign_id_);
+    if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_))
+        slaves = host_.units.slaves(call.display, sign_id_);
     for (const ScriptedMessage& message : scripted.messages) say(message);
     if (scripted.fault == FaultKind::fail) {
         host_.trace.line(shown + u" -> " + shown_boolean(false));
@@ -173,7 +182,8 @@ com::Variant TransmissionControl::download_firmware(const std::u16string& file) 
     });
 }
 
-com::Variant TransmissionControl::download_firmware_with_loader(const std::u16string& file, const std::u16string& loader) {
+com::Variant TransmissionControl::download_firmware_with_loader(const std::u16string& file,
+                                                                const std::u16string& loader) {
     constexpr Operation kOperation = Operation::DownloadFirmwareWithLoader;
     return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
         try {
@@ -240,7 +250,8 @@ com::Variant TransmissionControl::operate_unit(Operation operation, const UnitWo
         if (!display_) return goes_on(scripted, operation) && refuse(u"No connection is open");
         // By value: what a user does meanwhile may change the host's displays.
         const Display display = host_.displays.at(*display_);
-        if (!host_.units.answers(display, sign_id_)) return goes_on(scripted, operation) && refuse(unit(u" does not answer"));
+        if (!host_.units.answers(display, sign_id_))
+            return goes_on(scripted, operation) && refuse(unit(u" does not answer"));
         return work(display, scripted);
     });
 }
@@ -253,8 +264,9 @@ bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operat
     }
     if (scripted.fault == FaultKind::none) return true;
     // A message of the script's own explains the failure where it has one.
-    return scripted.messages.empty() ? refuse(unit(u": the line is disturbed, ").append(name_of(operation)) + u" failed")
-                                     : false;
+    return scripted.messages.empty()
+               ? refuse(unit(u": the line is disturbed, ").append(name_of(operation)) + u" failed")
+               : false;
 }
 
 bool TransmissionControl::refuse(const std::u16string& text) {
@@ -276,9 +288,7 @@ void TransmissionControl::tell(const LinkEvent& event) {
     if (host_.on_link) host_.on_link(event);
 }
 
-Call TransmissionControl::call_of(Operation operation) const {
-    return {called_display_, sign_id_, operation};
-}
+Call TransmissionControl::call_of(Operation operation) const { return {called_display_, sign_id_, operation}; }
 
 std::u16string TransmissionControl::unit(std::u16string_view text) const {
     return (u"Unit " + decimal_text(sign_id_)).append(text);

@@ -215,7 +215,8 @@ void Units::save(const std::filesystem::path& path) const {
         for (const auto& [id, unit] : site.units) {
             const std::u16string number = u" " + to_decimal(id);
             if (unit.slaves) {
-                line(u"slaves", display) += number + u" " + to_decimal(unit.slaves->y) + u"x" + to_decimal(unit.slaves->x) + u"\n";
+                line(u"slaves", display) +=
+                    number + u" " + to_decimal(unit.slaves->y) + u"x" + to_decimal(unit.slaves->x) + u"\n";
             }
             if (unit.absent) line(u"absent", display) += number + u"\n";
             if (unit.content.state == Content::State::firmware) {

@@ -68,9 +68,8 @@ std::u16string in_quotes(std::u16string_view text) {
 }
 
 std::u16string as_word(std::u16string_view text) {
-    const bool plain = !text.empty() && text.front() != u'#' && std::none_of(text.begin(), text.end(), [](char16_t c) {
-        return c <= u' ' || c == u'"';
-    });
+    const bool plain = !text.empty() && text.front() != u'#' &&
+                       std::none_of(text.begin(), text.end(), [](char16_t c) { return c <= u' ' || c == u'"'; });
     return plain ? std::u16string(text) : in_quotes(text);
 }
 

@@ -18,7 +18,9 @@ platform::Registry& NativeComputer::registry() { return platform::native::regist
 
 const platform::CodePage& NativeComputer::code_page() { return platform::native::code_page(); }
 
-std::filesystem::path NativeComputer::real_path(const std::u16string& path) { return platform::native::real_path(path); }
+std::filesystem::path NativeComputer::real_path(const std::u16string& path) {
+    return platform::native::real_path(path);
+}
 
 std::filesystem::path NativeComputer::writable_path(const std::u16string& path) {
     const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());

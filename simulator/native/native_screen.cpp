@@ -51,13 +51,15 @@ std::optional<std::u16string> own_property(const forms::Control& control, std::u
             if (property == u"Value") return shown_boolean(static_cast<const forms::OptionButton&>(control).value());
             return std::nullopt;
         case ControlKind::check_box:
-            if (property == u"Value") return from_utf8(std::to_string(static_cast<const forms::CheckBox&>(control).value()));
+            if (property == u"Value")
+                return from_utf8(std::to_string(static_cast<const forms::CheckBox&>(control).value()));
             return std::nullopt;
         case ControlKind::shape:
             if (property == u"FillColor") return shown_color(static_cast<const forms::Shape&>(control).fill_color());
             return std::nullopt;
         case ControlKind::tab_pages:
-            if (property == u"Tab") return from_utf8(std::to_string(static_cast<const forms::TabPages&>(control).tab()));
+            if (property == u"Tab")
+                return from_utf8(std::to_string(static_cast<const forms::TabPages&>(control).tab()));
             return std::nullopt;
         case ControlKind::list_view:
             return list_property(static_cast<const forms::ListView&>(control), property);

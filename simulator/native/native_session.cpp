@@ -16,8 +16,9 @@ constexpr char kPluginFile[] = "libvexFirmwarePlugin.so";
 constexpr char kStandardInput[] = "-";
 
 Scenario parse(const std::string& name, const std::string& text, const std::filesystem::path& folder) {
-    return parse_scenario(
-        name, text, [&folder](const std::u16string& included) { return read_file(folder / std::filesystem::path(included)); });
+    return parse_scenario(name, text, [&folder](const std::u16string& included) {
+        return read_file(folder / std::filesystem::path(included));
+    });
 }
 
 }  // namespace

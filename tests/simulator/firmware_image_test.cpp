@@ -60,7 +60,8 @@ TEST(MotorolaImage, NamesLineAndFault) {
 }
 
 TEST(MotorolaImage, OfAnySizeCanBeMade) {
-    for (const std::size_t size : {1U, 31U, 32U, 33U, 255U, 70'000U}) EXPECT_EQ(fault_of(make_motorola_image(size)), "") << size;
+    for (const std::size_t size : {1U, 31U, 32U, 33U, 255U, 70'000U})
+        EXPECT_EQ(fault_of(make_motorola_image(size)), "") << size;
     EXPECT_NE(crc32(make_motorola_image(64)), crc32(make_motorola_image(65)));
 }
 

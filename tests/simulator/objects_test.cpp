@@ -21,11 +21,15 @@ protected:
         return 0;
     }
 
-    static com::Variant open(IDispatch& list) { return call_late(list, u"OpenDisplayFile", {com::Variant::text(u"Displays.dat")}); }
+    static com::Variant open(IDispatch& list) {
+        return call_late(list, u"OpenDisplayFile", {com::Variant::text(u"Displays.dat")});
+    }
     static std::int32_t find(IDispatch& list, std::u16string_view name) {
         return call_late(list, u"FindDisplay", {com::Variant::text(name)}).get().lVal;
     }
-    static void select(IDispatch& list, std::int32_t handle) { call_late(list, u"SelectDisplay", {com::Variant::int32(handle)}); }
+    static void select(IDispatch& list, std::int32_t handle) {
+        call_late(list, u"SelectDisplay", {com::Variant::int32(handle)});
+    }
     static std::u16string name(IDispatch& list) { return text_of(call_late(list, u"displayname")); }
 };
 
@@ -59,12 +63,17 @@ TEST_F(ObjectsTest, DisplayListMakesOneDisplayCurrent) {
 
 TEST_F(ObjectsTest, DisplayListIsFoundByItsIdentities) {
     com::ComPtr<IUnknown> object;
-    ASSERT_EQ(CoCreateInstance(kHostDisplayListClass, nullptr, CLSCTX_INPROC_SERVER, kHostDisplayListInterface, object.put_void()), S_OK);
+    ASSERT_EQ(CoCreateInstance(kHostDisplayListClass, nullptr, CLSCTX_INPROC_SERVER, kHostDisplayListInterface,
+                               object.put_void()),
+              S_OK);
     EXPECT_TRUE(object.query<IDispatch>());
-    ASSERT_EQ(CoCreateInstance(kHostDisplayPickerClass, nullptr, CLSCTX_INPROC_SERVER, kHostDisplayPickerInterface, object.put_void()), S_OK);
+    ASSERT_EQ(CoCreateInstance(kHostDisplayPickerClass, nullptr, CLSCTX_INPROC_SERVER, kHostDisplayPickerInterface,
+                               object.put_void()),
+              S_OK);
     com::ComPtr<IUnknown> inner;
-    EXPECT_EQ(CoCreateInstance(kHostDisplayPickerClass, object.get(), CLSCTX_INPROC_SERVER, IID_IUnknown, inner.put_void()),
-              CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(
+        CoCreateInstance(kHostDisplayPickerClass, object.get(), CLSCTX_INPROC_SERVER, IID_IUnknown, inner.put_void()),
+        CLASS_E_NOAGGREGATION);
 }
 
 TEST_F(ObjectsTest, DisplayFileThatIsMissingOrDamagedIsAnError) {

@@ -36,9 +36,9 @@ CommandLine with_data(const ScratchFolder& folder) {
 }
 
 TEST(Run, ChecksAllExpectationsAndPrintsEach) {
-    const Outcome outcome = run(
-        "display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled false\nexpect SSTab1.Tab 3\n"
-        "expect HKLM\\Software\\x y z\nclick cmdCancel");
+    const Outcome outcome =
+        run("display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled false\nexpect SSTab1.Tab 3\n"
+            "expect HKLM\\Software\\x y z\nclick cmdCancel");
     EXPECT_EQ(outcome.status, kFailed);
     EXPECT_EQ(outcome.errors,
               "a.scn:3: expected cmdNext.Enabled = False, found True\n"
@@ -74,21 +74,23 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
         const Outcome outcome = run(std::string("display A\nstart\n") + bad.statement + "\nshow SSTab1.Tab\n");
         EXPECT_EQ(outcome.status, kBadUsage) << bad.statement;
         EXPECT_EQ(outcome.errors, bad.message);
-        EXPECT_EQ(outcome.out, "open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n") << bad.statement;
+        EXPECT_EQ(outcome.out, "open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n")
+            << bad.statement;
     }
     EXPECT_EQ(run("click cmdNext").errors, "a.scn:1: no dialog is open\n");
 }
 
 TEST(Run, TakesNoMessageAnswerThatTheBoxDoesNotOffer) {
-    const Outcome outcome = run(
-        "display A\nanswer msgbox no\nanswer openfile D:\\a.txt\nstart\nclick cmdNext\nclick opLoadFirmware\n"
-        "answer picker A\nclick cmdNext\nclick cmdChooseDisplay\nclick cmdNext\nclick cmdFirmwareBrowse\nunits");
+    const Outcome outcome =
+        run("display A\nanswer msgbox no\nanswer openfile D:\\a.txt\nstart\nclick cmdNext\nclick opLoadFirmware\n"
+            "answer picker A\nclick cmdNext\nclick cmdChooseDisplay\nclick cmdNext\nclick cmdFirmwareBrowse\nunits");
     EXPECT_EQ(outcome.status, kBadUsage);
     EXPECT_EQ(outcome.errors, "a.scn:2: the message \"Not a valid SHX file!\" has no such button\n");
 }
 
 TEST(Run, NotesWhatAUserCannotDo) {
-    const Outcome outcome = run("display A\nstart\nclick cmdFinish\nset optJustResetDisplays off\nclick opLoadFirmware\n");
+    const Outcome outcome =
+        run("display A\nstart\nclick cmdFinish\nset optJustResetDisplays off\nclick opLoadFirmware\n");
     EXPECT_EQ(outcome.status, kPassed);
     EXPECT_THAT(outcome.errors, HasSubstr("a.scn:3: note: cmdFinish is disabled"));
     EXPECT_THAT(outcome.errors, HasSubstr("a.scn:5: note: opLoadFirmware is disabled or cannot be reached"));
@@ -104,11 +106,12 @@ TEST(Run, DoesNotClickInItsOwnClick) {
 
 TEST(Run, KeepsItsDataWhereItIsTold) {
     const ScratchFolder folder;
-    const Outcome first = run(
-        "display A ids=1,2\nunit A 1 absent\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
-        "file C:\\Host\\x.bin\nanswer picker B\nstart\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick cmdFinish\n"
-        "click cmdClose",
-        with_data(folder));
+    const Outcome first =
+        run("display A ids=1,2\nunit A 1 absent\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
+            "file C:\\Host\\x.bin\nanswer picker B\nstart\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick "
+            "cmdFinish\n"
+            "click cmdClose",
+            with_data(folder));
     EXPECT_EQ(first.status, kPassed) << first.errors;
     const Outcome second = run("units\nshow HKLM\\Software\\Norvan\\Brivola3\\Settings AppPath", with_data(folder));
     EXPECT_EQ(second.out,

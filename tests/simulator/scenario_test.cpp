@@ -55,6 +55,7 @@ TEST(Scenario, RefusesWhatIsNoStatement) {
         {"say A 1 ResetAndClear", "a.scn:1: expected say NAME"},
         {"say A 1 ResetAndClear x cmdCancel y", "a.scn:1: \"y\" is not at=N"},
         {"during A 1 ResetAndClear x clik cmdCancel", "a.scn:1: \"clik\" is no statement"},
+        {"during A 1 ResetAndClear x during A 1 ResetAndClear y close", "a.scn:1: \"during\" is no statement for"},
         {"answer phone yes", "a.scn:1: \"phone\" is none of picker, openfile, msgbox"},
         {"answer msgbox maybe", "a.scn:1: \"maybe\" is none of yes, no, ok"},
         {"start window", "a.scn:1: \"window\" is not frame"},
@@ -72,15 +73,18 @@ TEST(Scenario, RefusesWhatIsNoStatement) {
 
 TEST(Scenario, NamesThePlaceInAnIncludedFile) {
     EXPECT_EQ(complaint("include b.scn", {{u"b.scn", "display A"}}), "");
-    EXPECT_THAT(complaint("\ninclude b.scn", {{u"b.scn", "display A\nunits 1"}}), StartsWith("b.scn:2: expected units"));
+    EXPECT_THAT(complaint("\ninclude b.scn", {{u"b.scn", "display A\nunits 1"}}),
+                StartsWith("b.scn:2: expected units"));
     EXPECT_EQ(complaint("\ninclude b.scn"), "a.scn:2: b.scn: does not exist");
     EXPECT_THAT(complaint("include b.scn", {{u"b.scn", "include b.scn"}}),
                 StartsWith("b.scn:1: files include each other too deeply"));
 }
 
 TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
-    const Scenario scenario = parse_scenario("a", "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
-                                                  "expect lstv.Row1.ForeColor 0", {});
+    const Scenario scenario = parse_scenario("a",
+                                             "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
+                                             "expect lstv.Row1.ForeColor 0",
+                                             {});
     ASSERT_EQ(scenario.statements.size(), 5U);
     EXPECT_EQ(scenario.statements[0].control, u"cmdNext");
     EXPECT_EQ(scenario.statements[1].control, u"");
@@ -103,8 +107,13 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
 }
 
 TEST(CommandLine, RefusesTheRest) {
-    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-             {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--loud"}, {"run", "run", "a"}, {""}}) {
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"run"},
+                                                                                       {"a.scn"},
+                                                                                       {"run", "a.scn", "b.scn"},
+                                                                                       {"--data"},
+                                                                                       {"run", "a.scn", "--loud"},
+                                                                                       {"run", "run", "a"},
+                                                                                       {""}}) {
         EXPECT_THROW(command_line(words), std::invalid_argument);
     }
 }

@@ -11,7 +11,8 @@ namespace vex::sim {
 class ScratchFolder {
 public:
     ScratchFolder()
-        : path_(std::filesystem::temp_directory_path() / ("vex-simulator-test-" + std::to_string(std::random_device()()))) {
+        : path_(std::filesystem::temp_directory_path() /
+                ("vex-simulator-test-" + std::to_string(std::random_device()()))) {
         std::filesystem::create_directories(path_);
     }
     ScratchFolder(const ScratchFolder&) = delete;

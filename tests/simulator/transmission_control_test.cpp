@@ -32,7 +32,8 @@ public:
     HRESULT GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
     HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
     HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override { return E_NOTIMPL; }
-    HRESULT Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*, UINT*) noexcept override {
+    HRESULT Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
+                   UINT*) noexcept override {
         EXPECT_EQ(event, 9);
         EXPECT_EQ(parameters->rgvarg[0].vt, VT_BYREF | VT_BSTR);
         handler_(std::u16string(com::view(*parameters->rgvarg[0].pbstrVal)));
@@ -72,7 +73,8 @@ protected:
         ASSERT_EQ(object.GetIDsOfNames(IID_NULL, &text, 1, 0, &member), S_OK);
         DISPID named = DISPID_PROPERTYPUT;
         DISPPARAMS parameters = {&value.get(), &named, 1, 1};
-        EXPECT_EQ(object.Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr, nullptr), S_OK);
+        EXPECT_EQ(object.Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr, nullptr),
+                  S_OK);
     }
 
     void select(std::int16_t id) { put(*control_, u"SignID", com::Variant::int16(id)); }
@@ -227,8 +229,8 @@ protected:
         com::ComPtr<IConnectionPoint> point;
         EXPECT_EQ(finder.query<IConnectionPointContainer>()->FindConnectionPoint(kBoxFinderEvents, point.put()), S_OK);
         std::vector<std::u16string> found;
-        const auto listener = com::make_object<Listener>(host_.lifetime, kBoxFinderEvents,
-                                                         [&](std::u16string text) { found.push_back(std::move(text)); });
+        const auto listener = com::make_object<Listener>(
+            host_.lifetime, kBoxFinderEvents, [&](std::u16string text) { found.push_back(std::move(text)); });
         DWORD cookie = 0;
         EXPECT_EQ(point->Advise(listener.get(), &cookie), S_OK);
         call_late(*finder, u"FindBoxes",

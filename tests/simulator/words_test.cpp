@@ -40,7 +40,8 @@ TEST(AsWord, IsReadBack) {
 TEST(ParseNumber, TakesTheWholeWordAndTheRange) {
     EXPECT_EQ(parse_number(u"-32768", -32768, 32767), -32768);
     EXPECT_EQ(parse_number(u"007", 0, 10), 7);
-    for (const std::u16string_view word : {u"", u"-", u"+1", u" 1", u"1 ", u"1x", u"0x1", u"32768", u"99999999999999999999"}) {
+    for (const std::u16string_view word :
+         {u"", u"-", u"+1", u" 1", u"1 ", u"1x", u"0x1", u"32768", u"99999999999999999999"}) {
         EXPECT_EQ(parse_number(word, -32768, 32767), std::nullopt);
     }
 }

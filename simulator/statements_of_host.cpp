@@ -1,0 +1,130 @@
+// The statements of a scenario about the host: its displays, and what happens on the links to them.
+#include "simulator/statements.h"
+
+#include <limits>
+#include <utility>
+
+#include "core/unicode.h"
+
+namespace vex::sim {
+namespace {
+
+constexpr char16_t kAny[] = u"*";
+
+/// Puts a number into the place of each "{n}".
+std::u16string numbered(std::u16string text, std::size_t number) {
+    constexpr std::u16string_view kPlace = u"{n}";
+    const std::u16string digits = from_utf8(std::to_string(number));
+    for (std::size_t at = text.find(kPlace); at != text.npos; at = text.find(kPlace, at + digits.size())) {
+        text.replace(at, kPlace.size(), digits);
+    }
+    return text;
+}
+
+/// NAME ID MEMBER, from the second word.
+CallPattern read_pattern(const Words& words) {
+    CallPattern pattern;
+    if (words[1] != kAny) pattern.display = words[1];
+    if (words[2] != kAny) pattern.id = parse_id(words[2]);
+    pattern.operation = parse_operation(words[3]);
+    return pattern;
+}
+
+/// Takes "at=N" off the end of a statement.
+std::int64_t take_at(Words& words, std::size_t fewest_words) {
+    const auto at = words.size() > fewest_words ? value_of(u"at", words.back()) : std::nullopt;
+    if (!at) return 0;
+    words.pop_back();
+    return static_cast<std::int64_t>(read_count(*at, std::numeric_limits<std::int32_t>::max()));
+}
+
+void check_display(ScenarioPlayer& player, const CallPattern& pattern) {
+    if (pattern.display) static_cast<void>(player.display(*pattern.display));
+}
+
+}  // namespace
+
+// ---- Displays -----------------------------------------------------------------------------------------
+
+Action read_display(const Words& words) {
+    Display display;
+    display.name = words[1];
+    for (std::size_t i = 2; i < words.size(); ++i) read_display_field(words[i], display);
+    return [display](ScenarioPlayer& player) { player.host().put_display(display); };
+}
+
+Action read_displays(const Words& words) {
+    constexpr std::int64_t kMostDisplays = 1'000'000;
+    const std::size_t count = read_count(words[1], kMostDisplays);
+    Display checked;
+    for (std::size_t i = 3; i < words.size(); ++i) read_display_field(numbered(words[i], 1), checked);
+    return [words, count](ScenarioPlayer& player) {
+        for (std::size_t number = 1; number <= count; ++number) {
+            Display display;
+            display.name = words[2] + from_utf8(std::to_string(number));
+            for (std::size_t i = 3; i < words.size(); ++i) read_display_field(numbered(words[i], number), display);
+            player.host().put_display(std::move(display));
+        }
+    };
+}
+
+Action read_unit(const Words& words) {
+    const std::int16_t id = parse_id(words[2]);
+    if (words[3] == u"absent") {
+        return [name = words[1], id](ScenarioPlayer& player) {
+            player.host().units.set_absent(player.display(name).name, id);
+        };
+    }
+    const auto slaves = value_of(u"slaves", words[3]);
+    if (!slaves) refuse("neither slaves=YxX nor absent", words[3]);
+    return [name = words[1], id, counts = parse_slaves(*slaves)](ScenarioPlayer& player) {
+        player.host().units.set_slaves(player.display(name).name, id, counts);
+    };
+}
+
+Action read_box(const Words& words) {
+    return [name = words[1], text = words[2]](ScenarioPlayer& player) {
+        player.host().units.add_box(player.display(name).name, text);
+    };
+}
+
+// ---- Links --------------------------------------------------------------------------------------------
+
+Action read_fault(const Words& given) {
+    Words words = given;
+    CallPattern pattern = read_pattern(words);
+    pattern.at = take_at(words, 5);
+    if (words.size() != 5) refuse("not at=N", words.back());
+    const bool raises = words[4] == u"raise";
+    if (!raises && words[4] != u"fail") refuse("neither fail nor raise", words[4]);
+    if (!raises && pattern.operation == Operation::SignID)
+        refuse("no answer of SignID, which answers nothing", words[4]);
+    return [pattern, raises](ScenarioPlayer& player) {
+        check_display(player, pattern);
+        player.host().links.add_fault(pattern, raises ? FaultKind::raise : FaultKind::fail);
+    };
+}
+
+Action read_say(const Words& given) {
+    Words words = given;
+    CallPattern pattern = read_pattern(words);
+    pattern.at = take_at(words, 5);
+    if (words.size() > 6) refuse("not at=N", words.back());
+    const Action reaction = words.size() == 6 ? read_click({u"click", words[5]}) : Action();
+    return [pattern, text = words[4], reaction](ScenarioPlayer& player) {
+        check_display(player, pattern);
+        player.say(pattern, text, reaction);
+    };
+}
+
+Action read_during(const Words& words) {
+    const CallPattern pattern = read_pattern(words);
+    if (words[5] == words[0]) refuse("no statement for the middle of a call", words[5]);
+    Action action = read_statement(Words(words.begin() + 5, words.end()));
+    return [pattern, text = words[4], action](ScenarioPlayer& player) {
+        check_display(player, pattern);
+        player.say(pattern, text, action);
+    };
+}
+
+}  // namespace vex::sim
