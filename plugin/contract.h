@@ -127,11 +127,7 @@ inline constexpr const Class& kPluginDataClass = kClasses[0];
 inline constexpr const Class& kFirmWareUtilClass = kClasses[1];
 
 inline constexpr Library kLibrary = {
-    "vexFirmWarePlugin",
-    {0x2D044802, 0x8D89, 0x4ECD, {0x8C, 0x1F, 0xF3, 0x52, 0x91, 0x43, 0xED, 0xDE}},
-    1,
-    0,
-    kClasses,
+    "vexFirmWarePlugin", {0x2D044802, 0x8D89, 0x4ECD, {0x8C, 0x1F, 0xF3, 0x52, 0x91, 0x43, 0xED, 0xDE}}, 1, 0, kClasses,
 };
 
 }  // namespace vex::plugin

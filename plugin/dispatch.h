@@ -72,9 +72,8 @@ public:
         if (info == nullptr) return E_POINTER;
         *info = nullptr;
         if (index != 0) return DISP_E_BADINDEX;
-        return guarded_method(IID_IDispatch, [info] {
-            *info = platform::load_type_information(Derived::description().id).detach();
-        });
+        return guarded_method(IID_IDispatch,
+                              [info] { *info = platform::load_type_information(Derived::description().id).detach(); });
     }
 
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/,

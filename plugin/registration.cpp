@@ -71,8 +71,7 @@ std::string default_text(platform::Registry& registry, const std::string& path) 
     std::array<char, 64> text{};
     auto size = static_cast<std::uint32_t>(text.size() - 1);
     std::uint32_t type = 0;
-    const auto result =
-        registry.query_value(key.get(), "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
+    const auto result = registry.query_value(key.get(), "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
     return result == kSuccess && type == platform::kRegSz ? std::string(text.data()) : std::string();
 }
 

@@ -64,7 +64,8 @@ std::string class_value(const std::string& path) {
     std::string text;
     if (store.query_value(key, "", type, nullptr, size) == kSuccess && (type == kRegSz || type == kRegExpandSz)) {
         text.resize(size);
-        if (store.query_value(key, "", type, reinterpret_cast<std::uint8_t*>(text.data()), size) != kSuccess) text.clear();
+        auto* bytes = reinterpret_cast<std::uint8_t*>(text.data());
+        if (store.query_value(key, "", type, bytes, size) != kSuccess) text.clear();
         text.resize(std::string_view(text.c_str()).size());
     }
     store.close_key(key);

@@ -113,8 +113,8 @@ std::u16string real_text(double number, int significant_digits) {
 
 /// At most four decimals, without the zeros at their end.
 std::u16string currency_text(std::int64_t amount) {
-    const std::uint64_t size = amount < 0 ? std::uint64_t{0} - static_cast<std::uint64_t>(amount)
-                                          : static_cast<std::uint64_t>(amount);
+    const std::uint64_t size =
+        amount < 0 ? std::uint64_t{0} - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
     std::string decimals = std::to_string(10000 + size % 10000).substr(1);
     decimals.erase(decimals.find_last_not_of('0') + 1);
     return from_utf8((amount < 0 ? "-" : "") + std::to_string(size / 10000) + (decimals.empty() ? "" : ".") + decimals);

@@ -23,10 +23,8 @@ bool is_plain(VARTYPE type) noexcept {
         case VT_CY:
         case VT_DATE:
         case VT_BOOL:
-        case VT_ERROR:
-            return true;
-        default:
-            return false;
+        case VT_ERROR: return true;
+        default: return false;
     }
 }
 
@@ -39,42 +37,25 @@ HRESULT follow(const VARIANT& reference, VARIANT& value) noexcept {
     const auto type = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
     switch (type) {
         case VT_I1:
-        case VT_UI1:
-            value.bVal = *reference.pbVal;
-            break;
+        case VT_UI1: value.bVal = *reference.pbVal; break;
         case VT_I2:
         case VT_UI2:
-        case VT_BOOL:
-            value.iVal = *reference.piVal;
-            break;
+        case VT_BOOL: value.iVal = *reference.piVal; break;
         case VT_I4:
         case VT_UI4:
         case VT_INT:
         case VT_UINT:
-        case VT_ERROR:
-            value.lVal = *reference.plVal;
-            break;
-        case VT_R4:
-            value.fltVal = *reference.pfltVal;
-            break;
+        case VT_ERROR: value.lVal = *reference.plVal; break;
+        case VT_R4: value.fltVal = *reference.pfltVal; break;
         case VT_I8:
         case VT_UI8:
-        case VT_CY:
-            value.llVal = *reference.pllVal;
-            break;
+        case VT_CY: value.llVal = *reference.pllVal; break;
         case VT_R8:
-        case VT_DATE:
-            value.dblVal = *reference.pdblVal;
-            break;
-        case VT_BSTR:
-            value.bstrVal = *reference.pbstrVal;
-            break;
+        case VT_DATE: value.dblVal = *reference.pdblVal; break;
+        case VT_BSTR: value.bstrVal = *reference.pbstrVal; break;
         case VT_DISPATCH:
-        case VT_UNKNOWN:
-            value.punkVal = *reference.ppunkVal;
-            break;
-        default:
-            return DISP_E_BADVARTYPE;
+        case VT_UNKNOWN: value.punkVal = *reference.ppunkVal; break;
+        default: return DISP_E_BADVARTYPE;
     }
     value.vt = type;
     return S_OK;

@@ -147,7 +147,7 @@ Bytes icon_of(const std::vector<Drawing>& drawings) {
     put(icon, static_cast<std::uint32_t>(drawings.size()), 2);
     for (const Drawing& drawing : drawings) {
         const Bytes image = image_of(drawing);
-        put(icon, drawing.width, 1);   // 256 is written as 0
+        put(icon, drawing.width, 1);  // 256 is written as 0
         put(icon, drawing.height, 1);
         put(icon, drawing.bits == 4 ? 16 : 0, 1);
         put(icon, 0, 1);

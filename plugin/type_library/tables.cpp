@@ -132,8 +132,8 @@ Type TypeTable::pointer_to(Type target) {
     if (is_simple) {
         digest = (target.code >> 16 & VT_TYPEMASK) | VT_BYREF;
     } else {
-        digest = entries_.get32(target.code) >> 16 == type_entry::kDescribed ? type_entry::kDescribed
-                                                                            : type_entry::kNested;
+        digest =
+            entries_.get32(target.code) >> 16 == type_entry::kDescribed ? type_entry::kDescribed : type_entry::kNested;
     }
     return {enter(digest << 16 | VT_PTR, target.code), target.memory + kPointerTypeMemory};
 }

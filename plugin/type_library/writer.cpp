@@ -156,8 +156,8 @@ private:
         memory = 0;
         for (const Member& member : source.members) {
             const auto index = static_cast<std::uint32_t>(functions.size());
-            functions.push_back({static_cast<std::uint32_t>(member.id),
-                                 names_.enter(member.name, interface_at, 0), descriptions.size()});
+            functions.push_back({static_cast<std::uint32_t>(member.id), names_.enter(member.name, interface_at, 0),
+                                 descriptions.size()});
             descriptions.put(function(member, index, memory));
         }
         ByteBuffer block;
@@ -225,7 +225,7 @@ private:
         segments[kTypes] = types_.entries();
 
         // The order of the segments in the file differs from the directory's.
-        constexpr std::array kFileOrder = {kTypeDescriptions, kGuidHash, kGuids, kReferences, kImportedTypes,
+        constexpr std::array kFileOrder = {kTypeDescriptions,  kGuidHash, kGuids, kReferences, kImportedTypes,
                                            kImportedLibraries, kNameHash, kNames, kTypes};
         const auto type_count = static_cast<std::uint32_t>(blocks_.size());
         std::uint32_t position = kHeaderSize + 4 * type_count + 16 * kSegmentCount;

@@ -53,9 +53,10 @@ TEST(Identity, GoesToTextAndBack) {
 }
 
 TEST(Identity, RefusesWhatIsNone) {
-    for (const std::u16string text : {u"{09D14609-0E72-4D6E-A3B6-D8409C89770}", u"{09D14609-0E72-4D6E-A3B6-D8409C897702",
-                                      u"{09D14609-0E72-4D6E-A3B6-D8409C897702}x", u"{09D14609-0E72-4D6EA3B6-D8409C8977020}",
-                                      u"{09D14609-0E72-4D6E-A3B6-D8409C89770G}"}) {
+    for (const std::u16string text :
+         {u"{09D14609-0E72-4D6E-A3B6-D8409C89770}", u"{09D14609-0E72-4D6E-A3B6-D8409C897702",
+          u"{09D14609-0E72-4D6E-A3B6-D8409C897702}x", u"{09D14609-0E72-4D6EA3B6-D8409C8977020}",
+          u"{09D14609-0E72-4D6E-A3B6-D8409C89770G}"}) {
         CLSID read{};
         EXPECT_EQ(CLSIDFromString(ole_text(text), &read), CO_E_CLASSSTRING);
     }

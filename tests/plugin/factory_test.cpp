@@ -91,7 +91,8 @@ TEST_F(Exports, RefuseOtherClassesAndNullResults) {
     EXPECT_EQ(class_object(kUnknownClass, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(object, nullptr);
     object = kPoison;
-    EXPECT_EQ(class_object(kCatalogueClass, kCatalogueInterface, &object), E_NOINTERFACE) << "no factory is a catalogue";
+    EXPECT_EQ(class_object(kCatalogueClass, kCatalogueInterface, &object), E_NOINTERFACE)
+        << "no factory is a catalogue";
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(class_object(kCatalogueClass, IID_IClassFactory, nullptr), E_POINTER);
 }

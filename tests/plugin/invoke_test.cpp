@@ -49,9 +49,7 @@ protected:
     }
 
     /// The first name by an index of any type.
-    Outcome name_at(const Variant& index) {
-        return call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, {index});
-    }
+    Outcome name_at(const Variant& index) { return call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, {index}); }
 
     com::ComPtr<IDispatch> catalogue_;
     com::ComPtr<IDispatch> entry_;
@@ -134,8 +132,12 @@ TEST_F(Invoke, TakesObjectsByValueAndByReference) {
     unknown.get().punkVal = plain;
     plain->AddRef();
     const std::vector<Variant> objects = {
-        Variant::object(mine),          Variant::object(nullptr),      Variant::object_reference(&mine),
-        Variant::object_reference(&none), reference(VT_VARIANT, &inner), unknown,
+        Variant::object(mine),
+        Variant::object(nullptr),
+        Variant::object_reference(&mine),
+        Variant::object_reference(&none),
+        reference(VT_VARIANT, &inner),
+        unknown,
         reference(VT_UNKNOWN, &plain),
     };
     for (const Variant& object : objects) {
@@ -152,14 +154,16 @@ TEST_F(Invoke, KnowsItsMembersAndTheirKinds) {
     EXPECT_EQ(call(*catalogue_, 0x68030005, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(call(*catalogue_, DISPID_VALUE, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_METHOD).result, DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYPUT, {Variant::int16(2)}).result, DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYPUT, {Variant::int16(2)}).result,
+              DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(call(*entry_, kDoesFrameEdit, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(call(*entry_, kTotalPlugins, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
 }
 
 TEST_F(Invoke, NeedsNoPlacesForItsAnswers) {
     DISPPARAMS none{};
-    EXPECT_EQ(catalogue_->Invoke(kTotalPlugins, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(catalogue_->Invoke(kTotalPlugins, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
+              S_OK);
     VARIANTARG bad_index = Variant::int16(5).get();
     DISPPARAMS one{&bad_index, nullptr, 1, 0};
     EXPECT_EQ(catalogue_->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &one, nullptr, nullptr, nullptr),
@@ -170,8 +174,9 @@ TEST_F(Invoke, NeedsNoPlacesForItsAnswers) {
               DISP_E_TYPEMISMATCH);
     EXPECT_TRUE(FAILED(
         catalogue_->Invoke(kTotalPlugins, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, nullptr, nullptr, nullptr)));
-    EXPECT_EQ(catalogue_->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
-              DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(
+        catalogue_->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
+        DISP_E_UNKNOWNINTERFACE);
 }
 
 TEST_F(Invoke, ReadsParameterNamesBehindTheMembersName) {

@@ -49,8 +49,9 @@ void read_all(const std::string& path, std::map<std::string, std::string>& value
 /// All that concerns the plug-in.
 std::map<std::string, std::string> snapshot() {
     std::map<std::string, std::string> values;
-    for (const char* path : {kCatalogueKey, kEntryKey, kLibraryKey, kInterfaceKey, "Interface\\{4EA9496B-9BA4-4BD0-A367-C0E0A837B2E4}",
-                             "vexFirmWarePlugin.PluginData", "vexFirmWarePlugin.vexFirmWareUtil"}) {
+    for (const char* path :
+         {kCatalogueKey, kEntryKey, kLibraryKey, kInterfaceKey, "Interface\\{4EA9496B-9BA4-4BD0-A367-C0E0A837B2E4}",
+          "vexFirmWarePlugin.PluginData", "vexFirmWarePlugin.vexFirmWareUtil"}) {
         read_all(path, values);
     }
     return values;
@@ -59,10 +60,10 @@ std::map<std::string, std::string> snapshot() {
 void write(const std::string& path, const std::string& name, const std::string& text) {
     platform::RegistryKey key = 0;
     ASSERT_EQ(registry().create_key(kClasses, path.c_str(), "", platform::kKeyAllAccess, {}, key), kSuccess);
-    EXPECT_EQ(registry().set_value(key, name.c_str(), platform::kRegSz,
-                                   reinterpret_cast<const std::uint8_t*>(text.c_str()),
-                                   static_cast<std::uint32_t>(text.size() + 1)),
-              kSuccess);
+    EXPECT_EQ(
+        registry().set_value(key, name.c_str(), platform::kRegSz, reinterpret_cast<const std::uint8_t*>(text.c_str()),
+                             static_cast<std::uint32_t>(text.size() + 1)),
+        kSuccess);
     registry().close_key(key);
 }
 

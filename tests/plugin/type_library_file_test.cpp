@@ -18,8 +18,19 @@ constexpr std::uint32_t kNone = 0xFFFFFFFF;
 /// The parts of a file, found by its directory.
 class File {
 public:
-    enum Part { kTypes, kImportedTypes, kImportedFiles, kReferences, kGuidHash, kGuids, kNameHash, kNames, kStrings,
-                kTypeDescriptions, kPartCount = 15 };
+    enum Part {
+        kTypes,
+        kImportedTypes,
+        kImportedFiles,
+        kReferences,
+        kGuidHash,
+        kGuids,
+        kNameHash,
+        kNames,
+        kStrings,
+        kTypeDescriptions,
+        kPartCount = 15
+    };
 
     explicit File(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
 
@@ -35,7 +46,10 @@ public:
         return text;
     }
     GUID guid(std::uint32_t at) const {
-        GUID guid{number(at), static_cast<std::uint16_t>(number(at + 4, 2)), static_cast<std::uint16_t>(number(at + 6, 2)), {}};
+        GUID guid{number(at),
+                  static_cast<std::uint16_t>(number(at + 4, 2)),
+                  static_cast<std::uint16_t>(number(at + 6, 2)),
+                  {}};
         for (std::uint32_t i = 0; i < 8; ++i) guid.Data4[i] = bytes_.at(at + 8 + i);
         return guid;
     }
@@ -94,8 +108,9 @@ private:
 
     void describe_type(std::uint32_t at) {
         const std::uint32_t kind = file_.number(at) & 0xF;
-        const std::string head = file_.name(file_.number(at + 0x34)) + " " + file_.guid_text_at(file_.number(at + 0x2C)) +
-                                 " " + version(file_.number(at + 0x38)) + ", flags " + hex_text(file_.number(at + 0x30));
+        const std::string head = file_.name(file_.number(at + 0x34)) + " " +
+                                 file_.guid_text_at(file_.number(at + 0x2C)) + " " + version(file_.number(at + 0x38)) +
+                                 ", flags " + hex_text(file_.number(at + 0x30));
         if (kind == kClassKind) {
             text_ += "class " + head + "\n";
             const std::uint32_t reference = file_.part_at(File::kReferences) + file_.number(at + 0x54);
@@ -121,8 +136,8 @@ private:
             EXPECT_EQ(type_text(file_.number(at + 4)), "result");
             EXPECT_EQ(file_.number(at, 2), 0x18 + 12 * file_.number(at + 0x14, 2)) << "length of the description";
             text_ += "  " + hex_text(file_.number(ids + 4 * i)) + (invoke == 2 ? " get " : " method ") +
-                     file_.name(file_.number(names + 4 * i)) + ", slot " + std::to_string(file_.number(at + 0xC, 2) / 4) +
-                     ":";
+                     file_.name(file_.number(names + 4 * i)) + ", slot " +
+                     std::to_string(file_.number(at + 0xC, 2) / 4) + ":";
             for (std::uint32_t k = 0; k < file_.number(at + 0x14, 2); ++k) {
                 const std::uint32_t parameter = at + 0x18 + 12 * k;
                 const std::uint32_t name = file_.number(parameter + 4);
@@ -186,9 +201,9 @@ TEST_F(TypeLibraryFile, ImportsTheStandardLibrary) {
     for (std::uint32_t offset = 0; offset < file_.part_size(File::kImportedTypes); offset += 12) {
         types.insert(file_.guid_text_at(file_.number(file_.part_at(File::kImportedTypes) + offset + 8)));
     }
-    EXPECT_EQ(types, (std::set<std::string>{"{00020400-0000-0000-C000-000000000046}",
-                                            "{0BE35204-8F91-11CE-9DE3-00AA004BB851}",
-                                            "{7BF80981-BF32-101A-8BBB-00AA00300CAB}"}));
+    EXPECT_EQ(types,
+              (std::set<std::string>{"{00020400-0000-0000-C000-000000000046}", "{0BE35204-8F91-11CE-9DE3-00AA004BB851}",
+                                     "{7BF80981-BF32-101A-8BBB-00AA00300CAB}"}));
     EXPECT_EQ(file_.number(0x50), 3U);
     EXPECT_EQ(file_.number(0x4C), 1U) << "IDispatch is the first import";
 }

@@ -1,4 +1,5 @@
-// Windows only, for its loader: the system's own loader reads the type library in the plug-in's resources, and calls by it.
+// Windows only, for its loader: the system's own loader reads the type library in the plug-in's resources, and calls by
+// it.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -81,8 +82,9 @@ std::string members(ITypeInfo& type) {
         UINT count = 0;
         EXPECT_EQ(type.GetNames(function->memid, names, 4, &count), S_OK);
         text += "  " + hex_text(static_cast<std::uint32_t>(function->memid)) +
-                (function->invkind == INVOKE_PROPERTYGET ? " get " : " method ") + documentation(type, function->memid) +
-                ", slot " + std::to_string(static_cast<std::size_t>(function->oVft) / sizeof(void*)) + ":";
+                (function->invkind == INVOKE_PROPERTYGET ? " get " : " method ") +
+                documentation(type, function->memid) + ", slot " +
+                std::to_string(static_cast<std::size_t>(function->oVft) / sizeof(void*)) + ":";
         EXPECT_EQ(simple_type_text(function->elemdescFunc.tdesc.vt), "result");
         EXPECT_EQ(function->funckind, FUNC_PUREVIRTUAL);
         EXPECT_EQ(function->callconv, CC_STDCALL);
@@ -169,7 +171,8 @@ TEST_F(TypeLibraryLoader, FindsTypesByIdentityAndNamesByTheirHash) {
             BOOL found = FALSE;
             EXPECT_EQ(library_->IsName(name.data(), 0, &found), S_OK);
             EXPECT_TRUE(found) << member.name;
-            EXPECT_EQ(LHashValOfNameSys(SYS_WIN32, 0x0409, name.c_str()) & 0xFFFF, type_library::name_hash(member.name));
+            EXPECT_EQ(LHashValOfNameSys(SYS_WIN32, 0x0409, name.c_str()) & 0xFFFF,
+                      type_library::name_hash(member.name));
         }
     }
 }
@@ -192,14 +195,16 @@ TEST_F(TypeLibraryLoader, CallsMembersByTheirDescriptions) {
     EXCEPINFO exception{};
     com::ComPtr<IUnknown> target;
     ASSERT_EQ(object->QueryInterface(kCatalogueInterface, target.put_void()), S_OK);
-    EXPECT_EQ(type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception, nullptr),
-              S_OK);
+    EXPECT_EQ(
+        type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception, nullptr),
+        S_OK);
     ASSERT_EQ(name.type(), VT_BSTR);
     EXPECT_EQ(com::view(name.get().bstrVal), u"vexFirmwarePlugin.vexFirmwareUtil");
 
     index.iVal = 1;
-    EXPECT_EQ(type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception, nullptr),
-              DISP_E_EXCEPTION);
+    EXPECT_EQ(
+        type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception, nullptr),
+        DISP_E_EXCEPTION);
     EXPECT_EQ(exception.scode, error_code(9));
     SysFreeString(exception.bstrDescription);
     SysFreeString(exception.bstrSource);

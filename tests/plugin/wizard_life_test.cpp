@@ -130,7 +130,8 @@ TEST_F(WizardLife, AThousandWizardsEachBeginAnewAndLeaveNothing) {
     IDispatch* frame = entry.get();
     for (int i = 0; i < 500; ++i) {
         EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
-        EXPECT_EQ(call(*entry, kStartFrameFeature, DISPATCH_METHOD, {com::Variant::object_reference(&frame)}).result, S_OK);
+        EXPECT_EQ(call(*entry, kStartFrameFeature, DISPATCH_METHOD, {com::Variant::object_reference(&frame)}).result,
+                  S_OK);
     }
     EXPECT_EQ(at_first_step, 1000);
     EXPECT_EQ(user_.closed, 1000);
