@@ -24,52 +24,59 @@ struct Decimal {
 /// Far beyond every range here, and far from where adding to it could overflow.
 constexpr int kHugeExponent = 1'000'000;
 
-/// Takes an exponent's digits off the front of `text`; nothing when there are none.
-std::optional<int> take_exponent(std::u16string_view& text) {
-    const bool negative = text.starts_with(u'-');
-    if (negative || text.starts_with(u'+')) text.remove_prefix(1);
-    if (text.empty() || !is_digit(text.front())) return std::nullopt;
-    int exponent = 0;
-    for (; !text.empty() && is_digit(text.front()); text.remove_prefix(1)) {
-        exponent = std::min(exponent * 10 + (text.front() - u'0'), kHugeExponent);
-    }
-    return negative ? -exponent : exponent;
-}
-
-std::optional<Decimal> parse_decimal(std::u16string_view text) {
+std::u16string_view without_blanks(std::u16string_view text) {
     while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
     while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
+    return text;
+}
 
-    Decimal number;
-    number.negative = text.starts_with(u'-');
-    if (number.negative || text.starts_with(u'+')) text.remove_prefix(1);
+/// Takes a sign off the front. Whether it was a minus.
+bool take_minus(std::u16string_view& text) {
+    const bool negative = text.starts_with(u'-');
+    if (negative || text.starts_with(u'+')) text.remove_prefix(1);
+    return negative;
+}
 
+/// Takes digits with at most one point off the front. False when there is no digit.
+bool take_digits(std::u16string_view& text, Decimal& number) {
     bool any_digit = false;
     bool in_fraction = false;
     for (; !text.empty(); text.remove_prefix(1)) {
         const char16_t c = text.front();
         if (c == u'.' && !in_fraction) {
             in_fraction = true;
-        } else if (is_digit(c)) {
-            any_digit = true;
-            const bool leading_zero = c == u'0' && number.digits.empty();
-            if (!leading_zero) number.digits += static_cast<char>(c);
-            // A digit before the point raises the value's magnitude, a zero right after it lowers it.
-            if (!in_fraction && !leading_zero) number.point = std::min(number.point + 1, kHugeExponent);
-            if (in_fraction && leading_zero) number.point = std::max(number.point - 1, -kHugeExponent);
-        } else {
-            break;
+            continue;
         }
+        if (!is_digit(c)) break;
+        any_digit = true;
+        const bool leading_zero = c == u'0' && number.digits.empty();
+        if (!leading_zero) number.digits += static_cast<char>(c);
+        // A digit before the point makes the number larger, a zero right after it makes it smaller.
+        if (!in_fraction && !leading_zero) number.point = std::min(number.point + 1, kHugeExponent);
+        if (in_fraction && leading_zero) number.point = std::max(number.point - 1, -kHugeExponent);
     }
-    if (!any_digit) return std::nullopt;
+    return any_digit;
+}
 
-    if (text.starts_with(u'e') || text.starts_with(u'E')) {
-        text.remove_prefix(1);
-        const std::optional<int> exponent = take_exponent(text);
-        if (!exponent) return std::nullopt;
-        number.point += *exponent;
+/// Takes an exponent off the front, if there is one. False when it has no digits.
+bool take_exponent(std::u16string_view& text, Decimal& number) {
+    if (!text.starts_with(u'e') && !text.starts_with(u'E')) return true;
+    text.remove_prefix(1);
+    const bool negative = take_minus(text);
+    if (text.empty() || !is_digit(text.front())) return false;
+    int exponent = 0;
+    for (; !text.empty() && is_digit(text.front()); text.remove_prefix(1)) {
+        exponent = std::min(exponent * 10 + (text.front() - u'0'), kHugeExponent);
     }
-    if (!text.empty()) return std::nullopt;
+    number.point += negative ? -exponent : exponent;
+    return true;
+}
+
+std::optional<Decimal> parse_decimal(std::u16string_view text) {
+    text = without_blanks(text);
+    Decimal number;
+    number.negative = take_minus(text);
+    if (!take_digits(text, number) || !take_exponent(text, number) || !text.empty()) return std::nullopt;
     while (number.digits.ends_with('0')) number.digits.pop_back();
     return number;
 }

@@ -11,7 +11,8 @@ namespace {
 /// The first four bytes, little end first. A shorter value has zeros behind it in its buffer.
 std::int32_t dword(const RegistryData& data) {
     std::uint32_t number = 0;
-    for (std::size_t i = std::min<std::size_t>(4, data.buffer.size()); i > 0; --i) number = number << 8 | data.buffer[i - 1];
+    for (std::size_t i = std::min<std::size_t>(4, data.buffer.size()); i > 0; --i)
+        number = number << 8 | data.buffer[i - 1];
     return static_cast<std::int32_t>(number);
 }
 

@@ -49,7 +49,8 @@ KeyedCollection<RegistryRoutines::NamedValue> RegistryRoutines::EnumRegistryValu
         RegistryData data;
         data.buffer.resize(kFirstDataSize);
         data.size = kFirstDataSize;
-        std::int32_t result = registry_.enum_value(key, index, buffer, length, data.type, data.buffer.data(), data.size);
+        std::int32_t result =
+            registry_.enum_value(key, index, buffer, length, data.type, data.buffer.data(), data.size);
         if (result == platform::kMoreData) {
             data.buffer.assign(data.size, 0);
             length = kNameSize;

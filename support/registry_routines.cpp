@@ -39,15 +39,16 @@ std::u16string RegistryRoutines::CreateKey(std::u16string_view KeyName) {
 std::int32_t RegistryRoutines::DeleteKey(const std::u16string& KeyName) {
     const std::string path = code_page_.to_ansi(key_root_ + u'\\' + KeyName);
     // Kept: a null handle is closed after a success, which the system refuses without harm.
-    if (registry_.delete_key(platform::registry_key(root_key_), path.c_str()) == platform::kSuccess) registry_.close_key(0);
+    if (registry_.delete_key(platform::registry_key(root_key_), path.c_str()) == platform::kSuccess)
+        registry_.close_key(0);
     // Kept: callers are told of success either way.
     return platform::kSuccess;
 }
 
 std::int32_t RegistryRoutines::DeleteValue(const std::u16string& ValueName) {
     OpenRegistryKey key(registry_);
-    const std::int32_t opened = key.open(platform::registry_key(root_key_), code_page_.to_ansi(working_path()),
-                                         platform::kKeyAllAccess);
+    const std::int32_t opened =
+        key.open(platform::registry_key(root_key_), code_page_.to_ansi(working_path()), platform::kKeyAllAccess);
     if (opened != platform::kSuccess) return opened;
     return registry_.delete_value(key.get(), code_page_.to_ansi(ValueName).c_str());
 }
@@ -73,8 +74,8 @@ AutomationValue RegistryRoutines::ReadRemoteRegistryValue(const std::u16string& 
                                                           const std::u16string& ValueName,
                                                           const std::u16string& KeyPath) {
     platform::RegistryKey root = 0;
-    const std::int32_t connected = registry_.connect_registry(code_page_.to_ansi(sRemoteComputer).c_str(),
-                                                              platform::registry_key(hKey), root);
+    const std::int32_t connected =
+        registry_.connect_registry(code_page_.to_ansi(sRemoteComputer).c_str(), platform::registry_key(hKey), root);
     if (connected != platform::kSuccess) return u"Error!";
     // Kept: an omitted path is the root itself, not the working path; and whether the path opens is left to
     // the read to find out, which fails on the null handle.
@@ -87,8 +88,8 @@ bool RegistryRoutines::WriteRemoteRegistryValue(const std::u16string& sRemoteCom
                                                 const std::u16string& ValueName, const AutomationValue& Value,
                                                 std::uint32_t DType, const std::u16string& KeyPath) {
     platform::RegistryKey root = 0;
-    const std::int32_t connected = registry_.connect_registry(code_page_.to_ansi(sRemoteComputer).c_str(),
-                                                              platform::registry_key(hKey), root);
+    const std::int32_t connected =
+        registry_.connect_registry(code_page_.to_ansi(sRemoteComputer).c_str(), platform::registry_key(hKey), root);
     // Kept: the twin of the reader's "Error!", which a Boolean result cannot hold.
     if (connected != platform::kSuccess) throw RuntimeError(kTypeMismatch);
     // Kept: as in reading.

@@ -43,7 +43,8 @@ public:
     }
     void write(const std::string& name, const std::string& text) {
         const auto* data = reinterpret_cast<const std::uint8_t*>(text.c_str());
-        if (service_->set_value(key_, name.c_str(), kRegSz, data, static_cast<std::uint32_t>(text.size() + 1)) != kSuccess) {
+        if (service_->set_value(key_, name.c_str(), kRegSz, data, static_cast<std::uint32_t>(text.size() + 1)) !=
+            kSuccess) {
             std::abort();
         }
     }

@@ -36,7 +36,7 @@ std::vector<std::u16string> components(std::u16string_view path) {
 
 /// The entry of `folder` with this name in this or another case. The name as given when there is none.
 fs::path entry(const fs::path& folder, const std::u16string& name) {
-    const fs::path exact = folder / to_utf8(name);
+    fs::path exact = folder / to_utf8(name);
     std::error_code error;
     if (fs::symlink_status(exact, error).type() != fs::file_type::not_found) return exact;
     fs::path best;

@@ -15,7 +15,8 @@ std::optional<std::u16string> variable(std::u16string_view name) {
     for (char** each = environ; each != nullptr && *each != nullptr; ++each) {
         const std::string_view entry = *each;
         const std::size_t equals = entry.find('=');
-        if (equals == std::string_view::npos || !equal_ignoring_case(from_utf8(entry.substr(0, equals)), name)) continue;
+        if (equals == std::string_view::npos || !equal_ignoring_case(from_utf8(entry.substr(0, equals)), name))
+            continue;
         return from_utf8(entry.substr(equals + 1));
     }
     return std::nullopt;
@@ -27,8 +28,9 @@ std::u16string expand_environment(std::u16string_view text) {
     std::u16string result;
     while (!text.empty()) {
         const std::size_t start = text.find(u'%');
-        const std::size_t end = start == text.npos ? text.npos : text.find(u'%', start + 1);
-        if (end == text.npos) break;
+        if (start == std::u16string_view::npos) break;
+        const std::size_t end = text.find(u'%', start + 1);
+        if (end == std::u16string_view::npos) break;
         result += text.substr(0, start);
         if (const auto value = variable(text.substr(start + 1, end - start - 1))) {
             result += *value;

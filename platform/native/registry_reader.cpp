@@ -1,5 +1,6 @@
 // Reading a registry from its text.
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "core/unicode.h"
@@ -42,24 +43,28 @@ public:
     }
     void skip_blanks() { rest_.remove_prefix(std::min(rest_.size(), rest_.find_first_not_of(" \t"))); }
 
-    /// The rest of the line without its break, which is passed.
-    std::string_view take_line() {
-        std::string_view line = rest_.substr(0, rest_.find('\n'));
-        rest_.remove_prefix(std::min(rest_.size(), line.size() + 1));
-        ++line_;
-        line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
-        return line;
+    /// The rest of the line, without the blanks at its end.
+    std::string_view peek_line() const {
+        const std::string_view line = rest_.substr(0, rest_.find('\n'));
+        return line.substr(0, line.find_last_not_of(" \t\r") + 1);
     }
+    /// Passes the rest of the line and its break.
+    void take_line() {
+        const std::size_t line_break = rest_.find('\n');
+        rest_ = line_break == std::string_view::npos ? std::string_view() : rest_.substr(line_break + 1);
+        ++line_;
+    }
+    /// Whether the rest of the line says nothing: it is empty or a comment.
+    bool at_blank_rest() const { return peek() == ';' || peek() == '\n' || (peek() == '\r' && peek_line().empty()); }
 
     /// Passes what may follow on a line when all is said: blanks, a comment, and the break.
     void finish_line() {
         skip_blanks();
-        const char next = peek();
-        if (next != ';' && next != '\r' && next != '\n') refuse("there is more on the line than belongs there");
+        if (!at_blank_rest()) refuse("there is more on the line than belongs there");
         take_line();
     }
 
-    /// Up to eight hexadecimal digits.
+    /// A number of up to `most_digits` hexadecimal digits.
     std::uint32_t take_number(int most_digits) {
         std::uint32_t number = 0;
         int digits = 0;
@@ -99,7 +104,8 @@ public:
     std::u16string to_text(std::string_view bytes) const {
         std::u16string text = from_utf8(bytes);
         // The conversion replaces what is malformed; a replacement character that stood there is none.
-        if (std::count(text.begin(), text.end(), u'\xFFFD') > 0 && to_utf8(text) != bytes) refuse("the text is not UTF-8");
+        if (std::count(text.begin(), text.end(), u'\xFFFD') > 0 && to_utf8(text) != bytes)
+            refuse("the text is not UTF-8");
         return text;
     }
 
@@ -122,7 +128,8 @@ std::vector<std::uint8_t> take_bytes(Cursor& cursor) {
     for (bool more = false;;) {
         cursor.skip_blanks();
         if (cursor.take('\\')) {
-            if (!cursor.take_line().empty()) cursor.refuse("a line that goes on must end in its backslash");
+            if (!cursor.peek_line().empty()) cursor.refuse("a line that goes on must end in its backslash");
+            cursor.take_line();
             if (cursor.at_end()) cursor.refuse("the line that should go on is the last");
             continue;
         }
@@ -165,22 +172,58 @@ void take_data(Cursor& cursor, RegistryValue& value) {
     }
 }
 
-/// The path between a section's brackets, checked.
-std::u16string section_path(const Cursor& cursor, std::string_view section) {
-    if (!section.ends_with(']')) cursor.refuse("a closing bracket is missing");
-    section.remove_suffix(1);
-    std::u16string path = cursor.to_text(section);
-    if (std::any_of(path.begin(), path.end(), [](char16_t c) { return c < u' '; })) {
+/// A section's line: a key that is there, or one that is not.
+struct Section {
+    std::u16string path;
+    bool deletion = false;
+};
+
+/// The line whose opening bracket is passed.
+Section take_section(Cursor& cursor) {
+    Section section;
+    section.deletion = cursor.take('-');
+    std::string_view line = cursor.peek_line();
+    if (!line.ends_with(']')) cursor.refuse("a closing bracket is missing");
+    line.remove_suffix(1);
+    section.path = cursor.to_text(line);
+    if (std::any_of(section.path.begin(), section.path.end(), [](char16_t c) { return c < u' '; })) {
         cursor.refuse("there is a control character in the name of a key");
     }
-    std::u16string_view rest = path;
-    if (!is_registry_root(take_name(rest))) cursor.refuse("the key has no known root");
-    std::size_t depth = 0;
-    while (!rest.empty()) {
-        take_name(rest);
-        if (++depth > kMaxKeyDepth) cursor.refuse("the key is too deep");
+    std::u16string_view rest = section.path;
+    std::optional<std::size_t> depth = depth_of_registry_root(take_name(rest));
+    if (!depth) cursor.refuse("the key has no known root");
+    for (; !rest.empty(); take_name(rest)) ++*depth;
+    if (*depth > kMaxKeyDepth) cursor.refuse("the key is too deep");
+    cursor.take_line();
+    return section;
+}
+
+/// A value's line: one that is there, or one that is not.
+struct ValueLine {
+    RegistryValue value;
+    bool deletion = false;
+};
+
+ValueLine take_value(Cursor& cursor) {
+    ValueLine line;
+    if (cursor.take('"')) {
+        line.value.name = cursor.take_quoted();
+    } else if (!cursor.take('@')) {
+        cursor.refuse("this is neither a key nor a value");
     }
-    return path;
+    cursor.skip_blanks();
+    if (!cursor.take('=')) cursor.refuse("an equals sign is missing");
+    cursor.skip_blanks();
+    line.deletion = cursor.take('-');
+    if (!line.deletion) take_data(cursor, line.value);
+    cursor.finish_line();
+    return line;
+}
+
+void take_header(Cursor& cursor) {
+    cursor.take(kUtf8Mark);
+    if (cursor.peek_line() != kRegistryHeader.substr(0, kRegistryHeader.size() - 1)) cursor.refuse(kNoHeader);
+    cursor.take_line();
 }
 
 }  // namespace
@@ -188,53 +231,30 @@ std::u16string section_path(const Cursor& cursor, std::string_view section) {
 void RegistryReader::read(std::string_view text) {
     Cursor cursor(text, line_);
     if (!header_seen_ && !text.empty()) {
-        const std::size_t line = line_;
-        cursor.take(kUtf8Mark);
-        if (cursor.take_line() != kRegistryHeader.substr(0, kRegistryHeader.size() - 1)) {
-            throw RegistryDamage(line, kNoHeader);
-        }
+        take_header(cursor);
         header_seen_ = true;
     }
     while (!cursor.at_end()) {
         cursor.skip_blanks();
-        const char first = cursor.peek();
-        if (first == ';' || first == '\r' || first == '\n') {
-            cursor.finish_line();
-            continue;
-        }
-        const std::size_t line = line_;
-        if (cursor.take('[')) {
-            const bool deletion = cursor.take('-');
-            const std::string_view section = cursor.take_line();
-            line_ = line;
-            std::u16string path = section_path(cursor, section);
-            line_ = line + 1;
-            if (deletion) {
-                changes_.key_deleted(path);
+        if (cursor.at_blank_rest()) {
+            cursor.take_line();
+        } else if (cursor.take('[')) {
+            Section section = take_section(cursor);
+            if (section.deletion) {
+                changes_.key_deleted(section.path);
                 current_key_.clear();
             } else {
-                changes_.key(path);
-                current_key_ = std::move(path);
+                changes_.key(section.path);
+                current_key_ = std::move(section.path);
             }
-            continue;
-        }
-        if (current_key_.empty()) cursor.refuse("a value stands before any key");
-        RegistryValue value;
-        if (cursor.take('"')) {
-            value.name = cursor.take_quoted();
-        } else if (!cursor.take('@')) {
-            cursor.refuse("this is neither a key nor a value");
-        }
-        cursor.skip_blanks();
-        if (!cursor.take('=')) cursor.refuse("an equals sign is missing");
-        cursor.skip_blanks();
-        const bool deletion = cursor.take('-');
-        if (!deletion) take_data(cursor, value);
-        cursor.finish_line();
-        if (deletion) {
-            changes_.value_deleted(value.name);
         } else {
-            changes_.value(std::move(value));
+            if (current_key_.empty()) cursor.refuse("a value stands before any key");
+            ValueLine line = take_value(cursor);
+            if (line.deletion) {
+                changes_.value_deleted(line.value.name);
+            } else {
+                changes_.value(std::move(line.value));
+            }
         }
     }
 }
@@ -245,7 +265,8 @@ std::string registry_from_utf16(std::string_view bytes) {
     std::u16string text;
     text.reserve(bytes.size() / 2);
     for (std::size_t i = kUtf16Mark.size(); i + 1 < bytes.size(); i += 2) {
-        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) | static_cast<unsigned char>(bytes[i + 1]) << 8);
+        text +=
+            static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) | static_cast<unsigned char>(bytes[i + 1]) << 8);
     }
     return to_utf8(text);
 }

@@ -307,8 +307,8 @@ std::int32_t RegistryService::answer_data(const RegistryValue& value, std::uint3
     return result;
 }
 
-std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::uint32_t type,
-                                        const std::uint8_t* data, std::uint32_t data_size) noexcept {
+std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::uint32_t type, const std::uint8_t* data,
+                                        std::uint32_t data_size) noexcept {
     return answered([&]() -> std::int32_t {
         if (data == nullptr && data_size > 0) return kInvalidParameter;
         RegistryValue value{wide(name), type, {}};
@@ -336,7 +336,8 @@ RegistryStore* RegistryService::remote_store(std::string_view computer) {
     if (known_remote != remotes_.end()) return known_remote->second.get();
     if (folder_.empty()) return nullptr;
     std::error_code error;
-    for (std::filesystem::directory_iterator it(folder_ / "remote", error), end; !error && it != end; it.increment(error)) {
+    for (std::filesystem::directory_iterator it(folder_ / "remote", error), end; !error && it != end;
+         it.increment(error)) {
         if (to_upper(from_utf8(it->path().filename().native())) != name) continue;
         return remotes_.emplace(name, make_store(it->path() / "registry")).first->second.get();
     }

@@ -29,13 +29,15 @@ public:
     /// Changes the registry by a registry text, in either encoding. Raises RegistryDamage.
     void import(const std::string& text);
 
-    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access, RegistryKey& key) noexcept override;
+    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
+                          RegistryKey& key) noexcept override;
     std::int32_t create_key(RegistryKey parent, const char* path, const char* class_name, std::uint32_t access,
                             const SecurityAttributes& attributes, RegistryKey& key) noexcept override;
     std::int32_t close_key(RegistryKey key) noexcept override;
     std::int32_t delete_key(RegistryKey parent, const char* path) noexcept override;
     std::int32_t delete_value(RegistryKey key, const char* name) noexcept override;
-    std::int32_t enum_key(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length) noexcept override;
+    std::int32_t enum_key(RegistryKey key, std::uint32_t index, char* name,
+                          std::uint32_t& name_length) noexcept override;
     std::int32_t enum_value(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length,
                             std::uint32_t& type, std::uint8_t* data, std::uint32_t& data_size) noexcept override;
     std::int32_t query_value(RegistryKey key, const char* name, std::uint32_t& type, std::uint8_t* data,

@@ -16,7 +16,7 @@ constexpr std::string_view kPreamble =
 constexpr std::size_t kTailSize = 256;
 
 /// Less than this is not worth writing a whole file for.
-constexpr std::size_t kLeastSupersededSize = 64 * 1024;
+constexpr std::size_t kLeastSupersededSize = std::size_t{64} * 1024;
 
 std::string new_file_text() { return std::string(kRegistryHeader) + std::string(kPreamble); }
 
@@ -58,7 +58,7 @@ void RegistryStore::catch_up() {
             load();
         }
     }
-    if (damage_) throw *damage_;
+    if (damage_) throw RegistryDamage(*damage_);
 }
 
 bool RegistryStore::has_grown(const FileStamp& stamp) const {
@@ -150,7 +150,7 @@ bool RegistryStore::pays_to_rewrite() const {
 void RegistryStore::rewrite() {
     // From the file and not from memory, which does not know what someone may have edited in the middle.
     load();
-    if (damage_) throw *damage_;
+    if (damage_) throw RegistryDamage(*damage_);
     RegistryWriter writer;
     tree_->tell(writer);
     file_->replace(new_file_text() + writer.text());

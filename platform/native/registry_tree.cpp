@@ -16,6 +16,7 @@ struct Root {
 
 constexpr Root kClasses = {kHkeyClassesRoot, u"HKEY_CLASSES_ROOT"};
 constexpr char16_t kClassesPath[] = u"Software\\Classes";
+constexpr std::size_t kClassesDepth = 2;
 constexpr Root kRoots[] = {
     {kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"},
     {kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
@@ -37,7 +38,8 @@ RegistryNode& create(RegistryNode& from, std::u16string_view path) {
         auto created = std::make_shared<RegistryNode>();
         created->name = name;
         created->parent = &from;
-        node = &from.subkeys.add(std::move(created));
+        node = created.get();
+        from.subkeys.add(created);
     }
     return create(*node, path);
 }
@@ -63,10 +65,11 @@ std::u16string_view take_name(std::u16string_view& path) {
     return name;
 }
 
-bool is_registry_root(std::u16string_view name) {
-    return equal_ignoring_case(name, kClasses.name) ||
-           std::any_of(std::begin(kRoots), std::end(kRoots),
-                       [name](const Root& root) { return equal_ignoring_case(name, root.name); });
+std::optional<std::size_t> depth_of_registry_root(std::u16string_view name) {
+    if (equal_ignoring_case(name, kClasses.name)) return kClassesDepth;
+    const bool is_root = std::any_of(std::begin(kRoots), std::end(kRoots),
+                                     [name](const Root& root) { return equal_ignoring_case(name, root.name); });
+    return is_root ? std::optional<std::size_t>(0) : std::nullopt;
 }
 
 std::u16string RegistryNode::path() const { return parent == nullptr ? name : parent->path() + u'\\' + name; }
@@ -83,7 +86,7 @@ RegistryTree::RegistryTree() {
     for (const Root& root : kRoots) {
         auto node = std::make_shared<RegistryNode>();
         node->name = root.name;
-        roots_.add(std::move(node));
+        roots_.add(node);
     }
     classes_ = &create(*root(kHkeyLocalMachine), kClassesPath);
 }
@@ -135,12 +138,12 @@ void RegistryTree::key_deleted(std::u16string_view path) {
 void RegistryTree::value(RegistryValue value) {
     if (current_ == nullptr) return;
     auto told = std::make_unique<RegistryValue>(std::move(value));
-    RegistryValue& holder = current_->values.add(std::move(told));
-    if (told == nullptr) return;
-    superseded_size_ += text_size(holder);
-    // The name keeps the case in which it came first.
-    holder.type = told->type;
-    holder.data = std::move(told->data);
+    if (RegistryValue* known = current_->values.add(told)) {
+        superseded_size_ += text_size(*known);
+        // The name keeps the case in which it came first.
+        known->type = told->type;
+        known->data = std::move(told->data);
+    }
 }
 
 void RegistryTree::value_deleted(std::u16string_view name) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -29,12 +30,12 @@ public:
         const auto found = names_.find(name);
         return found == names_.end() ? nullptr : *found;
     }
-    /// The element that has the name: the new one, unless another has it already and `element` stays where it
-    /// is.
-    Element& add(Owner&& element) {
-        Element& holder = **names_.insert(element.get()).first;
-        if (&holder == element.get()) order_.push_back(std::move(element));
-        return holder;
+    /// Takes the element over and answers null. When its name is taken, leaves it and answers who has that.
+    Element* add(Owner& element) {
+        const auto [holder, added] = names_.insert(element.get());
+        if (!added) return *holder;
+        order_.push_back(std::move(element));
+        return nullptr;
     }
     void remove(Element& element) {
         names_.erase(&element);
@@ -120,7 +121,7 @@ private:
     std::size_t superseded_size_ = 0;
 };
 
-/// Whether this is the name of a predefined root, of the classes' too.
-bool is_registry_root(std::u16string_view name);
+/// How deep the key lies that a predefined root's name stands for; nothing when it is no root's.
+std::optional<std::size_t> depth_of_registry_root(std::u16string_view name);
 
 }  // namespace vex::platform::native

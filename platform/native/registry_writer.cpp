@@ -15,11 +15,20 @@ void put_quoted(std::string& text, std::u16string_view content) {
     text += '"';
     for (const char c : to_utf8(content)) {
         switch (c) {
-            case '\\': text += "\\\\"; break;
-            case '"': text += "\\\""; break;
-            case '\n': text += "\\n"; break;
-            case '\r': text += "\\r"; break;
-            default: text += c;
+            case '\\':
+                text += "\\\\";
+                break;
+            case '"':
+                text += "\\\"";
+                break;
+            case '\n':
+                text += "\\n";
+                break;
+            case '\r':
+                text += "\\r";
+                break;
+            default:
+                text += c;
         }
     }
     text += '"';

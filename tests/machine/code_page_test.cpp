@@ -25,7 +25,9 @@ TEST(CodePage1252, CharactersStandWhereThePageHasThem) {
 }
 
 TEST(CodePage1252, WhatThePageLacksBecomesAQuestionMarkForEachUnit) {
-    EXPECT_EQ(kCodePage.to_ansi(u"a\x4E2D\x0101" u"b\xD83D\xDE00\xFFFD"), "a??b???");
+    EXPECT_EQ(kCodePage.to_ansi(u"a\x4E2D\x0101"
+                                u"b\xD83D\xDE00\xFFFD"),
+              "a??b???");
     EXPECT_EQ(kCodePage.to_ansi(u"\x0080"), "?") << "a control character whose byte is another character's";
 }
 

@@ -106,7 +106,9 @@ TEST_F(Machine, TheSpellingAskedForComesFirst) {
     EXPECT_EQ(real_path(u"C:\\SAME"), drive_c / "SAME");
     EXPECT_EQ(real_path(u"C:\\Same"), drive_c / "SAME") << "always the same of those that differ";
     write_file(drive_c / "Größe", "");
-    EXPECT_EQ(real_path(u"C:\\GR\xD6\xDF" u"E"), drive_c / "Größe");
+    EXPECT_EQ(real_path(u"C:\\GR\xD6\xDF"
+                        u"E"),
+              drive_c / "Größe");
 }
 
 TEST_F(Machine, RealFilesHaveDriveLetterPaths) {

@@ -54,9 +54,16 @@ TEST_F(RegistryContract, NamesAreFoundInAnyCaseAndKeepTheirs) {
 }
 
 TEST_F(RegistryContract, CaseIsFoldedBeyondAscii) {
-    const std::string lower = side_code_page().to_ansi(u"gr\xF6\xDF" u"e \xE9");
-    const std::string upper = side_code_page().to_ansi(u"GR\xD6\xDF" u"E \xC9");
-    if (side_code_page().from_ansi(lower) != u"gr\xF6\xDF" u"e \xE9") GTEST_SKIP() << "the code page lacks the letters";
+    const std::string lower = side_code_page().to_ansi(
+        u"gr\xF6\xDF"
+        u"e \xE9");
+    const std::string upper = side_code_page().to_ansi(
+        u"GR\xD6\xDF"
+        u"E \xC9");
+    if (side_code_page().from_ansi(lower) !=
+        u"gr\xF6\xDF"
+        u"e \xE9")
+        GTEST_SKIP() << "the code page lacks the letters";
     Key::created(key.get(), lower);
     EXPECT_TRUE(Key::opened(key.get(), upper));
     EXPECT_THAT(key.subkeys(), UnorderedElementsAre(lower));
@@ -85,7 +92,8 @@ TEST_F(RegistryContract, KeyNamesHaveUpTo255Characters) {
     Key::created(key.get(), longest);
     EXPECT_THAT(key.subkeys(), UnorderedElementsAre(longest));
     RegistryKey created = 0;
-    EXPECT_THAT(registry.create_key(key.get(), (longest + 'n').c_str(), nullptr, kKeyAllAccess, {}, created), Ne(kSuccess));
+    EXPECT_THAT(registry.create_key(key.get(), (longest + 'n').c_str(), nullptr, kKeyAllAccess, {}, created),
+                Ne(kSuccess));
 }
 
 TEST_F(RegistryContract, SubKeysStopADeletion) {
@@ -176,7 +184,8 @@ TEST_F(RegistryContract, AKeyOpenedForWritingRefusesReading) {
 // ---- Values
 
 TEST_F(RegistryContract, ValuesComeBackAsTheyWereWritten) {
-    const std::uint32_t types[] = {kRegNone, kRegSz, kRegExpandSz, kRegBinary, kRegDword, 5, 6, kRegMultiSz, 11, 0x1234};
+    const std::uint32_t types[] = {kRegNone, kRegSz, kRegExpandSz, kRegBinary, kRegDword,
+                                   5,        6,      kRegMultiSz,  11,         0x1234};
     for (const std::uint32_t type : types) {
         for (const std::size_t size : {0, 1, 2, 3, 4, 255, 1023, 1024, 1025, 4097}) {
             SCOPED_TRACE("type " + std::to_string(type) + " size " + std::to_string(size));
@@ -193,7 +202,8 @@ TEST_F(RegistryContract, EveryByteOfATextSurvives) {
     for (int byte = 1; byte < 256; ++byte) {
         const std::string one(1, static_cast<char>(byte));
         // Bytes that the code page has no character for are not promised.
-        if (side_code_page().to_ansi(side_code_page().from_ansi(one)) == one) data.push_back(static_cast<std::uint8_t>(byte));
+        if (side_code_page().to_ansi(side_code_page().from_ansi(one)) == one)
+            data.push_back(static_cast<std::uint8_t>(byte));
     }
     data.push_back(0);
     for (const std::uint32_t type : {kRegSz, kRegExpandSz, kRegMultiSz}) {
@@ -314,7 +324,8 @@ TEST_F(RegistryContract, NamesAndDataMayBeLong) {
 
 TEST_F(RegistryContract, AComputerThatIsNotThereIsUnreachable) {
     RegistryKey remote = 0;
-    EXPECT_EQ(registry.connect_registry("\\\\vex-no-such-computer", registry_key(kHkeyLocalMachine), remote), kBadNetPath);
+    EXPECT_EQ(registry.connect_registry("\\\\vex-no-such-computer", registry_key(kHkeyLocalMachine), remote),
+              kBadNetPath);
     EXPECT_EQ(remote, 0);
 }
 

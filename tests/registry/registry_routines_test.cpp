@@ -27,7 +27,8 @@ class ObservedRegistry final : public ForwardingRegistry {
 public:
     using ForwardingRegistry::ForwardingRegistry;
 
-    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access, RegistryKey& key) noexcept override {
+    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
+                          RegistryKey& key) noexcept override {
         last_path = path;
         last_access = access;
         return opened(ForwardingRegistry::open_key(parent, path, access, key), key);
@@ -258,7 +259,8 @@ std::vector<ReadCase> read_cases() {
     for (const std::size_t size : kSizes) {
         cases.push_back({"bytes", kRegBinary, letters(size), AutomationValue(letters(size))});
         cases.push_back({"long text", kRegSz, letters(size), AutomationValue(wide_letters(size - 1))});
-        if (size > 2) cases.push_back({"long list", kRegMultiSz, letters(size), AutomationValue(wide_letters(size - 2))});
+        if (size > 2)
+            cases.push_back({"long list", kRegMultiSz, letters(size), AutomationValue(wide_letters(size - 2))});
     }
     return cases;
 }
@@ -272,7 +274,8 @@ TEST_F(RegistryRoutinesContract, ReadingConvertsByTypeAndSize) {
             EXPECT_TRUE(routines.GetRegistryValue(u"v").is_empty()) << "an omitted default is empty";
         }
 
-        const AutomationValue remote = each.expected == kDefault ? AutomationValue() : each.remote.value_or(each.expected);
+        const AutomationValue remote =
+            each.expected == kDefault ? AutomationValue() : each.remote.value_or(each.expected);
         EXPECT_EQ(routines.ReadRemoteRegistryValue(kComputer, kHkeyCurrentUser, u"v", kWideTestPath), remote);
     }
 }
@@ -340,7 +343,8 @@ TEST_F(RegistryRoutinesContract, WritingConvertsByType) {
         EXPECT_EQ(observed.last_access, kKeyWrite);
         EXPECT_EQ(key.get("v"), std::pair(each.type, each.expected));
 
-        EXPECT_TRUE(routines.WriteRemoteRegistryValue(kComputer, kHkeyCurrentUser, u"far", each.value, each.type, kWideTestPath));
+        EXPECT_TRUE(routines.WriteRemoteRegistryValue(kComputer, kHkeyCurrentUser, u"far", each.value, each.type,
+                                                      kWideTestPath));
         EXPECT_EQ(key.get("far"), std::pair(each.type, each.expected));
     }
 }
@@ -459,7 +463,8 @@ TEST_F(RegistryRoutinesContract, EnumRegistryValuesRaisesWhatCannotBeCut) {
 // ---- Other computers
 
 TEST_F(RegistryRoutinesContract, AnUnreachableComputerReadsAsErrorAndRaisesOnWriting) {
-    EXPECT_EQ(routines.ReadRemoteRegistryValue(u"\\\\nowhere", kHkeyCurrentUser, u"v", kWideTestPath), AutomationValue(u"Error!"));
+    EXPECT_EQ(routines.ReadRemoteRegistryValue(u"\\\\nowhere", kHkeyCurrentUser, u"v", kWideTestPath),
+              AutomationValue(u"Error!"));
     expect_error(kTypeMismatch, [&] {
         routines.WriteRemoteRegistryValue(u"\\\\nowhere", kHkeyCurrentUser, u"v", u"text", kRegSz, kWideTestPath);
     });

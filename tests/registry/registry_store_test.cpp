@@ -173,7 +173,8 @@ TEST_F(RegistryStoreTest, ProcessesThatWriteAtOnceLoseNothing) {
         bool all = true;
         for (int i = 0; i < kValues; ++i) {
             // Values of their own, and one that all change, so that there is something to tidy up.
-            all = all && process.write("Key " + std::to_string(i % 7), std::to_string(writer) + '-' + std::to_string(i), "v") == kSuccess;
+            all = all && process.write("Key " + std::to_string(i % 7), std::to_string(writer) + '-' + std::to_string(i),
+                                       "v") == kSuccess;
             all = all && process.write("Key", "shared", std::to_string(writer) + std::string(300, 'x')) == kSuccess;
         }
         ::_exit(all ? 0 : 1);
@@ -186,7 +187,8 @@ TEST_F(RegistryStoreTest, ProcessesThatWriteAtOnceLoseNothing) {
     Process process(folder);
     for (int writer = 0; writer < kWriters; ++writer) {
         for (int i = 0; i < kValues; ++i) {
-            ASSERT_EQ(process.read("Key " + std::to_string(i % 7), std::to_string(writer) + '-' + std::to_string(i)), "v");
+            ASSERT_EQ(process.read("Key " + std::to_string(i % 7), std::to_string(writer) + '-' + std::to_string(i)),
+                      "v");
         }
     }
     EXPECT_LT(std::filesystem::file_size(file), 400'000U) << "the file was tidied up meanwhile";
@@ -295,7 +297,8 @@ TEST_F(RegistryStoreTest, ADamagedFileIsRefusedAndNeverOverwritten) {
 
 TEST_F(RegistryStoreTest, AnExportInPlaceOfTheFileIsTakenOver) {
     std::string bytes = "\xFF\xFE";
-    for (const char c : std::string("Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvan]\r\n\"v\"=\"1\"")) {
+    for (const char c : std::string(
+             "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvan]\r\n\"v\"=\"1\"")) {
         bytes += c;
         bytes += '\0';
     }
@@ -314,15 +317,17 @@ TEST_F(RegistryStoreTest, AnImportIsMergedWholeOrNotAtAll) {
     Process process(folder);
     process.write("Key", "kept", "1");
     process.write("Key", "gone", "1");
-    process.service.import(std::string(kRegistryHeader) +
-                           "[HKEY_LOCAL_MACHINE\\Key]\n\"gone\"=-\n\"new\"=\"2\"\n[HKEY_CURRENT_USER\\Other]\n@=\"x\"\n");
+    process.service.import(
+        std::string(kRegistryHeader) +
+        "[HKEY_LOCAL_MACHINE\\Key]\n\"gone\"=-\n\"new\"=\"2\"\n[HKEY_CURRENT_USER\\Other]\n@=\"x\"\n");
     for (int i = 0; i < 2; ++i) {
         Process again(folder);
         EXPECT_EQ(again.read("Key", "kept"), "1");
         EXPECT_EQ(again.read("Key", "gone"), "(2)");
         EXPECT_EQ(again.read("Key", "new"), "2");
-        EXPECT_THROW(again.service.import(std::string(kRegistryHeader) + "[HKEY_LOCAL_MACHINE\\Key]\n\"new\"=\"3\"\noops\n"),
-                     RegistryDamage);
+        EXPECT_THROW(
+            again.service.import(std::string(kRegistryHeader) + "[HKEY_LOCAL_MACHINE\\Key]\n\"new\"=\"3\"\noops\n"),
+            RegistryDamage);
     }
 }
 
@@ -372,7 +377,9 @@ TEST_F(RegistryStoreTest, AWriteThatFailsHalfwayLeavesTheFileWhole) {
 TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachine) {
     Process process(folder);
     RegistryKey key = 0;
-    ASSERT_EQ(process.service.create_key(registry_key(kHkeyClassesRoot), "Some.Class\\CLSID", nullptr, kKeyAllAccess, {}, key), kSuccess);
+    ASSERT_EQ(process.service.create_key(registry_key(kHkeyClassesRoot), "Some.Class\\CLSID", nullptr, kKeyAllAccess,
+                                         {}, key),
+              kSuccess);
     EXPECT_NE(process.open("SOFTWARE\\Classes\\some.class\\clsid"), 0);
     EXPECT_EQ(process.service.delete_key(registry_key(kHkeyClassesRoot), ""), kAccessDenied);
     EXPECT_EQ(process.service.delete_key(kRoot, "Software\\Classes"), kAccessDenied);
@@ -394,7 +401,8 @@ TEST_F(RegistryStoreTest, NamesThatTheFileCannotHoldAreRefused) {
 
 TEST_F(RegistryStoreTest, OtherComputersAreFoldersWithARegistryOfTheirOwn) {
     std::filesystem::create_directories(folder / "remote/Workshop");
-    write_file(folder / "remote/Workshop/registry", std::string(kRegistryHeader) + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"far\"\n");
+    write_file(folder / "remote/Workshop/registry",
+               std::string(kRegistryHeader) + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"far\"\n");
     Process process(folder);
     process.write("Key", "v", "near");
     RegistryKey remote = 0;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "core/unicode.h"
 #include "platform/native/registry_tree.h"
@@ -60,21 +61,22 @@ constexpr char16_t kExport[] =
 TEST(RegistryText, AnExportOfTheRealThingIsRead) {
     const std::string bytes = utf16(kExport);
     ASSERT_TRUE(is_utf16_registry(bytes));
-    EXPECT_EQ(rewritten(registry_from_utf16(bytes)),
-              "\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3]\n"
-              "@=\"Brivola\"\n"
-              "\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3\\Settings]\n"
-              "\"AppPath\"=\"C:\\\\Program Files\\\\Brivola\\\\\"\n"
-              "\"Quoted \\\"name\\\"\"=\"Zürich €\"\n"
-              "\"EnableXPort\"=\"TRUE\"\n"
-              "\"Count\"=dword:0000002a\n"
-              "\"Window\"=hex:2c,00,00,00,00,00,00,00,01,00,00,00,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,16,00,"
-              "00,00,1d,00,00,00\n"
-              "\"Home\"=hex(2):25,00,48,00,25,00,00,00\n"
-              "\"List\"=hex(7):61,00,00,00,62,00,00,00,00,00\n"
-              "\"Big\"=hex(b):01,02,03,04,05,06,07,08\n"
-              "\"Nothing\"=hex(0):\n"
-              "\"Two lines\"=hex(1):66,00,69,00,72,00,73,00,74,00,0d,00,0a,00,73,00,65,00,63,00,6f,00,6e,00,64,00,00,00\n");
+    EXPECT_EQ(
+        rewritten(registry_from_utf16(bytes)),
+        "\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3]\n"
+        "@=\"Brivola\"\n"
+        "\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3\\Settings]\n"
+        "\"AppPath\"=\"C:\\\\Program Files\\\\Brivola\\\\\"\n"
+        "\"Quoted \\\"name\\\"\"=\"Zürich €\"\n"
+        "\"EnableXPort\"=\"TRUE\"\n"
+        "\"Count\"=dword:0000002a\n"
+        "\"Window\"=hex:2c,00,00,00,00,00,00,00,01,00,00,00,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,ff,16,00,"
+        "00,00,1d,00,00,00\n"
+        "\"Home\"=hex(2):25,00,48,00,25,00,00,00\n"
+        "\"List\"=hex(7):61,00,00,00,62,00,00,00,00,00\n"
+        "\"Big\"=hex(b):01,02,03,04,05,06,07,08\n"
+        "\"Nothing\"=hex(0):\n"
+        "\"Two lines\"=hex(1):66,00,69,00,72,00,73,00,74,00,0d,00,0a,00,73,00,65,00,63,00,6f,00,6e,00,64,00,00,00\n");
 }
 
 TEST(RegistryText, PeopleMayWriteItLoosely) {
@@ -107,11 +109,12 @@ TEST(RegistryText, PeopleMayWriteItLoosely) {
 }
 
 TEST(RegistryText, DeletingARootOrTheClassesLeavesThemEmpty) {
-    EXPECT_EQ(rewritten(kHeader +
-                        "[HKEY_LOCAL_MACHINE\\Software\\Classes\\X]\n[HKEY_CURRENT_USER\\A\\B]\n@=\"\"\n"
-                        "[-HKEY_LOCAL_MACHINE\\Software]\n[-HKEY_CURRENT_USER]\n[-HKEY_LOCAL_MACHINE]\n[-HKEY_CLASSES_ROOT]\n"
-                        "[HKEY_CLASSES_ROOT]\n\"after\"=\"wards\"\n"),
-              "\n[HKEY_LOCAL_MACHINE\\Software\\Classes]\n\"after\"=\"wards\"\n");
+    EXPECT_EQ(
+        rewritten(kHeader +
+                  "[HKEY_LOCAL_MACHINE\\Software\\Classes\\X]\n[HKEY_CURRENT_USER\\A\\B]\n@=\"\"\n"
+                  "[-HKEY_LOCAL_MACHINE\\Software]\n[-HKEY_CURRENT_USER]\n[-HKEY_LOCAL_MACHINE]\n[-HKEY_CLASSES_ROOT]\n"
+                  "[HKEY_CLASSES_ROOT]\n\"after\"=\"wards\"\n"),
+        "\n[HKEY_LOCAL_MACHINE\\Software\\Classes]\n\"after\"=\"wards\"\n");
 }
 
 struct Damage {
@@ -146,7 +149,8 @@ TEST(RegistryText, DamageIsToldWithItsLine) {
         {"K\"v\"=hex(2:01\n", 3},
         {"K\"v\"=hex:0g\n", 3},
         {"K\"v\"=hex:001\n", 3},
-        {"K\"v\"=hex:01,\\ 02\n", 4},
+        {"K\"v\"=hex:01,\\ 02\n", 3},
+        {"K\rv\n", 3},
         {"K\"v\"=hex:01,\\\n", 4},
         {"K\"v\"=hex:,01\n", 3},
         {"K\"v\"=hex:01,\n", 3},
@@ -175,11 +179,25 @@ TEST(RegistryText, KeysHaveALimitedDepth) {
     for (std::size_t depth = 0; depth < kMaxKeyDepth; ++depth) path += "\\k";
     EXPECT_EQ(rewritten(kHeader + '[' + path + "]\n"), "\n[" + path + "]\n");
     EXPECT_THROW(rewritten(kHeader + '[' + path + "\\k]\n"), RegistryDamage);
+
+    // The classes lie deeper than their name tells. What was read by it must be readable by the longer one.
+    const std::string classes = "HKEY_CLASSES_ROOT" + path.substr(std::strlen("HKEY_CURRENT_USER\\k\\k"));
+    const std::string deepest = rewritten(kHeader + '[' + classes + "]\n");
+    EXPECT_EQ(rewritten(kHeader + deepest), deepest);
+    EXPECT_THROW(rewritten(kHeader + '[' + classes + "\\k]\n"), RegistryDamage);
 }
 
 TEST(RegistryText, WhatIsWrittenReadsTheSame) {
-    const std::u16string texts[] = {u"", u"plain", u"\"\\", u"tab\there", u"line\nbreak", u"\xFEFF\xFFFD\x7F\x80",
-                                    u"\xD83D\xDE00", u"\xD83D", u"\xDE00\xD83D", std::u16string(u"in\0side", 7)};
+    const std::u16string texts[] = {u"",
+                                    u"plain",
+                                    u"\"\\",
+                                    u"tab\there",
+                                    u"line\nbreak",
+                                    u"\xFEFF\xFFFD\x7F\x80",
+                                    u"\xD83D\xDE00",
+                                    u"\xD83D",
+                                    u"\xDE00\xD83D",
+                                    std::u16string(u"in\0side", 7)};
     RegistryWriter writer;
     writer.key(u"HKEY_USERS\\];[-\"=@\\ blanks ");
     std::vector<RegistryValue> values;
@@ -211,7 +229,8 @@ TEST(RegistryText, WhatIsWrittenReadsTheSame) {
         EXPECT_EQ(node->values[i]->data, values[i].data) << to_utf8(values[i].name);
     }
     // One line each, so that a line that was cut short is one change.
-    EXPECT_EQ(static_cast<std::size_t>(std::count(writer.text().begin(), writer.text().end(), '\n')), values.size() + 2);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(writer.text().begin(), writer.text().end(), '\n')),
+              values.size() + 2);
 }
 
 }  // namespace

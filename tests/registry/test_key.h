@@ -32,7 +32,8 @@ public:
     static Key created(platform::RegistryKey parent, const std::string& path,
                        std::uint32_t access = platform::kKeyAllAccess) {
         platform::RegistryKey key = 0;
-        EXPECT_EQ(side_registry().create_key(parent, path.c_str(), nullptr, access, {}, key), platform::kSuccess) << path;
+        EXPECT_EQ(side_registry().create_key(parent, path.c_str(), nullptr, access, {}, key), platform::kSuccess)
+            << path;
         return Key(key);
     }
     /// A null key when it does not open.

@@ -109,9 +109,9 @@ TEST(AutomationValue, TextsBecome16BitNumbersOnlyWhenWhole) {
 
 TEST(AutomationValue, LeadingNumbersStopAtTheFirstOtherCharacter) {
     const std::pair<std::u16string, double> cases[] = {
-        {u"", 0},           {u"abc", 0},   {u".", 0},      {u"-1", 0},   {u" 1", 0},      {u"192", 192},
-        {u"9600 baud", 9600}, {u"4.05", 4.05}, {u"3.2.1", 3.2}, {u".5x", 0.5}, {u"7.", 7},      {u"1e3", 1},
-        {u"12,5", 12},      {u"0.0000", 0}, {u"\x0663", 0},
+        {u"", 0},      {u"abc", 0},          {u".", 0},       {u"-1", 0},      {u" 1", 0},
+        {u"192", 192}, {u"9600 baud", 9600}, {u"4.05", 4.05}, {u"3.2.1", 3.2}, {u".5x", 0.5},
+        {u"7.", 7},    {u"1e3", 1},          {u"12,5", 12},   {u"0.0000", 0},  {u"\x0663", 0},
     };
     for (const auto& [text, number] : cases) EXPECT_DOUBLE_EQ(leading_number(text), number) << to_utf8(text);
     EXPECT_EQ(leading_number(kHugeNumber), std::numeric_limits<double>::infinity());

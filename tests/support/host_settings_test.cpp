@@ -17,7 +17,8 @@ public:
     RedirectedRegistry(Registry& target, RegistryKey local_machine)
         : ForwardingRegistry(target), local_machine_(local_machine) {}
 
-    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access, RegistryKey& key) noexcept override {
+    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
+                          RegistryKey& key) noexcept override {
         EXPECT_EQ(parent, registry_key(kHkeyLocalMachine));
         return ForwardingRegistry::open_key(local_machine_, path, access, key);
     }
