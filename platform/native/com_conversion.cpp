@@ -40,8 +40,8 @@ HRESULT parse_based(std::u16string_view text, Number& number) noexcept {
     for (const char16_t character : text.substr(1)) {
         const char16_t upper = to_upper(character);
         std::uint64_t digit = base;
-        if (upper >= u'0' && upper <= u'9') digit = static_cast<std::uint64_t>(upper - u'0');
-        if (upper >= u'A' && upper <= u'F') digit = static_cast<std::uint64_t>(upper - u'A' + 10);
+        if (upper >= u'0' && upper <= u'9') digit = std::uint64_t{upper} - u'0';
+        if (upper >= u'A' && upper <= u'F') digit = std::uint64_t{upper} - u'A' + 10;
         if (digit >= base) return DISP_E_TYPEMISMATCH;
         value = value * base + digit;
         if (value > std::numeric_limits<std::uint32_t>::max()) return DISP_E_OVERFLOW;
@@ -50,57 +50,84 @@ HRESULT parse_based(std::u16string_view text, Number& number) noexcept {
     return S_OK;
 }
 
-/// A decimal number: blanks around, a sign before or behind, commas between whole digits, an exponent.
+/// Reads a decimal number: blanks around, a sign before or behind, commas between whole digits, an exponent.
+class DecimalReader {
+public:
+    explicit DecimalReader(std::u16string_view text) noexcept : rest_(text) {}
+
+    HRESULT read(Number& number) {
+        take_sign();
+        bool any = take_digits(true);
+        if (take(u'.')) {
+            plain_ += '.';
+            any = take_digits(false) || any;
+        }
+        if (!any || !take_exponent() || !rest_.empty()) return DISP_E_TYPEMISMATCH;
+        const auto [end, error] = std::from_chars(plain_.data(), plain_.data() + plain_.size(), number);
+        return error == std::errc() ? S_OK : DISP_E_OVERFLOW;
+    }
+
+private:
+    static bool is_sign(char16_t character) noexcept { return character == u'-' || character == u'+'; }
+    static bool is_digit(char16_t character) noexcept { return character >= u'0' && character <= u'9'; }
+
+    bool take(char16_t character) noexcept {
+        if (rest_.empty() || rest_.front() != character) return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+
+    void take_sign() {
+        char16_t sign = u'+';
+        if (!rest_.empty() && is_sign(rest_.front())) {
+            sign = rest_.front();
+            rest_.remove_prefix(1);
+        } else if (!rest_.empty() && is_sign(rest_.back())) {
+            sign = rest_.back();
+            rest_.remove_suffix(1);
+        }
+        rest_ = trimmed(rest_);
+        if (sign == u'-') plain_ += '-';
+    }
+
+    /// Whether there was any digit. Commas between digits are skipped where they are allowed.
+    bool take_digits(bool commas) {
+        bool any = false;
+        while (!rest_.empty() && (is_digit(rest_.front()) || (commas && any && rest_.front() == u','))) {
+            if (is_digit(rest_.front())) plain_ += static_cast<char>(rest_.front());
+            any = true;
+            rest_.remove_prefix(1);
+        }
+        return any;
+    }
+
+    /// False for an exponent without digits; having none is fine.
+    bool take_exponent() {
+        if (!take(u'e') && !take(u'E')) return true;
+        plain_ += 'e';
+        if (take(u'-')) {
+            plain_ += '-';
+        } else {
+            take(u'+');
+        }
+        return take_digits(false);
+    }
+
+    std::u16string_view rest_;
+    /// What has been read, as the standard library reads numbers.
+    std::string plain_;
+};
+
 HRESULT parse_number(std::u16string_view text, Number& number) {
     text = trimmed(text);
     if (!text.empty() && text.front() == u'&') return parse_based(text.substr(1), number);
-    std::string plain;
-    const auto take_sign = [&text](bool front) {
-        const char16_t character = text.empty() ? u'\0' : (front ? text.front() : text.back());
-        if (character != u'-' && character != u'+') return '\0';
-        front ? text.remove_prefix(1) : text.remove_suffix(1);
-        text = trimmed(text);
-        return static_cast<char>(character);
-    };
-    char sign = take_sign(true);
-    if (sign == '\0') sign = take_sign(false);
-    if (sign == '-') plain += '-';
-
-    std::size_t at = 0;
-    const auto take_digits = [&text, &at, &plain](bool commas) {
-        bool any = false;
-        for (; at < text.size(); ++at) {
-            if (text[at] >= u'0' && text[at] <= u'9') {
-                plain += static_cast<char>(text[at]);
-                any = true;
-            } else if (!commas || !any || text[at] != u',') {
-                break;
-            }
-        }
-        return any;
-    };
-    bool any = take_digits(true);
-    if (at < text.size() && text[at] == u'.') {
-        plain += '.';
-        ++at;
-        any = take_digits(false) || any;
-    }
-    if (!any) return DISP_E_TYPEMISMATCH;
-    if (at < text.size() && (text[at] == u'e' || text[at] == u'E')) {
-        plain += 'e';
-        ++at;
-        if (at < text.size() && (text[at] == u'+' || text[at] == u'-')) plain += static_cast<char>(text[at++]);
-        if (!take_digits(false)) return DISP_E_TYPEMISMATCH;
-    }
-    if (at != text.size()) return DISP_E_TYPEMISMATCH;
-    const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), number);
-    return error == std::errc() ? S_OK : DISP_E_OVERFLOW;
+    return DecimalReader(text).read(number);
 }
 
 std::u16string integer_text(Number number) {
     char text[32];
     const auto [end, error] = std::to_chars(std::begin(text), std::end(text), number, std::chars_format::fixed, 0);
-    return std::u16string(std::begin(text), end);
+    return {std::begin(text), end};
 }
 
 std::u16string real_text(double number, int significant_digits) {

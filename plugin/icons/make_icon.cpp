@@ -74,7 +74,8 @@ private:
             std::string color;
             text >> letter >> color;
             if (letter == "pixels") return;
-            const bool is_number = color.size() == 6 && color.find_first_not_of("0123456789ABCDEFabcdef") == color.npos;
+            const bool is_number =
+                color.size() == 6 && color.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos;
             if (letter.size() != 1 || (color != "transparent" && !is_number)) fail("a colour expected");
             if (color == "transparent") {
                 letters_[letter[0]] = -1;
@@ -108,7 +109,7 @@ private:
 template <class Pixel>
 void put_rows(Bytes& bytes, const Drawing& drawing, std::uint32_t bits, Pixel pixel) {
     for (std::uint32_t row = drawing.height; row-- > 0;) {
-        Bytes packed((drawing.width * bits + 31) / 32 * 4);
+        Bytes packed((std::size_t{drawing.width} * bits + 31) / 32 * 4);
         for (std::uint32_t column = 0; column < drawing.width; ++column) {
             const std::uint32_t value = pixel(drawing.pixels[row * drawing.width + column]);
             const std::uint32_t at = column * bits;

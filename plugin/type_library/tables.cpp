@@ -12,7 +12,8 @@ std::uint32_t guid_slot(REFGUID guid) {
     ByteBuffer bytes;
     bytes.put(guid);
     std::uint32_t folded = 0;
-    for (std::uint32_t i = 0; i < bytes.size(); i += 2) folded ^= bytes.bytes()[i] | bytes.bytes()[i + 1] << 8;
+    // The 16-bit numbers that the identity consists of, all folded into one.
+    for (std::uint32_t i = 0; i < bytes.size(); ++i) folded ^= std::uint32_t{bytes.bytes()[i]} << (8 * (i % 2));
     return folded % kGuidSlots;
 }
 

@@ -143,7 +143,7 @@ private:
         return TypeTable::simple(VT_VOID);
     }
 
-    void put_parameter(ByteBuffer& out, Type type, std::uint32_t name, std::uint32_t flags) {
+    static void put_parameter(ByteBuffer& out, Type type, std::uint32_t name, std::uint32_t flags) {
         out.put32(type.code);
         out.put32(name);
         out.put32(flags);
