@@ -1,6 +1,4 @@
 // The work steps of a session: resetting and clearing, and the ways of loading firmware.
-#include <ranges>
-
 #include "support/host_folder.h"
 #include "support/text.h"
 #include "update/dlg_handle_sign_option.h"
@@ -19,10 +17,10 @@ constexpr char16_t kDownloader[] = u"\\BIN\\FIRMWARE\\nvSerDownload.exe";
 
 bool dlgHandleSignOption::ResetAndClearDisplays() {
     bool result = false;
-    for (const std::int16_t id : iDisplayIDs | std::views::reverse) {
+    for (auto id = iDisplayIDs.rbegin(); id != iDisplayIDs.rend(); ++id) {
         if (bCancelled) return false;
-        transmission_->set_SignID(id);
-        lblID.set_caption(decimal_text(id));
+        transmission_->set_SignID(*id);
+        lblID.set_caption(decimal_text(*id));
         result = transmission_->ResetAndClear();
         if (!result) return false;
     }
@@ -31,10 +29,10 @@ bool dlgHandleSignOption::ResetAndClearDisplays() {
 
 bool dlgHandleSignOption::DownloadFirmwareToDisplays() {
     bool result = false;
-    for (const std::int16_t id : iDisplayIDs | std::views::reverse) {
+    for (auto id = iDisplayIDs.rbegin(); id != iDisplayIDs.rend(); ++id) {
         if (bCancelled) return false;
-        lblID.set_caption(decimal_text(id));
-        transmission_->set_SignID(id);
+        lblID.set_caption(decimal_text(*id));
+        transmission_->set_SignID(*id);
         result = transmission_->DownloadFirmware(sFirmwareFilename);
         if (!result) return false;
     }
