@@ -130,16 +130,22 @@ public:
         if ((flags & DISPATCH_PROPERTYGET) == 0 || result == nullptr) return DISP_E_MEMBERNOTFOUND;
         VariantInit(result);
         switch (member) {
-            case DISPID_AMBIENT_USERMODE: return answer(*result, true);
+            case DISPID_AMBIENT_USERMODE:
+                return answer(*result, true);
             case DISPID_AMBIENT_UIDEAD:
             case DISPID_AMBIENT_SHOWGRABHANDLES:
             case DISPID_AMBIENT_SHOWHATCHING:
             case DISPID_AMBIENT_DISPLAYASDEFAULT:
-            case DISPID_AMBIENT_SUPPORTSMNEMONICS: return answer(*result, false);
-            case DISPID_AMBIENT_BACKCOLOR: return answer(*result, GetSysColor(COLOR_3DFACE));
-            case DISPID_AMBIENT_FORECOLOR: return answer(*result, GetSysColor(COLOR_BTNTEXT));
-            case DISPID_AMBIENT_LOCALEID: return answer(*result, GetUserDefaultLCID());
-            default: return DISP_E_MEMBERNOTFOUND;
+            case DISPID_AMBIENT_SUPPORTSMNEMONICS:
+                return answer(*result, false);
+            case DISPID_AMBIENT_BACKCOLOR:
+                return answer(*result, GetSysColor(COLOR_3DFACE));
+            case DISPID_AMBIENT_FORECOLOR:
+                return answer(*result, GetSysColor(COLOR_BTNTEXT));
+            case DISPID_AMBIENT_LOCALEID:
+                return answer(*result, GetUserDefaultLCID());
+            default:
+                return DISP_E_MEMBERNOTFOUND;
         }
     }
 

@@ -47,10 +47,17 @@ void ControlWindow::adopt(HWND window) {
 
 void ControlWindow::update(forms::Change change) {
     switch (change) {
-        case forms::Change::caption: SetWindowTextW(window_, wide(control_.caption())); break;
-        case forms::Change::enabled: EnableWindow(window_, control_.enabled()); break;
-        case forms::Change::visible: ShowWindow(window_, control_.visible() ? SW_SHOWNA : SW_HIDE); break;
-        default: break;
+        case forms::Change::caption:
+            SetWindowTextW(window_, wide(control_.caption()));
+            break;
+        case forms::Change::enabled:
+            EnableWindow(window_, control_.enabled());
+            break;
+        case forms::Change::visible:
+            ShowWindow(window_, control_.visible() ? SW_SHOWNA : SW_HIDE);
+            break;
+        default:
+            break;
     }
 }
 
@@ -73,8 +80,8 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wide
         self.window_ = nullptr;
         return CallWindowProcW(system_procedure, window, message, wide_parameter, long_parameter);
     }
-    const auto result = self.context().guarded(
-        [&] { return self.message(message, wide_parameter, long_parameter); }, std::optional<LRESULT>(0));
+    const auto result = self.context().guarded([&] { return self.message(message, wide_parameter, long_parameter); },
+                                               std::optional<LRESULT>(0));
     return result ? *result : self.system_handling(message, wide_parameter, long_parameter);
 }
 

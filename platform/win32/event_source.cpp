@@ -41,8 +41,8 @@ com::ComPtr<ITypeInfo> default_source(ITypeInfo& class_description) {
     for (UINT index = 0; attributes.get() != nullptr && index < attributes.get()->cImplTypes; ++index) {
         int flags = 0;
         HREFTYPE reference = 0;
-        const bool wanted = SUCCEEDED(class_description.GetImplTypeFlags(index, &flags)) &&
-                            (flags & kDefaultSource) == kDefaultSource;
+        const bool wanted =
+            SUCCEEDED(class_description.GetImplTypeFlags(index, &flags)) && (flags & kDefaultSource) == kDefaultSource;
         if (wanted && SUCCEEDED(class_description.GetRefTypeOfImplType(index, &reference)) &&
             SUCCEEDED(class_description.GetRefTypeInfo(reference, source.put()))) {
             break;

@@ -14,9 +14,13 @@ namespace vex::platform::win32 {
 namespace {
 
 constexpr DWORD kFrameStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU;
-constexpr DWORD kFrameExtendedStyle = WS_EX_CONTROLPARENT;
 /// Below it are the numbers that the system uses itself, among them that of the cancel key.
 constexpr int kFirstControlId = 1000;
+
+/// A frame of dialogs shows no icon unless it has one.
+DWORD frame_extended_style(const forms::Form& form) noexcept {
+    return form.icon().empty() ? WS_EX_CONTROLPARENT | WS_EX_DLGMODALFRAME : WS_EX_CONTROLPARENT;
+}
 
 bool is_container(const forms::Control& control) noexcept {
     return control.kind() == forms::ControlKind::panel || control.kind() == forms::ControlKind::tab_pages;
@@ -47,13 +51,16 @@ RECT work_area(HWND near_window) noexcept {
 std::unique_ptr<ControlWindow> ControlWindow::make(Surface& parent, forms::Control& control, int id) {
     using forms::ControlKind;
     switch (control.kind()) {
-        case ControlKind::label: return std::make_unique<LabelWindow>(parent, static_cast<forms::Label&>(control), id);
+        case ControlKind::label:
+            return std::make_unique<LabelWindow>(parent, static_cast<forms::Label&>(control), id);
         case ControlKind::button:
         case ControlKind::option_button:
-        case ControlKind::check_box: return std::make_unique<ButtonWindow>(parent, control, id);
+        case ControlKind::check_box:
+            return std::make_unique<ButtonWindow>(parent, control, id);
         case ControlKind::text_box:
             return std::make_unique<TextBoxWindow>(parent, static_cast<forms::TextBox&>(control), id);
-        case ControlKind::panel: return std::make_unique<PanelWindow>(parent, static_cast<forms::Panel&>(control));
+        case ControlKind::panel:
+            return std::make_unique<PanelWindow>(parent, static_cast<forms::Panel&>(control));
         case ControlKind::tab_pages:
             return std::make_unique<PagesWindow>(parent, static_cast<forms::TabPages&>(control));
         case ControlKind::list_view:
@@ -63,14 +70,15 @@ std::unique_ptr<ControlWindow> ControlWindow::make(Surface& parent, forms::Contr
             return hosted.object == nullptr ? nullptr : std::make_unique<HostControlWindow>(parent, hosted, id);
         }
         case ControlKind::shape:
-        case ControlKind::line: return nullptr;
+        case ControlKind::line:
+            return nullptr;
     }
     return nullptr;
 }
 
 FormWindow::FormWindow(forms::Form& form, HWND owner) : context_(form), root_(*this) {
     const ControlsContext modern_controls;
-    root_.create(owner, kFrameStyle, kFrameExtendedStyle);
+    root_.create(owner, kFrameStyle, frame_extended_style(form));
     name_ = WindowName(window(), form.name());
     set_frame();
     make_controls(root_);
@@ -91,7 +99,7 @@ void FormWindow::set_frame() {
     if (large_icon_) SendMessageW(window(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(large_icon_.get()));
 
     RECT frame = {0, 0, context_.scale().x(form.width()), context_.scale().y(form.height())};
-    AdjustWindowRectEx(&frame, kFrameStyle, FALSE, kFrameExtendedStyle);
+    AdjustWindowRectEx(&frame, kFrameStyle, FALSE, frame_extended_style(form));
     const int width = frame.right - frame.left;
     const int height = frame.bottom - frame.top;
 
@@ -240,7 +248,8 @@ std::optional<LRESULT> FormWindow::Root::handle(UINT message, WPARAM wide_parame
             // Somebody else destroys it, with its owner.
             form.hide();
             return std::nullopt;
-        default: return std::nullopt;
+        default:
+            return std::nullopt;
     }
 }
 

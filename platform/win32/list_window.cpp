@@ -38,7 +38,8 @@ void ListWindow::make_icons() {
     const int width = GetSystemMetrics(SM_CXSMICON);
     const int height = GetSystemMetrics(SM_CYSMICON);
     const auto& images = list_.small_icons->images();
-    icons_ = OwnedImageList(ImageList_Create(width, height, ILC_COLOR32 | ILC_MASK, static_cast<int>(images.size()), 0));
+    icons_ =
+        OwnedImageList(ImageList_Create(width, height, ILC_COLOR32 | ILC_MASK, static_cast<int>(images.size()), 0));
     if (!icons_) throw last_error(u"The icons of a list cannot be made");
     // A picture that is missing leaves its place empty, so that the others keep theirs.
     ImageList_SetImageCount(icons_.get(), static_cast<UINT>(images.size()));
@@ -60,9 +61,13 @@ void ListWindow::update(forms::Change change) {
             if (!stale_) SendMessageW(window(), LVM_REDRAWITEMS, row, static_cast<LPARAM>(row));
             break;
         }
-        case forms::Change::selection: show_selection(); break;
-        case forms::Change::caption: break;
-        default: ControlWindow::update(change);
+        case forms::Change::selection:
+            show_selection();
+            break;
+        case forms::Change::caption:
+            break;
+        default:
+            ControlWindow::update(change);
     }
 }
 
@@ -99,13 +104,16 @@ std::optional<LRESULT> ListWindow::notify(NMHDR& header) {
             const auto& changed = reinterpret_cast<const NMLISTVIEW&>(header);
             if (context().updating() || ((changed.uOldState ^ changed.uNewState) & LVIS_SELECTED) == 0) return 0;
             const LRESULT row = SendMessageW(window(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
-            context().form().user_selection(
-                list_, row < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(row)));
+            context().form().user_selection(list_,
+                                            row < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(row)));
             return 0;
         }
-        case LVN_ODFINDITEMW: return find_item(reinterpret_cast<const NMLVFINDITEMW&>(header));
-        case NM_CUSTOMDRAW: return color_item(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
-        default: return std::nullopt;
+        case LVN_ODFINDITEMW:
+            return find_item(reinterpret_cast<const NMLVFINDITEMW&>(header));
+        case NM_CUSTOMDRAW:
+            return color_item(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+        default:
+            return std::nullopt;
     }
 }
 

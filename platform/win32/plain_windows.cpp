@@ -1,6 +1,8 @@
 // The windows of the plain kinds of control.
 #include "platform/win32/plain_windows.h"
 
+#include <algorithm>
+
 namespace vex::platform::win32 {
 namespace {
 
@@ -14,11 +16,13 @@ void place_surface(Surface& surface, HWND parent, const RECT& at, bool visible, 
 
 DWORD button_style(const forms::Control& button) noexcept {
     switch (button.kind()) {
-        case forms::ControlKind::option_button: return BS_AUTORADIOBUTTON | BS_MULTILINE;
-        case forms::ControlKind::check_box: return BS_CHECKBOX | BS_MULTILINE;
+        case forms::ControlKind::option_button:
+            return BS_AUTORADIOBUTTON | BS_MULTILINE;
+        case forms::ControlKind::check_box:
+            return BS_CHECKBOX | BS_MULTILINE;
         default:
-            return BS_MULTILINE |
-                   (static_cast<const forms::Button&>(button).is_default ? DWORD{BS_DEFPUSHBUTTON} : DWORD{BS_PUSHBUTTON});
+            return BS_MULTILINE | (static_cast<const forms::Button&>(button).is_default ? DWORD{BS_DEFPUSHBUTTON}
+                                                                                        : DWORD{BS_PUSHBUTTON});
     }
 }
 
@@ -36,19 +40,25 @@ DWORD group(const Surface& parent, const forms::Control& control) noexcept {
 
 LabelWindow::LabelWindow(Surface& parent, forms::Label& label, int id) : ControlWindow(parent, label) {
     create(WC_STATICW, SS_LEFT | SS_NOPREFIX | SS_NOTIFY | WS_GROUP, 0, id);
+    fit();
 }
 
 std::optional<LRESULT> LabelWindow::message(UINT message, WPARAM wide_parameter, LPARAM long_parameter) {
     switch (message) {
-        case WM_ERASEBKGND: return 1;
-        case WM_PAINT: paint(); return 0;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_PAINT:
+            paint();
+            return 0;
         case WM_SETTEXT: {
             // The system's label would write the new text over the old one at once.
             const LRESULT result = DefWindowProcW(window(), message, wide_parameter, long_parameter);
+            fit();
             InvalidateRect(window(), nullptr, FALSE);
             return result;
         }
-        default: return ControlWindow::message(message, wide_parameter, long_parameter);
+        default:
+            return ControlWindow::message(message, wide_parameter, long_parameter);
     }
 }
 
@@ -66,7 +76,28 @@ void LabelWindow::paint() const noexcept {
     SetBkMode(paint.dc(), TRANSPARENT);
     SetTextColor(paint.dc(), text_color(control().fore_color(), COLOR_BTNTEXT));
     const std::u16string& text = control().caption();
-    DrawTextW(paint.dc(), wide(text), static_cast<int>(text.size()), &area, DT_LEFT | DT_WORDBREAK | DT_NOPREFIX);
+    DrawTextW(paint.dc(), wide(text), static_cast<int>(text.size()), &area,
+              DT_LEFT | DT_NOPREFIX | (one_line_ ? DT_SINGLELINE : DT_WORDBREAK));
+}
+
+void LabelWindow::fit() noexcept {
+    const WindowContext context(window());
+    const HGDIOBJ before =
+        SelectObject(context.dc(), reinterpret_cast<HGDIOBJ>(SendMessageW(window(), WM_GETFONT, 0, 0)));
+    TEXTMETRICW font = {};
+    SIZE size = {};
+    const std::u16string& text = control().caption();
+    GetTextMetricsW(context.dc(), &font);
+    GetTextExtentPoint32W(context.dc(), wide(text), static_cast<int>(text.size()), &size);
+    SelectObject(context.dc(), before);
+
+    const RECT at = place();
+    one_line_ = at.bottom - at.top < 2 * font.tmHeight;
+    if (!one_line_) return;
+    RECT surface = {};
+    GetClientRect(parent().window(), &surface);
+    const LONG width = std::max(at.right - at.left, std::min(size.cx, surface.right - at.left));
+    SetWindowPos(window(), nullptr, 0, 0, width, at.bottom - at.top, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 ButtonWindow::ButtonWindow(Surface& parent, forms::Control& button, int id) : ControlWindow(parent, button) {

@@ -7,7 +7,8 @@
 
 namespace vex::platform::win32 {
 
-/// Text that lets what lies behind it show through. Takes its own mouse presses.
+/// Text that lets what lies behind it show through. Takes its own mouse presses. A label with room for one line
+/// does not break it, and grows to the right where a computer's font is wider than the designer's.
 class LabelWindow final : public ControlWindow {
 public:
     LabelWindow(Surface& parent, forms::Label& label, int id);
@@ -15,6 +16,9 @@ public:
 private:
     std::optional<LRESULT> message(UINT message, WPARAM wide_parameter, LPARAM long_parameter) override;
     void paint() const noexcept;
+    void fit() noexcept;
+
+    bool one_line_ = false;
 };
 
 /// A push button, an option button or a check box.

@@ -18,13 +18,12 @@ std::u16string key_of_folder(const std::filesystem::path& folder) {
     return kBranches + name;
 }
 
-void check(LSTATUS result, const char16_t* what) {
-    if (result != ERROR_SUCCESS) throw RuntimeError(HRESULT_FROM_WIN32(static_cast<DWORD>(result)), what);
-}
-
-template <class Function>
-FARPROC replacement(Function* function) noexcept {
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+OwnedKey make_key(const std::u16string& path) {
+    HKEY key = nullptr;
+    const LSTATUS result =
+        RegCreateKeyExW(HKEY_CURRENT_USER, wide(path), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    if (result == ERROR_SUCCESS) return OwnedKey(key);
+    throw RuntimeError(HRESULT_FROM_WIN32(static_cast<DWORD>(result)), u"A private registry cannot be made");
 }
 
 }  // namespace
@@ -32,41 +31,32 @@ FARPROC replacement(Function* function) noexcept {
 PrivateMachine* PrivateMachine::current_ = nullptr;
 
 PrivateMachine::PrivateMachine(std::filesystem::path folder, bool keep)
-    : folder_(std::move(folder)), key_(key_of_folder(folder_)), keep_(keep) {
-    redirect(HKEY_LOCAL_MACHINE, L"HKLM");
-    redirect(HKEY_CURRENT_USER, L"HKCU");
+    : folder_(std::move(folder)),
+      key_(key_of_folder(folder_)),
+      keep_(keep),
+      machine_branch_(make_key(key_ + u"\\HKLM")),
+      user_branch_(make_key(key_ + u"\\HKCU")) {
+    redirect_registry(module_instance(), redirected_);
     current_ = this;
 }
 
 PrivateMachine::~PrivateMachine() {
     current_ = nullptr;
-    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
     if (!keep_) RegDeleteTreeW(HKEY_CURRENT_USER, wide(key_));
 }
 
-void PrivateMachine::redirect(HKEY root, LPCWSTR branch) {
-    HKEY user = nullptr;
-    HKEY own = nullptr;
-    HKEY key = nullptr;
-    // The user's real branch, also after that root has been redirected.
-    check(RegOpenCurrentUser(KEY_ALL_ACCESS, &user), u"The user's registry cannot be opened");
-    LSTATUS result = RegCreateKeyExW(user, wide(key_), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &own, nullptr);
-    if (result == ERROR_SUCCESS) {
-        result = RegCreateKeyExW(own, branch, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    }
-    if (result == ERROR_SUCCESS) result = RegOverridePredefKey(root, key);
-    for (const HKEY opened : {key, own, user}) {
-        if (opened != nullptr) RegCloseKey(opened);
-    }
-    check(result, u"A private registry cannot be made");
+void PrivateMachine::redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
+    hooks.emplace_back(module, "RegOpenKeyExA", &PrivateMachine::open_key);
+    hooks.emplace_back(module, "RegCreateKeyExA", &PrivateMachine::create_key);
+    hooks.emplace_back(module, "RegDeleteKeyA", &PrivateMachine::delete_key);
 }
 
 void PrivateMachine::watch(const std::u16string& module) {
     const HMODULE loaded = GetModuleHandleW(wide(module));
     if (loaded == nullptr) throw last_error(u"The module is not loaded");
-    hooks_.emplace_back(loaded, "GetFileAttributesW", replacement(&PrivateMachine::get_file_attributes));
-    hooks_.emplace_back(loaded, "CreateProcessW", replacement(&PrivateMachine::create_process));
+    redirect_registry(loaded, watched_);
+    watched_.emplace_back(loaded, "GetFileAttributesW", &PrivateMachine::get_file_attributes);
+    watched_.emplace_back(loaded, "CreateProcessW", &PrivateMachine::create_process);
 }
 
 std::filesystem::path PrivateMachine::real_path(const std::u16string& path) const {
@@ -81,6 +71,29 @@ void PrivateMachine::hide(const std::u16string& path) const {
     const std::filesystem::path file = real_path(path);
     const DWORD attributes = GetFileAttributesW(file.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesW(file.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN);
+}
+
+HKEY PrivateMachine::own(HKEY key) noexcept {
+    if (current_ == nullptr) return key;
+    if (key == HKEY_LOCAL_MACHINE) return current_->machine_branch_.get();
+    return key == HKEY_CURRENT_USER ? current_->user_branch_.get() : key;
+}
+
+LSTATUS WINAPI PrivateMachine::open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept {
+    static auto* const system_open = system_function<decltype(RegOpenKeyExA)>(L"advapi32.dll", "RegOpenKeyExA");
+    return system_open(own(parent), path, options, access, key);
+}
+
+LSTATUS WINAPI PrivateMachine::create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
+                                          REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
+                                          DWORD* disposition) noexcept {
+    static auto* const system_create = system_function<decltype(RegCreateKeyExA)>(L"advapi32.dll", "RegCreateKeyExA");
+    return system_create(own(parent), path, reserved, class_name, options, access, security, key, disposition);
+}
+
+LSTATUS WINAPI PrivateMachine::delete_key(HKEY parent, LPCSTR path) noexcept {
+    static auto* const system_delete = system_function<decltype(RegDeleteKeyA)>(L"advapi32.dll", "RegDeleteKeyA");
+    return system_delete(own(parent), path);
 }
 
 DWORD WINAPI PrivateMachine::get_file_attributes(LPCWSTR path) noexcept {

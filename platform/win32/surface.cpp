@@ -47,12 +47,16 @@ void paint_line(HDC dc, const forms::Line& line, const RECT& at) noexcept {
 std::optional<forms::MouseButton> pressed_button(UINT message) noexcept {
     switch (message) {
         case WM_LBUTTONDOWN:
-        case WM_LBUTTONDBLCLK: return forms::MouseButton::left;
+        case WM_LBUTTONDBLCLK:
+            return forms::MouseButton::left;
         case WM_RBUTTONDOWN:
-        case WM_RBUTTONDBLCLK: return forms::MouseButton::right;
+        case WM_RBUTTONDBLCLK:
+            return forms::MouseButton::right;
         case WM_MBUTTONDOWN:
-        case WM_MBUTTONDBLCLK: return forms::MouseButton::middle;
-        default: return std::nullopt;
+        case WM_MBUTTONDBLCLK:
+            return forms::MouseButton::middle;
+        default:
+            return std::nullopt;
     }
 }
 
@@ -177,7 +181,8 @@ std::optional<LRESULT> Surface::handle_any(UINT message, WPARAM wide_parameter, 
             window_.release();
             return result;
         }
-        default: return handle(message, wide_parameter, long_parameter);
+        default:
+            return handle(message, wide_parameter, long_parameter);
     }
 }
 
@@ -190,7 +195,8 @@ INT_PTR CALLBACK Surface::dialog_procedure(HWND window, UINT message, WPARAM wid
     }
     auto* surface = reinterpret_cast<Surface*>(GetWindowLongPtrW(window, DWLP_USER));
     if (surface == nullptr || surface->window() != window) return FALSE;
-    if (message == WM_CTLCOLORDLG) return reinterpret_cast<INT_PTR>(surface->brush(reinterpret_cast<HDC>(wide_parameter)));
+    if (message == WM_CTLCOLORDLG)
+        return reinterpret_cast<INT_PTR>(surface->brush(reinterpret_cast<HDC>(wide_parameter)));
     if (message == WM_CTLCOLORSTATIC || message == WM_CTLCOLORBTN) {
         auto* const dc = reinterpret_cast<HDC>(wide_parameter);
         surface->color_child(dc, reinterpret_cast<HWND>(long_parameter));

@@ -146,8 +146,8 @@ void Win32Toolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
         AppendMenuW(shown.get(), MF_STRING, index + 1, wide(menu.items[index].caption));
     }
     const POINT place = window->menu_place();
-    const BOOL command = TrackPopupMenu(shown.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0,
-                                        window->window(), nullptr);
+    const BOOL command =
+        TrackPopupMenu(shown.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, window->window(), nullptr);
     if (command > 0) form.raise_menu_click(menu.items.at(static_cast<std::size_t>(command) - 1));
 }
 

@@ -19,18 +19,6 @@ HMODULE module_named(const std::u16string& name) {
     return module;
 }
 
-template <class Function>
-FARPROC replacement(Function* function) noexcept {
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
-}
-
-/// The system's own function, whatever stands in this module's import table.
-template <class Function>
-Function* system_function(const char* name) noexcept {
-    void* const address = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), name));
-    return reinterpret_cast<Function*>(address);
-}
-
 /// The text of a message box, by the number that the system gives it.
 HWND message_text(HWND box) noexcept {
     constexpr int kTextId = 0xFFFF;
@@ -55,10 +43,10 @@ thread_local WindowDriver* WindowDriver::current_ = nullptr;
 
 WindowDriver::WindowDriver(const std::u16string& module, WindowUser& user) : user_(user) {
     const HMODULE watched = module_named(module);
-    import_hooks_.emplace_back(watched, "PeekMessageW", replacement(&WindowDriver::peek_message));
-    import_hooks_.emplace_back(watched, "WaitMessage", replacement(&WindowDriver::wait_message));
-    import_hooks_.emplace_back(watched, "GetOpenFileNameW", replacement(&WindowDriver::get_open_file_name));
-    import_hooks_.emplace_back(watched, "MessageBeep", replacement(&WindowDriver::message_beep));
+    import_hooks_.emplace_back(watched, "PeekMessageW", &WindowDriver::peek_message);
+    import_hooks_.emplace_back(watched, "WaitMessage", &WindowDriver::wait_message);
+    import_hooks_.emplace_back(watched, "GetOpenFileNameW", &WindowDriver::get_open_file_name);
+    import_hooks_.emplace_back(watched, "MessageBeep", &WindowDriver::message_beep);
     activity_hook_ = SetWindowsHookExW(WH_CBT, activity_hook, nullptr, GetCurrentThreadId());
     message_hook_ = SetWindowsHookExW(WH_CALLWNDPROC, message_hook, nullptr, GetCurrentThreadId());
     current_ = this;
@@ -73,7 +61,7 @@ WindowDriver::~WindowDriver() {
 // ---- What the module's loops do -----------------------------------------------------------------------
 
 BOOL WINAPI WindowDriver::peek_message(MSG* message, HWND window, UINT first, UINT last, UINT flags) noexcept {
-    static auto* const system_peek = system_function<decltype(PeekMessageW)>("PeekMessageW");
+    static auto* const system_peek = system_function<decltype(PeekMessageW)>(L"user32.dll", "PeekMessageW");
     if (system_peek(message, window, first, last, flags)) return TRUE;
     WindowDriver* const driver = current_;
     // Each pumping ends dry twice: the user acts after the first, and what that has caused is handled too.
@@ -84,7 +72,7 @@ BOOL WINAPI WindowDriver::peek_message(MSG* message, HWND window, UINT first, UI
 }
 
 BOOL WINAPI WindowDriver::wait_message() noexcept {
-    static auto* const system_wait = system_function<decltype(WaitMessage)>("WaitMessage");
+    static auto* const system_wait = system_function<decltype(WaitMessage)>(L"user32.dll", "WaitMessage");
     WindowDriver* const driver = current_;
     return driver != nullptr && driver->idle() ? TRUE : system_wait();
 }
@@ -111,9 +99,9 @@ BOOL WINAPI WindowDriver::get_open_file_name(OPENFILENAMEW* dialog) noexcept {
     // One description and one pattern, each ended by a null.
     const std::u16string description = text(dialog->lpstrFilter);
     const std::u16string pattern = text(dialog->lpstrFilter + description.size() + 1);
-    const auto chosen = current_->user_.choose_file({text(dialog->lpstrInitialDir), text(dialog->lpstrFile),
-                                                     description + u"|" + pattern,
-                                                     dialog->Flags & ~DWORD{OFN_NOCHANGEDIR}});
+    const auto chosen =
+        current_->user_.choose_file({text(dialog->lpstrInitialDir), text(dialog->lpstrFile),
+                                     description + u"|" + pattern, dialog->Flags & ~DWORD{OFN_NOCHANGEDIR}});
     if (!chosen || chosen->size() >= dialog->nMaxFile) return FALSE;
     chosen->copy(reinterpret_cast<char16_t*>(dialog->lpstrFile), chosen->size());
     dialog->lpstrFile[chosen->size()] = L'\0';
@@ -154,7 +142,8 @@ void WindowDriver::shown(HWND window) {
 
 void WindowDriver::destroyed(HWND window) noexcept {
     if (answered_box_ == window) answered_box_ = nullptr;
-    const auto form = std::find_if(open_.begin(), open_.end(), [window](const OpenForm& open) { return open.window == window; });
+    const auto form =
+        std::find_if(open_.begin(), open_.end(), [window](const OpenForm& open) { return open.window == window; });
     if (form == open_.end()) return;
     const std::u16string name = std::move(form->name);
     open_.erase(form);
@@ -176,7 +165,9 @@ void WindowDriver::choose_item(HWND owner, HMENU menu) {
     const int count = GetMenuItemCount(menu);
     int steps = 0;
     for (int index = 0; wanted && index < count && steps == 0; ++index) {
-        std::u16string text(static_cast<std::size_t>(GetMenuStringW(menu, static_cast<UINT>(index), nullptr, 0, MF_BYPOSITION)) + 1, u'\0');
+        std::u16string text(
+            static_cast<std::size_t>(GetMenuStringW(menu, static_cast<UINT>(index), nullptr, 0, MF_BYPOSITION)) + 1,
+            u'\0');
         text.resize(static_cast<std::size_t>(
             GetMenuStringW(menu, static_cast<UINT>(index), wide(text), static_cast<int>(text.size()), MF_BYPOSITION)));
         if (text == *wanted) steps = index + 1;

@@ -20,9 +20,7 @@ std::u16string class_of(HWND window) {
     return name;
 }
 
-bool has_class(HWND window, LPCWSTR name) {
-    return lstrcmpiW(wide(class_of(window)), name) == 0;
-}
+bool has_class(HWND window, LPCWSTR name) { return lstrcmpiW(wide(class_of(window)), name) == 0; }
 
 std::u16string shape_property(std::u16string_view shape) { return kShapePrefix + std::u16string(shape); }
 
@@ -49,8 +47,8 @@ std::u16string cell(HWND list, std::size_t row, int column) {
     for (;;) {
         item.pszText = wide(text);
         item.cchTextMax = static_cast<int>(text.size());
-        const auto length = static_cast<std::size_t>(
-            SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item)));
+        const auto length =
+            static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item)));
         if (length + 1 < text.size()) {
             text.resize(length);
             return text;
@@ -108,16 +106,19 @@ ShownKind shown_kind(WindowHandle window, std::u16string_view control) {
     if (has_class(shown, WC_BUTTONW)) {
         switch (GetWindowLongPtrW(shown, GWL_STYLE) & BS_TYPEMASK) {
             case BS_RADIOBUTTON:
-            case BS_AUTORADIOBUTTON: return ShownKind::option_button;
+            case BS_AUTORADIOBUTTON:
+                return ShownKind::option_button;
             case BS_CHECKBOX:
-            case BS_AUTOCHECKBOX: return ShownKind::check_box;
-            default: return ShownKind::push_button;
+            case BS_AUTOCHECKBOX:
+                return ShownKind::check_box;
+            default:
+                return ShownKind::push_button;
         }
     }
     // Pages are containers in a container that have no names of their own.
     const HWND inside = GetWindow(shown, GW_CHILD);
     return inside != nullptr && has_class(inside, L"#32770") && window_name(inside).empty() ? ShownKind::pages
-                                                                                           : ShownKind::other;
+                                                                                            : ShownKind::other;
 }
 
 bool shown_checked(WindowHandle button) { return SendMessageW(handle(button), BM_GETCHECK, 0, 0) == BST_CHECKED; }

@@ -6,9 +6,9 @@
 #include "com/com.h"
 #include "core/runtime_error.h"
 
+#include <cderr.h>
 #include <commctrl.h>
 #include <commdlg.h>
-#include <cderr.h>
 
 namespace vex::platform::win32 {
 

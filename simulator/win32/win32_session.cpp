@@ -57,7 +57,8 @@ ExitStatus Win32Session::play(const std::string& file, std::ostream& out, std::o
     const bool standard_input = file == kStandardInput;
     const std::string text =
         standard_input ? std::string{std::istreambuf_iterator<char>(std::cin), {}} : read_file(file);
-    const std::filesystem::path folder = standard_input ? std::filesystem::path() : std::filesystem::path(file).parent_path();
+    const std::filesystem::path folder =
+        standard_input ? std::filesystem::path() : std::filesystem::path(file).parent_path();
     const Scenario scenario = parse_scenario(
         standard_input ? "standard input" : file, text,
         [&folder](const std::u16string& included) { return read_file(folder / std::filesystem::path(included)); });

@@ -41,10 +41,11 @@ public:
             {.control = etched, .name = "etched", .parent = page_area, .page = 0, .at = {150, 2550, 4200, 0}},
             {.control = list, .name = "list", .parent = page_area, .page = 1, .at = {150, 450, 4200, 2400},
              .tab_index = 7, .accessible_name = u"Rows"},
-            {.control = lone_option, .name = "lone_option", .parent = page_area, .page = 1, .at = {150, 3000, 3000, 285},
-             .text = u"Alone", .tab_index = 8},
+            {.control = lone_option, .name = "lone_option", .parent = page_area, .page = 1,
+             .at = {150, 3000, 3000, 285}, .text = u"Alone", .tab_index = 8},
             {.control = cmdOk, .name = "cmdOk", .at = {3000, 3900, 1200, 375}, .text = u"OK", .tab_index = 0},
-            {.control = cmdCancel, .name = "cmdCancel", .at = {4500, 3900, 1200, 375}, .text = u"Cancel", .tab_index = 1},
+            {.control = cmdCancel, .name = "cmdCancel", .at = {4500, 3900, 1200, 375}, .text = u"Cancel",
+             .tab_index = 1},
         });
         etched.etched = true;
         cmdOk.on_click = [this] { clicked("cmdOk"); };

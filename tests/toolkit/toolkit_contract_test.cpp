@@ -59,12 +59,11 @@ TEST_F(ToolkitContract, HiddenFormStaysLoadedAndCanBeShownAgain) {
 
 TEST_F(ToolkitContract, CloseBoxIsARequestThatTheFormMayRefuse) {
     form.refuses_to_close = true;
-    user.then([&] { screen.close(); })
-        .then([&] {
-            EXPECT_TRUE(form.loaded());
-            form.refuses_to_close = false;
-            screen.close();
-        });
+    user.then([&] { screen.close(); }).then([&] {
+        EXPECT_TRUE(form.loaded());
+        form.refuses_to_close = false;
+        screen.close();
+    });
     form.show_modal();
     EXPECT_THAT(form.log, ElementsAre("load", "activate", "close box", "close box", "unloaded"));
 }
@@ -267,7 +266,8 @@ TEST_F(ToolkitContract, RowsAreShownWithTheirCellsAndColors) {
         form.list.set_sub_item(1, 0, u"Updated - ");
         form.list.set_row_color(1, forms::rgb(100, 255, 100));
         form.list.set_icon(1, u"bad");
-        EXPECT_EQ(screen.rows(u"list"), (std::vector<std::vector<std::u16string>>{{u"Row 1", u""}, {u"Row 2", u"Updated - "}}));
+        EXPECT_EQ(screen.rows(u"list"),
+                  (std::vector<std::vector<std::u16string>>{{u"Row 1", u""}, {u"Row 2", u"Updated - "}}));
         EXPECT_EQ(shown(u"list", u"Row2"), u"\"Row 2\" | \"Updated - \"");
         EXPECT_EQ(shown(u"list", u"Row2.ForeColor"), u"0x0064FF64");
         EXPECT_EQ(shown(u"list", u"Row1.ForeColor"), u"0x00000000");
