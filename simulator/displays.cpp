@@ -128,9 +128,10 @@ void Displays::move_entry(Index& index, std::size_t position, const std::u16stri
     positions.insert(std::lower_bound(positions.begin(), positions.end(), position), position);
 }
 
-Displays Displays::load(const std::filesystem::path& path) {
-    const std::string file = path.filename().string();
-    const std::vector<std::u16string> lines = split_lines(read_file(path));
+Displays Displays::load(const std::filesystem::path& path) { return parse(path.filename().string(), read_file(path)); }
+
+Displays Displays::parse(const std::string& file, std::string_view text) {
+    const std::vector<std::u16string> lines = split_lines(text);
     if (lines.empty() || lines.front() != kHeader) {
         throw TextError(file, 1, "expected the line " + to_utf8(kHeader));
     }
@@ -151,10 +152,12 @@ Displays Displays::load(const std::filesystem::path& path) {
     return displays;
 }
 
-void Displays::save(const std::filesystem::path& path) const {
-    std::string text = to_utf8(kHeader) + "\n";
-    for (const Display& display : displays_) text += to_utf8(written(display)) + "\n";
-    replace_file(path, text);
+std::string Displays::text() const {
+    std::string lines = to_utf8(kHeader) + "\n";
+    for (const Display& display : displays_) lines += to_utf8(written(display)) + "\n";
+    return lines;
 }
+
+void Displays::save(const std::filesystem::path& path) const { replace_file(path, text()); }
 
 }  // namespace vex::sim

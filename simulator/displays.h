@@ -56,7 +56,12 @@ public:
     /// Adds a display or puts it into the place of the one of that name.
     void put(Display display);
 
-    /// Raises `TextError` naming the line and what was expected there.
+    /// `file`: how messages name the text. Raises `TextError` naming the line and what was expected there.
+    static Displays parse(const std::string& file, std::string_view text);
+    /// What `parse` reads back.
+    std::string text() const;
+
+    /// The same from a file. Raises `TextError`.
     static Displays load(const std::filesystem::path& path);
     /// Raises `TextError`.
     void save(const std::filesystem::path& path) const;

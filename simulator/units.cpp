@@ -190,9 +190,10 @@ void Units::read(const Words& words) {
     }
 }
 
-Units Units::load(const std::filesystem::path& path) {
-    const std::string file = path.filename().string();
-    const std::vector<std::u16string> lines = split_lines(read_file(path));
+Units Units::load(const std::filesystem::path& path) { return parse(path.filename().string(), read_file(path)); }
+
+Units Units::parse(const std::string& file, std::string_view text) {
+    const std::vector<std::u16string> lines = split_lines(text);
     if (lines.empty() || lines.front() != kHeader) throw TextError(file, 1, "expected the line " + to_utf8(kHeader));
     Units units;
     for (std::size_t i = 1; i < lines.size(); ++i) {
@@ -206,10 +207,10 @@ Units Units::load(const std::filesystem::path& path) {
     return units;
 }
 
-void Units::save(const std::filesystem::path& path) const {
-    std::u16string text = std::u16string(kHeader) + u"\n";
-    const auto line = [&text](std::u16string_view what, const std::u16string& display) -> std::u16string& {
-        return text.append(what).append(u" ").append(as_word(display));
+std::string Units::text() const {
+    std::u16string lines = std::u16string(kHeader) + u"\n";
+    const auto line = [&lines](std::u16string_view what, const std::u16string& display) -> std::u16string& {
+        return lines.append(what).append(u" ").append(as_word(display));
     };
     for (const auto& [display, site] : sites_) {
         for (const auto& [id, unit] : site.units) {
@@ -230,7 +231,9 @@ void Units::save(const std::filesystem::path& path) const {
         }
         for (const std::u16string& box : site.boxes) line(u"box", display) += u" " + as_word(box) + u"\n";
     }
-    replace_file(path, to_utf8(text));
+    return to_utf8(lines);
 }
+
+void Units::save(const std::filesystem::path& path) const { replace_file(path, text()); }
 
 }  // namespace vex::sim

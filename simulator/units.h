@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "simulator/displays.h"
@@ -67,7 +68,12 @@ public:
     /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
     std::vector<std::int16_t> ids(const Display& display) const;
 
-    /// Raises `TextError` naming the line and what was expected there.
+    /// `file`: how messages name the text. Raises `TextError` naming the line and what was expected there.
+    static Units parse(const std::string& file, std::string_view text);
+    /// What `parse` reads back.
+    std::string text() const;
+
+    /// The same from a file. Raises `TextError`.
     static Units load(const std::filesystem::path& path);
     /// Raises `TextError`.
     void save(const std::filesystem::path& path) const;

@@ -14,6 +14,9 @@ namespace {
 
 constexpr bool is_blank(char16_t character) noexcept { return character == u' ' || character == u'\t'; }
 
+/// What breaks a line, or a reader's screen.
+constexpr bool is_control(char16_t character) noexcept { return character < u' ' && character != u'\t'; }
+
 /// The quoted part of a line that begins behind the opening quote at `next`; leaves `next` behind its end.
 void append_quoted(std::u16string_view line, std::size_t& next, std::u16string& word) {
     for (; next < line.size(); ++next) {
@@ -39,6 +42,8 @@ TextError::TextError(std::string file, std::size_t line, std::string message)
     : what_(std::move(file) + ":" + (line == 0 ? "" : std::to_string(line) + ":") + " " + std::move(message)) {}
 
 Words split_words(std::u16string_view line) {
+    // They could not be written back.
+    if (std::any_of(line.begin(), line.end(), is_control)) throw std::invalid_argument("a control character");
     Words words;
     for (std::size_t next = 0; next < line.size();) {
         if (is_blank(line[next])) {
@@ -62,7 +67,7 @@ std::u16string in_quotes(std::u16string_view text) {
     std::u16string result = u"\"";
     for (const char16_t character : text) {
         if (character == u'"') result += u'"';
-        result += character < u' ' && character != u'\t' ? u' ' : character;
+        result += is_control(character) ? u' ' : character;
     }
     return result + u"\"";
 }

@@ -26,7 +26,7 @@ private:
 
 /// The words of a line: separated by blanks, "#" at the start of a word begins a comment. A part in double
 /// quotes may hold blanks and takes backslashes as they are; a doubled quote in it stands for one quote.
-/// Raises `std::invalid_argument` for a quote that is never closed.
+/// Raises `std::invalid_argument` for a quote that is never closed, and for control characters but the tab.
 Words split_words(std::u16string_view line);
 
 /// `text` in quotes, inner quotes doubled; what would break a line becomes a blank.

@@ -59,7 +59,8 @@ TEST(Displays, NameTheDamagedLineOfTheirFile) {
         {std::string(kHeader) + "display A connection=two\n", "Displays.dat:2: connection=two needs a number"},
         {std::string(kHeader) + "display A\ndisplay A\n", "Displays.dat:3: display A stands here twice"},
         {std::string(kHeader) + "display \"A\n", "Displays.dat:2: a quote is not closed"},
-        {std::string(kHeader) + std::string("display A port=\0\xFF\xFE x", 20), "Displays.dat:2: x is no KEY=VALUE"},
+        {std::string(kHeader) + std::string("display A\0B", 11), "Displays.dat:2: a control character"},
+        {std::string(kHeader) + "display A port=\xFF\xFE x\n", "Displays.dat:2: x is no KEY=VALUE"},
     };
     for (const auto& damaged : cases) {
         const auto path = folder.write("Displays.dat", damaged.text);

@@ -23,7 +23,10 @@ TEST(SplitWords, QuotesAndComments) {
     EXPECT_THAT(split_words(u"type=\"a b\" phone=\"\" x\"y\"z"), ElementsAre(u"type=a b", u"phone=", u"xyz"));
 }
 
-TEST(SplitWords, RefusesAnOpenQuote) {
+TEST(SplitWords, RefusesWhatCouldNotBeWrittenBack) {
+    EXPECT_THROW(split_words(u"a \x1B[2J"), std::invalid_argument);
+    EXPECT_THROW(split_words(u"\"a\rb\""), std::invalid_argument);
+    EXPECT_THROW(split_words(std::u16string_view(u"a\0b", 3)), std::invalid_argument);
     EXPECT_THROW(split_words(u"a \"b"), std::invalid_argument);
     EXPECT_THROW(split_words(u"\"a\"\""), std::invalid_argument);
 }

@@ -1,0 +1,31 @@
+// Fuzz target: any text as the simulated host's files. What is read can be written and read again.
+#include <cstdlib>
+#include <string_view>
+
+#include "simulator/displays.h"
+#include "simulator/units.h"
+#include "tests/fuzz/target.h"
+
+namespace {
+
+using namespace vex::sim;
+
+/// Refuses the text with a place, or reads it.
+template <class File>
+void read(std::string_view text) {
+    try {
+        const std::string written = File::parse("file", text).text();
+        if (File::parse("file", written).text() != written) std::abort();
+    } catch (const TextError& error) {
+        if (std::string_view(error.what()).substr(0, 5) != "file:") std::abort();
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    read<Displays>(text);
+    read<Units>(text);
+    return 0;
+}
