@@ -34,14 +34,27 @@ DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
     list_.small_icons = &images_;
     lay_out({
         {.control = search_label_, .name = "search_label", .at = {200, 195, 800, 195}, .text = u"Search:"},
-        {.control = search_box_, .name = "search_box", .at = {1100, 195, 3000, 195}, .tab_index = 0,
+        {.control = search_box_,
+         .name = "search_box",
+         .at = {1100, 195, 3000, 195},
+         .tab_index = 0,
          .accessible_name = u"Search"},
-        {.control = list_, .name = "list", .at = {200, 585, 6800, 2340}, .tab_index = 1,
+        {.control = list_,
+         .name = "list",
+         .at = {200, 585, 6800, 2340},
+         .tab_index = 1,
          .accessible_name = u"Displays"},
         {.control = count_label_, .name = "count_label", .at = {200, 3120, 2600, 195}},
-        {.control = all_button_, .name = "all_button", .at = {3000, 3120, 1300, 195}, .text = u"Check &All", .tab_index = 2},
+        {.control = all_button_,
+         .name = "all_button",
+         .at = {3000, 3120, 1300, 195},
+         .text = u"Check &All",
+         .tab_index = 2},
         {.control = ok_button_, .name = "ok_button", .at = {4700, 3120, 1000, 195}, .text = u"OK", .tab_index = 3},
-        {.control = cancel_button_, .name = "cancel_button", .at = {6000, 3120, 1000, 195}, .text = u"Cancel",
+        {.control = cancel_button_,
+         .name = "cancel_button",
+         .at = {6000, 3120, 1000, 195},
+         .text = u"Cancel",
          .tab_index = 4},
     });
     ok_button_.is_default = true;
@@ -103,7 +116,8 @@ void DisplayPicker::toggle(std::size_t row) {
 }
 
 void DisplayPicker::check_all() {
-    const bool all = std::all_of(rows_.begin(), rows_.end(), [this](std::size_t display) { return checked_.contains(display); });
+    const bool all =
+        std::all_of(rows_.begin(), rows_.end(), [this](std::size_t display) { return checked_.contains(display); });
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         if (all) {
             checked_.erase(rows_[row]);

@@ -20,7 +20,9 @@ void RunProgress::begin_run(std::vector<std::u16string> displays) {
     display_number_ = 0;
 }
 
-std::size_t RunProgress::displays() const noexcept { return std::max({chosen_.size(), display_number_, std::size_t{1}}); }
+std::size_t RunProgress::displays() const noexcept {
+    return std::max({chosen_.size(), display_number_, std::size_t{1}});
+}
 
 void RunProgress::follow(const LinkEvent& event) {
     const Operation operation = event.call.operation;

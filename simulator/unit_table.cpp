@@ -37,7 +37,8 @@ void print_units(const Host& host, std::ostream& out) {
     }
     for (const Line& line : lines) {
         const auto blanks = [&](std::size_t column) { return std::string(widths[column] - length(line[column]), ' '); };
-        out << to_utf8(line[0]) << blanks(0) << "  " << blanks(1) << to_utf8(line[1]) << "  " << to_utf8(line[2]) << '\n';
+        out << to_utf8(line[0]) << blanks(0) << "  " << blanks(1) << to_utf8(line[1]) << "  " << to_utf8(line[2])
+            << '\n';
     }
 }
 

@@ -30,7 +30,8 @@ std::string percent(double share) {
 
 /// Before the first one there is no number yet.
 std::string of(const char* what, std::size_t number, std::size_t count) {
-    return std::string(what) + " " + (number == 0 ? "-" : std::to_string(number)) + " of " + std::to_string(count) + " ";
+    return std::string(what) + " " + (number == 0 ? "-" : std::to_string(number)) + " of " + std::to_string(count) +
+           " ";
 }
 
 }  // namespace

@@ -38,7 +38,8 @@ void Pace::follow(const LinkEvent& event) {
             wait(Seconds(static_cast<double>(event.bytes) / kBytesPerSecond));
             break;
         case LinkEvent::Kind::says:
-            if (!std::exchange(transferring_, false)) wait(operation == Operation::ResetAndClear ? kResetting : kReading);
+            if (!std::exchange(transferring_, false))
+                wait(operation == Operation::ResetAndClear ? kResetting : kReading);
             break;
         case LinkEvent::Kind::ends:
             break;

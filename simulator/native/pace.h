@@ -12,7 +12,8 @@ namespace vex::sim {
 class Pace {
 public:
     /// `speed`: how many times as fast as usual.
-    Pace(platform::native::terminal::TerminalToolkit& toolkit, double speed) noexcept : toolkit_(toolkit), speed_(speed) {}
+    Pace(platform::native::terminal::TerminalToolkit& toolkit, double speed) noexcept
+        : toolkit_(toolkit), speed_(speed) {}
 
     void follow(const LinkEvent& event);
 

@@ -33,7 +33,9 @@ public:
     std::u16string property(const std::u16string& control, const std::u16string& property) const override {
         return screen_.property(control, property);
     }
-    std::vector<std::vector<std::u16string>> rows(const std::u16string& list) const override { return screen_.rows(list); }
+    std::vector<std::vector<std::u16string>> rows(const std::u16string& list) const override {
+        return screen_.rows(list);
+    }
 
 private:
     void dialog_opened(const std::string& name) noexcept override;

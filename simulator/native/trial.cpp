@@ -55,9 +55,8 @@ public:
           progress_(host),
           toolkit_(screen_, drives_, icon_characters(),
                    {.behind = {},
-                    .host_line = [this](terminal::Canvas& canvas, const terminal::Area& line) {
-                        draw_host_line(canvas, line, progress_);
-                    }}),
+                    .host_line = [this](terminal::Canvas& canvas,
+                                        const terminal::Area& line) { draw_host_line(canvas, line, progress_); }}),
           pace_(toolkit_, speed) {
         host_.choose_displays = [this] { return choose_displays(); };
         host_.on_link = [this](const LinkEvent& event) {

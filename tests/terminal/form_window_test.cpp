@@ -41,9 +41,27 @@ public:
             {.control = box, .name = "box", .at = {200, 1365, 1200, 195}, .tab_index = 2},
             {.control = check, .name = "check", .at = {2000, 1365, 2000, 195}, .text = u"&Wipe", .tab_index = 3},
             {.control = left, .name = "left", .at = {200, 1560, 2600, 780}},
-            {.control = red, .name = "red", .parent = &left, .page = 0, .at = {0, 0, 2000, 195}, .text = u"red", .tab_index = 4},
-            {.control = blue, .name = "blue", .parent = &left, .page = 0, .at = {0, 195, 2000, 195}, .text = u"blue", .tab_index = 5},
-            {.control = hidden, .name = "hidden", .parent = &left, .page = 1, .at = {0, 0, 2000, 195}, .text = u"hidden", .tab_index = 6},
+            {.control = red,
+             .name = "red",
+             .parent = &left,
+             .page = 0,
+             .at = {0, 0, 2000, 195},
+             .text = u"red",
+             .tab_index = 4},
+            {.control = blue,
+             .name = "blue",
+             .parent = &left,
+             .page = 0,
+             .at = {0, 195, 2000, 195},
+             .text = u"blue",
+             .tab_index = 5},
+            {.control = hidden,
+             .name = "hidden",
+             .parent = &left,
+             .page = 1,
+             .at = {0, 0, 2000, 195},
+             .text = u"hidden",
+             .tab_index = 6},
             {.control = panel, .name = "panel", .at = {3000, 1560, 2600, 1560}, .back = forms::kDarkGrey},
             {.control = node, .name = "node", .parent = &panel, .at = {330, 465, 330, 285}},
             {.control = label, .name = "label", .parent = &panel, .at = {900, 495, 330, 195}, .text = u"Choose"},
@@ -59,8 +77,8 @@ public:
         const auto note = [this](std::string name) {
             return [this, name](forms::MouseButton, float x, float y) {
                 const forms::Rect& at = node.place();
-                const bool in_node = name == "panel" && x > static_cast<float>(at.left) && y > static_cast<float>(at.top) &&
-                                     x < static_cast<float>(at.left + at.width) &&
+                const bool in_node = name == "panel" && x > static_cast<float>(at.left) &&
+                                     y > static_cast<float>(at.top) && x < static_cast<float>(at.left + at.width) &&
                                      y < static_cast<float>(at.top + at.height);
                 happened.push_back(in_node ? "down in node" : "down in " + name);
                 list_y = y;
@@ -141,9 +159,13 @@ TEST_F(Window, FocusGoesOnWhenItsControlIsGone) {
     window.set_focus(form.stop);
     form.stop.set_enabled(false);
     EXPECT_EQ(focus(), "ok");
+    form.stop.set_enabled(true);
+    window.set_focus(form.check);
+    form.check.set_visible(false);
+    EXPECT_EQ(focus(), "box") << "of two equally near ones the earlier";
     window.set_focus(form.red);
     form.left.set_tab(1);
-    EXPECT_EQ(focus(), "hidden");
+    EXPECT_EQ(focus(), "box");
 }
 
 TEST_F(Window, ArrowsChooseAmongOptions) {

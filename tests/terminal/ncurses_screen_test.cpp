@@ -102,9 +102,7 @@ TEST(NcursesScreen, FollowsTheSize) {
 
 TEST(NcursesScreen, GivesTheTerminalBack) {
     TerminalProcess process([](int report) {
-        {
-            const NcursesScreen screen;
-        }
+        { const NcursesScreen screen; }
         tell(report, "closed");
         try {
             NcursesScreen screen;

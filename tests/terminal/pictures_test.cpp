@@ -32,7 +32,9 @@ void compare(const std::string& name, const std::string& picture) {
     }
     std::ostringstream approved;
     approved << std::ifstream(file, std::ios::binary).rdbuf();
-    EXPECT_TRUE(approved.str() == picture) << "The approved picture is\n" << approved.str() << "\nbut now it is\n" << picture;
+    EXPECT_TRUE(approved.str() == picture) << "The approved picture is\n"
+                                           << approved.str() << "\nbut now it is\n"
+                                           << picture;
 }
 
 /// A small firmware folder.
@@ -41,7 +43,8 @@ public:
     std::vector<std::u16string> letters() const override { return {u"C:"}; }
     std::optional<std::vector<FolderEntry>> entries(const std::u16string& folder) const override {
         if (folder != u"C:\\Brivola\\bin\\Firmware") return std::nullopt;
-        return std::vector<FolderEntry>{{u"old", true, 0}, {u"SIGN 4.2.SHX", false, 183'000}, {u"SIGN 4.3.SHX", false, 191'000}};
+        return std::vector<FolderEntry>{
+            {u"old", true, 0}, {u"SIGN 4.2.SHX", false, 183'000}, {u"SIGN 4.3.SHX", false, 191'000}};
     }
     bool file_exists(const std::u16string&) const override { return true; }
 };

@@ -54,7 +54,9 @@ public:
         }
     }
 
-    void send(std::string_view bytes) const { ASSERT_EQ(write(terminal_, bytes.data(), bytes.size()), std::ssize(bytes)); }
+    void send(std::string_view bytes) const {
+        ASSERT_EQ(write(terminal_, bytes.data(), bytes.size()), std::ssize(bytes));
+    }
     void signal(int number) const { kill(process_, number); }
     void resize(unsigned short columns, unsigned short rows) const {
         const winsize size{rows, columns, 0, 0};
@@ -107,8 +109,10 @@ public:
 private:
     bool listen(std::chrono::steady_clock::time_point deadline) {
         std::array<pollfd, 2> sources{{{report_, POLLIN, 0}, {terminal_, POLLIN, 0}}};
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        if (poll(sources.data(), sources.size(), static_cast<int>(std::max<std::int64_t>(0, left.count()))) <= 0) return false;
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (poll(sources.data(), sources.size(), static_cast<int>(std::max<std::int64_t>(0, left.count()))) <= 0)
+            return false;
         std::array<char, 4096> bytes{};
         ssize_t total = 0;
         for (std::size_t i = 0; i < sources.size(); ++i) {

@@ -103,7 +103,8 @@ TEST_F(OnTerminal, QuestionIsAnsweredNotClosed) {
     SmallForm form(toolkit, u"Form");
     std::vector<forms::MessageAnswer> answers;
     form.button.on_click = [&] {
-        answers.push_back(toolkit.message_box({u"Verify Cancellation", u"Are you sure?", forms::MessageButtons::yes_no}));
+        answers.push_back(
+            toolkit.message_box({u"Verify Cancellation", u"Are you sure?", forms::MessageButtons::yes_no}));
     };
     screen.key(Key::enter);
     screen.key(Key::escape, [&] { EXPECT_TRUE(screen.shows("Verify Cancellation")); });
@@ -135,8 +136,10 @@ TEST_F(OnTerminal, MessageBoxIsAsLargeAsItsText) {
 TEST_F(OnTerminal, MenuOpensAtThePointerAndTellsWhatWasChosen) {
     SmallForm form(toolkit, u"Form");
     std::vector<std::string> chosen;
-    forms::Menu menu{"menu", u"Popup", {{"retry", u"Retry!", [&] { chosen.push_back("retry"); }},
-                                        {"other", u"&Other", [&] { chosen.push_back("other"); }}}};
+    forms::Menu menu{
+        "menu", u"Popup", {{"retry", u"Retry!", [&] { chosen.push_back("retry"); }}, {"other", u"&Other", [&] {
+                                                                                          chosen.push_back("other");
+                                                                                      }}}};
     form.list.on_mouse_down = [&](forms::MouseButton button, float, float) {
         if (button == forms::MouseButton::right) toolkit.pop_up_menu(form, menu);
     };

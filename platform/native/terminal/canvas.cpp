@@ -61,6 +61,16 @@ void Canvas::fill(const Area& area, const Style& style) noexcept {
     }
 }
 
+void Canvas::block(const Area& area, forms::Color color, char32_t character) noexcept {
+    Cell cell;
+    cell.character = character;
+    cell.style = {color, color};
+    const Area target = area.meet(clip_);
+    for (int row = target.top; row < target.bottom; ++row) {
+        for (int column = target.left; column < target.right; ++column) put({column, row}, cell);
+    }
+}
+
 int Canvas::text(Point at, std::u32string_view text, const Ink& ink) noexcept {
     Cell* last = nullptr;
     for (char32_t character : text) {

@@ -13,7 +13,8 @@
 
 namespace vex::platform::native::terminal {
 
-/// How a cell looks. `standout` is for screens without colours, which show neither `fore` nor `back`.
+/// How a cell looks. Where fore and back colour are one, the cell is meant to be a plain block of it.
+/// `standout` is for screens without colours, which show neither.
 struct Style {
     forms::Color fore = forms::kBlack;
     forms::Color back = forms::kWhite;
@@ -62,6 +63,8 @@ public:
 
     /// Empties cells.
     void fill(const Area& area, const Style& style) noexcept;
+    /// Fills cells with a colour, and with `character` for who sees no colours.
+    void block(const Area& area, forms::Color color, char32_t character) noexcept;
     /// Draws one line of text and answers the column after it. Control characters are drawn as U+FFFD and
     /// format characters not at all, so that no text can steer the terminal.
     int text(Point at, std::u32string_view text, const Ink& ink) noexcept;

@@ -62,14 +62,19 @@ bool TerminalToolkit::handle_menu(const Input& input, const forms::MenuItem*& ch
 bool TerminalToolkit::handle_menu_key(const KeyPress& key, const forms::MenuItem*& chosen) {
     const std::vector<forms::MenuItem>& items = menu_->menu.items;
     switch (key.key) {
-        case Key::up: menu_->chosen = (menu_->chosen + items.size() - 1) % items.size(); return false;
-        case Key::down: menu_->chosen = (menu_->chosen + 1) % items.size(); return false;
-        case Key::enter: chosen = &items[menu_->chosen]; return true;
+        case Key::up:
+            menu_->chosen = (menu_->chosen + items.size() - 1) % items.size();
+            return false;
+        case Key::down:
+            menu_->chosen = (menu_->chosen + 1) % items.size();
+            return false;
+        case Key::enter:
+            chosen = &items[menu_->chosen];
+            return true;
         case Key::character: {
             const auto found = std::find_if(items.begin(), items.end(), [&key](const forms::MenuItem& item) {
                 const Caption caption = parse_caption(item.caption);
-                return !caption.text.empty() &&
-                       same_letter(caption.text[caption.mnemonic.value_or(0)], key.character);
+                return !caption.text.empty() && same_letter(caption.text[caption.mnemonic.value_or(0)], key.character);
             });
             if (found == items.end()) {
                 beep();
@@ -78,7 +83,8 @@ bool TerminalToolkit::handle_menu_key(const KeyPress& key, const forms::MenuItem
             chosen = &*found;
             return true;
         }
-        default: return true;
+        default:
+            return true;
     }
 }
 

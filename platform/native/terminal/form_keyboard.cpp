@@ -28,12 +28,23 @@ void FormWindow::handle(const KeyPress& key) {
         return;
     }
     switch (key.key) {
-        case Key::tab: move_focus(1); return;
-        case Key::back_tab: move_focus(-1); return;
-        case Key::enter: press_enter(); return;
-        case Key::escape: press_escape(); return;
-        case Key::menu: open_menu(); return;
-        default: break;
+        case Key::tab:
+            move_focus(1);
+            return;
+        case Key::back_tab:
+            move_focus(-1);
+            return;
+        case Key::enter:
+            press_enter();
+            return;
+        case Key::escape:
+            press_escape();
+            return;
+        case Key::menu:
+            open_menu();
+            return;
+        default:
+            break;
     }
     if (control == nullptr) return;
     if (control->kind() == ControlKind::list_view) {
@@ -59,10 +70,15 @@ void FormWindow::handle(const KeyPress& key) {
             }
             break;
         case Key::up:
-        case Key::left: option ? move_option(*control, -1) : move_focus(-1); break;
+        case Key::left:
+            option ? move_option(*control, -1) : move_focus(-1);
+            break;
         case Key::down:
-        case Key::right: option ? move_option(*control, 1) : move_focus(1); break;
-        default: break;
+        case Key::right:
+            option ? move_option(*control, 1) : move_focus(1);
+            break;
+        default:
+            break;
     }
 }
 
@@ -152,13 +168,26 @@ void FormWindow::handle_key_of(forms::ListView& list, const KeyPress& key) {
     // Without a selection the first step forwards meets the first row.
     auto row = list.selected() ? static_cast<std::ptrdiff_t>(*list.selected()) : -1;
     switch (key.key) {
-        case Key::up: row -= 1; break;
-        case Key::down: row += 1; break;
-        case Key::page_up: row -= page; break;
-        case Key::page_down: row += page; break;
-        case Key::home: row = 0; break;
-        case Key::end: row = last; break;
-        default: return;
+        case Key::up:
+            row -= 1;
+            break;
+        case Key::down:
+            row += 1;
+            break;
+        case Key::page_up:
+            row -= page;
+            break;
+        case Key::page_down:
+            row += page;
+            break;
+        case Key::home:
+            row = 0;
+            break;
+        case Key::end:
+            row = last;
+            break;
+        default:
+            return;
     }
     select(list, static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row, 0, last)));
 }

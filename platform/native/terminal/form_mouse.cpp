@@ -42,10 +42,16 @@ bool clickable(ControlKind kind) noexcept {
 void FormWindow::handle(const MouseEvent& event) {
     owner_.invalidate();
     switch (event.action) {
-        case MouseAction::press: mouse_press(event); break;
-        case MouseAction::release: mouse_release(event); break;
+        case MouseAction::press:
+            mouse_press(event);
+            break;
+        case MouseAction::release:
+            mouse_release(event);
+            break;
         case MouseAction::wheel_up:
-        case MouseAction::wheel_down: mouse_wheel(event); break;
+        case MouseAction::wheel_down:
+            mouse_wheel(event);
+            break;
     }
 }
 

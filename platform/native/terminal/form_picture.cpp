@@ -42,9 +42,7 @@ public:
 
 private:
     /// From the client area into the frame.
-    static void shift(Area& area) noexcept {
-        area = {area.left + 1, area.top + 1, area.right + 1, area.bottom + 1};
-    }
+    static void shift(Area& area) noexcept { area = {area.left + 1, area.top + 1, area.right + 1, area.bottom + 1}; }
 
     bool focused(const Control& control) const noexcept { return look_.active && look_.focus == &control; }
 
@@ -64,21 +62,36 @@ private:
     void draw_control(const PlacedControl& placed) {
         Control& control = *placed.control;
         switch (control.kind()) {
-            case ControlKind::label: draw_label(placed); break;
-            case ControlKind::button: draw_button(placed); break;
+            case ControlKind::label:
+                draw_label(placed);
+                break;
+            case ControlKind::button:
+                draw_button(placed);
+                break;
             case ControlKind::option_button:
                 draw_choice(placed, static_cast<const forms::OptionButton&>(control).value() ? U'•' : U' ', U"()");
                 break;
             case ControlKind::check_box:
                 draw_choice(placed, static_cast<const forms::CheckBox&>(control).value() != 0 ? U'x' : U' ', U"[]");
                 break;
-            case ControlKind::text_box: draw_text_box(placed); break;
-            case ControlKind::list_view: draw_list(placed); break;
-            case ControlKind::panel: draw_background(placed); break;
-            case ControlKind::shape: draw_shape(placed); break;
-            case ControlKind::line: draw_line(placed); break;
+            case ControlKind::text_box:
+                draw_text_box(placed);
+                break;
+            case ControlKind::list_view:
+                draw_list(placed);
+                break;
+            case ControlKind::panel:
+                draw_background(placed);
+                break;
+            case ControlKind::shape:
+                draw_shape(placed);
+                break;
+            case ControlKind::line:
+                draw_line(placed);
+                break;
             case ControlKind::tab_pages:
-            case ControlKind::host_control: break;
+            case ControlKind::host_control:
+                break;
         }
     }
 
@@ -125,7 +138,8 @@ private:
         ink.standout = has_focus;
         Canvas& canvas = picture_.canvas;
         canvas.fill(placed.cells, {ink.fore, *ink.back, ink.bold, false, ink.standout});
-        const std::u32string caption = placed.lines.empty() ? U"" : shorten(placed.lines.front(), placed.cells.width() - 2);
+        const std::u32string caption =
+            placed.lines.empty() ? U"" : shorten(placed.lines.front(), placed.cells.width() - 2);
         const int column = placed.cells.left + 1 + (placed.cells.width() - 2 - text_width(caption)) / 2;
         const int row = placed.cells.top;
         canvas.text({column, row}, caption, ink);
@@ -172,10 +186,7 @@ private:
 
     void draw_shape(const PlacedControl& placed) {
         const forms::Color color = static_cast<const forms::Shape&>(*placed.control).fill_color();
-        const std::u32string row(static_cast<std::size_t>(placed.cells.width()), shade(color));
-        for (int at = placed.cells.top; at < placed.cells.bottom; ++at) {
-            picture_.canvas.text({placed.cells.left, at}, row, {.fore = color});
-        }
+        picture_.canvas.block(placed.cells, color, shade(color));
     }
 
     void draw_line(const PlacedControl& placed) {
@@ -194,8 +205,7 @@ private:
 
 const PlacedControl* FormPicture::control_at(Point at) const noexcept {
     const auto found = std::find_if(controls.rbegin(), controls.rend(), [at](const PlacedControl& placed) {
-        return placed.cells.contains(at) && placed.clip.contains(at) &&
-               placed.control->kind() != ControlKind::line;
+        return placed.cells.contains(at) && placed.clip.contains(at) && placed.control->kind() != ControlKind::line;
     });
     return found == controls.rend() ? nullptr : &*found;
 }

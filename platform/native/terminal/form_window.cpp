@@ -2,6 +2,7 @@
 #include "platform/native/terminal/form_window.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -15,8 +16,10 @@ bool takes_focus(const Control& control) noexcept {
         case ControlKind::option_button:
         case ControlKind::check_box:
         case ControlKind::text_box:
-        case ControlKind::list_view: return control.tab_index() >= 0 && control.enabled() && control.reachable();
-        default: return false;
+        case ControlKind::list_view:
+            return control.tab_index() >= 0 && control.enabled() && control.reachable();
+        default:
+            return false;
     }
 }
 
@@ -84,12 +87,15 @@ std::vector<Control*> FormWindow::tab_stops() const {
 
 Control* FormWindow::focus() {
     if (focus_ != nullptr && takes_focus(*focus_)) return focus_;
-    // What had the focus was disabled or left the screen: the next one in the keyboard order has it.
+    // What had the focus was disabled or left the screen: the nearest in the keyboard order has it now, of two
+    // the earlier one.
     const std::vector<Control*> stops = tab_stops();
     const int last = focus_ == nullptr ? -1 : focus_->tab_index();
-    const auto next =
-        std::find_if(stops.begin(), stops.end(), [last](const Control* stop) { return stop->tab_index() > last; });
-    focus_ = next != stops.end() ? *next : stops.empty() ? nullptr : stops.front();
+    const auto nearest =
+        std::min_element(stops.begin(), stops.end(), [last](const Control* left, const Control* right) {
+            return std::abs(left->tab_index() - last) < std::abs(right->tab_index() - last);
+        });
+    focus_ = nearest == stops.end() ? nullptr : *nearest;
     return focus_;
 }
 

@@ -82,8 +82,10 @@ public:
         const std::u32string text = text_of(*placed.control);
         const int wanted = text_width(text) + adornment;
         Area& cells = placed.cells;
-        if (cells.width() < wanted) cells.right = std::max(cells.right, std::min(cells.left + wanted, free_right(placed)));
-        if (cells.width() < wanted) cells.left = std::min(cells.left, std::max(cells.right - wanted, free_left(placed)));
+        if (cells.width() < wanted)
+            cells.right = std::max(cells.right, std::min(cells.left + wanted, free_right(placed)));
+        if (cells.width() < wanted)
+            cells.left = std::min(cells.left, std::max(cells.right - wanted, free_left(placed)));
         placed.lines = {shorten(text, cells.width() - adornment)};
     }
 
@@ -116,7 +118,8 @@ public:
 private:
     bool obstructs(const PlacedControl& other, const PlacedControl& placed) const noexcept {
         const Control& control = *other.control;
-        return &other != &placed && control.parent() == placed.control->parent() && control.kind() != ControlKind::line &&
+        return &other != &placed && control.parent() == placed.control->parent() &&
+               control.kind() != ControlKind::line &&
                !(control.kind() == ControlKind::label && control.caption().empty());
     }
 
@@ -176,10 +179,13 @@ Size client_size(const forms::Form& form, const Scale& scale) noexcept {
 
 int adornment_width(ControlKind kind) noexcept {
     switch (kind) {
-        case ControlKind::button: return 2;
+        case ControlKind::button:
+            return 2;
         case ControlKind::option_button:
-        case ControlKind::check_box: return 4;
-        default: return 0;
+        case ControlKind::check_box:
+            return 4;
+        default:
+            return 0;
     }
 }
 

@@ -64,7 +64,8 @@ std::optional<std::size_t> ListPane::row_at(int row) const noexcept {
 }
 
 int ListPane::place_of(std::size_t row) const noexcept {
-    return cells_.top + 1 + static_cast<int>(static_cast<std::ptrdiff_t>(row) - static_cast<std::ptrdiff_t>(scroll_.top));
+    return cells_.top + 1 +
+           static_cast<int>(static_cast<std::ptrdiff_t>(row) - static_cast<std::ptrdiff_t>(scroll_.top));
 }
 
 bool ListPane::on_scroll_bar(Point at) const noexcept {
@@ -105,7 +106,8 @@ void ListPane::paint_header(Canvas& canvas, bool focused) const {
     int column = cells_.left - scroll_.left;
     for (std::size_t i = 0; i < widths_.size(); ++i) {
         const int before = i == 0 ? gutter() : 0;
-        canvas.text({column + before, cells_.top}, shorten(to_utf32(list_.columns[i].header), widths_[i] - before - 1), ink);
+        canvas.text({column + before, cells_.top}, shorten(to_utf32(list_.columns[i].header), widths_[i] - before - 1),
+                    ink);
         column += widths_[i];
         if (i + 1 < widths_.size()) canvas.text({column - 1, cells_.top}, U"│", ink);
     }

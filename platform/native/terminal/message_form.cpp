@@ -23,10 +23,8 @@ forms::FormDesign design_for(const forms::MessageBox& box) {
     for (const std::u32string& line : wrap(text, kWidest)) width = std::max(width, text_width(line));
     width = std::min(width, kWidest);
     const auto rows = static_cast<forms::Twips>(wrap(text, width).size()) + 4;
-    return {.name = "MessageBox",
-            .caption = box.title,
-            .width = (width + 4) * kScale.column,
-            .height = rows * kScale.row};
+    return {
+        .name = "MessageBox", .caption = box.title, .width = (width + 4) * kScale.column, .height = rows * kScale.row};
 }
 
 }  // namespace
@@ -40,12 +38,21 @@ MessageForm::MessageForm(forms::Toolkit& toolkit, const forms::MessageBox& box)
     const forms::Twips left = (width() - buttons) / 2;
     const forms::Twips top = height() - 2 * kScale.row;
     lay_out({
-        {.control = text_, .name = "text", .at = {2 * kScale.column, kScale.row, width() - 4 * kScale.column, text_height},
+        {.control = text_,
+         .name = "text",
+         .at = {2 * kScale.column, kScale.row, width() - 4 * kScale.column, text_height},
          .text = box.text},
-        {.control = first_, .name = "first", .at = {left, top, kButtonWidth, kScale.row},
-         .text = question_ ? u"&Yes" : u"OK", .tab_index = 0},
-        {.control = second_, .name = "second", .at = {left + kButtonStep, top, kButtonWidth, kScale.row},
-         .text = u"&No", .tab_index = 1, .visible = question_},
+        {.control = first_,
+         .name = "first",
+         .at = {left, top, kButtonWidth, kScale.row},
+         .text = question_ ? u"&Yes" : u"OK",
+         .tab_index = 0},
+        {.control = second_,
+         .name = "second",
+         .at = {left + kButtonStep, top, kButtonWidth, kScale.row},
+         .text = u"&No",
+         .tab_index = 1,
+         .visible = question_},
     });
     first_.is_default = true;
     first_.is_cancel = !question_;

@@ -55,34 +55,51 @@ private:
 
 std::optional<KeyPress> function_key(wint_t code) {
     switch (code) {
-        case KEY_UP: return KeyPress{Key::up};
-        case KEY_DOWN: return KeyPress{Key::down};
-        case KEY_LEFT: return KeyPress{Key::left};
-        case KEY_RIGHT: return KeyPress{Key::right};
-        case KEY_PPAGE: return KeyPress{Key::page_up};
-        case KEY_NPAGE: return KeyPress{Key::page_down};
-        case KEY_HOME: return KeyPress{Key::home};
-        case KEY_END: return KeyPress{Key::end};
-        case KEY_BACKSPACE: return KeyPress{Key::backspace};
-        case KEY_DC: return KeyPress{Key::remove};
-        case KEY_BTAB: return KeyPress{Key::back_tab};
-        case KEY_ENTER: return KeyPress{Key::enter};
+        case KEY_UP:
+            return KeyPress{Key::up};
+        case KEY_DOWN:
+            return KeyPress{Key::down};
+        case KEY_LEFT:
+            return KeyPress{Key::left};
+        case KEY_RIGHT:
+            return KeyPress{Key::right};
+        case KEY_PPAGE:
+            return KeyPress{Key::page_up};
+        case KEY_NPAGE:
+            return KeyPress{Key::page_down};
+        case KEY_HOME:
+            return KeyPress{Key::home};
+        case KEY_END:
+            return KeyPress{Key::end};
+        case KEY_BACKSPACE:
+            return KeyPress{Key::backspace};
+        case KEY_DC:
+            return KeyPress{Key::remove};
+        case KEY_BTAB:
+            return KeyPress{Key::back_tab};
+        case KEY_ENTER:
+            return KeyPress{Key::enter};
         case KEY_F(10):
         case KEY_F(16):  // the menu key of xterm
         case KEY_F(22):  // F10 with Shift
             return KeyPress{Key::menu};
-        default: return std::nullopt;
+        default:
+            return std::nullopt;
     }
 }
 
 std::optional<KeyPress> character_key(wint_t code) {
     switch (code) {
         case L'\r':
-        case L'\n': return KeyPress{Key::enter};
-        case L'\t': return KeyPress{Key::tab};
+        case L'\n':
+            return KeyPress{Key::enter};
+        case L'\t':
+            return KeyPress{Key::tab};
         case 8:
-        case 127: return KeyPress{Key::backspace};
-        default: break;
+        case 127:
+            return KeyPress{Key::backspace};
+        default:
+            break;
     }
     if (code < L' ') return std::nullopt;
     return KeyPress{Key::character, static_cast<char32_t>(code)};
@@ -123,7 +140,8 @@ public:
         mouseinterval(0);
         if (!is_set("NO_COLOR") && has_colors() && start_color() == OK) colors_ = COLORS;
         signals_.set_farewell(terminal_capability("rmkx") + "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" +
-                              terminal_capability("sgr0") + terminal_capability("cnorm") + terminal_capability("rmcup"));
+                              terminal_capability("sgr0") + terminal_capability("cnorm") +
+                              terminal_capability("rmcup"));
     }
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
@@ -153,9 +171,14 @@ public:
         bool hung_up = false;
         while (!ended_) {
             switch (signals_.next()) {
-                case SignalWatch::Event::resized: follow_size(); return Resized{};
-                case SignalWatch::Event::ended: ended_ = true; continue;
-                case SignalWatch::Event::none: break;
+                case SignalWatch::Event::resized:
+                    follow_size();
+                    return Resized{};
+                case SignalWatch::Event::ended:
+                    ended_ = true;
+                    continue;
+                case SignalWatch::Event::none:
+                    break;
             }
             wint_t code = 0;
             const int kind = get_wch(&code);
@@ -225,7 +248,8 @@ private:
         const auto known = pairs_.find(key);
         if (known != pairs_.end()) return known->second;
         const int back = nearest_palette_color(style.back, colors_);
-        const int pair = alloc_pair(palette_text_color(style.fore, back, colors_), back);
+        const int fore = style.fore == style.back ? back : palette_text_color(style.fore, back, colors_);
+        const int pair = alloc_pair(fore, back);
         return pairs_.emplace(key, pair < 0 ? 0 : pair).first->second;
     }
 

@@ -14,8 +14,7 @@ constexpr std::uint32_t kFileMustExist = 0x1000;
 constexpr std::chrono::milliseconds kDoubleClick{500};
 constexpr char16_t kParent[] = u"..";
 
-constexpr forms::FormDesign kDesign{
-    .name = "OpenFile", .caption = u"Open", .width = 7000, .height = 3700};
+constexpr forms::FormDesign kDesign{.name = "OpenFile", .caption = u"Open", .width = 7000, .height = 3700};
 
 bool is_full_path(std::u16string_view path) noexcept { return path.size() >= 2 && path[1] == u':'; }
 
@@ -31,7 +30,8 @@ std::u16string parent_of(const std::u16string& folder) {
 }
 
 std::u16string size_text(std::uintmax_t bytes) {
-    const std::string text = bytes < 10'000 ? std::to_string(bytes) + " B" : std::to_string((bytes + 1023) / 1024) + " KB";
+    const std::string text =
+        bytes < 10'000 ? std::to_string(bytes) + " B" : std::to_string((bytes + 1023) / 1024) + " KB";
     return std::u16string(text.begin(), text.end());
 }
 
@@ -81,11 +81,18 @@ OpenFileForm::OpenFileForm(forms::Toolkit& toolkit, const Drives& drives, const 
     lay_out({
         {.control = lblFolder, .name = "lblFolder", .at = {200, 195, 800, 195}, .text = u"Look in:"},
         {.control = lblFolderPath, .name = "lblFolderPath", .at = {1200, 195, 5600, 195}},
-        {.control = lstFiles, .name = "lstFiles", .at = {200, 390, 6600, 2145}, .tab_index = 0,
+        {.control = lstFiles,
+         .name = "lstFiles",
+         .at = {200, 390, 6600, 2145},
+         .tab_index = 0,
          .accessible_name = u"Files and folders"},
         {.control = lblName, .name = "lblName", .at = {200, 2730, 1000, 195}, .text = u"File name:"},
-        {.control = txtName, .name = "txtName", .at = {1300, 2730, 4200, 195}, .text = request.file_name,
-         .tab_index = 1, .accessible_name = u"File name"},
+        {.control = txtName,
+         .name = "txtName",
+         .at = {1300, 2730, 4200, 195},
+         .text = request.file_name,
+         .tab_index = 1,
+         .accessible_name = u"File name"},
         {.control = cmdOpen, .name = "cmdOpen", .at = {5800, 2730, 1000, 195}, .text = u"&Open", .tab_index = 2},
         {.control = lblFilter, .name = "lblFilter", .at = {200, 3120, 1000, 195}, .text = u"Type:"},
         {.control = lblFilterName, .name = "lblFilterName", .at = {1300, 3120, 4200, 195}, .text = filter_name},

@@ -151,7 +151,8 @@ void TerminalToolkit::draw_too_small(Canvas& canvas) const {
 }
 
 void TerminalToolkit::draw_keys(Canvas& canvas, const Area& line) const {
-    canvas.text({line.left + 1, line.top}, U"Tab next   Enter press   Space choose   Esc close   F10 menu   Ctrl+C leave",
+    canvas.text({line.left + 1, line.top},
+                U"Tab next   Enter press   Space choose   Esc close   F10 menu   Ctrl+C leave",
                 {.fore = look::kDesktopText});
 }
 

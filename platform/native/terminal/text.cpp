@@ -1,9 +1,9 @@
 // Text on the character grid.
 #include "platform/native/terminal/text.h"
 
+#include <locale.h>
 #include <clocale>
 #include <cwchar>
-#include <locale.h>
 
 #include "core/unicode.h"
 

@@ -63,11 +63,20 @@ bool TextPane::edit(const KeyPress& key, std::u32string& text) {
         case Key::remove:
             if (cursor_.at < text.size()) text.erase(text.begin() + at);
             break;
-        case Key::left: cursor_.at -= cursor_.at > 0 ? 1 : 0; break;
-        case Key::right: cursor_.at += cursor_.at < text.size() ? 1 : 0; break;
-        case Key::home: cursor_.at = 0; break;
-        case Key::end: cursor_.at = text.size(); break;
-        default: return false;
+        case Key::left:
+            cursor_.at -= cursor_.at > 0 ? 1 : 0;
+            break;
+        case Key::right:
+            cursor_.at += cursor_.at < text.size() ? 1 : 0;
+            break;
+        case Key::home:
+            cursor_.at = 0;
+            break;
+        case Key::end:
+            cursor_.at = text.size();
+            break;
+        default:
+            return false;
     }
     return true;
 }
