@@ -130,8 +130,10 @@ Figures compare(std::size_t displays, const std::u16string& firmware, std::chron
     for (int round = 0; round < rounds; ++round) {
         for (const bool through_plugin : {true, false}) {
             Bed bed(displays);
-            // A download tells of its bytes twenty times a unit.
-            if (link.count() > 0) bed.host.on_transfer = [link](std::size_t) { std::this_thread::sleep_for(link / 20.0); };
+            if (link.count() > 0) bed.host.on_link = [link](const sim::LinkEvent& event) {
+                // A download tells of its parts twenty times a unit.
+                if (event.kind == sim::LinkEvent::Kind::transfers) std::this_thread::sleep_for(link / 20.0);
+            };
             const sim::HostClasses classes(bed.host);
             if (through_plugin) {
                 plugin.push_back(milliseconds([&] { run_through_plugin(bed, firmware); }));
