@@ -34,8 +34,9 @@ struct Host {
 
     /// The host's selection dialog: display names joined by ",".
     std::function<std::u16string()> choose_displays;
-    /// Told of what goes on on the links, so that it can be watched and take its time; may be empty.
-    std::function<void(const LinkEvent& event)> on_link;
+    /// Told of what goes on on the links, so that it can be watched and take its time; may be empty. Answers
+    /// whether the link still stands; where not, what is in progress is interrupted.
+    std::function<bool(const LinkEvent& event)> on_link;
 
     /// The display that a caller asked about last. Where several displays share one line, it is meant.
     std::u16string display_asked_about;

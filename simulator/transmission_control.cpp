@@ -285,7 +285,7 @@ void TransmissionControl::say(ScriptedMessage message) {
 }
 
 void TransmissionControl::tell(const LinkEvent& event) {
-    if (host_.on_link) host_.on_link(event);
+    if (host_.on_link && !host_.on_link(event)) interrupted_ = true;
 }
 
 Call TransmissionControl::call_of(Operation operation) const { return {called_display_, sign_id_, operation}; }

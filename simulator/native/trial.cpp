@@ -4,7 +4,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "core/unicode.h"
+#include "core/runtime_error.h"
 #include "platform/native/machine.h"
 #include "platform/native/terminal/machine_drives.h"
 #include "platform/native/terminal/ncurses_screen.h"
@@ -63,6 +63,8 @@ public:
             progress_.follow(event);
             toolkit_.invalidate();
             pace_.follow(event);
+            // Who leaves in the midst of it cuts the link.
+            return !toolkit_.ended();
         };
     }
     Trial(const Trial&) = delete;
@@ -118,13 +120,19 @@ int run_trial(NativeSession& session, const CommandLine& options) {
                 ScenarioPlayer player(sample, host, session.screen(), plugin, errors, samples);
                 if (const ExitStatus installed = player.play(); installed != kPassed) return installed;
             }
+            ExitStatus played = kPassed;
             {
                 Trial trial(host, options.speed);
-                trial.play(plugin, session.screen().toolkit(), first_run);
+                try {
+                    trial.play(plugin, session.screen().toolkit(), first_run);
+                } catch (const RuntimeError& error) {
+                    errors << "the plug-in raised error " << error.number() << ": " << error.what() << '\n';
+                    played = kFailed;
+                }
                 signal = trial.ended_by();
             }
             print_units(host, summary);
-            return kPassed;
+            return played;
         });
     std::cout << summary.str() << std::flush;
     std::cerr << errors.str();

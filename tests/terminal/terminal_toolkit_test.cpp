@@ -133,7 +133,7 @@ TEST_F(OnTerminal, MessageBoxIsAsLargeAsItsText) {
     toolkit.message_box({u"A title that is longer than its text", text});
 }
 
-TEST_F(OnTerminal, MenuOpensAtThePointerAndTellsWhatWasChosen) {
+TEST_F(OnTerminal, MenuOpensBelowThePointerAndTellsWhatWasChosen) {
     SmallForm form(toolkit, u"Form");
     std::vector<std::string> chosen;
     forms::Menu menu{
@@ -147,12 +147,12 @@ TEST_F(OnTerminal, MenuOpensAtThePointerAndTellsWhatWasChosen) {
     screen.look([&] { EXPECT_EQ(screen.find(U"first"), (Point{27, 9})); });
     screen.mouse(MouseAction::press, row, forms::MouseButton::right);
     screen.mouse(MouseAction::release, row, forms::MouseButton::right);
-    screen.look([&] { EXPECT_EQ(screen.find(U"▸Retry!"), (Point{33, 10})); });
+    screen.look([&] { EXPECT_EQ(screen.find(U"▸Retry!"), (Point{33, 11})); });
     screen.key(Key::down);
     screen.key(Key::enter);
     // By the mouse, and dismissed in three ways.
     screen.mouse(MouseAction::press, row, forms::MouseButton::right);
-    screen.click({34, 10});
+    screen.click({34, 11});
     screen.mouse(MouseAction::press, row, forms::MouseButton::right);
     screen.mouse(MouseAction::press, {2, 2});
     screen.mouse(MouseAction::press, row, forms::MouseButton::right);

@@ -204,8 +204,8 @@ TEST_F(OnTerminal, CancelIsServedAtOnceAndNothingIsWaitedForAfterIt) {
 
 // ---- The program ----------------------------------------------------------------------------------------
 
-TerminalProcess program(const char* terminal = "xterm-256color") {
-    return TerminalProcess([](int) { execl(VEX_PROGRAM, "brivola-sim", "--speed", "1000", nullptr); }, terminal);
+TerminalProcess program(const char* terminal = "xterm-256color", const char* speed = "1000") {
+    return TerminalProcess([speed](int) { execl(VEX_PROGRAM, "brivola-sim", "--speed", speed, nullptr); }, terminal);
 }
 
 TEST(TrialProgram, GoesFromStartToAFinishedRunAndTellsWhatTheUnitsHold) {
@@ -237,6 +237,20 @@ TEST(TrialProgram, EndsByASignalWithTheTerminalGivenBack) {
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 128 + SIGINT);
     EXPECT_TRUE(trial.modes_are_as_before());
+}
+
+TEST(TrialProgram, LeavesTheUnitsAsTheyAreWhenItIsEndedInTheMidstOfARun) {
+    TerminalProcess trial = program("xterm-256color", "1");
+    ASSERT_TRUE(trial.sees("nothing real is touched"));
+    trial.send("\r\r\r\r");
+    ASSERT_TRUE(trial.sees("- Reset and Clear all"));
+    trial.send("\r");
+    ASSERT_TRUE(trial.sees("Preparing to Open"));
+    trial.send("\003");
+    const int status = trial.wait();
+    EXPECT_EQ(WEXITSTATUS(status), 128 + SIGINT);
+    EXPECT_TRUE(trial.sees("Main Street     1  as delivered"));
+    EXPECT_TRUE(trial.sees("Main Street    20  as delivered"));
 }
 
 TEST(TrialProgram, DrawsTheSampleScenarioWhereThereIsNoTerminal) {

@@ -12,7 +12,7 @@ void TerminalToolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
     const ShownForm& shown = windows_.back();
     const Point pointer = shown.window.pointer();
     const forms::MenuItem* chosen = nullptr;
-    menu_.emplace(OpenMenu{menu, {shown.at.column + pointer.column, shown.at.row + pointer.row}});
+    menu_.emplace(OpenMenu{menu, {shown.at.column + pointer.column, shown.at.row + pointer.row + 1}});
     stale_ = true;
     while (!ended_) {
         draw_when_stale();

@@ -54,6 +54,7 @@ private:
     class ShowScope;
     struct OpenMenu {
         const forms::Menu& menu;
+        /// Below what it is about.
         Point at;
         std::size_t chosen = 0;
     };
