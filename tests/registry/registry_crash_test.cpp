@@ -23,7 +23,7 @@ const CodePage1252 kCodePage;
 /// that lines are cut short and the file is tidied up while writers die.
 std::string name_of(std::uint32_t count) { return "value " + std::to_string(count % kNames); }
 std::vector<std::uint8_t> data_of(std::uint32_t count) {
-    std::vector<std::uint8_t> data(count % 97 == 0 ? 300'000 : 4 + count % 250, static_cast<std::uint8_t>(count));
+    std::vector<std::uint8_t> data(count % 97 == 0 ? 60'000 : 4 + count % 250, static_cast<std::uint8_t>(count));
     for (std::size_t i = 0; i < 4; ++i) data[i] = static_cast<std::uint8_t>(count >> (8 * i));
     return data;
 }
@@ -52,8 +52,11 @@ public:
         ::waitpid(child_, nullptr, 0);
     }
 
-    /// Waits until it has begun.
-    void await_first() { receive(); }
+    /// Waits until this many writes have been answered, and a moment longer.
+    void let_write(std::uint_fast32_t writes, std::chrono::microseconds moment) {
+        while (writes-- > 0) receive();
+        std::this_thread::sleep_for(moment);
+    }
 
     /// The last count that was answered; the writer is dead then.
     std::uint32_t kill_now() {
@@ -118,8 +121,7 @@ TEST(RegistryCrash, EveryAnsweredWriteSurvivesAKill) {
     for (int kill = 0; kill < kKills; ++kill) {
         SCOPED_TRACE("kill " + std::to_string(kill));
         Writer writer(folder.path(), "Key", last + 1);
-        writer.await_first();
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 12'000));
+        writer.let_write(1 + random() % 100, std::chrono::microseconds(random() % 1000));
         const std::uint32_t answered = writer.kill_now();
         ASSERT_GT(answered, last);
         last = answered;
@@ -138,12 +140,11 @@ TEST(RegistryCrash, AKillDoesNotHarmTheOtherWriter) {
     const test::TemporaryFolder folder;
     std::mt19937 random(815);
     Writer survivor(folder.path(), "Survivor", 1);
-    survivor.await_first();
+    survivor.let_write(1, {});
     std::uint32_t last = 0;
     for (int kill = 0; kill < kKills; ++kill) {
         Writer writer(folder.path(), "Key", last + 1);
-        writer.await_first();
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 12'000));
+        writer.let_write(1 + random() % 100, std::chrono::microseconds(random() % 1000));
         last = writer.kill_now();
         expect_answered(folder.path(), "Key", last);
         if (HasFatalFailure()) return;

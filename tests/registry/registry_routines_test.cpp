@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <functional>
 #include <set>
 
@@ -54,6 +55,13 @@ public:
     std::int32_t connect_registry(const char* computer, RegistryKey root, RegistryKey& key) noexcept override {
         if (side_code_page().from_ansi(computer) != kComputer) return kBadNetPath;
         return opened(ForwardingRegistry::open_key(root, "", kKeyAllAccess, key), key);
+    }
+
+    std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept override {
+        const std::uint32_t length = ForwardingRegistry::expand_environment(source, target, capacity);
+        // Systems leave there what they like.
+        if (length > capacity) std::fill_n(target, capacity, '#');
+        return length;
     }
 
     std::string last_path;
@@ -284,11 +292,7 @@ TEST_F(RegistryRoutinesContract, AnExpansionThatGrowsDoesNotFit) {
     // Also a text that stays as long as it is: the null has no room.
     for (const char16_t* text : {u"%VEX_LONGER%", u"no variable"}) {
         routines.SetRegistryValue(u"v", text, kRegExpandSz);
-        const std::u16string read = routines.GetRegistryValue(u"v").to_text();
-        EXPECT_EQ(read.size(), std::u16string(text).size());
-        if (kExpansionLeavesFullBuffer) {
-            EXPECT_EQ(read, text);
-        }
+        EXPECT_EQ(routines.GetRegistryValue(u"v"), AutomationValue(text));
     }
 }
 

@@ -241,10 +241,12 @@ TEST_F(RegistryStoreTest, RewritingKeepsWhatSomeoneEditedInTheMiddle) {
     Process process(folder);
     process.write("Key", "edited", "old");
     for (int i = 0; i < 100; ++i) process.write("Key", "changing", std::to_string(i) + std::string(900, 'x'));
-    // In place, of the same length, far from the end: nobody notices until the file is read as a whole.
+    // In place, of the same length, and followed by another process's write: to this one the file only grew.
     std::fstream stream(file, std::ios::in | std::ios::out);
     stream.seekp(static_cast<std::streamoff>(read_file(file).find("\"old\"") + 1));
     stream << "NEW" << std::flush;
+    Process(folder).write("Other", "v", "1");
+    EXPECT_EQ(process.read("Key", "edited"), "old") << "or this test shows nothing";
     for (int i = 0; i < 300; ++i) process.write("Key", "changing", std::to_string(i) + std::string(900, 'y'));
     EXPECT_EQ(process.read("Key", "edited"), "NEW");
     EXPECT_THAT(read_file(file), HasSubstr("\"edited\"=\"NEW\""));

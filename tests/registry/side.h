@@ -12,7 +12,7 @@ const platform::CodePage& side_code_page();
 void set_environment(const char* name, const char* value);
 
 /// Whether an expansion that does not fit leaves its buffer alone. What it leaves there is each side's own
-/// business; the class that works on it only takes what it finds.
+/// business, which the class that works on it does not look at.
 extern const bool kExpansionLeavesFullBuffer;
 
 }  // namespace vex::test
