@@ -80,10 +80,8 @@ FileStamp RegistryFile::stamp() const {
 
 bool RegistryFile::is_replaced() const {
     struct stat at_path = {};
-    if (::stat(path_.c_str(), &at_path) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) return true;
-        fail(path_);
-    }
+    // If the path cannot even be looked at, opening it again will tell why.
+    if (::stat(path_.c_str(), &at_path) != 0) return true;
     struct stat opened = {};
     if (::fstat(descriptor_, &opened) != 0) fail(path_);
     return at_path.st_dev != opened.st_dev || at_path.st_ino != opened.st_ino;
@@ -93,11 +91,6 @@ bool RegistryFile::is_writable() const {
     if (::access(path_.c_str(), W_OK) == 0) return true;
     if (errno != ENOENT) return false;
     return ::access(path_.parent_path().c_str(), W_OK) == 0 || errno == ENOENT;
-}
-
-std::string RegistryFile::read_from(std::uint64_t offset) const {
-    const std::uint64_t size = stamp().size;
-    return size > offset ? read(offset, static_cast<std::size_t>(size - offset)) : std::string();
 }
 
 std::string RegistryFile::read(std::uint64_t offset, std::size_t size) const {

@@ -42,8 +42,7 @@ public:
     /// Whether the file can be written, or created where there is none.
     bool is_writable() const;
 
-    /// From `offset` to the end.
-    std::string read_from(std::uint64_t offset) const;
+    /// Fewer bytes where the file ends before.
     std::string read(std::uint64_t offset, std::size_t size) const;
     /// Writes behind the end, which is cut back to `end` first. All of it, or nothing and a failure.
     void append(std::uint64_t end, std::string_view text);

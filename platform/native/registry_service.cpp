@@ -205,15 +205,13 @@ std::int32_t RegistryService::create_key(RegistryKey parent, const char* path, c
     key = 0;
     return answered([&]() -> std::int32_t {
         const std::u16string below = wide(path);
-        if (current(parent).node->find(below) == nullptr) {
-            const std::int32_t result =
-                current(parent).store->update([&](RegistryTree&, RegistryWriter& writer) -> std::int32_t {
-                    // Another process may have created it just now.
-                    const RegistryNode& from = *known(parent).node;
-                    if (!can_be_created(below, depth_of(from))) return kInvalidParameter;
-                    writer.key(from.path() + u'\\' + below);
-                    return kSuccess;
-                });
+        if (const Handle above = current(parent); above.node->find(below) == nullptr) {
+            const std::int32_t result = above.store->update([&](RegistryTree&, RegistryWriter& writer) -> std::int32_t {
+                const RegistryNode& from = *known(parent).node;
+                if (!can_be_created(below, depth_of(from))) return kInvalidParameter;
+                writer.key(from.path() + u'\\' + below);
+                return kSuccess;
+            });
             if (result != kSuccess) return result;
         }
         const Handle handle = known(parent);
