@@ -61,6 +61,8 @@ TEST(Colors, FindTheirPlaceInEveryPalette) {
     EXPECT_EQ(nearest_palette_color(forms::kGreen, 256), 46);
     EXPECT_EQ(nearest_palette_color(forms::kGrey, 256), 244);
     EXPECT_EQ(nearest_palette_color(forms::kGrey, 16), 8);
+    EXPECT_EQ(nearest_palette_color(forms::kGrey, 8), 7);
+    EXPECT_EQ(nearest_palette_color(forms::kDarkGrey, 8), 0);
     EXPECT_EQ(nearest_palette_color(forms::kRed, 8), 1);
     // Greys that fall onto one colour of eight are still told apart.
     for (const int count : {8, 16, 256}) {

@@ -76,6 +76,12 @@ int distance(Color left, Color right) noexcept {
     return 3 * square(a.red - b.red) + 6 * square(a.green - b.green) + square(a.blue - b.blue);
 }
 
+/// Whether the eye sees no hue in it.
+bool is_grey(Color color) noexcept {
+    const Channels c = channels(color);
+    return std::max({c.red, c.green, c.blue}) - std::min({c.red, c.green, c.blue}) < 24;
+}
+
 }  // namespace
 
 double contrast(Color left, Color right) noexcept {
@@ -101,6 +107,8 @@ int nearest_palette_color(Color color, int count) noexcept {
     int best_distance = -1;
     for (int index = first; index < end; ++index) {
         const Color candidate = index < 16 ? kNamedColors[static_cast<std::size_t>(index)] : extended_color(index);
+        // Among few colours the nearest one to a grey may be yellow.
+        if (is_grey(color) && !is_grey(candidate)) continue;
         const int far = distance(color, candidate);
         if (best_distance < 0 || far < best_distance) {
             best = index;
