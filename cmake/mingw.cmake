@@ -11,6 +11,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# Windows 7 and later. Functions and data in sections of their own, so that the linker drops what nothing uses.
-set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0601 -ffunction-sections -fdata-sections")
-set(VEX_MINGW_LINK "-static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat")
+# Windows 7 and later. Functions and data in sections of their own, so that the linker drops what nothing uses;
+# only calls need unwinding, since no signal interrupts a Windows program.
+set(CMAKE_CXX_FLAGS_INIT
+    "-D_WIN32_WINNT=0x0601 -ffunction-sections -fdata-sections -fno-asynchronous-unwind-tables")
+set(VEX_MINGW_LINK "-static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp")

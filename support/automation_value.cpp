@@ -2,7 +2,6 @@
 #include "support/automation_value.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <optional>
 
@@ -150,23 +149,23 @@ std::int16_t to_int16(std::u16string_view text) {
 }
 
 double leading_number(std::u16string_view text) {
-    std::string number;
+    // A whole number over a power of ten, exact for as many digits as a double holds. Digits of a fraction
+    // beyond that change nothing; too many digits before the point are too large for any number.
+    constexpr double kLargestExactPower = 1e22;
+    double digits = 0;
+    double power = 1;
     bool in_fraction = false;
     for (const char16_t c : text) {
         if (c == u'.' && !in_fraction) {
             in_fraction = true;
-        } else if (!is_digit(c)) {
-            break;
+            continue;
         }
-        number += static_cast<char>(c);
+        if (!is_digit(c)) break;
+        if (in_fraction && power >= kLargestExactPower) continue;
+        digits = digits * 10 + (c - u'0');
+        if (in_fraction) power *= 10;
     }
-    double value = 0;
-    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-    // Too many digits for any number; too small a fraction leaves 0.
-    if (error == std::errc::result_out_of_range && number.front() != '.' && number.front() != '0') {
-        return std::numeric_limits<double>::infinity();
-    }
-    return value;
+    return digits / power;
 }
 
 }  // namespace vex

@@ -3,19 +3,23 @@
 
 namespace vex::platform::win32 {
 
+namespace {
+
+/// Collects the windows that take input.
+BOOL CALLBACK collect(HWND window, LPARAM windows) noexcept {
+    if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+    try {
+        reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
+        return TRUE;
+    } catch (...) {
+        return FALSE;
+    }
+}
+
+}  // namespace
+
 ModalScope::ModalScope(HWND modal) {
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM parameter) noexcept -> BOOL {
-            if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
-            try {
-                reinterpret_cast<std::vector<HWND>*>(parameter)->push_back(window);
-            } catch (...) {
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&disabled_));
+    EnumThreadWindows(GetCurrentThreadId(), collect, reinterpret_cast<LPARAM>(&disabled_));
     std::erase(disabled_, modal);
     for (const HWND window : disabled_) EnableWindow(window, FALSE);
 }

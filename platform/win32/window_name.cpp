@@ -6,6 +6,20 @@
 #include "core/unicode.h"
 
 namespace vex::platform::win32 {
+namespace {
+
+struct NameSearch {
+    std::u16string_view name;
+    HWND found;
+};
+
+BOOL CALLBACK look_at_name(HWND window, LPARAM parameter) noexcept {
+    auto& search = *reinterpret_cast<NameSearch*>(parameter);
+    if (window_name(window) == search.name) search.found = window;
+    return search.found == nullptr;
+}
+
+}  // namespace
 
 WindowName::WindowName(HWND window, std::string_view name) : window_(window) {
     atom_ = GlobalAddAtomW(wide(from_utf8(name)));
@@ -37,18 +51,8 @@ std::u16string window_name(HWND window) {
 }
 
 HWND find_named_window(HWND ancestor, std::u16string_view name) {
-    struct Search {
-        std::u16string_view name;
-        HWND found;
-    } search{name, nullptr};
-    EnumChildWindows(
-        ancestor,
-        [](HWND window, LPARAM parameter) noexcept -> BOOL {
-            auto& wanted = *reinterpret_cast<Search*>(parameter);
-            if (window_name(window) == wanted.name) wanted.found = window;
-            return wanted.found == nullptr;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    NameSearch search{name, nullptr};
+    EnumChildWindows(ancestor, look_at_name, reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
 

@@ -24,20 +24,31 @@ bool has_class(HWND window, LPCWSTR name) { return lstrcmpiW(wide(class_of(windo
 
 std::u16string shape_property(std::u16string_view shape) { return kShapePrefix + std::u16string(shape); }
 
+struct ShapeSearch {
+    std::u16string property;
+    HWND found;
+};
+
+BOOL CALLBACK look_for_shape(HWND window, LPARAM parameter) noexcept {
+    auto& search = *reinterpret_cast<ShapeSearch*>(parameter);
+    if (GetPropW(window, wide(search.property)) != nullptr) search.found = window;
+    return search.found == nullptr;
+}
+
 HWND find_surface_of_shape(HWND form, std::u16string_view shape) {
-    struct Search {
-        std::u16string property;
-        HWND found;
-    } search{shape_property(shape), nullptr};
-    const auto look = [](HWND window, LPARAM parameter) noexcept -> BOOL {
-        auto& wanted = *reinterpret_cast<Search*>(parameter);
-        if (GetPropW(window, wide(wanted.property)) != nullptr) wanted.found = window;
-        return wanted.found == nullptr;
-    };
-    if (look(form, reinterpret_cast<LPARAM>(&search))) {
-        EnumChildWindows(form, look, reinterpret_cast<LPARAM>(&search));
+    ShapeSearch search{shape_property(shape), nullptr};
+    if (look_for_shape(form, reinterpret_cast<LPARAM>(&search))) {
+        EnumChildWindows(form, look_for_shape, reinterpret_cast<LPARAM>(&search));
     }
     return search.found;
+}
+
+BOOL CALLBACK look_for_top_form(HWND window, LPARAM found) noexcept {
+    // A modal form keeps the ones below it from taking input.
+    const bool form = GetPropW(window, kNameProperty) != nullptr;
+    if (!form || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+    *reinterpret_cast<HWND*>(found) = window;
+    return FALSE;
 }
 
 std::u16string cell(HWND list, std::size_t row, int column) {
@@ -61,16 +72,7 @@ std::u16string cell(HWND list, std::size_t row, int column) {
 
 WindowHandle top_form_window() {
     HWND top = nullptr;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM parameter) noexcept -> BOOL {
-            // A modal form keeps the ones below it from taking input.
-            const bool form = GetPropW(window, kNameProperty) != nullptr;
-            if (!form || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
-            *reinterpret_cast<HWND*>(parameter) = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&top));
+    EnumThreadWindows(GetCurrentThreadId(), look_for_top_form, reinterpret_cast<LPARAM>(&top));
     return top;
 }
 
