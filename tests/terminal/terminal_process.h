@@ -19,6 +19,7 @@
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utmp.h>
 
 namespace vex::test {
 
@@ -31,17 +32,23 @@ public:
         std::array<int, 2> channel{};
         if (pipe(channel.data()) != 0) throw std::runtime_error("pipe");
         winsize size{24, 80, 0, 0};
-        process_ = forkpty(&terminal_, nullptr, nullptr, &size);
+        int own_end = -1;
+        if (openpty(&terminal_, &own_end, nullptr, nullptr, &size) != 0) throw std::runtime_error("openpty");
+        // Before the process can change them.
+        tcgetattr(terminal_, &modes_);
+        process_ = fork();
         if (process_ == 0) {
+            close(terminal_);
             close(channel[0]);
+            login_tty(own_end);
             setenv("TERM", terminal, 1);
             colors ? unsetenv("NO_COLOR") : setenv("NO_COLOR", "1", 1);
             body(channel[1]);
             _exit(0);
         }
+        close(own_end);
         close(channel[1]);
         report_ = channel[0];
-        tcgetattr(terminal_, &modes_);
     }
     TerminalProcess(const TerminalProcess&) = delete;
     TerminalProcess& operator=(const TerminalProcess&) = delete;
