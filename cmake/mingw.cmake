@@ -11,8 +11,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# Windows 7 and later. Functions and data in sections of their own, so that the linker drops what nothing uses;
-# only calls need unwinding, since no signal interrupts a Windows program.
-set(CMAKE_CXX_FLAGS_INIT
-    "-D_WIN32_WINNT=0x0601 -ffunction-sections -fdata-sections -fno-asynchronous-unwind-tables")
+# Windows 7 and later. The same sources make the same bytes.
+set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0601")
 set(VEX_MINGW_LINK "-static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp")

@@ -1,15 +1,7 @@
 // The module that this code lives in, and errors of the system.
 #include "platform/win32/system.h"
 
-#include <cstdlib>
-
 #include "platform/win32/windows_api.h"
-
-// What the C++ runtime calls when nobody has caught an exception. Its own version prints the exception's type,
-// for which it brings a fifth of the library's size along; nobody reads it in a process without a console.
-namespace __gnu_cxx {
-void __verbose_terminate_handler() { std::abort(); }
-}  // namespace __gnu_cxx
 
 namespace vex::platform::win32 {
 
