@@ -30,7 +30,7 @@ dlgDispUpdater::dlgDispUpdater(const Services& services)
       mnuPopup{.name = "mnuPopup",
                .caption = u"Popup",
                .items = {{.name = "mnuPopupRetry", .caption = u"Retry!", .on_click = [this] { mnuPopupRetry_Click(); }}}} {
-    lstvDisplayStatus.columns = {{u"Display Name", 1650}, {u"Update Status", 3000}};
+    lstvDisplayStatus.columns = {{u"Display Name", 1335}, {u"Update Status", 3555}};
     lstvDisplayStatus.small_icons = &imgUpdate;
     lay_out({
         {.control = lstvDisplayStatus, .name = "lstvDisplayStatus", .at = {180, 45, 4950, 2610}, .tab_index = 1,

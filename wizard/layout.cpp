@@ -20,7 +20,7 @@ void dlgFirmwareWizard::LayOut() {
 
     SSTab1.captions = {u"Start", u"Options", u"Display", u"Firmware", u"Finish"};
     lstvDisplays.columns = {
-        {u"Display Name", 1400}, {u"Display Type", 1200}, {u"Com Port", 800}, {u"Com Baud", 800}, {u"Phone", 900}};
+        {u"Display Name", 1350}, {u"Display Type", 1200}, {u"Com Port", 870}, {u"Com Baud", 960}, {u"Phone", 1200}};
     cmdNext.is_default = true;
     cmdCancel.is_cancel = true;
 
