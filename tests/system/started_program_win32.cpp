@@ -1,0 +1,13 @@
+// The program that the process tests start: leaves a file beside itself that tells how it was started.
+#include <filesystem>
+#include <fstream>
+
+#include "platform/win32/console.h"
+#include "platform/win32/system.h"
+
+int main() {
+    const std::filesystem::path sign(vex::platform::win32::module_path() + u".ran");
+    const bool again = std::filesystem::exists(sign);
+    const bool arguments = !vex::platform::win32::program_arguments().empty();
+    std::ofstream(sign) << (again ? "another" : "1") << " run with" << (arguments ? "" : "out") << " arguments\n";
+}

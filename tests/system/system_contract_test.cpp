@@ -1,0 +1,79 @@
+// What the file, process and code page seams promise. Runs unchanged against each side.
+#include <gtest/gtest.h>
+
+#include "tests/system/side.h"
+
+namespace vex::test {
+namespace {
+
+class SystemContract : public testing::Test {
+protected:
+    std::unique_ptr<SystemSide> side = make_system_side();
+    const std::u16string folder = side->folder() + u"\\";
+
+    bool exists(const std::u16string& path) { return side->files().ordinary_file_exists(path); }
+};
+
+TEST_F(SystemContract, OrdinaryFileIsFoundHoweverItsPathIsWritten) {
+    side->make_folder(folder + u"BIN");
+    side->make_file(folder + u"BIN\\Loader B.bin");
+    EXPECT_TRUE(exists(folder + u"BIN\\Loader B.bin"));
+    EXPECT_TRUE(exists(folder + u"bin\\LOADER b.BIN"));
+    EXPECT_TRUE(exists(folder + u"\\BIN\\\\Loader B.bin"));
+    EXPECT_FALSE(exists(folder + u"BIN\\Loader B.bin\\"));
+    EXPECT_FALSE(exists(folder + u"BIN\\Loader B"));
+    EXPECT_FALSE(exists(folder + u"BIN\\Loader B.bin.old"));
+}
+
+TEST_F(SystemContract, FoldersHiddenFilesAndNonsenseAreNoOrdinaryFiles) {
+    side->make_folder(folder + u"folder.bin");
+    side->make_file(folder + u"hidden.bin");
+    side->hide(folder + u"hidden.bin");
+    for (const std::u16string& path : {folder + u"folder.bin", folder + u"hidden.bin", folder + u"missing\\file.bin",
+                                       folder + u"*.bin", folder + u"a<b>.bin", std::u16string(), std::u16string(u"\\"),
+                                       std::u16string(u"C:"), std::u16string(40'000, u'x')}) {
+        EXPECT_FALSE(exists(path));
+    }
+}
+
+TEST_F(SystemContract, PathWithBlanksIsOneProgram) {
+    // What a command line that is guessed at would start instead.
+    side->make_program(folder + u"serial.exe");
+    side->make_program(folder + u"serial tool.exe");
+    EXPECT_TRUE(side->processes().start(folder + u"serial tool.exe"));
+    EXPECT_TRUE(side->has_run(folder + u"serial tool.exe"));
+    EXPECT_FALSE(side->has_run(folder + u"serial.exe"));
+}
+
+TEST_F(SystemContract, DoubledSeparatorsLeadToTheProgram) {
+    side->make_program(folder + u"tool.exe");
+    EXPECT_TRUE(side->processes().start(folder + u"\\tool.exe"));
+    EXPECT_TRUE(side->has_run(folder + u"tool.exe"));
+}
+
+TEST_F(SystemContract, NothingIsStartedButTheProgramThatIsThere) {
+    side->make_program(folder + u"tool.exe");
+    side->make_folder(folder + u"folder.exe");
+    EXPECT_FALSE(side->processes().start(folder + u"missing.exe"));
+    EXPECT_FALSE(side->processes().start(folder + u"tool"));
+    EXPECT_FALSE(side->processes().start(folder + u"tool.exe -x"));
+    EXPECT_FALSE(side->processes().start(u"\"" + folder + u"tool.exe\""));
+    EXPECT_FALSE(side->processes().start(folder + u"folder.exe"));
+    EXPECT_FALSE(side->processes().start(u""));
+    EXPECT_FALSE(side->has_run(folder + u"tool.exe"));
+}
+
+TEST_F(SystemContract, TextGoesThroughTheCodePageAndBack) {
+    const platform::CodePage& page = side->code_page();
+    EXPECT_EQ(page.to_ansi(u""), "");
+    EXPECT_EQ(page.from_ansi(""), u"");
+    const std::u16string_view with_null(u"C:\\a\0b", 6);
+    EXPECT_EQ(page.from_ansi(page.to_ansi(with_null)), with_null);
+    if (!side->is_windows_1252()) GTEST_SKIP() << "another code page";
+    EXPECT_EQ(page.to_ansi(u"M\u00FCller \u20AC"), "M\xFCller \x80");
+    EXPECT_EQ(page.from_ansi("M\xFCller \x80"), u"M\u00FCller \u20AC");
+    EXPECT_EQ(page.to_ansi(u"\u5317"), "?");
+}
+
+}  // namespace
+}  // namespace vex::test
