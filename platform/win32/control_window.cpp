@@ -24,7 +24,8 @@ ControlWindow::~ControlWindow() {
 void ControlWindow::create(LPCWSTR window_class, DWORD style, DWORD extended_style, int id) {
     const RECT at = place();
     DWORD state = WS_CHILD | WS_CLIPSIBLINGS;
-    if (control_.visible()) state |= WS_VISIBLE;
+    // A control of the host cannot be seen at run time.
+    if (control_.visible() && control_.kind() != forms::ControlKind::host_control) state |= WS_VISIBLE;
     if (!control_.enabled()) state |= WS_DISABLED;
     const HWND window = CreateWindowExW(extended_style, window_class, wide(control_.caption()), style | state, at.left,
                                         at.top, at.right - at.left, at.bottom - at.top, parent_.window(),

@@ -14,9 +14,8 @@ class NativeSystemSide final : public SystemSide {
 public:
     NativeSystemSide() {
         platform::native::use_machine_folder(machine_.path() / "machine");
-        platform::native::on_program_started([this](const std::u16string& path) {
-            ++runs_[platform::native::real_path(path)];
-        });
+        platform::native::on_program_started(
+            [this](const std::u16string& path) { ++runs_[platform::native::real_path(path)]; });
         make_folder(folder());
     }
     ~NativeSystemSide() override { platform::native::on_program_started(nullptr); }
@@ -44,4 +43,3 @@ private:
 std::unique_ptr<SystemSide> make_system_side() { return std::make_unique<NativeSystemSide>(); }
 
 }  // namespace vex::test
-

@@ -26,9 +26,10 @@ public:
         SetFileAttributesW(platform::win32::wide(path), FILE_ATTRIBUTE_HIDDEN);
     }
     void make_program(const std::u16string& path) override {
-        CopyFileW(platform::win32::wide(std::filesystem::path(platform::win32::module_path()).parent_path().u16string() +
-                                        u"\\system_contract_program.exe"),
-                  platform::win32::wide(path), TRUE);
+        CopyFileW(
+            platform::win32::wide(std::filesystem::path(platform::win32::module_path()).parent_path().u16string() +
+                                  u"\\system_contract_program.exe"),
+            platform::win32::wide(path), TRUE);
     }
     bool has_run(const std::u16string& path) override {
         constexpr int kPatience = 30;

@@ -1,0 +1,121 @@
+// The keyboard on real windows: order, mnemonics, default and cancel keys, and where the focus goes.
+#include "platform/win32/windows_api.h"
+
+#include "platform/win32/window_reader.h"
+#include "tests/win32/window_fixture.h"
+
+namespace vex::test {
+namespace {
+
+using testing::ElementsAre;
+
+class KeyboardTest : public WindowTest {};
+
+TEST_F(KeyboardTest, TabFollowsTheKeyboardOrderAndComesRound) {
+    form.on_load = [&] { form.option_a.set_value(true); };
+    std::vector<std::u16string> visited;
+    for (int stop = 0; stop < 6; ++stop) {
+        user.then([&] {
+            visited.push_back(focused());
+            press_key(VK_TAB);
+        });
+    }
+    show();
+    // Of options only the chosen one is a stop.
+    EXPECT_THAT(visited, ElementsAre(u"cmdOk", u"cmdCancel", u"text", u"option_a", u"check", u"cmdOk"));
+}
+
+TEST_F(KeyboardTest, ArrowsChooseAmongOptions) {
+    form.on_load = [&] { form.option_a.set_value(true); };
+    user.then([&] { SetFocus(window_of(u"option_a")); }).then([&] { press_key(VK_DOWN); }).then([&] {
+        EXPECT_EQ(focused(), u"option_b");
+        EXPECT_TRUE(form.option_b.value());
+        EXPECT_FALSE(form.option_a.value());
+    });
+    show();
+}
+
+TEST_F(KeyboardTest, EnterPressesTheDefaultButtonAndEscTheCancelButton) {
+    user.then([&] { SetFocus(window_of(u"text")); }).then([&] { press_key(VK_RETURN); }).then([&] {
+        press_key(VK_ESCAPE);
+    });
+    form.show_modal();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdOk", "cmdCancel"));
+}
+
+TEST_F(KeyboardTest, EscDoesNothingWhileTheCancelButtonIsDisabled) {
+    user.then([&] {
+            form.cmdCancel.set_enabled(false);
+            press_key(VK_ESCAPE);
+        })
+        .then([&] { form.cmdCancel.set_enabled(true); });
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdCancel"));
+}
+
+TEST_F(KeyboardTest, MnemonicChoosesItsControl) {
+    user.then([&] { press_alt_and(u'b'); }).then([&] { EXPECT_TRUE(form.option_b.value()); });
+    show();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "option_b", "cmdCancel"));
+}
+
+TEST_F(KeyboardTest, TypingIsTheText) {
+    user.then([&] { SetFocus(window_of(u"text")); })
+        .then([&] {
+            for (const char16_t letter : {u'f', u'w'}) PostMessageW(GetFocus(), WM_CHAR, letter, 1);
+        })
+        .then([&] { EXPECT_EQ(form.text.text(), u"fw"); });
+    show();
+}
+
+TEST_F(KeyboardTest, FocusLeavesWhatCanNoLongerBeUsed) {
+    user.then([&] {
+            EXPECT_EQ(focused(), u"cmdOk");
+            form.cmdOk.set_enabled(false);
+            EXPECT_EQ(focused(), u"cmdCancel");
+            SetFocus(window_of(u"text"));
+        })
+        .then([&] {
+            form.pages.set_tab(1);
+            EXPECT_NE(focused(), u"text");
+            EXPECT_NE(GetFocus(), nullptr);
+            SetFocus(window_of(u"list"));
+        })
+        .then([&] {
+            form.list.set_visible(false);
+            EXPECT_NE(focused(), u"list");
+            EXPECT_TRUE(IsWindowEnabled(GetFocus()) && IsWindowVisible(GetFocus()));
+        });
+    show();
+}
+
+TEST_F(KeyboardTest, MenuKeyIsARightPressInTheSelectedRow) {
+    form.pages.set_tab(1);
+    for (const char16_t* name : {u"Row 1", u"Row 2", u"Row 3"}) form.list.add_row({}, name);
+    form.list.select(1);
+    form.on_press = [&](const SampleForm::Press& press) {
+        EXPECT_GT(press.y, static_cast<float>(form.list.row_top(1)));
+        EXPECT_LT(press.y, static_cast<float>(form.list.row_top(2)));
+    };
+    user.then([&] { SendMessageW(window_of(u"list"), WM_CONTEXTMENU, 0, -1); });
+    show();
+    ASSERT_EQ(form.presses.size(), 1U);
+    EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
+}
+
+TEST_F(KeyboardTest, ArrowsAndLettersSelectRows) {
+    form.pages.set_tab(1);
+    for (const char16_t* name : {u"Alpha", u"Beta", u"Gamma"}) form.list.add_row({}, name);
+    form.list.select(0);
+    user.then([&] { SetFocus(window_of(u"list")); })
+        .then([&] { press_key(VK_DOWN); })
+        .then([&] {
+            EXPECT_EQ(form.list.selected(), 1U);
+            PostMessageW(GetFocus(), WM_CHAR, u'g', 1);
+        })
+        .then([&] { EXPECT_EQ(form.list.selected(), 2U); });
+    show();
+}
+
+}  // namespace
+}  // namespace vex::test
