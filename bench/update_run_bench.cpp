@@ -18,7 +18,7 @@
 #include "platform/native/machine.h"
 #include "simulator/host_classes.h"
 #include "simulator/native/native_computer.h"
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 #include "support/services.h"
 #include "support/text.h"
 #include "update/dlg_disp_updater.h"

@@ -9,7 +9,7 @@
 #include "simulator/command_line.h"
 #include "simulator/native/native_computer.h"
 #include "simulator/native/native_screen.h"
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 #include "simulator/run.h"
 
 namespace vex::sim {

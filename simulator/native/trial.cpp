@@ -12,7 +12,7 @@
 #include "simulator/display_picker.h"
 #include "simulator/native/host_line.h"
 #include "simulator/native/icon_characters.h"
-#include "simulator/native/pace.h"
+#include "simulator/pace.h"
 #include "simulator/run_progress.h"
 #include "simulator/unit_table.h"
 #include "support/text.h"
@@ -57,7 +57,7 @@ public:
                    {.behind = {},
                     .host_line = [this](terminal::Canvas& canvas,
                                         const terminal::Area& line) { draw_host_line(canvas, line, progress_); }}),
-          pace_(toolkit_, speed) {
+          pace_(toolkit_, speed, [this] { return toolkit_.ended().has_value(); }) {
         host_.choose_displays = [this] { return choose_displays(); };
         host_.on_link = [this](const LinkEvent& event) {
             progress_.follow(event);

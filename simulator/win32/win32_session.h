@@ -7,7 +7,7 @@
 #include <string>
 
 #include "simulator/command_line.h"
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 #include "simulator/run.h"
 #include "simulator/win32/win32_computer.h"
 #include "simulator/win32/win32_screen.h"

@@ -14,7 +14,7 @@
 #include "platform/native/machine.h"
 #include "simulator/host_classes.h"
 #include "simulator/native/native_computer.h"
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"

@@ -4,7 +4,7 @@
 #include <map>
 
 #include "platform/native/machine.h"
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 #include "tests/system/side.h"
 
 namespace vex::test {

@@ -10,7 +10,7 @@
 #include "simulator/display_picker.h"
 #include "simulator/native/icon_characters.h"
 #include "simulator/native/native_computer.h"
-#include "simulator/native/pace.h"
+#include "simulator/pace.h"
 #include "simulator/run_progress.h"
 #include "tests/terminal/fake_screen.h"
 #include "tests/terminal/terminal_process.h"
@@ -180,7 +180,7 @@ protected:
 };
 
 TEST_F(OnTerminal, CancelIsServedAtOnceAndNothingIsWaitedForAfterIt) {
-    Pace pace(toolkit, 1);
+    Pace pace(toolkit, 1, [this] { return toolkit.ended().has_value(); });
     BusyForm form(toolkit);
     int clicks = 0;
     form.cancel.on_click = [&] {

@@ -9,7 +9,7 @@
 
 #include "platform/win32/system.h"
 #include "platform/win32/window_reader.h"
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 
 namespace vex::test {
 namespace {

@@ -1,5 +1,5 @@
 // The time that simulated links take.
-#include "simulator/native/pace.h"
+#include "simulator/pace.h"
 
 #include <algorithm>
 #include <thread>
@@ -50,7 +50,7 @@ void Pace::wait(Seconds usual) {
     // What happens while it waits, the user's answers among it, happens at once.
     if (std::exchange(waiting_, true)) return;
     const auto end = std::chrono::steady_clock::now() + usual / speed_;
-    while (!cancelled_ && !toolkit_.ended()) {
+    while (!cancelled_ && !ended_()) {
         toolkit_.pump_messages();
         const Seconds left = end - std::chrono::steady_clock::now();
         if (left <= Seconds::zero()) break;

@@ -1,5 +1,5 @@
 // A folder for one run alone.
-#include "simulator/native/private_folder.h"
+#include "simulator/private_folder.h"
 
 #include <random>
 #include <system_error>
