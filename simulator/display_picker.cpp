@@ -29,14 +29,14 @@ bool matches(const Display& display, const std::u16string& wanted) {
 DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
     : Form(shown_on, {.name = "DisplayPicker", .caption = u"Brivola - Choose Displays", .width = 7200, .height = 3705}),
       displays_(displays),
-      images_{{kChecked, "CHECKED"}, {kUnchecked, "UNCHECKED"}} {
+      images_{{kChecked, "MARKED"}, {kUnchecked, "UNMARKED"}} {
     list_.columns = {{u"Display", 2500}, {u"Type", 1900}, {u"Port", 800}, {u"Address", 1400}};
     list_.small_icons = &images_;
     lay_out({
         {.control = search_label_, .name = "search_label", .at = {200, 195, 800, 195}, .text = u"Search:"},
         {.control = search_box_,
          .name = "search_box",
-         .at = {1100, 195, 3000, 195},
+         .at = {1100, 135, 3000, 315},
          .tab_index = 0,
          .accessible_name = u"Search"},
         {.control = list_,
@@ -47,13 +47,13 @@ DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
         {.control = count_label_, .name = "count_label", .at = {200, 3120, 2600, 195}},
         {.control = all_button_,
          .name = "all_button",
-         .at = {3000, 3120, 1300, 195},
+         .at = {3000, 3060, 1300, 330},
          .text = u"Check &All",
          .tab_index = 2},
-        {.control = ok_button_, .name = "ok_button", .at = {4700, 3120, 1000, 195}, .text = u"OK", .tab_index = 3},
+        {.control = ok_button_, .name = "ok_button", .at = {4700, 3060, 1000, 330}, .text = u"OK", .tab_index = 3},
         {.control = cancel_button_,
          .name = "cancel_button",
-         .at = {6000, 3120, 1000, 195},
+         .at = {6000, 3060, 1000, 330},
          .text = u"Cancel",
          .tab_index = 4},
     });

@@ -41,11 +41,11 @@ void ListWindow::make_icons() {
     icons_ =
         OwnedImageList(ImageList_Create(width, height, ILC_COLOR32 | ILC_MASK, static_cast<int>(images.size()), 0));
     if (!icons_) throw last_error(u"The icons of a list cannot be made");
-    // A picture that is missing leaves its place empty, so that the others keep theirs.
-    ImageList_SetImageCount(icons_.get(), static_cast<UINT>(images.size()));
-    for (std::size_t index = 0; index < images.size(); ++index) {
-        const OwnedIcon icon = module_icon(images[index].icon, width, height);
-        if (icon) ImageList_ReplaceIcon(icons_.get(), static_cast<int>(index), icon.get());
+    for (const forms::Image& image : images) {
+        OwnedIcon icon = module_icon(image.icon, width, height);
+        // A picture that is missing leaves its place empty, so that the others keep theirs.
+        if (!icon) icon = empty_icon(width, height);
+        ImageList_ReplaceIcon(icons_.get(), -1, icon.get());
     }
     SendMessageW(window(), LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(icons_.get()));
 }
@@ -61,13 +61,9 @@ void ListWindow::update(forms::Change change) {
             if (!stale_) SendMessageW(window(), LVM_REDRAWITEMS, row, static_cast<LPARAM>(row));
             break;
         }
-        case forms::Change::selection:
-            show_selection();
-            break;
-        case forms::Change::caption:
-            break;
-        default:
-            ControlWindow::update(change);
+        case forms::Change::selection: show_selection(); break;
+        case forms::Change::caption: break;
+        default: ControlWindow::update(change);
     }
 }
 
@@ -97,9 +93,7 @@ forms::Twips ListWindow::row_top(std::size_t row) const noexcept {
 
 std::optional<LRESULT> ListWindow::notify(NMHDR& header) {
     switch (header.code) {
-        case LVN_GETDISPINFOW:
-            tell_item(reinterpret_cast<NMLVDISPINFOW&>(header).item);
-            return 0;
+        case LVN_GETDISPINFOW: tell_item(reinterpret_cast<NMLVDISPINFOW&>(header).item); return 0;
         case LVN_ITEMCHANGED: {
             const auto& changed = reinterpret_cast<const NMLISTVIEW&>(header);
             if (context().updating() || ((changed.uOldState ^ changed.uNewState) & LVIS_SELECTED) == 0) return 0;
@@ -108,12 +102,15 @@ std::optional<LRESULT> ListWindow::notify(NMHDR& header) {
                                             row < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(row)));
             return 0;
         }
-        case LVN_ODFINDITEMW:
-            return find_item(reinterpret_cast<const NMLVFINDITEMW&>(header));
-        case NM_CUSTOMDRAW:
-            return color_item(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
-        default:
-            return std::nullopt;
+        case NM_CLICK:
+            if (reinterpret_cast<const NMITEMACTIVATE&>(header).iItem >= 0) context().form().raise_click(list_);
+            return 0;
+        case LVN_KEYDOWN:
+            if (reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey == VK_SPACE) context().form().raise_click(list_);
+            return 0;
+        case LVN_ODFINDITEMW: return find_item(reinterpret_cast<const NMLVFINDITEMW&>(header));
+        case NM_CUSTOMDRAW: return color_item(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+        default: return std::nullopt;
     }
 }
 

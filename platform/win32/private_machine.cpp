@@ -64,7 +64,9 @@ std::filesystem::path PrivateMachine::real_path(const std::u16string& path) cons
     const char16_t letter = to_upper(path[0]);
     if (letter < u'A' || letter > u'Z') return {};
     const std::u16string drive = u"drive_" + std::u16string(1, static_cast<char16_t>(letter - u'A' + u'a'));
-    return folder_ / (drive + u"\\" + path.substr(2));
+    std::filesystem::path file = folder_ / (drive + u"\\" + path.substr(2));
+    const bool real = real_disks_ && !std::filesystem::exists(file) && std::filesystem::exists(path);
+    return real ? std::filesystem::path(path) : file;
 }
 
 void PrivateMachine::hide(const std::u16string& path) const {

@@ -31,6 +31,8 @@ public:
     void watch(const std::u16string& module);
     void unwatch() noexcept { watched_.clear(); }
 
+    /// From now on a file that is not on the private drives is the real one of that path.
+    void show_real_disks() noexcept { real_disks_ = true; }
     /// The file behind a drive-letter path; empty for other paths.
     std::filesystem::path real_path(const std::u16string& path) const;
     void hide(const std::u16string& path) const;
@@ -57,6 +59,7 @@ private:
     std::filesystem::path folder_;
     std::u16string key_;
     bool keep_;
+    bool real_disks_ = false;
     OwnedKey machine_branch_;
     OwnedKey user_branch_;
     std::vector<ImportHook> redirected_;

@@ -7,7 +7,7 @@ namespace vex::sim {
 
 inline platform::native::terminal::IconCharacters icon_characters() {
     return {{"NOTUPDATED", U'·'}, {"UPDATING", U'→'}, {"UPDATED", U'✓'},  {"FAILED", U'✗'},
-            {"CANCELLED", U'○'},  {"CHECKED", U'☑'},  {"UNCHECKED", U'☐'}};
+            {"CANCELLED", U'○'},  {"MARKED", U'☑'},  {"UNMARKED", U'☐'}};
 }
 
 }  // namespace vex::sim

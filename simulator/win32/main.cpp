@@ -4,7 +4,7 @@
 
 #include "platform/win32/console.h"
 #include "simulator/command_line.h"
-#include "simulator/win32/win32_session.h"
+#include "simulator/win32/trial.h"
 #include "simulator/words.h"
 
 int main() {
@@ -22,8 +22,8 @@ int main() {
         return kPassed;
     }
     try {
-        const std::filesystem::path sample = Win32Session::program_folder() / "samples" / "demo.scn";
-        return Win32Session(options).play(options.scenario.value_or(sample.string()), std::cout, std::cerr);
+        Win32Session session(options);
+        return options.scenario ? session.play(*options.scenario, std::cout, std::cerr) : run_trial(session, options);
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {

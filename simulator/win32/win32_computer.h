@@ -21,6 +21,9 @@ public:
     /// The plug-in must be loaded by then.
     void on_program_started(std::function<void(const std::u16string&)> listener) override;
 
+    /// A file that is not on the run's own drives is the real one of that path.
+    void show_real_disks() noexcept { machine_.show_real_disks(); }
+
 private:
     std::u16string module_;
     platform::win32::PrivateMachine machine_;

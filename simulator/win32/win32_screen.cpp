@@ -59,10 +59,8 @@ std::optional<std::u16string> own_property(WindowHandle window, const std::u16st
         case ShownKind::pages:
             if (property == u"Tab") return from_utf8(std::to_string(platform::win32::shown_page(window)));
             return std::nullopt;
-        case ShownKind::list:
-            return list_property(window, property);
-        default:
-            return std::nullopt;
+        case ShownKind::list: return list_property(window, property);
+        default: return std::nullopt;
     }
 }
 

@@ -21,6 +21,12 @@ constexpr char kStandardInput[] = "-";
 
 using UnregisterServer = HRESULT(STDAPICALLTYPE*)();
 
+Scenario parse(const std::string& name, const std::string& text, const std::filesystem::path& folder) {
+    return parse_scenario(name, text, [&folder](const std::u16string& included) {
+        return read_file(folder / std::filesystem::path(included));
+    });
+}
+
 void refuse_beside_a_real_host() {
     for (const std::u16string& name : host_class_names()) {
         if (!platform::win32::class_has_server(name)) continue;
@@ -59,11 +65,16 @@ ExitStatus Win32Session::play(const std::string& file, std::ostream& out, std::o
         standard_input ? std::string{std::istreambuf_iterator<char>(std::cin), {}} : read_file(file);
     const std::filesystem::path folder =
         standard_input ? std::filesystem::path() : std::filesystem::path(file).parent_path();
-    const Scenario scenario = parse_scenario(
-        standard_input ? "standard input" : file, text,
-        [&folder](const std::u16string& included) { return read_file(folder / std::filesystem::path(included)); });
-    return run_scenario(scenario, *computer_, *screen_, {.data = data_, .plugin_library = plugin_, .scenario = folder},
-                        options_.quiet, out, errors);
+    const Scenario scenario = parse(standard_input ? "standard input" : file, text, folder);
+    return run_scenario(scenario, *computer_, *screen_, folders(folder), options_.quiet, out, errors);
+}
+
+RunFolders Win32Session::folders(const std::filesystem::path& scenario) const {
+    return {.data = data_, .plugin_library = plugin_, .scenario = scenario};
+}
+
+Scenario Win32Session::read_scenario(const std::filesystem::path& file) {
+    return parse(file.string(), read_file(file), file.parent_path());
 }
 
 std::filesystem::path Win32Session::program_folder() {

@@ -28,8 +28,18 @@ public:
     /// or bad. The trace goes to `out`, everything else to `errors`.
     ExitStatus play(const std::string& file, std::ostream& out, std::ostream& errors);
 
-    /// The folder that this program lies in.
+    // For who uses the host in another way.
+
+    Win32Computer& computer() noexcept { return *computer_; }
+    Win32Screen& screen() noexcept { return *screen_; }
+    /// `scenario`: where relative files of a scenario lie.
+    RunFolders folders(const std::filesystem::path& scenario) const;
+    /// Raises `TextError`.
+    static Scenario read_scenario(const std::filesystem::path& file);
+
+    /// The folder that this program lies in, and that of the samples.
     static std::filesystem::path program_folder();
+    static std::filesystem::path samples_folder() { return program_folder() / "samples"; }
 
 private:
     CommandLine options_;
