@@ -92,8 +92,11 @@ TEST_F(RegistryContract, KeyNamesHaveUpTo255Characters) {
     Key::created(key.get(), longest);
     EXPECT_THAT(key.subkeys(), UnorderedElementsAre(longest));
     RegistryKey created = 0;
-    EXPECT_THAT(registry.create_key(key.get(), (longest + 'n').c_str(), nullptr, kKeyAllAccess, {}, created),
-                Ne(kSuccess));
+    const std::int32_t result =
+        registry.create_key(key.get(), (longest + 'n').c_str(), nullptr, kKeyAllAccess, {}, created);
+    // Wine takes longer names.
+    EXPECT_EQ(result == kSuccess, runs_on_wine());
+    if (result == kSuccess) registry.close_key(created);
 }
 
 TEST_F(RegistryContract, SubKeysStopADeletion) {
@@ -347,7 +350,8 @@ TEST_F(RegistryContract, VariablesOfTheEnvironmentAreExpanded) {
         {"<%vex_short%%VEX_LONG%>", "<sa longer value than its name>"},
         {"%VEX_NO_SUCH_VARIABLE%", "%VEX_NO_SUCH_VARIABLE%"},
         {"100%", "100%"},
-        {"%VEX_NO%VEX_SHORT%", "%VEX_NOs"},
+        // The sign that ends an unknown name begins the next. Wine takes it for used up.
+        {"%VEX_NO%VEX_SHORT%", runs_on_wine() ? "%VEX_NO%VEX_SHORT%" : "%VEX_NOs"},
     };
     for (const auto& [source, expanded] : cases) {
         char target[100] = {};

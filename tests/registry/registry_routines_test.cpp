@@ -496,7 +496,8 @@ TEST_F(RegistryRoutinesContract, ConnectionsAreLeftOpenAndTheirKeysClosed) {
     routines.ReadRemoteRegistryValue(kComputer, kHkeyCurrentUser, u"v", kWideTestPath);
     EXPECT_EQ(observed.open_keys.size(), 1U);
     routines.WriteRemoteRegistryValue(kComputer, kHkeyCurrentUser, u"v", u"text", kRegSz, kWideTestPath);
-    EXPECT_EQ(observed.open_keys.size(), 2U);
+    // Wine connects to its own computer by the predefined key, which is one and the same.
+    EXPECT_EQ(observed.open_keys.size(), runs_on_wine() ? 1U : 2U);
 }
 
 // ---- The rest

@@ -15,4 +15,8 @@ void set_environment(const char* name, const char* value);
 /// business, which the class that works on it does not look at.
 extern const bool kExpansionLeavesFullBuffer;
 
+/// Whether Windows is Wine's. Where Wine is known to differ from what Windows documents, the cases say how, so
+/// that a change there is noticed.
+bool runs_on_wine();
+
 }  // namespace vex::test

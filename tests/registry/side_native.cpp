@@ -30,4 +30,6 @@ void set_environment(const char* name, const char* value) { ::setenv(name, value
 
 const bool kExpansionLeavesFullBuffer = true;
 
+bool runs_on_wine() { return false; }
+
 }  // namespace vex::test

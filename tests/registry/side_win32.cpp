@@ -14,4 +14,6 @@ void set_environment(const char* name, const char* value) { SetEnvironmentVariab
 // Nothing is promised about it, and systems differ.
 const bool kExpansionLeavesFullBuffer = false;
 
+bool runs_on_wine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+
 }  // namespace vex::test
