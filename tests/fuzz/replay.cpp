@@ -1,4 +1,4 @@
-// Runs a fuzz target once over each file of the folders given: the seeds, and what was found with them.
+// Runs a fuzz target once over each file of the folders given: the corpus, and what was found with them.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
