@@ -38,14 +38,15 @@ std::u16string digits_of_bytes(std::string_view data) {
     return digits;
 }
 
-/// The decimal text of a number that is written in hexadecimal digits.
+/// The decimal text of a number that is written in hexadecimal digits, up to 32 bits, which keep their sign as they
+/// do wherever the plug-in reads a number from the registry.
 std::u16string decimal_of_hexadecimal(const std::u16string& digits) {
     const std::string text = to_utf8(digits);
     std::uint32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
     if (error == std::errc::result_out_of_range) throw RuntimeError(kOverflow);
     if (error != std::errc() || end != text.data() + text.size()) throw RuntimeError(kTypeMismatch);
-    return from_utf8(std::to_string(number));
+    return from_utf8(std::to_string(static_cast<std::int32_t>(number)));
 }
 
 }  // namespace
