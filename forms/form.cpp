@@ -43,14 +43,22 @@ Control* Form::find(std::string_view name) const noexcept {
 }
 
 void Form::show_modal(Form* owner) {
-    if (!loaded_) {
-        loaded_ = true;
-        Form_Load();
+    try {
+        if (!loaded_) {
+            loaded_ = true;
+            Form_Load();
+        }
+        // A dialog that unloaded itself while loading has nothing to show.
+        if (!loaded_) return;
+        shown_ = true;
+        toolkit_.run_modal(*this, owner);
+    } catch (...) {
+        // What could not be loaded or shown starts again when it is shown again.
+        loaded_ = false;
+        shown_ = false;
+        fault_ = nullptr;
+        throw;
     }
-    // A dialog that unloaded itself while loading has nothing to show.
-    if (!loaded_) return;
-    shown_ = true;
-    toolkit_.run_modal(*this, owner);
     shown_ = false;
     if (fault_ != nullptr) std::rethrow_exception(std::exchange(fault_, nullptr));
 }

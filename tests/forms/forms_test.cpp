@@ -172,6 +172,13 @@ TEST_F(FormsTest, AnErrorWhileLoadingShowsNothing) {
     dialog.on_load = [] { throw RuntimeError(kSubscriptOutOfRange); };
     EXPECT_THROW(dialog.show_modal(), RuntimeError);
     EXPECT_TRUE(user.seen.empty());
+    EXPECT_FALSE(dialog.loaded());
+
+    int loads = 0;
+    dialog.on_load = [&loads] { ++loads; };
+    dialog.show_modal();
+    EXPECT_EQ(loads, 1) << "it is loaded again, from the start";
+    EXPECT_FALSE(user.seen.empty());
 }
 
 TEST_F(FormsTest, ClicksReachOnlyWhatAUserCouldClick) {
