@@ -28,9 +28,20 @@ std::optional<std::size_t> find_parameter(const Member& member, const OLECHAR* n
     return std::nullopt;
 }
 
+/// The value itself where an argument is a reference to a whole value, as a caller passes its own variables on.
+VARIANT& behind_reference(VARIANT& argument) noexcept {
+    return argument.vt == (VT_BYREF | VT_VARIANT) && argument.pvarVal != nullptr ? *argument.pvarVal : argument;
+}
+
 /// An argument that stands for one left out.
-bool is_missing(const VARIANT& argument) noexcept {
-    return argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND;
+bool is_missing(VARIANT& argument) noexcept {
+    const VARIANT& value = behind_reference(argument);
+    return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND;
+}
+
+/// A reference that refers to nothing cannot be read, nor converted.
+bool refers_to_nothing(const VARIANT& argument) noexcept {
+    return (argument.vt & VT_BYREF) != 0 && argument.byref == nullptr;
 }
 
 HRESULT fault_at(UINT index, HRESULT result, UINT* error_index) noexcept {
@@ -120,12 +131,12 @@ HRESULT Arguments::take(const Member& member, const DISPPARAMS& parameters, UINT
 }
 
 HRESULT Arguments::convert(const Parameter& parameter, VARIANT& argument, Value& place) {
+    VARIANT& source = behind_reference(argument);
+    if (refers_to_nothing(argument) || refers_to_nothing(source)) return DISP_E_TYPEMISMATCH;
     if (parameter.type == ValueType::object) {
         // A reference of the right type goes through, so that the member sees the caller's own variable.
-        VARIANT* source = &argument;
-        if (source->vt == (VT_BYREF | VT_VARIANT) && source->pvarVal != nullptr) source = source->pvarVal;
-        if (source != &argument && source->vt == VT_DISPATCH) place.object = &source->pdispVal;
-        if (source->vt == (VT_BYREF | VT_DISPATCH)) place.object = source->ppdispVal;
+        if (&source != &argument && source.vt == VT_DISPATCH) place.object = &source.pdispVal;
+        if (source.vt == (VT_BYREF | VT_DISPATCH)) place.object = source.ppdispVal;
         if (place.object != nullptr) return S_OK;
     }
     const HRESULT result = VariantChangeType(&place.value.get(), &argument, 0, variant_type(parameter.type));

@@ -103,6 +103,22 @@ TEST_F(Invoke, CountsArguments) {
     const Outcome outcome = name_at(missing());
     EXPECT_EQ(outcome.result, DISP_E_PARAMNOTOPTIONAL);
     EXPECT_EQ(outcome.argument, 0U);
+    VARIANT left_out = missing().get();
+    EXPECT_EQ(name_at(reference(VT_VARIANT, &left_out)).result, DISP_E_PARAMNOTOPTIONAL) << "passed on by its caller";
+}
+
+TEST_F(Invoke, RefusesReferencesToNothing) {
+    VARIANT inner = reference<SHORT>(VT_I2, nullptr).get();
+    for (const Variant& nothing : {reference<SHORT>(VT_I2, nullptr), reference<BSTR>(VT_BSTR, nullptr),
+                                   reference<VARIANT>(VT_VARIANT, nullptr), reference(VT_VARIANT, &inner)}) {
+        const Outcome outcome = name_at(nothing);
+        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << nothing.type();
+        EXPECT_EQ(outcome.argument, 0U);
+    }
+    const Outcome outcome =
+        call(*entry_, kStartPreTransmit, DISPATCH_METHOD, {reference<IDispatch*>(VT_DISPATCH, nullptr)});
+    EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(outcome.argument, 0U);
 }
 
 TEST_F(Invoke, TakesNamedArguments) {
