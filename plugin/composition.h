@@ -9,6 +9,7 @@
 namespace vex::plugin {
 
 platform::Registry& registry();
+platform::Files& files();
 platform::Pictures& pictures();
 const platform::CodePage& code_page();
 

@@ -27,6 +27,8 @@ public:
 
 platform::Registry& registry() { return platform::native::registry(); }
 
+platform::Files& files() { return platform::native::files(); }
+
 platform::Pictures& pictures() {
     static EmbeddedPictures instance;
     return instance;
@@ -42,7 +44,7 @@ std::u16string module_path() {
 Services make_services(com::ModuleLifetime& module) {
     return {.toolkit = platform::native::desktop(),
             .registry = registry(),
-            .files = platform::native::files(),
+            .files = files(),
             .processes = platform::native::processes(),
             .code_page = code_page(),
             .module = module,

@@ -9,6 +9,8 @@ namespace vex::plugin {
 
 platform::Registry& registry() { return platform::win32::registry(); }
 
+platform::Files& files() { return platform::win32::files(); }
+
 platform::Pictures& pictures() { return platform::win32::pictures(); }
 
 const platform::CodePage& code_page() { return platform::win32::code_page(); }
@@ -18,7 +20,7 @@ std::u16string module_path() { return platform::win32::module_path(); }
 Services make_services(com::ModuleLifetime& module) {
     return {.toolkit = platform::win32::desktop(),
             .registry = registry(),
-            .files = platform::win32::files(),
+            .files = files(),
             .processes = platform::win32::processes(),
             .code_page = code_page(),
             .module = module,

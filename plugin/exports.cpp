@@ -9,7 +9,7 @@ namespace {
 
 vex::plugin::Registration registration() {
     using namespace vex::plugin;
-    return {registry(), code_page().to_ansi(module_path()), kTypeLibraryPlatform};
+    return {registry(), files(), code_page(), module_path(), kTypeLibraryPlatform};
 }
 
 }  // namespace

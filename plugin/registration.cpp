@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <set>
-#include <utility>
 
-#include "plugin/registration_entries.h"
+#include "core/unicode.h"
 #include "support/open_registry_key.h"
 
 namespace vex::plugin {
@@ -64,33 +64,43 @@ bool is_empty(platform::Registry& registry, const std::string& path) {
     return registry.enum_value(key.get(), 0, name.data(), length, type, nullptr, size) == platform::kNoMoreItems;
 }
 
-/// The text of a key's default value; empty when there is none or it is longer than an identity.
-std::string default_text(platform::Registry& registry, const std::string& path) {
+/// The text of a key's default value; nothing when there is no such value, and the empty text when it is no text
+/// or longer than an identity or a path.
+std::optional<std::string> default_text(platform::Registry& registry, const std::string& path) {
     OpenRegistryKey key(registry);
-    if (key.open(kRoot, path, platform::kKeyRead) != kSuccess) return {};
-    std::array<char, 64> text{};
+    if (key.open(kRoot, path, platform::kKeyRead) != kSuccess) return std::nullopt;
+    std::array<char, 1024> text{};
     auto size = static_cast<std::uint32_t>(text.size() - 1);
     std::uint32_t type = 0;
     const auto result = registry.query_value(key.get(), "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
+    if (result == platform::kFileNotFound) return std::nullopt;
     return result == kSuccess && type == platform::kRegSz ? std::string(text.data()) : std::string();
 }
 
 /// Whether someone else has made this branch theirs.
 bool is_foreign(platform::Registry& registry, const RegistrationBranch& branch) {
     if (branch.owner_path.empty()) return false;
-    const std::string owner = default_text(registry, key_path(branch, branch.owner_path));
-    return !owner.empty() && owner != branch.owner;
+    const auto owner = default_text(registry, key_path(branch, branch.owner_path));
+    return owner && !equal_ignoring_case(from_utf8(*owner), from_utf8(branch.owner));
 }
 
 }  // namespace
 
-Registration::Registration(platform::Registry& registry, std::string module_path, std::string type_library_platform)
-    : registry_(registry),
-      module_path_(std::move(module_path)),
-      type_library_platform_(std::move(type_library_platform)) {}
+std::vector<RegistrationBranch> Registration::branches() const {
+    return registration_branches(code_page_.to_ansi(module_path_), type_library_platform_);
+}
+
+bool Registration::belongs_to_another_copy() const {
+    const auto names_another = [this](const std::string& key) {
+        const std::u16string path = code_page_.from_ansi(default_text(registry_, key).value_or(std::string()));
+        return !equal_ignoring_case(path, module_path_) && files_.ordinary_file_exists(path);
+    };
+    const std::vector<std::string> keys = server_keys();
+    return std::any_of(keys.begin(), keys.end(), names_another);
+}
 
 HRESULT Registration::write() const {
-    for (const RegistrationBranch& branch : registration_branches(module_path_, type_library_platform_)) {
+    for (const RegistrationBranch& branch : branches()) {
         for (const RegistrationValue& value : branch.values) {
             if (!write_value(registry_, key_path(branch, value.path), value)) return branch.failure;
         }
@@ -99,8 +109,9 @@ HRESULT Registration::write() const {
 }
 
 HRESULT Registration::remove() const {
+    if (belongs_to_another_copy()) return SELFREG_E_CLASS;
     HRESULT result = S_OK;
-    for (const RegistrationBranch& branch : registration_branches(module_path_, type_library_platform_)) {
+    for (const RegistrationBranch& branch : branches()) {
         if (!is_foreign(registry_, branch)) {
             for (const RegistrationValue& value : branch.values) {
                 delete_value(registry_, key_path(branch, value.path), value.name);

@@ -23,13 +23,17 @@ std::string version_text() {
 
 std::string folder_of(const std::string& path) { return path.substr(0, path.find_last_of('\\')); }
 
+constexpr char kServer[] = "InprocServer32";
+
+std::string class_key(const Class& type) { return "CLSID\\" + text_of(type.id); }
+
 RegistrationBranch class_branch(const Class& type, const std::string& programmatic_id, const std::string& module_path) {
-    return {"CLSID\\" + text_of(type.id),
+    return {class_key(type),
             SELFREG_E_CLASS,
             {
                 {"", "", programmatic_id},
-                {"InprocServer32", "", module_path},
-                {"InprocServer32", "ThreadingModel", "Apartment"},
+                {kServer, "", module_path},
+                {kServer, "ThreadingModel", "Apartment"},
                 {"ProgID", "", programmatic_id},
                 {"TypeLib", "", text_of(kLibrary.id)},
                 {"VERSION", "", version_text()},
@@ -72,6 +76,12 @@ RegistrationBranch type_library_branch(const std::string& module_path, const std
 }
 
 }  // namespace
+
+std::vector<std::string> server_keys() {
+    std::vector<std::string> keys;
+    for (const Class& type : kLibrary.classes) keys.push_back(class_key(type) + "\\" + kServer);
+    return keys;
+}
 
 std::vector<RegistrationBranch> registration_branches(const std::string& module_path,
                                                       const std::string& type_library_platform) {

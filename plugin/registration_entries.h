@@ -29,6 +29,9 @@ struct RegistrationBranch {
     std::string owner;
 };
 
+/// The keys, below HKEY_CLASSES_ROOT, whose default values name the classes' library file.
+std::vector<std::string> server_keys();
+
 /// All branches for the library file `module_path`.
 std::vector<RegistrationBranch> registration_branches(const std::string& module_path,
                                                       const std::string& type_library_platform);

@@ -162,16 +162,48 @@ TEST_F(Registration, LeavesWhatOthersWroteAndSaysSo) {
 }
 
 TEST_F(Registration, LeavesAProgrammaticIdentifierThatNamesAnotherClass) {
-    ASSERT_EQ(register_server(), S_OK);
     const std::string identifier = "vexFirmWarePlugin.PluginData";
-    write(identifier + "\\CLSID", "", "{11111111-2222-3333-4444-555555555555}");
+    for (const std::string& other : {std::string("{11111111-2222-3333-4444-555555555555}"), std::string(2000, 'x')}) {
+        ASSERT_EQ(register_server(), S_OK);
+        write(identifier + "\\CLSID", "", other);
+        EXPECT_EQ(unregister_server(), SELFREG_E_CLASS);
+        auto values = snapshot();
+        EXPECT_TRUE(values.contains(identifier + "\\CLSID"));
+        EXPECT_EQ(values[identifier + "\\@"], identifier);
+        EXPECT_FALSE(values.contains(kCatalogueKey));
+        registry().delete_key(kClasses, (identifier + "\\CLSID").c_str());
+        registry().delete_key(kClasses, identifier.c_str());
+    }
+    ASSERT_EQ(register_server(), S_OK);
+    write(identifier + "\\CLSID", "", "{09d14609-0e72-4d6e-a3b6-d8409c897702}");
+    EXPECT_EQ(unregister_server(), S_OK) << "the same class, its digits in lower case";
+    EXPECT_TRUE(snapshot().empty());
+}
+
+TEST_F(Registration, LeavesTheOneOfAnotherCopyThatExists) {
+    ASSERT_EQ(register_server(), S_OK);
+    const std::string server = std::string(kEntryKey) + "\\InprocServer32";
+    const std::string ours = snapshot()[server + "\\@"];
+    // Any other file will do for another copy.
+    const std::string folder = ours.substr(0, ours.find_last_of('\\') + 1);
+    const auto exists = [&folder](const char* file) {
+        return files().ordinary_file_exists(from_utf8(folder + file));
+    };
+    const std::string other = folder + (exists("plugin_test.exe") ? "plugin_test.exe" : "plugin_test");
+    ASSERT_TRUE(exists(other.c_str() + folder.size())) << other;
+    write(server, "", other);
+    const auto registered = snapshot();
     EXPECT_EQ(unregister_server(), SELFREG_E_CLASS);
-    auto values = snapshot();
-    EXPECT_EQ(values[identifier + "\\CLSID\\@"], "{11111111-2222-3333-4444-555555555555}");
-    EXPECT_EQ(values[identifier + "\\@"], identifier);
-    EXPECT_FALSE(values.contains(kCatalogueKey));
-    registry().delete_key(kClasses, (identifier + "\\CLSID").c_str());
-    registry().delete_key(kClasses, identifier.c_str());
+    EXPECT_EQ(snapshot(), registered);
+
+    std::string upper = ours;
+    for (char& letter : upper) letter = static_cast<char>(letter >= 'a' && letter <= 'z' ? letter - 'a' + 'A' : letter);
+    for (const std::string& gone : {folder + "moved.dll", upper}) {
+        ASSERT_EQ(register_server(), S_OK);
+        write(server, "", gone);
+        EXPECT_EQ(unregister_server(), S_OK) << gone;
+        EXPECT_TRUE(snapshot().empty());
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "com/com.h"
+#include "platform/files.h"
 #include "platform/registry.h"
 
 namespace vex::plugin_test {
@@ -11,5 +12,6 @@ namespace vex::plugin_test {
 void* plugin_export(const char* name);
 
 platform::Registry& registry();
+platform::Files& files();
 
 }  // namespace vex::plugin_test

@@ -24,4 +24,6 @@ void* plugin_export(const char* name) {
 
 platform::Registry& registry() { return platform::native::registry(); }
 
+platform::Files& files() { return platform::native::files(); }
+
 }  // namespace vex::plugin_test

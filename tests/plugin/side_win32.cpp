@@ -20,4 +20,6 @@ void* plugin_export(const char* name) {
 
 platform::Registry& registry() { return platform::win32::registry(); }
 
+platform::Files& files() { return platform::win32::files(); }
+
 }  // namespace vex::plugin_test
