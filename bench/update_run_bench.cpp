@@ -133,6 +133,7 @@ Figures compare(std::size_t displays, const std::u16string& firmware, std::chron
             if (link.count() > 0) bed.host.on_link = [link](const sim::LinkEvent& event) {
                 // A download tells of its parts twenty times a unit.
                 if (event.kind == sim::LinkEvent::Kind::transfers) std::this_thread::sleep_for(link / 20.0);
+                return true;
             };
             const sim::HostClasses classes(bed.host);
             if (through_plugin) {
