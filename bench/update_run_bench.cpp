@@ -99,7 +99,8 @@ public:
     sim::Host host;
 };
 
-void run_through_plugin(Bed& bed, const std::u16string& firmware, const std::function<void(forms::Form&)>& at_end = {}) {
+void run_through_plugin(Bed& bed, const std::u16string& firmware,
+                        const std::function<void(forms::Form&)>& at_end = {}) {
     dlgDispUpdater updater(bed.services);
     updater.sDisplays = bed.names;
     updater.sFirmFile = firmware;
@@ -130,11 +131,12 @@ Figures compare(std::size_t displays, const std::u16string& firmware, std::chron
     for (int round = 0; round < rounds; ++round) {
         for (const bool through_plugin : {true, false}) {
             Bed bed(displays);
-            if (link.count() > 0) bed.host.on_link = [link](const sim::LinkEvent& event) {
-                // A download tells of its parts twenty times a unit.
-                if (event.kind == sim::LinkEvent::Kind::transfers) std::this_thread::sleep_for(link / 20.0);
-                return true;
-            };
+            if (link.count() > 0)
+                bed.host.on_link = [link](const sim::LinkEvent& event) {
+                    // A download tells of its parts twenty times a unit.
+                    if (event.kind == sim::LinkEvent::Kind::transfers) std::this_thread::sleep_for(link / 20.0);
+                    return true;
+                };
             const sim::HostClasses classes(bed.host);
             if (through_plugin) {
                 plugin.push_back(milliseconds([&] { run_through_plugin(bed, firmware); }));
@@ -156,15 +158,17 @@ std::u16string make_firmware() {
 
 void print_runs() {
     std::printf("update run, reset and clear, without link delay\n");
-    std::printf("%10s %12s %12s %8s %16s %14s\n", "displays", "plug-in ms", "bare ms", "ratio", "us per display", "events");
+    std::printf("%10s %12s %12s %8s %16s %14s\n", "displays", "plug-in ms", "bare ms", "ratio", "us per display",
+                "events");
     for (const std::size_t displays : {1, 10, 100, 1'000, 10'000}) {
         const Figures figures = compare(displays, {}, std::chrono::milliseconds(0), displays > 1000 ? 5 : 21);
         std::printf("%10zu %12.3f %12.3f %8.2f %16.2f %14zu\n", displays, figures.plugin, figures.bare,
-                    figures.plugin / figures.bare, figures.plugin * 1000 / static_cast<double>(displays), figures.events);
+                    figures.plugin / figures.bare, figures.plugin * 1000 / static_cast<double>(displays),
+                    figures.events);
     }
     const Figures linked = compare(20, make_firmware(), std::chrono::milliseconds(50), 3);
-    std::printf("update run, firmware, 20 displays, 50 ms a unit: plug-in %.1f ms, bare %.1f ms, ratio %.4f\n", linked.plugin,
-                linked.bare, linked.plugin / linked.bare);
+    std::printf("update run, firmware, 20 displays, 50 ms a unit: plug-in %.1f ms, bare %.1f ms, ratio %.4f\n",
+                linked.plugin, linked.bare, linked.plugin / linked.bare);
 }
 
 void print_memory() {
@@ -175,7 +179,8 @@ void print_memory() {
         const std::size_t before = mallinfo2().uordblks;
         std::size_t after = before;
         run_through_plugin(bed, {}, [&](forms::Form&) { after = mallinfo2().uordblks; });
-        std::printf("%10zu %12.0f bytes\n", displays, static_cast<double>(after - before) / static_cast<double>(displays));
+        std::printf("%10zu %12.0f bytes\n", displays,
+                    static_cast<double>(after - before) / static_cast<double>(displays));
     }
 }
 

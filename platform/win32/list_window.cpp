@@ -18,7 +18,6 @@ ListWindow::ListWindow(Surface& parent, forms::ListView& list, int id) : Control
     make_icons();
     make_columns();
     show_rows();
-    show_selection();
 }
 
 void ListWindow::make_columns() {
@@ -72,9 +71,12 @@ void ListWindow::show_rows() {
     const std::size_t count = list_.row_count();
     const bool more = count > std::exchange(shown_rows_, count);
     system_handling(LVM_SETITEMCOUNT, count, more ? LVSICF_NOSCROLL : 0);
+    // The window keeps the selection by number, whatever stands there now.
+    show_selection();
 }
 
 void ListWindow::show_selection() {
+    const FormContext::Update update(context());
     LVITEMW state = {};
     state.stateMask = LVIS_SELECTED;
     constexpr auto kAllRows = static_cast<WPARAM>(-1);

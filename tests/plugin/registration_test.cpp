@@ -186,9 +186,7 @@ TEST_F(Registration, LeavesTheOneOfAnotherCopyThatExists) {
     const std::string ours = snapshot()[server + "\\@"];
     // Any other file will do for another copy.
     const std::string folder = ours.substr(0, ours.find_last_of('\\') + 1);
-    const auto exists = [&folder](const char* file) {
-        return files().ordinary_file_exists(from_utf8(folder + file));
-    };
+    const auto exists = [&folder](const char* file) { return files().ordinary_file_exists(from_utf8(folder + file)); };
     const std::string other = folder + (exists("plugin_test.exe") ? "plugin_test.exe" : "plugin_test");
     ASSERT_TRUE(exists(other.c_str() + folder.size())) << other;
     write(server, "", other);

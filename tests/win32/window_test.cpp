@@ -128,6 +128,23 @@ TEST_F(WindowTest, FormAndRowsHaveTheirIcons) {
     show();
 }
 
+TEST_F(WindowTest, RowsOfANewListAreNotSelectedByThePlaceOfOldOnes) {
+    form.pages.set_tab(1);
+    user.then([&] {
+        for (const bool anew : {false, true}) {
+            form.list.clear();
+            form.list.add_row({}, u"good", u"good");
+            form.list.add_row({}, u"bad", u"bad");
+            if (!anew) form.list.select(1);
+            const HWND list = window_of(u"list");
+            RedrawWindow(list, nullptr, nullptr, RDW_UPDATENOW);
+            const LRESULT selected = SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
+            EXPECT_EQ(selected, anew ? -1 : 1);
+        }
+    });
+    show();
+}
+
 TEST_F(WindowTest, NothingOfManyFormsStaysBehind) {
     constexpr int kForms = 30;
     form.on_activate = [&] { form.hide(); };
