@@ -156,6 +156,13 @@ std::u16string make_firmware() {
     return path;
 }
 
+/// One run through the plug-in alone, for a count of its instructions.
+void run_once(std::size_t displays) {
+    Bed bed(displays);
+    const sim::HostClasses classes(bed.host);
+    run_through_plugin(bed, {});
+}
+
 void print_runs() {
     std::printf("update run, reset and clear, without link delay\n");
     std::printf("%10s %12s %12s %8s %16s %14s\n", "displays", "plug-in ms", "bare ms", "ratio", "us per display",
@@ -216,14 +223,19 @@ void print_refresh() {
 }  // namespace
 }  // namespace vex::bench
 
-int main() {
+/// With a number: one run of that many displays, to be watched by a profiler. Without: all figures.
+int main(int count, char** arguments) {
     const vex::sim::PrivateFolder folder;
     vex::platform::native::use_machine_folder(folder.path());
     std::filesystem::create_directories(folder.path() / "drive_c");
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    vex::bench::print_runs();
-    vex::bench::print_memory();
-    vex::bench::print_refresh();
+    if (count > 1) {
+        vex::bench::run_once(std::stoul(arguments[1]));
+    } else {
+        vex::bench::print_runs();
+        vex::bench::print_memory();
+        vex::bench::print_refresh();
+    }
     CoUninitialize();
     return 0;
 }

@@ -38,6 +38,9 @@ public:
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
         const bool own = com::interface_matches<IDispatch>(iid);
+        if (meddling_.observer != nullptr && IsEqualGUID(iid, IID_IConnectionPointContainer)) {
+            meddling_.observer->listened_to(this);
+        }
         return own ? Object::QueryInterface(iid, object) : inner_->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override { return inner_->GetTypeInfoCount(count); }
@@ -46,6 +49,7 @@ public:
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
                                             DISPID* ids) noexcept override {
+        if (meddling_.observer != nullptr && names != nullptr) meddling_.observer->looked_up(this, *names);
         return inner_->GetIDsOfNames(reserved, names, count, locale, ids);
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,

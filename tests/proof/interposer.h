@@ -24,11 +24,15 @@ using Judge = std::function<Verdict(const std::u16string& call)>;
 /// What the host answers to a call in place of its own answer; nothing: its own.
 using Substitute = std::function<std::optional<com::Variant>(const std::u16string& call)>;
 
-/// Told of everything that passes. Objects are told apart by their address while they live.
+/// Told of what passes, as far as it wants to know. Objects are told apart by their address while they live.
 class Observer {
 public:
     virtual ~Observer() = default;
     virtual void created(const IDispatch* object, REFCLSID clsid) = 0;
+    /// The id of a name is asked for.
+    virtual void looked_up(const IDispatch* /*object*/, const OLECHAR* /*name*/) {}
+    /// The object's events are asked for.
+    virtual void listened_to(const IDispatch* /*object*/) {}
     /// `result`: the object that the call gave away, or null.
     virtual void called(const IDispatch* object, DISPID member, WORD flags, const DISPPARAMS& parameters,
                         const IDispatch* result) = 0;
