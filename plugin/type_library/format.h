@@ -81,12 +81,17 @@ constexpr std::uint32_t kInvokePropertyGet = 2 << 3;
 constexpr std::uint32_t kStandardCall = 4 << 8;
 constexpr std::uint32_t kHasReturnValue = 0x4000;
 
+// Stands in every description of a type; readers pass over it.
+constexpr std::uint32_t kDescriptionMark = 3;
+
 constexpr std::uint32_t kFunctionSize = 0x18;
 constexpr std::uint32_t kParameterSize = 0x0C;
 
 // What descriptions take in the memory of a 32-bit reader; the file tells it so that it can reserve it.
 constexpr std::uint32_t kFunctionMemory = 52;
 constexpr std::uint32_t kParameterMemory = 16;
+// A function within the sum that its interface tells: with what the reader keeps beside the description.
+constexpr std::uint32_t kFunctionBlockMemory = 56;
 constexpr std::uint32_t kPointerTypeMemory = 8;
 
 }  // namespace vex::type_library

@@ -71,7 +71,7 @@ private:
         out.put32(kNone);  // where the members' block lies; set when it is known
         out.put32(type.function_count * 0x40);
         out.put32(type.function_memory);
-        out.put32(3);
+        out.put32(kDescriptionMark);
         out.put32(0);
         out.put32(type.function_count);
         for (int i = 0; i < 4; ++i) out.put32(0);
@@ -194,7 +194,7 @@ private:
             memory += kParameterMemory + type.memory;
         }
         const std::uint32_t count = parameters.size() / kParameterSize;
-        all_memory += 0x38 + kParameterMemory * count;
+        all_memory += kFunctionBlockMemory + kParameterMemory * count;
 
         ByteBuffer out;
         out.put16(kFunctionSize + parameters.size());
