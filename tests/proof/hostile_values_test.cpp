@@ -62,7 +62,7 @@ TEST(HostileValues, InEveryFieldOfEveryHostObject) {
     const std::vector<com::Variant> values = hostile_values();
     int tried = 0;
     std::set<std::u16string> tried_fields;
-    for (const Mode mode : {Mode::reset, Mode::firmware, Mode::flash_loader, Mode::external_tool}) {
+    for (const Mode mode : kModes) {
         Plan plan;
         plan.mode = mode;
         plan.displays = 2;

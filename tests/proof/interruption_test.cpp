@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <map>
 #include <set>
 #include <string>
 
@@ -19,8 +18,6 @@ using Words = std::vector<std::u16string>;
 const std::u16string kUpdated = u"Updated - ";
 const std::u16string kCancelled = u"Cancelled - ";
 const std::u16string kNotUpdated = u"Not Updated";
-
-bool is_control_call(const std::u16string& call) { return call.starts_with(u"vexDispTrans."); }
 
 /// PrepareForFirmware counts only where the outside tool does the rest; closing never counts.
 bool false_fails_row(Mode mode, const std::u16string& call) {
@@ -143,17 +140,6 @@ TEST_P(InterruptionTest, AnErrorOfTheHostReachesTheCallerAndTouchesNothingElse) 
     std::cout << "tried " << tried << " calls raising errors\n";
 }
 
-/// Every call of the control, as the N-th of its kind.
-std::vector<std::pair<std::size_t, Moment>> moments(const Words& calls) {
-    std::vector<std::pair<std::size_t, Moment>> result;
-    std::map<std::u16string, std::int64_t> seen;
-    for (std::size_t k = 0; k < calls.size(); ++k) {
-        if (!is_control_call(calls[k])) continue;
-        result.push_back({k, {sim::parse_operation(calls[k].substr(std::u16string(u"vexDispTrans.").size())), ++seen[calls[k]], {}}});
-    }
-    return result;
-}
-
 TEST_P(InterruptionTest, AConfirmedCancelStopsEverything) {
     int tried = 0;
     for (auto [k, moment] : moments(baseline_.calls)) {
@@ -211,9 +197,7 @@ TEST_P(InterruptionTest, ADeclinedCancelAndAMereMessageChangeNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, InterruptionTest,
-                         ::testing::Combine(::testing::Values(Mode::reset, Mode::firmware, Mode::flash_loader,
-                                                              Mode::external_tool),
-                                            ::testing::Values(1, 2, 3)),
+                         ::testing::Combine(::testing::ValuesIn(kModes), ::testing::Values(1, 2, 3)),
                          [](const auto& test) {
                              std::string name = name_of(std::get<0>(test.param));
                              std::ranges::replace(name, ' ', '_');

@@ -1,11 +1,9 @@
 // A whole update in one process.
 #include "tests/proof/rig.h"
 
-#include <gtest/gtest.h>
-
 #include <deque>
 #include <fstream>
-#include <memory>
+#include <map>
 #include <sstream>
 #include <utility>
 
@@ -14,7 +12,6 @@
 #include "platform/native/machine.h"
 #include "simulator/host_classes.h"
 #include "simulator/native/native_computer.h"
-#include "simulator/private_folder.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"
@@ -30,23 +27,6 @@ void write_file(const std::u16string& path, const std::string& content) {
     std::ofstream(real, std::ios::binary) << content;
 }
 
-/// The computer of this process: files and registry that every plan needs.
-struct Computer {
-    Computer() {
-        platform::native::use_machine_folder(folder.path());
-        for (const char drive : {'c', 'd'}) std::filesystem::create_directories(folder.path() / (std::string("drive_") + drive));
-        write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
-        write_file(u"D:\\fw\\new.BIN", "image");
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", "loader");
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    }
-    ~Computer() { CoUninitialize(); }
-
-    sim::PrivateFolder folder;
-    sim::NativeComputer side;
-};
-
 std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
     std::vector<std::vector<std::u16string>> contents;
     for (std::size_t i = 0; i < host.displays.size(); ++i) {
@@ -58,20 +38,6 @@ std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
     }
     return contents;
 }
-
-/// Makes the computer before the first test and takes it away after the last, while the runtime still stands.
-class ComputerEnvironment final : public ::testing::Environment {
-public:
-    void SetUp() override { computer_ = std::make_unique<Computer>(); }
-    void TearDown() override { computer_.reset(); }
-    sim::NativeComputer& side() { return computer_->side; }
-
-private:
-    std::unique_ptr<Computer> computer_;
-};
-
-auto* const environment =
-    static_cast<ComputerEnvironment*>(::testing::AddGlobalTestEnvironment(new ComputerEnvironment));
 
 /// Drives the wizard to its end and looks at the run.
 class User final : public forms::ScriptedUser {
@@ -112,7 +78,10 @@ public:
 
     forms::MessageAnswer answer(const forms::MessageBox&) override {
         const auto answer = plan_.moment->cancel.value_or(forms::MessageAnswer::ok);
-        if (answer == forms::MessageAnswer::yes) cancelled_ = true;
+        if (answer == forms::MessageAnswer::yes) {
+            cancelled_ = true;
+            outcome_.calls_before_cancel = outcome_.calls.size();
+        }
         return answer;
     }
     std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override {
@@ -195,13 +164,37 @@ const char* name_of(Mode mode) noexcept {
     return "?";
 }
 
+std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16string>& calls) {
+    constexpr std::u16string_view kControl = u"vexDispTrans.";
+    std::vector<std::pair<std::size_t, Moment>> result;
+    std::map<std::u16string, std::int64_t> seen;
+    for (std::size_t k = 0; k < calls.size(); ++k) {
+        if (!calls[k].starts_with(kControl)) continue;
+        result.push_back({k, {sim::parse_operation(calls[k].substr(kControl.size())), ++seen[calls[k]], {}}});
+    }
+    return result;
+}
+
+Computer::Computer() {
+    platform::native::use_machine_folder(folder_.path());
+    for (const char drive : {'c', 'd'}) std::filesystem::create_directories(folder_.path() / (std::string("drive_") + drive));
+    write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
+    write_file(u"D:\\fw\\new.BIN", "image");
+    write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", "loader");
+    write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+}
+
+Computer::~Computer() { CoUninitialize(); }
+
 Outcome play(const Plan& plan) {
     Outcome outcome;
     std::ostringstream shown;
     sim::Trace trace(shown, true);
     com::ModuleLifetime module;
+    sim::NativeComputer computer;
     {
-        sim::Host host(trace, environment->side());
+        sim::Host host(trace, computer);
         host.display_file = real_path(u"C:\\Brivola\\Displays.dat");
         std::filesystem::create_directories(host.display_file.parent_path());
         equip(host, plan);

@@ -7,15 +7,19 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "forms/scripted_toolkit.h"
 #include "simulator/link_script.h"
+#include "simulator/private_folder.h"
 #include "tests/proof/interposer.h"
 
 namespace vex::proof {
 
 enum class Mode { reset, firmware, flash_loader, external_tool };
+
+inline constexpr Mode kModes[] = {Mode::reset, Mode::firmware, Mode::flash_loader, Mode::external_tool};
 
 const char* name_of(Mode mode) noexcept;
 std::ostream& operator<<(std::ostream& out, Mode mode);
@@ -27,6 +31,10 @@ struct Moment {
     /// Clicks Cancel while it is shown, and answers the question so; nothing: only reads it.
     std::optional<forms::MessageAnswer> cancel;
 };
+
+/// For every call of the transmission control in `calls`: its index, and the moment at which a message is shown during
+/// it. These are the moments at which a session looks whether the user has clicked.
+std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16string>& calls);
 
 struct Plan {
     Mode mode = Mode::reset;
@@ -51,6 +59,8 @@ struct Outcome {
     std::vector<std::vector<std::u16string>> units;
     /// Every host call in order, "Class.Member" or "new Class"; those of the retries are not among them.
     std::vector<std::u16string> calls;
+    /// How many of `calls` had begun when the user confirmed a cancel.
+    std::optional<std::size_t> calls_before_cancel;
     /// Calls of the transmission control from the confirmed cancel to the end of that session.
     std::vector<std::u16string> calls_after_cancel;
     /// Programs started.
@@ -62,7 +72,20 @@ struct Outcome {
     bool retry_touched_others = false;
 };
 
-/// Plays the plan. The simulated computer's folder is made once per process.
+/// The simulated computer, with the files that plans need, on which they are played. One at a time; main makes it,
+/// as it must be gone before the runtime is.
+class Computer {
+public:
+    Computer();
+    Computer(const Computer&) = delete;
+    Computer& operator=(const Computer&) = delete;
+    ~Computer();
+
+private:
+    sim::PrivateFolder folder_;
+};
+
+/// Plays the plan on the computer.
 Outcome play(const Plan& plan);
 
 }  // namespace vex::proof
