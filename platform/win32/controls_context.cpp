@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "platform/win32/late_library.h"
 #include "platform/win32/system.h"
 
 namespace vex::platform::win32 {
@@ -16,8 +17,8 @@ public:
         request.cbSize = sizeof request;
         request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
         request.hModule = module_instance();
-        // ISOLATIONAWARE_MANIFEST_RESOURCE_ID
-        request.lpResourceName = MAKEINTRESOURCEW(2);
+        // ISOLATIONAWARE_NOSTATICIMPORT_MANIFEST_RESOURCE_ID: unlike 2, left alone when the library is loaded.
+        request.lpResourceName = MAKEINTRESOURCEW(3);
         context_ = CreateActCtxW(&request);
     }
     Manifest(const Manifest&) = delete;
@@ -32,13 +33,26 @@ private:
     HANDLE context_;
 };
 
+CommonControls load_common_controls() {
+    const LateLibrary library(u"comctl32.dll");
+    return {library.function<decltype(InitCommonControlsEx)>("InitCommonControlsEx"),
+            library.function<decltype(ImageList_Create)>("ImageList_Create"),
+            library.function<decltype(ImageList_ReplaceIcon)>("ImageList_ReplaceIcon"),
+            library.function<decltype(ImageList_Destroy)>("ImageList_Destroy")};
+}
+
 }  // namespace
 
-ControlsContext::ControlsContext() noexcept {
+const CommonControls& common_controls() {
+    static const CommonControls controls = load_common_controls();
+    return controls;
+}
+
+ControlsContext::ControlsContext() {
     static const Manifest manifest;
     active_ = manifest.exists() && ActivateActCtx(manifest.get(), &cookie_);
     const INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES};
-    InitCommonControlsEx(&classes);
+    common_controls().init(&classes);
 }
 
 ControlsContext::~ControlsContext() {

@@ -34,7 +34,6 @@ private:
 using OwnedWindow = Owned<HWND, DestroyWindow>;
 using OwnedFont = Owned<HFONT, DeleteObject>;
 using OwnedIcon = Owned<HICON, DestroyIcon>;
-using OwnedImageList = Owned<HIMAGELIST, ImageList_Destroy>;
 using OwnedMenu = Owned<HMENU, DestroyMenu>;
 
 /// The context of a window that is being painted.

@@ -37,14 +37,14 @@ void ListWindow::make_icons() {
     const int width = GetSystemMetrics(SM_CXSMICON);
     const int height = GetSystemMetrics(SM_CYSMICON);
     const auto& images = list_.small_icons->images();
-    icons_ =
-        OwnedImageList(ImageList_Create(width, height, ILC_COLOR32 | ILC_MASK, static_cast<int>(images.size()), 0));
+    const auto count = static_cast<int>(images.size());
+    icons_ = OwnedImageList(common_controls().create_image_list(width, height, ILC_COLOR32 | ILC_MASK, count, 0));
     if (!icons_) throw last_error(u"The icons of a list cannot be made");
     for (const forms::Image& image : images) {
         OwnedIcon icon = module_icon(image.icon, width, height);
         // A picture that is missing leaves its place empty, so that the others keep theirs.
         if (!icon) icon = empty_icon(width, height);
-        ImageList_ReplaceIcon(icons_.get(), -1, icon.get());
+        common_controls().replace_icon(icons_.get(), -1, icon.get());
     }
     SendMessageW(window(), LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(icons_.get()));
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/win32/control_window.h"
+#include "platform/win32/controls_context.h"
 
 namespace vex::platform::win32 {
 

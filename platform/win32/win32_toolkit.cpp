@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "platform/win32/form_window.h"
+#include "platform/win32/late_library.h"
 #include "platform/win32/modal_scope.h"
 #include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
@@ -126,11 +127,14 @@ std::optional<std::u16string> Win32Toolkit::open_file(const forms::OpenFileReque
     dialog.lpstrInitialDir = request.initial_folder.empty() ? nullptr : wide(request.initial_folder);
     // The host's current folder is none of the dialog's business.
     dialog.Flags = request.flags | OFN_NOCHANGEDIR;
-    bool chosen = GetOpenFileNameW(&dialog) != FALSE;
-    if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
+    static const LateLibrary dialogs(u"comdlg32.dll");
+    auto* const get_open_file_name = dialogs.function<decltype(GetOpenFileNameW)>("GetOpenFileNameW");
+    auto* const last_dialog_error = dialogs.function<decltype(CommDlgExtendedError)>("CommDlgExtendedError");
+    bool chosen = get_open_file_name(&dialog) != FALSE;
+    if (!chosen && last_dialog_error() == FNERR_INVALIDFILENAME) {
         // A name that the dialog cannot even show is no reason to show no dialog.
         name[0] = u'\0';
-        chosen = GetOpenFileNameW(&dialog) != FALSE;
+        chosen = get_open_file_name(&dialog) != FALSE;
     }
     if (!chosen) return std::nullopt;
     return std::u16string(name.c_str());

@@ -2,6 +2,7 @@
 #include "platform/win32/window_driver.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "platform/win32/handles.h"
 #include "platform/win32/scale.h"
@@ -37,6 +38,12 @@ void post_key(HWND window, WPARAM key) noexcept {
     PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
 }
 
+/// The system's own. To be called once before it is replaced, as it is found by itself.
+FARPROC system_get_proc_address(HMODULE library, LPCSTR name) noexcept {
+    static auto* const system_get = system_function<decltype(GetProcAddress)>(L"kernel32.dll", "GetProcAddress");
+    return system_get(library, name);
+}
+
 }  // namespace
 
 thread_local WindowDriver* WindowDriver::current_ = nullptr;
@@ -45,7 +52,8 @@ WindowDriver::WindowDriver(const std::u16string& module, WindowUser& user) : use
     const HMODULE watched = module_named(module);
     import_hooks_.emplace_back(watched, "PeekMessageW", &WindowDriver::peek_message);
     import_hooks_.emplace_back(watched, "WaitMessage", &WindowDriver::wait_message);
-    import_hooks_.emplace_back(watched, "GetOpenFileNameW", &WindowDriver::get_open_file_name);
+    system_get_proc_address(watched, "");
+    import_hooks_.emplace_back(watched, "GetProcAddress", &WindowDriver::get_proc_address);
     import_hooks_.emplace_back(watched, "MessageBeep", &WindowDriver::message_beep);
     activity_hook_ = SetWindowsHookExW(WH_CBT, activity_hook, nullptr, GetCurrentThreadId());
     message_hook_ = SetWindowsHookExW(WH_CALLWNDPROC, message_hook, nullptr, GetCurrentThreadId());
@@ -89,6 +97,12 @@ bool WindowDriver::idle() noexcept {
         close(form);
     }
     return true;
+}
+
+FARPROC WINAPI WindowDriver::get_proc_address(HMODULE library, LPCSTR name) noexcept {
+    const bool open_file = !IS_INTRESOURCE(name) && std::string_view(name) == "GetOpenFileNameW";
+    return open_file ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(get_open_file_name))
+                     : system_get_proc_address(library, name);
 }
 
 BOOL WINAPI WindowDriver::get_open_file_name(OPENFILENAMEW* dialog) noexcept {

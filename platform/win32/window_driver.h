@@ -60,6 +60,8 @@ private:
 
     static BOOL WINAPI peek_message(MSG* message, HWND window, UINT first, UINT last, UINT flags) noexcept;
     static BOOL WINAPI wait_message() noexcept;
+    /// The module finds the Open dialog by this.
+    static FARPROC WINAPI get_proc_address(HMODULE library, LPCSTR name) noexcept;
     static BOOL WINAPI get_open_file_name(OPENFILENAMEW* dialog) noexcept;
     static BOOL WINAPI message_beep(UINT type) noexcept;
     static LRESULT CALLBACK activity_hook(int code, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
