@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,8 @@ Microseconds time_of(const std::function<void()>& action) {
 struct Server {
     std::filesystem::path file;
     CLSID clsid;
-    int registry_values;
+    std::size_t registry_values;
+    std::size_t registry_keys;
     std::optional<Library> library = std::nullopt;
 
     void call(const char* name) const {
@@ -127,12 +129,15 @@ void measure_registration(Servers& servers) {
         written[which].push_back(time_of([&] { server.call("DllRegisterServer"); }));
         removed[which].push_back(time_of([&] { server.call("DllUnregisterServer"); }));
     });
-    std::array<double, 2> values{};
-    for (std::size_t i = 0; i < 2; ++i) values[i] = servers[i].registry_values;
+    const auto count = [&](std::size_t Server::*what) {
+        return std::array{static_cast<double>(servers[0].*what), static_cast<double>(servers[1].*what)};
+    };
     print("register", written);
-    print("register, per registry value", written, values);
+    print("register, per registry value", written, count(&Server::registry_values));
+    print("register, per registry key", written, count(&Server::registry_keys));
     print("unregister", removed);
-    print("unregister, per registry value", removed, values);
+    print("unregister, per registry value", removed, count(&Server::registry_values));
+    print("unregister, per registry key", removed, count(&Server::registry_keys));
 }
 
 void measure_objects(Servers& servers) {
@@ -157,16 +162,22 @@ void measure_objects(Servers& servers) {
 }
 
 void measure(const std::filesystem::path& folder) {
-    int values = 0;
+    std::size_t values = 0;
+    std::set<std::string> keys;
     for (const plugin::RegistrationBranch& branch : plugin::registration_branches("", "")) {
-        values += static_cast<int>(branch.values.size());
+        values += branch.values.size();
+        for (const plugin::RegistrationValue& value : branch.values) keys.insert(branch.key + "\\" + value.path);
     }
-    Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, values},
-                    Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues}};
+    Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, values, keys.size()},
+                    Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
     const auto size = [](const Server& server) { return static_cast<unsigned long>(file_size(server.file)); };
     std::printf("server: product %lu bytes, minimal server %lu bytes, %d bits; at most %.1f times its costs are allowed\n",
                 size(servers[0]), size(servers[1]), static_cast<int>(sizeof(void*) * 8), kGoal);
-    std::printf("registry values: product %d, minimal server %d\n", servers[0].registry_values, servers[1].registry_values);
+    const auto registered = [](const Server& server) {
+        return std::to_string(server.registry_values) + " in " + std::to_string(server.registry_keys) + " keys";
+    };
+    std::printf("registry values: product %s, minimal server %s\n", registered(servers[0]).c_str(),
+                registered(servers[1]).c_str());
     print_headings();
 
     measure_load(servers, "load and free, in a bare process");
