@@ -3,6 +3,7 @@
 
 root=$PWD
 # Runs i686 programs where the kernel does not; beside the project or not at all.
+# shellcheck disable=SC2034  # for the scripts that source this
 wine32=../shared/tools/wine32
 
 # build PRESET [ARGUMENT...]: the arguments go to the build. Answers 1 after showing the errors.
@@ -11,8 +12,9 @@ build() {
   shift
   mkdir -p build
   echo "build: build/$preset"
-  cmake --preset "$preset" >"build/$preset.log" 2>&1 && cmake --build --preset "$preset" "$@" >>"build/$preset.log" 2>&1 && return
-  grep -nE 'error|FAILED|Error' "build/$preset.log" | head -n 20
+  local log=build/$preset.log
+  cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" "$@" >>"$log" 2>&1 && return
+  grep -nE 'error|FAILED|Error' "$log" | head -n 20
   return 1
 }
 
@@ -29,8 +31,8 @@ set_up_wine() {
   Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp 9>"$display" >/dev/null 2>&1 &
   xvfb=$!
   trap '"$wineserver" -k 2>/dev/null; kill "$xvfb" 2>/dev/null; rm -f "$display"' EXIT
-  local wait
-  for wait in $(seq 50); do [ -s "$display" ] && break; sleep 0.1; done
+  local _
+  for _ in $(seq 50); do [ -s "$display" ] && break; sleep 0.1; done
   [ -s "$display" ] || return 1
   DISPLAY=:$(cat "$display")
   export DISPLAY

@@ -177,7 +177,7 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
 
 Computer::Computer() {
     platform::native::use_machine_folder(folder_.path());
-    for (const char drive : {'c', 'd'}) std::filesystem::create_directories(folder_.path() / (std::string("drive_") + drive));
+    for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_.path() / drive);
     write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
     write_file(u"D:\\fw\\new.BIN", "image");
     write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", "loader");
