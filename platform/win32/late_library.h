@@ -11,7 +11,7 @@ namespace vex::platform::win32 {
 class LateLibrary {
 public:
     /// Raises RuntimeError when there is no such library.
-    explicit LateLibrary(const char16_t* name) : module_(LoadLibraryW(wide(name))) {
+    explicit LateLibrary(const char16_t* name) : module_(load(wide(name))) {
         if (module_ == nullptr) throw last_error(u"A library of the system cannot be loaded");
     }
 
@@ -24,6 +24,14 @@ public:
     }
 
 private:
+    /// From the system's folder, or where the active manifest says; never from the host's folder or the current one.
+    static HMODULE load(const wchar_t* name) noexcept {
+        const HMODULE module = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        // Windows 7 before its update KB2533623 does not know the flag. Both libraries are safe there all the same:
+        // the system knows the one by its name, and the manifest names the folder of the other.
+        return module == nullptr && GetLastError() == ERROR_INVALID_PARAMETER ? LoadLibraryW(name) : module;
+    }
+
     HMODULE module_;
 };
 
