@@ -25,4 +25,4 @@ need() {
 }
 
 # What the native build needs.
-native_packages=(g++ cmake ninja-build libncurses-dev libgtest-dev binutils)
+native_packages=(g++ cmake ninja-build libncurses-dev libgtest-dev libbenchmark-dev binutils)
