@@ -9,7 +9,7 @@ class Files {
 public:
     virtual ~Files() = default;
     /// Whether `path` names an ordinary file: not a folder, not hidden, not a system file. Doubled
-    /// separators count as one; bad or missing paths answer false.
+    /// separators count as one; bad or missing paths answer false, and so do paths that are not full.
     virtual bool ordinary_file_exists(const std::u16string& path) = 0;
 };
 

@@ -8,7 +8,8 @@ namespace vex::platform {
 /// Owns one use of a loaded library.
 class Library {
 public:
-    /// Raises 53 with the path and the system's reason when it cannot be loaded.
+    /// The file at `path` and no other: a name alone is one of the current folder. Raises 53 with the path
+    /// and the system's reason when it cannot be loaded.
     explicit Library(const std::filesystem::path& path);
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;

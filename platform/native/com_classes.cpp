@@ -84,6 +84,8 @@ HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*
     if (known != loaded.by_path.end()) {
         server = &known->second;
     } else {
+        // No path leads to no file; the loader would take it for the program itself.
+        if (path.empty()) return CO_E_DLLNOTFOUND;
         void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr) return CO_E_DLLNOTFOUND;
         const auto get_class_object = reinterpret_cast<GetClassObjectFunction>(dlsym(library, "DllGetClassObject"));

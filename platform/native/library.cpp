@@ -20,7 +20,9 @@ std::u16string loader_error() {
 
 }  // namespace
 
-Library::Library(const std::filesystem::path& path) : module_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+// A name without a folder would be looked for on the loader's search path.
+Library::Library(const std::filesystem::path& path)
+    : module_(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (module_ == nullptr) throw RuntimeError(kCannotLoad, loader_error());
 }
 

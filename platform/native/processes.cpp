@@ -1,6 +1,8 @@
 // Outside programs on the simulated computer: they are told of, and never started for real.
 #include "platform/native/processes.h"
 
+#include "platform/paths.h"
+
 namespace vex::platform::native {
 
 void SimulatedProcesses::set_listener(Listener listener) {
@@ -9,6 +11,7 @@ void SimulatedProcesses::set_listener(Listener listener) {
 }
 
 bool SimulatedProcesses::start(const std::u16string& path) {
+    if (!is_full_path(path)) return false;
     std::error_code error;
     if (!std::filesystem::is_regular_file(files_.real_path(path), error)) return false;
     Listener listener;

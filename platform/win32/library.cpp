@@ -14,9 +14,14 @@ constexpr std::int32_t kFunctionMissing = 453;
 
 }  // namespace
 
-Library::Library(const std::filesystem::path& path) : module_(LoadLibraryW(path.c_str())) {
+// A name without a folder would be looked for on the loader's search path; what the library needs itself is
+// looked for beside it first, and not beside the program.
+Library::Library(const std::filesystem::path& path)
+    : module_(LoadLibraryExW(std::filesystem::absolute(path).make_preferred().c_str(), nullptr,
+                             LOAD_WITH_ALTERED_SEARCH_PATH)) {
     if (module_ == nullptr) {
-        throw RuntimeError(kCannotLoad, path.u16string() + u": Windows error " + from_utf8(std::to_string(GetLastError())));
+        throw RuntimeError(kCannotLoad,
+                           path.u16string() + u": Windows error " + from_utf8(std::to_string(GetLastError())));
     }
 }
 

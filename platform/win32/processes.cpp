@@ -1,6 +1,7 @@
 // The process seam on CreateProcess.
 #include "platform/processes.h"
 
+#include "platform/paths.h"
 #include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 
@@ -10,6 +11,8 @@ namespace {
 class SystemProcesses final : public Processes {
 public:
     bool start(const std::u16string& path) override {
+        // The system would complete any other from the current folder, and end one early at a null.
+        if (!is_full_path(path)) return false;
         // The program is named by its path alone, so that no part of a path with blanks is ever tried as a
         // program, and neither the current folder nor the search path is looked through for it.
         std::u16string command_line = u"\"" + path + u"\"";

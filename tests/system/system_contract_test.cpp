@@ -1,6 +1,8 @@
 // What the file, process and code page seams promise. Runs unchanged against each side.
 #include <gtest/gtest.h>
 
+#include "core/runtime_error.h"
+#include "platform/library.h"
 #include "tests/system/side.h"
 
 namespace vex::test {
@@ -63,6 +65,22 @@ TEST_F(SystemContract, NothingIsStartedButTheProgramThatIsThere) {
     EXPECT_FALSE(side->has_run(folder + u"tool.exe"));
 }
 
+TEST_F(SystemContract, OnlyFullPathsLeadAnywhere) {
+    side->make_program(folder + u"tool.exe");
+    const std::u16string below_drive = folder.substr(3) + u"tool.exe";
+    // None of these may be completed from a current folder or a search path, and none may end at its null.
+    for (const std::u16string& path : {std::u16string(u"tool.exe"), below_drive, folder.substr(0, 2) + below_drive,
+                                       folder + u"tool.exe" + u'\0', folder + u"tool.exe" + u'\0' + u".bin"}) {
+        EXPECT_FALSE(exists(path));
+        EXPECT_FALSE(side->processes().start(path));
+    }
+    EXPECT_FALSE(side->has_run(folder + u"tool.exe"));
+}
+
+TEST_F(SystemContract, LibrariesAreNotLookedForOnASearchPath) {
+    for (const char* name : {"libm.so.6", "version.dll"}) EXPECT_THROW(platform::Library{name}, RuntimeError) << name;
+}
+
 TEST_F(SystemContract, TextGoesThroughTheCodePageAndBack) {
     const platform::CodePage& page = side->code_page();
     EXPECT_EQ(page.to_ansi(u""), "");
@@ -73,6 +91,7 @@ TEST_F(SystemContract, TextGoesThroughTheCodePageAndBack) {
     EXPECT_EQ(page.to_ansi(u"M\u00FCller \u20AC"), "M\xFCller \x80");
     EXPECT_EQ(page.from_ansi("M\xFCller \x80"), u"M\u00FCller \u20AC");
     EXPECT_EQ(page.to_ansi(u"\u5317"), "?");
+    EXPECT_EQ(page.to_ansi(u"C:\uFF3CBIN"), "C:?BIN") << "what looks like a separator is none";
 }
 
 }  // namespace
