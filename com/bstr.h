@@ -18,6 +18,8 @@ inline std::u16string_view view(BSTR text) noexcept {
 
 /// A new automation string that the caller owns. Throws std::bad_alloc.
 inline BSTR allocate_bstr(std::u16string_view text) {
+    // Where texts may be longer than such strings, a part of one would pass for the whole.
+    if (!std::in_range<UINT>(text.size())) throw std::bad_alloc();
     BSTR result = SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
     if (result == nullptr) throw std::bad_alloc();
     return result;

@@ -3,8 +3,8 @@
 
 #include <exception>
 #include <iterator>
-#include <limits>
 
+#include "core/narrow.h"
 #include "core/runtime_error.h"
 #include "plugin/composition.h"
 #include "plugin/features.h"
@@ -20,11 +20,7 @@ const std::u16string& element(const ModuleData::Table& table, SHORT index) {
     return table[position];
 }
 
-std::int16_t icon_of(SHORT index) {
-    const int id = kFirstIcon + index;
-    if (id > std::numeric_limits<std::int16_t>::max()) throw RuntimeError(kOverflow);
-    return static_cast<std::int16_t>(id);
-}
+std::int16_t icon_of(SHORT index) { return narrowed<std::int16_t>(kFirstIcon + index); }
 
 HRESULT give_element(const ModuleData::Table ModuleData::*table, SHORT index, BSTR* result) noexcept {
     if (result == nullptr) return E_POINTER;

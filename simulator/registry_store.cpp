@@ -5,6 +5,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "core/narrow.h"
 #include "core/unicode.h"
 #include "simulator/words.h"
 
@@ -164,7 +165,7 @@ void RegistryStore::write(std::int32_t root, std::u16string_view key, std::u16st
                                                platform::kKeyWrite, {}, handle);
     if (result == platform::kSuccess) {
         result = registry_.set_value(handle, narrow(code_page_, name).c_str(), value.type, value.bytes.data(),
-                                     static_cast<std::uint32_t>(value.bytes.size()));
+                                     narrowed<std::uint32_t>(value.bytes.size()));
         registry_.close_key(handle);
     }
     if (result != platform::kSuccess) {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "core/narrow.h"
 #include "core/runtime_error.h"
 
 namespace vex {
@@ -90,14 +91,6 @@ std::int64_t whole_part(const Decimal& number) {
     return value;
 }
 
-template <class Integer>
-Integer within_range(std::int64_t value) {
-    if (value < std::numeric_limits<Integer>::min() || value > std::numeric_limits<Integer>::max()) {
-        throw RuntimeError(kOverflow);
-    }
-    return static_cast<Integer>(value);
-}
-
 std::int32_t rounded_to_int32(const Decimal& number) {
     if (number.digits.empty() || number.point < 0) return 0;
     if (number.point > std::numeric_limits<std::int32_t>::digits10 + 1) throw RuntimeError(kOverflow);
@@ -107,7 +100,7 @@ std::int32_t rounded_to_int32(const Decimal& number) {
     const std::string_view fraction = point < digits.size() ? digits.substr(point) : std::string_view();
     // Zeros at the end are gone, so a fraction beyond "5" is more than a half.
     if (fraction > "5" || (fraction == "5" && value % 2 != 0)) ++value;
-    return within_range<std::int32_t>(number.negative ? -value : value);
+    return narrowed<std::int32_t>(number.negative ? -value : value);
 }
 
 }  // namespace
@@ -145,7 +138,7 @@ std::int16_t to_int16(std::u16string_view text) {
     if (!whole) throw RuntimeError(kTypeMismatch);
     if (number->point > std::numeric_limits<std::int16_t>::digits10 + 1) throw RuntimeError(kOverflow);
     const std::int64_t value = whole_part(*number);
-    return within_range<std::int16_t>(number->negative ? -value : value);
+    return narrowed<std::int16_t>(number->negative ? -value : value);
 }
 
 double leading_number(std::u16string_view text) {

@@ -3,6 +3,7 @@
 
 #include <new>
 #include <string>
+#include <utility>
 
 #include "com/bstr.h"
 #include "com/com_ptr.h"
@@ -39,6 +40,7 @@ Failure describe_exception() noexcept {
 LPOLESTR writable(const OLECHAR* text) noexcept { return const_cast<LPOLESTR>(text); }
 
 BSTR optional_bstr(std::u16string_view text) noexcept {
+    if (!std::in_range<UINT>(text.size())) return nullptr;
     return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/narrow.h"
 #include "core/runtime_error.h"
 
 namespace vex {
@@ -52,7 +53,7 @@ std::u16string RegistryTexts::text(const RegistryData& data, std::size_t count) 
 std::u16string RegistryTexts::expanded(const std::u16string& text, std::size_t& reported) const {
     const std::string source = code_page_.to_ansi(text);
     std::string buffer = source;
-    reported = registry_.expand_environment(source.c_str(), buffer.data(), static_cast<std::uint32_t>(buffer.size()));
+    reported = registry_.expand_environment(source.c_str(), buffer.data(), narrowed<std::uint32_t>(buffer.size()));
     // What does not fit comes back unexpanded, whatever the system has left in the buffer.
     return code_page_.from_ansi(reported <= buffer.size() ? buffer : source);
 }

@@ -1,6 +1,7 @@
 // The plug-in's general-purpose access to the registry.
 #include "support/registry_routines.h"
 
+#include "core/narrow.h"
 #include "core/runtime_error.h"
 #include "support/open_registry_key.h"
 
@@ -10,7 +11,10 @@ namespace {
 /// What a single read tries first.
 constexpr std::size_t kFirstReadSize = 1024;
 
-std::uint32_t size_of(const std::string& bytes) { return static_cast<std::uint32_t>(bytes.size()); }
+template <class Bytes>
+std::uint32_t size_of(const Bytes& bytes, std::size_t more = 0) {
+    return narrowed<std::uint32_t>(bytes.size() + more);
+}
 
 }  // namespace
 
@@ -128,12 +132,12 @@ std::int32_t RegistryRoutines::write_value(platform::RegistryKey key, const std:
         case platform::kRegMultiSz: {
             // Kept: a multiple string gets one terminating null as well; its inner ones are the caller's.
             const std::string text = code_page_.to_ansi(value.to_text());
-            return write(text.c_str(), size_of(text) + 1);
+            return write(text.c_str(), size_of(text, 1));
         }
         case platform::kRegBinary: {
             const AutomationValue::Bytes& bytes = value.bytes();
             if (bytes.empty()) throw RuntimeError(kSubscriptOutOfRange);
-            return write(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+            return write(bytes.data(), size_of(bytes));
         }
         case platform::kRegDword: {
             const auto number = static_cast<std::uint32_t>(value.to_int32());

@@ -1,5 +1,5 @@
 // What a display can take, and which units stand behind it.
-#include "core/runtime_error.h"
+#include "core/narrow.h"
 #include "core/unicode.h"
 #include "support/automation_value.h"
 #include "support/mod_reg_access.h"
@@ -14,10 +14,7 @@ constexpr double kSmallestVersion = 1.41;
 constexpr std::int16_t kSearchTimeout = 1000;
 
 /// 16-bit arithmetic: raises 6 when the result leaves the range.
-std::int16_t checked(std::int32_t value) {
-    if (value < INT16_MIN || value > INT16_MAX) throw RuntimeError(kOverflow);
-    return static_cast<std::int16_t>(value);
-}
+std::int16_t checked(std::int32_t value) { return narrowed<std::int16_t>(value); }
 
 }  // namespace
 

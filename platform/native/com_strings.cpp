@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "com/com.h"
 
@@ -67,7 +68,8 @@ BSTR SysAllocStringLen(const OLECHAR* text, UINT length) noexcept {
 
 BSTR SysAllocString(const OLECHAR* text) noexcept {
     if (text == nullptr) return nullptr;
-    return SysAllocStringLen(text, static_cast<UINT>(std::char_traits<OLECHAR>::length(text)));
+    const std::size_t length = std::char_traits<OLECHAR>::length(text);
+    return std::in_range<UINT>(length) ? SysAllocStringLen(text, static_cast<UINT>(length)) : nullptr;
 }
 
 void SysFreeString(BSTR text) noexcept {

@@ -8,6 +8,7 @@
 #include <new>
 #include <system_error>
 
+#include "core/narrow.h"
 #include "core/unicode.h"
 #include "platform/native/registry_environment.h"
 
@@ -290,7 +291,7 @@ std::int32_t RegistryService::answer_data(const RegistryValue& value, std::uint3
     type = value.type;
     const std::uint32_t room = data_size;
     const auto answer = [&](const void* bytes, std::size_t size) {
-        data_size = static_cast<std::uint32_t>(size);
+        data_size = narrowed<std::uint32_t>(size);
         if (data == nullptr) return kSuccess;
         if (size > room) return kMoreData;
         if (size > 0) std::memcpy(data, bytes, size);
@@ -363,7 +364,7 @@ std::uint32_t RegistryService::expand_environment(const char* source, char* targ
     std::uint32_t length = 0;
     const std::int32_t result = answered([&] {
         const std::string expanded = code_page_.to_ansi(native::expand_environment(wide(source)));
-        length = static_cast<std::uint32_t>(expanded.size() + 1);
+        length = narrowed<std::uint32_t>(expanded.size() + 1);
         if (length <= capacity) std::memcpy(target, expanded.c_str(), length);
         return kSuccess;
     });

@@ -34,6 +34,13 @@ TEST(AutomationString, WithoutSourceHasTheRoomAskedFor) {
 
 TEST(AutomationString, RefusesMoreThanMemoryHolds) { EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr); }
 
+TEST(AutomationString, IsNoPartOfATextThatIsTooLong) {
+    if constexpr (sizeof(std::size_t) > sizeof(UINT)) {
+        const std::u16string_view too_long(u"a", (std::size_t{1} << 32) + 1);
+        EXPECT_THROW(allocate_bstr(too_long), std::bad_alloc);
+    }
+}
+
 std::u16string text_of(REFGUID guid, int room) {
     OLECHAR text[64] = {};
     const int length = StringFromGUID2(guid, text, room);

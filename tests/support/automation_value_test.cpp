@@ -7,6 +7,7 @@
 #include <limits>
 #include <variant>
 
+#include "core/narrow.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 
@@ -129,6 +130,14 @@ TEST(AutomationValue, OtherKindsConvertOrMismatch) {
     EXPECT_THROW(AutomationValue(u"text").bytes(), RuntimeError);
     EXPECT_NE(AutomationValue(u"1"), AutomationValue(1)) << "kinds are not mixed";
     EXPECT_NE(AutomationValue(u""), AutomationValue());
+}
+
+TEST(Narrowed, TakesWhatFitsAndRefusesTheRest) {
+    EXPECT_EQ(narrowed<std::int16_t>(-32768), -32768);
+    EXPECT_EQ(narrowed<std::uint32_t>(std::uint64_t{0xFFFFFFFF}), 0xFFFFFFFFU);
+    EXPECT_THROW(narrowed<std::int16_t>(32768), RuntimeError);
+    EXPECT_THROW(narrowed<std::uint32_t>(std::uint64_t{1} << 32), RuntimeError);
+    EXPECT_THROW(narrowed<std::uint32_t>(-1), RuntimeError) << "a sign is not reinterpreted";
 }
 
 }  // namespace
