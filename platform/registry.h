@@ -63,7 +63,8 @@ class Registry {
 public:
     virtual ~Registry() = default;
 
-    virtual std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access, RegistryKey& key) noexcept = 0;
+    virtual std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
+                                  RegistryKey& key) noexcept = 0;
     /// Opens or creates a key and the missing keys above it. `attributes` may be all zero.
     virtual std::int32_t create_key(RegistryKey parent, const char* path, const char* class_name, std::uint32_t access,
                                     const SecurityAttributes& attributes, RegistryKey& key) noexcept = 0;
@@ -72,7 +73,8 @@ public:
     virtual std::int32_t delete_key(RegistryKey parent, const char* path) noexcept = 0;
     virtual std::int32_t delete_value(RegistryKey key, const char* name) noexcept = 0;
     /// `name_length`: in, the room in bytes with the null; out, the length without it.
-    virtual std::int32_t enum_key(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length) noexcept = 0;
+    virtual std::int32_t enum_key(RegistryKey key, std::uint32_t index, char* name,
+                                  std::uint32_t& name_length) noexcept = 0;
     /// `data` may be null: then only type and size are told. `data_size`: in, the room; out, the size.
     virtual std::int32_t enum_value(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length,
                                     std::uint32_t& type, std::uint8_t* data, std::uint32_t& data_size) noexcept = 0;

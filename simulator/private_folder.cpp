@@ -4,14 +4,15 @@
 #include <random>
 #include <system_error>
 
+#include "platform/private_files.h"
+
 namespace vex::sim {
 
 PrivateFolder::PrivateFolder() {
     std::random_device random;
     do {
         path_ = std::filesystem::temp_directory_path() / ("brivola-sim-" + std::to_string(random()));
-    } while (!std::filesystem::create_directory(path_));
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
+    } while (!platform::make_private_folder(path_));
 }
 
 PrivateFolder::~PrivateFolder() {

@@ -8,7 +8,7 @@ namespace vex::sim {
 /// Makes a new folder, for its owner alone, among the system's temporary files; removes it in the end.
 class PrivateFolder {
 public:
-    /// Raises `filesystem_error`.
+    /// Raises `std::system_error`.
     PrivateFolder();
     PrivateFolder(const PrivateFolder&) = delete;
     PrivateFolder& operator=(const PrivateFolder&) = delete;

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "core/unicode.h"
+#include "platform/private_files.h"
 
 namespace vex::sim {
 namespace {
@@ -119,15 +120,11 @@ std::string read_file(const std::filesystem::path& path) {
 }
 
 void replace_file(const std::filesystem::path& path, std::string_view bytes) {
-    std::filesystem::path fresh = path;
-    fresh += ".new";
-    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (!file) fail(fresh, "cannot be written");
-    std::error_code error;
-    std::filesystem::rename(fresh, path, error);
-    if (error) fail(path, error.message());
+    try {
+        platform::replace_private_file(path, bytes);
+    } catch (const std::system_error& error) {
+        fail(path, error.code().message());
+    }
 }
 
 }  // namespace vex::sim

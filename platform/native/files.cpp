@@ -4,10 +4,13 @@
 #include <algorithm>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/paths.h"
+#include "platform/private_files.h"
 
 namespace vex::platform::native {
 namespace {
@@ -15,24 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kHiddenList[] = ".hidden";
-
-bool is_separator(char16_t c) { return c == u'\\' || c == u'/'; }
-
-/// The names of a path in order. "." and ".." are resolved; ".." stops at the drive's root.
-std::vector<std::u16string> components(std::u16string_view path) {
-    std::vector<std::u16string> names;
-    while (!path.empty()) {
-        const auto end = std::find_if(path.begin(), path.end(), is_separator);
-        const std::u16string_view name = path.substr(0, static_cast<std::size_t>(end - path.begin()));
-        path.remove_prefix(std::min(path.size(), name.size() + 1));
-        if (name == u"..") {
-            if (!names.empty()) names.pop_back();
-        } else if (!name.empty() && name != u".") {
-            names.emplace_back(name);
-        }
-    }
-    return names;
-}
 
 /// The entry of `folder` with this name in this or another case. The name as given when there is none.
 fs::path entry(const fs::path& folder, const std::u16string& name) {
@@ -75,7 +60,7 @@ bool lies_below(const fs::path& file, const fs::path& folder, fs::path& rest) {
 }  // namespace
 
 bool DriveFiles::ordinary_file_exists(const std::u16string& path) {
-    if (path.empty() || is_separator(path.back())) return false;
+    if (!is_full_path(path) || is_separator(path.back())) return false;
     const fs::path file = real_path(path);
     std::error_code error;
     return !file.empty() && fs::is_regular_file(file, error) && !is_hidden(file);
@@ -95,7 +80,7 @@ fs::path DriveFiles::real_path(const std::u16string& path) const {
         std::error_code error;
         if (!fs::is_directory(file, error)) return {};
     }
-    for (const std::u16string& name : components(std::u16string_view(path).substr(2))) file = entry(file, name);
+    for (const std::u16string& name : path_names(std::u16string_view(path).substr(2))) file = entry(file, name);
     return file;
 }
 
@@ -126,9 +111,14 @@ void DriveFiles::set_hidden(const std::u16string& path, bool hidden) const {
         std::vector<std::string> names = read_hidden_names(file.parent_path());
         std::erase(names, name);
         if (hidden) names.push_back(name);
-        std::ofstream list(file.parent_path() / kHiddenList, std::ios::trunc);
-        for (const std::string& each : names) list << each << '\n';
-        listed = static_cast<bool>(list.flush());
+        std::string list;
+        for (const std::string& each : names) list += each + '\n';
+        try {
+            replace_private_file(file.parent_path() / kHiddenList, list);
+            listed = true;
+        } catch (const std::system_error&) {
+            // Told below, with the path as the caller knows it.
+        }
     }
     if (!listed) throw RuntimeError(kAutomationError, u"The hidden files of " + path + u" cannot be listed");
 }

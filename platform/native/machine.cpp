@@ -2,6 +2,7 @@
 #include "platform/native/machine.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <fstream>
@@ -14,6 +15,7 @@
 #include "platform/native/files.h"
 #include "platform/native/processes.h"
 #include "platform/native/registry_service.h"
+#include "platform/private_files.h"
 
 namespace vex::platform::native {
 namespace {
@@ -42,21 +44,29 @@ Machine& machine() {
     fail(file, "line " + std::to_string(damage.line()) + ": " + damage.what());
 }
 
-/// Makes a folder for its owner alone, and the missing ones above it.
-void make_private_folder(const fs::path& folder) {
+/// Makes a folder for its owner alone, and the missing ones above it. One that is there is taken only where
+/// nobody else can put files: the registry names libraries that are loaded.
+void use_private_folder(const fs::path& folder) {
     std::error_code error;
     fs::create_directories(folder.parent_path(), error);
-    if (::mkdir(folder.c_str(), S_IRWXU) == 0) return;
-    const std::error_code reason(errno, std::generic_category());
-    if (!fs::is_directory(folder, error)) fail(folder, reason.message());
+    try {
+        if (make_private_folder(folder)) return;
+    } catch (const std::system_error& failure) {
+        fail(folder, failure.code().message());
+    }
+    struct stat status = {};
+    if (::stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) fail(folder, "is no folder");
+    if ((status.st_mode & S_IWOTH) != 0) fail(folder, "everybody may write to this folder");
+    const uid_t user = ::geteuid();
+    if (status.st_uid != user && status.st_uid != 0 && user != 0) fail(folder, "this folder is somebody else's");
 }
 
 }  // namespace
 
 void use_machine_folder(const fs::path& folder) {
     const fs::path whole = (fs::absolute(folder) / "").lexically_normal().parent_path();
-    make_private_folder(whole);
-    make_private_folder(whole / "drive_c");
+    use_private_folder(whole);
+    use_private_folder(whole / "drive_c");
     try {
         machine().registry.use_folder(whole);
     } catch (const RegistryDamage& damage) {

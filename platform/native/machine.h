@@ -16,8 +16,9 @@
 
 namespace vex::platform::native {
 
-/// Puts the computer's disks and registry into `folder` (made for its owner alone when it is missing):
-/// drive C: is `folder`/drive_c and so on, the registry is `folder`/registry. Z: is the real root folder.
+/// Puts the computer's disks and registry into `folder` (made for its owner alone when it is missing, and
+/// refused where everybody may write): drive C: is `folder`/drive_c and so on, the registry is
+/// `folder`/registry. Z: is the real root folder.
 /// To be called before anything else touches the computer; calling it again changes computers, for tests.
 /// Throws RuntimeError naming the folder or the damaged file and line.
 VEX_RUNTIME_API void use_machine_folder(const std::filesystem::path& folder);

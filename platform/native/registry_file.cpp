@@ -36,7 +36,8 @@ bool write_all(int descriptor, std::string_view text) {
 bool RegistryFile::open_with(int flags) {
     int opened = -1;
     do {
-        opened = ::open(path_.c_str(), flags | O_APPEND | O_CLOEXEC, kOwnerOnly);
+        // A link is not followed: the file that takes this one's place in the end would not be where it leads.
+        opened = ::open(path_.c_str(), flags | O_APPEND | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
     } while (opened < 0 && errno == EINTR);
     if (opened < 0) return false;
     close();
@@ -121,7 +122,9 @@ void RegistryFile::append(std::uint64_t end, std::string_view text) {
 void RegistryFile::replace(std::string_view text) {
     std::filesystem::path fresh = path_;
     fresh += ".new";
-    const int descriptor = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kOwnerOnly);
+    // What lies there was left by a writer that was killed, under this lock; or it is no file of ours.
+    ::unlink(fresh.c_str());
+    const int descriptor = ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly);
     if (descriptor < 0) fail(fresh);
     // Unlike an append, this puts everything at stake: the content must be on the disk before the name is.
     const bool written = write_all(descriptor, text) && ::fsync(descriptor) == 0;

@@ -1,19 +1,25 @@
 // Classes that a program registers for its own time.
 #include "platform/win32/class_registration.h"
 
+#include <algorithm>
+
 #include "platform/win32/windows_api.h"
 
 namespace vex::platform::win32 {
 namespace {
 
-/// The key of the class behind a name, or empty text.
+/// The key of the class behind a name, or empty text. Only an identity names a class: anything else that
+/// stands in the registry there could lead to the key of all classes, which is not ours to remove.
 std::u16string class_key(const std::u16string& programmatic_id) {
     constexpr DWORD kGuidLength = 39;
     std::u16string clsid(kGuidLength, u'\0');
     DWORD size = kGuidLength * sizeof(char16_t);
     const LSTATUS result = RegGetValueW(HKEY_CLASSES_ROOT, wide(programmatic_id + u"\\CLSID"), nullptr, RRF_RT_REG_SZ,
                                         nullptr, clsid.data(), &size);
-    return result == ERROR_SUCCESS ? std::u16string(u"CLSID\\") + clsid.c_str() : std::u16string();
+    clsid.resize(result == ERROR_SUCCESS ? std::min(clsid.size(), clsid.find(u'\0')) : 0);
+    IID identity;
+    const bool known = !clsid.empty() && SUCCEEDED(IIDFromString(wide(clsid), &identity));
+    return known ? u"CLSID\\" + clsid : std::u16string();
 }
 
 bool key_exists(const std::u16string& path) noexcept {

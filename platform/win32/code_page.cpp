@@ -14,15 +14,19 @@ int checked_length(std::size_t length) {
     return static_cast<int>(length);
 }
 
+/// A character that the page lacks becomes "?", which no path can hold. One that only looks like it, such as a
+/// full-width backslash's plain one, would make another path of it.
+DWORD exact_only() noexcept { return GetACP() == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS; }
+
 class AnsiCodePage final : public CodePage {
 public:
     std::string to_ansi(std::u16string_view text) const override {
         const int length = checked_length(text.size());
         if (length == 0) return {};
         const auto* source = reinterpret_cast<LPCWSTR>(text.data());
-        const int size = WideCharToMultiByte(CP_ACP, 0, source, length, nullptr, 0, nullptr, nullptr);
+        const int size = WideCharToMultiByte(CP_ACP, exact_only(), source, length, nullptr, 0, nullptr, nullptr);
         std::string bytes(static_cast<std::size_t>(size), '\0');
-        WideCharToMultiByte(CP_ACP, 0, source, length, bytes.data(), size, nullptr, nullptr);
+        WideCharToMultiByte(CP_ACP, exact_only(), source, length, bytes.data(), size, nullptr, nullptr);
         return bytes;
     }
 

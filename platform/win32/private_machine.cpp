@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/unicode.h"
+#include "platform/paths.h"
 
 namespace vex::platform::win32 {
 namespace {
@@ -64,7 +65,9 @@ std::filesystem::path PrivateMachine::real_path(const std::u16string& path) cons
     const char16_t letter = to_upper(path[0]);
     if (letter < u'A' || letter > u'Z') return {};
     const std::u16string drive = u"drive_" + std::u16string(1, static_cast<char16_t>(letter - u'A' + u'a'));
-    std::filesystem::path file = folder_ / (drive + u"\\" + path.substr(2));
+    std::filesystem::path file = folder_ / drive;
+    // Name by name: a path that climbs above its drive's root must not leave the folder.
+    for (const std::u16string& name : path_names(std::u16string_view(path).substr(2))) file /= name;
     const bool real = real_disks_ && !std::filesystem::exists(file) && std::filesystem::exists(path);
     return real ? std::filesystem::path(path) : file;
 }

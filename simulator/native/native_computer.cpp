@@ -5,6 +5,7 @@
 
 #include "core/unicode.h"
 #include "platform/native/machine.h"
+#include "platform/private_files.h"
 
 namespace vex::sim {
 namespace {
@@ -28,7 +29,7 @@ std::filesystem::path NativeComputer::writable_path(const std::u16string& path) 
         throw std::invalid_argument("\"" + to_utf8(path) + "\" is no path on a drive of A: to Y:");
     }
     const char letter = static_cast<char>(drive - u'A' + 'a');
-    std::filesystem::create_directories(platform::native::machine_folder() / (std::string("drive_") + letter));
+    platform::make_private_folder(platform::native::machine_folder() / (std::string("drive_") + letter));
     return real_path(path);
 }
 

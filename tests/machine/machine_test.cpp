@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include "com/com.h"
 #include "core/runtime_error.h"
 #include "platform/native/registry_text.h"
 #include "tests/registry/temporary_folder.h"
@@ -35,6 +36,44 @@ TEST_F(Machine, ItsFolderIsMadeForTheOwnerAlone) {
     use_machine_folder(computer);
     use_machine_folder(computer.native() + "/");
     EXPECT_EQ(machine_folder(), computer);
+}
+
+TEST_F(Machine, NobodyElseCanPutFilesIntoItsFolder) {
+    const std::filesystem::path open = folder / "open";
+    std::filesystem::create_directory(open);
+    std::filesystem::permissions(open, std::filesystem::perms::all);
+    EXPECT_THROW(use_machine_folder(open), RuntimeError);
+    EXPECT_EQ(machine_folder(), computer);
+}
+
+TEST_F(Machine, TheListOfHiddenFilesIsTheOwnersAndFollowsNoLink) {
+    write_file(folder / "victim", "untouched");
+    std::filesystem::create_symlink(folder / "victim", drive_c / ".hidden");
+    const mode_t mask = ::umask(0);
+    set_hidden(u"C:\\x", true);
+    ::umask(mask);
+    EXPECT_EQ(test::read_file(folder / "victim"), "untouched");
+    struct stat status = {};
+    ASSERT_EQ(::lstat((drive_c / ".hidden").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+}
+
+TEST_F(Machine, ServersAreLoadedByFullPathAlone) {
+    constexpr CLSID kClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x02}};
+    RegistryKey key = 0;
+    ASSERT_EQ(registry().create_key(registry_key(kHkeyClassesRoot),
+                                    "CLSID\\{5B8D3A10-2B1E-4E0B-9A1D-0C1B7E524402}\\InprocServer32", nullptr,
+                                    kKeyAllAccess, {}, key),
+              kSuccess);
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    for (const std::string server : {"libm.so.6", "libvexFirmwarePlugin.so", "E:\\server.dll"}) {
+        registry().set_value(key, "", kRegSz, reinterpret_cast<const std::uint8_t*>(server.c_str()),
+                             static_cast<std::uint32_t>(server.size() + 1));
+        void* object = nullptr;
+        EXPECT_EQ(CoCreateInstance(kClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &object), CO_E_DLLNOTFOUND)
+            << server;
+    }
+    CoUninitialize();
 }
 
 TEST_F(Machine, WhatCannotBeUsedIsNamed) {

@@ -217,6 +217,8 @@ TEST_F(RegistryStoreTest, TheFileIsRewrittenWhenMostOfItIsSuperseded) {
     Process process(folder);
     Process watcher(folder);
     process.write("Key", "constant", "stays");
+    write_file(folder / "victim", "untouched");
+    std::filesystem::create_symlink(folder / "victim", folder / "registry.new");
     const RegistryKey watched = watcher.open("Key");
     const RegistryKey own = process.open("Key");
     std::uintmax_t largest = 0;
@@ -232,9 +234,16 @@ TEST_F(RegistryStoreTest, TheFileIsRewrittenWhenMostOfItIsSuperseded) {
     EXPECT_EQ(process.write("Key", "constant", "changes"), kSuccess);
     EXPECT_EQ(watcher.read(watched, "constant"), "changes");
     EXPECT_FALSE(std::filesystem::exists(folder / "registry.new"));
+    EXPECT_EQ(read_file(folder / "victim"), "untouched") << "nobody's link is written through";
     struct stat status = {};
-    ASSERT_EQ(::stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0600U);
+    ASSERT_EQ(::lstat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+}
+
+TEST_F(RegistryStoreTest, ALinkInPlaceOfTheFileIsRefused) {
+    write_file(folder / "elsewhere", std::string(kRegistryHeader) + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"1\"\n");
+    std::filesystem::create_symlink(folder / "elsewhere", file);
+    EXPECT_THROW(Process{folder}, std::system_error);
 }
 
 TEST_F(RegistryStoreTest, RewritingKeepsWhatSomeoneEditedInTheMiddle) {

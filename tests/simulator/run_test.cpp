@@ -1,9 +1,11 @@
 // Whole runs: exit statuses, messages with their place, what is kept and what is found damaged.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <sstream>
 
+#include "platform/private_files.h"
 #include "simulator/native/native_session.h"
 #include "simulator/words.h"
 #include "tests/simulator/scratch_folder.h"
@@ -123,6 +125,32 @@ TEST(Run, KeepsItsDataWhereItIsTold) {
     EXPECT_THAT(third.out, EndsWith("unit \"B\" 1: empty\nunit \"B\" 3: as delivered\n"));
     // Without a folder a run knows of nothing.
     EXPECT_THAT(run("units").out, IsEmpty());
+}
+
+TEST(Run, WhatItKeepsIsItsOwnersAlone) {
+    const ScratchFolder folder;
+    const mode_t mask = ::umask(0);
+    const Outcome outcome =
+        run("display A\nfile D:\\x.bin\nsetting Brivola3 Settings AppPath C:\\Host", with_data(folder));
+    ::umask(mask);
+    EXPECT_EQ(outcome.status, kPassed) << outcome.errors;
+    // Below a drive it does not matter what files allow: nobody gets there.
+    int entries = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path() / "data")) {
+        EXPECT_EQ(entry.status().permissions() & std::filesystem::perms(0077), std::filesystem::perms::none) << entry;
+        ++entries;
+    }
+    EXPECT_EQ(entries, 4) << "two drives, the registry and the units";
+}
+
+TEST(Run, FollowsNoLinkThatWasPreparedForItsFiles) {
+    const ScratchFolder folder;
+    const auto victim = folder.write("victim", "untouched");
+    for (const char* name : {"file", "file.new"}) std::filesystem::create_symlink(victim, folder.path() / name);
+    replace_file(folder.path() / "file", "content");
+    EXPECT_EQ(read_file(victim), "untouched");
+    EXPECT_EQ(read_file(folder.path() / "file"), "content");
+    EXPECT_FALSE(platform::make_private_folder(folder.path() / "file.new"));
 }
 
 TEST(Run, NamesTheDamagedLineOfWhatItKept) {

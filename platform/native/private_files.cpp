@@ -1,0 +1,52 @@
+// Files and folders for their owner alone: by their modes, from the moment they are made.
+#include "platform/private_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+namespace vex::platform {
+namespace {
+
+[[noreturn]] void fail(int reason, const std::string& path) {
+    throw std::system_error(reason, std::generic_category(), path);
+}
+
+/// False with errno set when not all could be written.
+bool write_all(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+}  // namespace
+
+bool make_private_folder(const std::filesystem::path& folder) {
+    if (::mkdir(folder.c_str(), S_IRWXU) == 0) return true;
+    if (errno != EEXIST) fail(errno, folder.native());
+    return false;
+}
+
+void replace_private_file(const std::filesystem::path& path, std::string_view bytes) {
+    // Made anew, readable for its owner only, under a name that nobody can have prepared.
+    std::string fresh = path.native() + ".XXXXXX";
+    const int descriptor = ::mkostemp(fresh.data(), O_CLOEXEC);
+    if (descriptor < 0) fail(errno, path.native());
+    int reason = write_all(descriptor, bytes) ? 0 : errno;
+    if (::close(descriptor) != 0 && reason == 0) reason = errno;
+    if (reason == 0 && ::rename(fresh.c_str(), path.c_str()) != 0) reason = errno;
+    if (reason == 0) return;
+    ::unlink(fresh.c_str());
+    fail(reason, path.native());
+}
+
+}  // namespace vex::platform

@@ -1,0 +1,45 @@
+// The simulated computer inside the real one: where its paths lead, and what its clean-up may remove.
+#include <gtest/gtest.h>
+
+#include "platform/win32/class_registration.h"
+#include "platform/win32/private_machine.h"
+#include "platform/win32/system.h"
+#include "simulator/private_folder.h"
+
+namespace vex::platform::win32 {
+namespace {
+
+TEST(PrivateMachine, NoPathLeavesItsFolder) {
+    // The machine stands in for what the program itself uses.
+    registry();
+    const sim::PrivateFolder folder;
+    const PrivateMachine machine(folder.path(), false);
+    for (const char16_t* path : {u"C:\\..\\..\\x", u"C:..\\x", u"c:/../a/../../x", u"C:\\\\x"}) {
+        EXPECT_EQ(machine.real_path(path), folder.path() / "drive_c" / "x");
+    }
+}
+
+OwnedKey class_root_key(const char16_t* path, const std::u16string& text) {
+    HKEY key = nullptr;
+    RegCreateKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                   static_cast<DWORD>(2 * (text.size() + 1)));
+    return OwnedKey(key);
+}
+
+bool exists(const char16_t* path) {
+    HKEY key = nullptr;
+    return RegOpenKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, KEY_READ, &key) == ERROR_SUCCESS && RegCloseKey(key) == 0;
+}
+
+TEST(ClassRegistration, RemovesNoKeyThatIsNoClass) {
+    class_root_key(u"Vex.Test\\CLSID", u"VexTestIsNoIdentity");
+    class_root_key(u"CLSID\\VexTestIsNoIdentity", u"");
+    remove_class(u"Vex.Test");
+    EXPECT_FALSE(exists(u"Vex.Test"));
+    EXPECT_TRUE(exists(u"CLSID\\VexTestIsNoIdentity"));
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(u"CLSID\\VexTestIsNoIdentity"));
+}
+
+}  // namespace
+}  // namespace vex::platform::win32
