@@ -29,7 +29,8 @@ void Control::set_visible(bool visible) {
 bool Control::reachable() const noexcept {
     if (!visible_) return false;
     if (parent_ == nullptr) return true;
-    if (parent_->kind() == ControlKind::tab_pages && static_cast<const TabPages*>(parent_)->tab() != page_) return false;
+    if (parent_->kind() == ControlKind::tab_pages && static_cast<const TabPages*>(parent_)->tab() != page_)
+        return false;
     return parent_->reachable();
 }
 

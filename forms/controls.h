@@ -263,7 +263,9 @@ public:
 
     const std::vector<ListRow>& rows() const noexcept { return rows_; }
     std::size_t row_count() const noexcept { return rows_.size(); }
-    const std::u16string& sub_item(std::size_t row, std::size_t index) const { return rows_.at(row).sub_items.at(index).text; }
+    const std::u16string& sub_item(std::size_t row, std::size_t index) const {
+        return rows_.at(row).sub_items.at(index).text;
+    }
 
     void clear();
     /// Adds a row at the end and answers its position. A non-empty key must be new (exact comparison):

@@ -40,7 +40,9 @@ public:
     void run_modal(Form& form, Form* owner) override;
     void pump_messages() override;
     MessageAnswer message_box(const MessageBox& box) override { return user_.answer(box); }
-    std::optional<std::u16string> open_file(const OpenFileRequest& request) override { return user_.choose_file(request); }
+    std::optional<std::u16string> open_file(const OpenFileRequest& request) override {
+        return user_.choose_file(request);
+    }
     void pop_up_menu(Form& form, Menu& menu) override;
     void beep() override { user_.beep(); }
 

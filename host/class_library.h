@@ -68,8 +68,12 @@ public:
 
     void set_ConnectionType(std::int16_t type) { object_.set_property(u"ConnectionType", com::Variant::int16(type)); }
     void set_ComPort(const std::u16string& port) { object_.set_property(u"ComPort", com::Variant::text(port)); }
-    void set_PhoneNumber(const std::u16string& number) { object_.set_property(u"PhoneNumber", com::Variant::text(number)); }
-    void set_NetworkAddress(const std::u16string& address) { object_.set_property(u"NetworkAddress", com::Variant::text(address)); }
+    void set_PhoneNumber(const std::u16string& number) {
+        object_.set_property(u"PhoneNumber", com::Variant::text(number));
+    }
+    void set_NetworkAddress(const std::u16string& address) {
+        object_.set_property(u"NetworkAddress", com::Variant::text(address));
+    }
     void set_ComBaud(const std::u16string& baud) { object_.set_property(u"ComBaud", com::Variant::text(baud)); }
     void set_SignID(std::int16_t id) { object_.set_property(u"SignID", com::Variant::int16(id)); }
 

@@ -140,7 +140,8 @@ DISPID DispatchObject::member_id(const char16_t* name) const {
     DISPID member = DISPID_UNKNOWN;
     OLECHAR* ole_name = const_cast<OLECHAR*>(reinterpret_cast<const OLECHAR*>(name));
     if (FAILED(object_->GetIDsOfNames(IID_NULL, &ole_name, 1, LOCALE_USER_DEFAULT, &member))) {
-        throw RuntimeError(kMemberNotSupported, std::u16string(u"Object doesn't support this property or method: ") + name);
+        throw RuntimeError(kMemberNotSupported,
+                           std::u16string(u"Object doesn't support this property or method: ") + name);
     }
     ids_.emplace_back(name, member);
     return member;

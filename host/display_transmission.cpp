@@ -64,8 +64,8 @@ bool DisplayTransmission::DownloadFirmware(const std::u16string& firmware_path) 
 bool DisplayTransmission::DownloadFirmwareWithLoader(const std::u16string& firmware_path,
                                                      const std::u16string& loader_path) {
     com::Bstr path(firmware_path);
-    return to_boolean(control_.call(kDownloadFirmwareWithLoader,
-                                    {com::Variant::text_reference(path.put_reference()), com::Variant::text(loader_path)}));
+    return to_boolean(control_.call(kDownloadFirmwareWithLoader, {com::Variant::text_reference(path.put_reference()),
+                                                                  com::Variant::text(loader_path)}));
 }
 
 void DisplayTransmission::CancelTransmission() { control_.call(kCancelTransmission); }

@@ -27,9 +27,10 @@ dlgDispUpdater::dlgDispUpdater(const Services& services)
                 {kUpdated, "UPDATED"},
                 {kFailed, "FAILED"},
                 {kCancelled, "CANCELLED"}},
-      mnuPopup{.name = "mnuPopup",
-               .caption = u"Popup",
-               .items = {{.name = "mnuPopupRetry", .caption = u"Retry!", .on_click = [this] { mnuPopupRetry_Click(); }}}} {
+      mnuPopup{
+          .name = "mnuPopup",
+          .caption = u"Popup",
+          .items = {{.name = "mnuPopupRetry", .caption = u"Retry!", .on_click = [this] { mnuPopupRetry_Click(); }}}} {
     lstvDisplayStatus.columns = {{u"Display Name", 1335}, {u"Update Status", 3555}};
     lstvDisplayStatus.small_icons = &imgUpdate;
     lay_out({
@@ -84,7 +85,9 @@ void dlgDispUpdater::UpdateAllDisplays() {
     EnableClose();
 }
 
-void dlgDispUpdater::SelectDisplay(const std::u16string& name) { displays_->SelectDisplay(displays_->FindDisplay(name)); }
+void dlgDispUpdater::SelectDisplay(const std::u16string& name) {
+    displays_->SelectDisplay(displays_->FindDisplay(name));
+}
 
 void dlgDispUpdater::UpdateDisplay(std::size_t row) {
     dlgHandleSignOption session(services_);
@@ -107,7 +110,8 @@ void dlgDispUpdater::UpdateDisplay(std::size_t row) {
     session.unload();
 }
 
-void dlgDispUpdater::SetDisplayStatus(std::size_t row, std::u16string_view word, bool ok, std::u16string_view detail) noexcept {
+void dlgDispUpdater::SetDisplayStatus(std::size_t row, std::u16string_view word, bool ok,
+                                      std::u16string_view detail) noexcept {
     try {
         // The separator stands even before an empty detail.
         std::u16string text(word);
@@ -133,7 +137,8 @@ void dlgDispUpdater::lstvDisplayStatus_MouseDown(forms::MouseButton button, floa
     const std::size_t count = lstvDisplayStatus.row_count();
     for (std::size_t row = 0; row < count; ++row) {
         if (static_cast<float>(lstvDisplayStatus.row_top(row)) >= y) continue;
-        if (row + 1 == count || static_cast<float>(lstvDisplayStatus.row_top(row + 1)) > y) lstvDisplayStatus.select(row);
+        if (row + 1 == count || static_cast<float>(lstvDisplayStatus.row_top(row + 1)) > y)
+            lstvDisplayStatus.select(row);
     }
     if (button == forms::MouseButton::right) toolkit().pop_up_menu(*this, mnuPopup);
 }

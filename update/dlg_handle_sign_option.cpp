@@ -41,7 +41,8 @@ dlgHandleSignOption::dlgHandleSignOption(const Services& services)
 }
 
 void dlgHandleSignOption::Form_Load() {
-    transmission_.emplace(services_.module, [this](std::u16string text) { vexDispTrans1_StatusMessage(std::move(text)); });
+    transmission_.emplace(services_.module,
+                          [this](std::u16string text) { vexDispTrans1_StatusMessage(std::move(text)); });
     finder_.emplace(services_.module, [this](const std::u16string& text) { FindXPort_BoxFound(text); });
     vexDispTrans1.object = transmission_->object();
     FindXPort.object = finder_->object();

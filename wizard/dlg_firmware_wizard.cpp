@@ -56,8 +56,11 @@ void dlgFirmwareWizard::InitStepPages() { SSTab1.set_tab_index(1); }
 
 void dlgFirmwareWizard::ShowStep(std::int32_t step) {
     SSTab1.set_tab(static_cast<std::int16_t>(step - 1));
-    const Step nodes[] = {
-        {1, shpNavNodeStart}, {4, shpNavNodePickFiles}, {3, shpNavNodesChooseDest}, {5, shpNavNodesFinish}, {2, shpNavNodeChooseOpt}};
+    const Step nodes[] = {{1, shpNavNodeStart},
+                          {4, shpNavNodePickFiles},
+                          {3, shpNavNodesChooseDest},
+                          {5, shpNavNodesFinish},
+                          {2, shpNavNodeChooseOpt}};
     for (const Step& node : nodes) node.node.set_fill_color(node.number == step ? forms::kGreen : forms::kGrey);
     UpdateStepButtons(step);
     UpdateOptionSections();
@@ -93,8 +96,11 @@ void dlgFirmwareWizard::picNavTree_MouseDown(float x, float y) { HitTestNavTree(
 
 void dlgFirmwareWizard::HitTestNavTree(float x, float y) {
     std::int32_t hit = 0;
-    const Step nodes[] = {
-        {1, shpNavNodeStart}, {2, shpNavNodeChooseOpt}, {4, shpNavNodePickFiles}, {3, shpNavNodesChooseDest}, {5, shpNavNodesFinish}};
+    const Step nodes[] = {{1, shpNavNodeStart},
+                          {2, shpNavNodeChooseOpt},
+                          {4, shpNavNodePickFiles},
+                          {3, shpNavNodesChooseDest},
+                          {5, shpNavNodesFinish}};
     for (const Step& node : nodes) {
         if (contains(node.node.place(), x, y)) hit = node.number;
     }

@@ -31,7 +31,8 @@ bool has_ending(const std::u16string& name, std::u16string_view ending) {
 
 void dlgFirmwareWizard::cmdFirmwareBrowse_Click() {
     const std::u16string installation = host_installation_folder(services_);
-    dlgCommon.InitDir = ReadHostSetting(services_, u"Brivola3", u"Firmware", u"LastFilePath", installation + u"bin\\Firmware");
+    dlgCommon.InitDir =
+        ReadHostSetting(services_, u"Brivola3", u"Firmware", u"LastFilePath", installation + u"bin\\Firmware");
     const FirmwareFileType& type = IsFirstDisplayTQ1() ? kRabbit : kMotorola;
     dlgCommon.Filter = type.filter;
     dlgCommon.Flags = kOpenFlags;
