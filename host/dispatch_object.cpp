@@ -62,6 +62,7 @@ public:
             if (description.empty()) throw RuntimeError(static_cast<ErrorNumber>(info_.wCode));
             throw RuntimeError(info_.wCode, std::move(description));
         }
+        // cppcheck-suppress accessMoved ; the throw above it does not come back here
         raise(FAILED(info_.scode) ? info_.scode : DISP_E_EXCEPTION, std::move(description));
     }
 
@@ -138,7 +139,7 @@ DISPID DispatchObject::member_id(const char16_t* name) const {
     const auto known = std::ranges::find(ids_, name, &std::pair<const char16_t*, DISPID>::first);
     if (known != ids_.end()) return known->second;
     DISPID member = DISPID_UNKNOWN;
-    OLECHAR* ole_name = const_cast<OLECHAR*>(reinterpret_cast<const OLECHAR*>(name));
+    auto* ole_name = const_cast<OLECHAR*>(reinterpret_cast<const OLECHAR*>(name));
     if (FAILED(object_->GetIDsOfNames(IID_NULL, &ole_name, 1, LOCALE_USER_DEFAULT, &member))) {
         throw RuntimeError(kMemberNotSupported,
                            std::u16string(u"Object doesn't support this property or method: ") + name);

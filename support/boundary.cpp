@@ -21,6 +21,7 @@ struct Failure {
 Failure describe_exception() noexcept {
     Failure failure;
     try {
+        // cppcheck-suppress rethrowNoCurrentException ; called from handlers only
         throw;
     } catch (const RuntimeError& error) {
         failure.result = result_code(error);

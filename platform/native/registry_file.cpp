@@ -114,7 +114,7 @@ void RegistryFile::append(std::uint64_t end, std::string_view text) {
     if (write_all(descriptor_, text)) return;
     const int reason = errno;
     // Half a line would be dropped by every reader; it only should not stay in the way.
-    static_cast<void>(!::ftruncate(descriptor_, static_cast<off_t>(end)));
+    [[maybe_unused]] const int cut = ::ftruncate(descriptor_, static_cast<off_t>(end));
     errno = reason;
     fail(path_);
 }

@@ -21,8 +21,8 @@ BOOL CALLBACK look_at_name(HWND window, LPARAM parameter) noexcept {
 
 }  // namespace
 
-WindowName::WindowName(HWND window, std::string_view name) : window_(window) {
-    atom_ = GlobalAddAtomW(wide(from_utf8(name)));
+WindowName::WindowName(HWND window, std::string_view name)
+    : window_(window), atom_(GlobalAddAtomW(wide(from_utf8(name)))) {
     // A window without a name works as well; it is only harder to find.
     if (atom_ != 0) SetPropW(window_, kNameProperty, reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(atom_)));
 }

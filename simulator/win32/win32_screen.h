@@ -12,6 +12,7 @@ class Win32Screen final : public Screen, private platform::win32::WindowUser {
 public:
     /// `module`: the file name of the library whose dialogs are on the screen, loaded before anybody looks;
     /// empty: this program.
+    // cppcheck-suppress passedByValue ; it is moved
     explicit Win32Screen(std::u16string module) noexcept : module_(std::move(module)) {}
 
     void set_user(ScreenUser* user) noexcept override;

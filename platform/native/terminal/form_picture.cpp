@@ -100,7 +100,7 @@ private:
         if (back) picture_.canvas.fill(placed.cells, {look::kText, *back});
     }
 
-    Ink ink_of(const Control& control) const {
+    static Ink ink_of(const Control& control) {
         Ink ink{.fore = control.enabled() ? control.fore_color() : look::kFaint};
         ink.bold = control.font().bold || control.font().points >= 12;
         return ink;

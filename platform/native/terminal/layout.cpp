@@ -116,7 +116,7 @@ public:
     }
 
 private:
-    bool obstructs(const PlacedControl& other, const PlacedControl& placed) const noexcept {
+    static bool obstructs(const PlacedControl& other, const PlacedControl& placed) noexcept {
         const Control& control = *other.control;
         return &other != &placed && control.parent() == placed.control->parent() &&
                control.kind() != ControlKind::line &&

@@ -170,12 +170,12 @@ void OpenFileForm::list_click() {
 
 void OpenFileForm::open_click() {
     const std::u16string& name = txtName.text();
-    if (!name.empty() && name != offered_name_) {
+    const auto row = lstFiles.selected();
+    // A name that the user typed goes before the row, and the row before the name that was there.
+    if (!name.empty() && (name != offered_name_ || !row)) {
         open_name(name);
-    } else if (const auto row = lstFiles.selected()) {
+    } else if (row) {
         open_row(*row);
-    } else if (!name.empty()) {
-        open_name(name);
     }
 }
 

@@ -11,6 +11,7 @@ namespace vex::platform::native::terminal {
 
 std::string terminal_capability(const char* name) {
     const char* bytes = tigetstr(name);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the library's own word for a name that is no text
     if (bytes == nullptr || bytes == reinterpret_cast<const char*>(-1)) return {};
     return bytes;
 }

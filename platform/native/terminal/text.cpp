@@ -1,7 +1,6 @@
 // Text on the character grid.
 #include "platform/native/terminal/text.h"
 
-#include <locale.h>
 #include <clocale>
 #include <cwchar>
 
