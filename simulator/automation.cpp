@@ -21,7 +21,7 @@ Arguments::Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types) {
     }
 }
 
-bool is_name(LPOLESTR text, std::u16string_view name) {
+bool is_name(LPCOLESTR text, std::u16string_view name) {
     return text != nullptr && equal_ignoring_case(reinterpret_cast<const char16_t*>(text), name);
 }
 

@@ -47,7 +47,7 @@ struct Member {
     ArgumentTypes types = {};
 };
 
-bool is_name(LPOLESTR text, std::u16string_view name);
+bool is_name(LPCOLESTR text, std::u16string_view name);
 /// Names the simulated host as the source of the error.
 void set_error_source(EXCEPINFO* exception) noexcept;
 

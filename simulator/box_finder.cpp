@@ -56,7 +56,8 @@ void BoxFinder::find_boxes(const std::u16string& address, double first, double l
     }
     const std::u16string network = address.substr(0, point + 1);
     const double end = std::min(last, kHighestHost);
-    for (double host = std::max(first, 0.0); host <= end; ++host) report(network + shown_number(host));
+    const double start = std::max(first, 0.0);
+    for (int step = 0; start + step <= end; ++step) report(network + shown_number(start + step));
 }
 
 void BoxFinder::report(const std::u16string& address) {

@@ -14,7 +14,7 @@ namespace vex::sim {
 /// Shown modally, once. `displays` must outlive it and not change meanwhile.
 class DisplayPicker final : public forms::Form {
 public:
-    DisplayPicker(forms::Toolkit& toolkit, const Displays& displays);
+    DisplayPicker(forms::Toolkit& shown_on, const Displays& displays);
 
     /// The names of the checked displays in the host's order, joined by ","; empty when the user cancelled.
     std::u16string answer() const;

@@ -140,7 +140,7 @@ Firmware firmware_of(std::string_view bytes, const std::u16string& shown) {
 }
 
 std::string record(char type, std::string_view address_and_data) {
-    unsigned sum = static_cast<unsigned>(address_and_data.size() + 1);
+    auto sum = static_cast<unsigned>(address_and_data.size() + 1);
     std::string line = "S" + std::string(1, type) + hex_byte(sum);
     for (const char byte : address_and_data) {
         line += hex_byte(static_cast<unsigned char>(byte));

@@ -42,7 +42,7 @@ com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {
 
 com::Variant call_late(IDispatch& object, const std::u16string& name, std::initializer_list<com::Variant> arguments) {
     DISPID member = DISPID_UNKNOWN;
-    OLECHAR* text = const_cast<OLECHAR*>(com::ole_text(name));
+    auto* text = const_cast<OLECHAR*>(com::ole_text(name));
     if (FAILED(object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member))) {
         throw RuntimeError(kMemberNotSupported, name + u" is not offered");
     }

@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <iterator>
+#include <utility>
 
 #include "com/com.h"
 #include "platform/native/machine.h"
@@ -23,7 +24,7 @@ Scenario parse(const std::string& name, const std::string& text, const std::file
 
 }  // namespace
 
-NativeSession::NativeSession(const CommandLine& options) : options_(options) {
+NativeSession::NativeSession(CommandLine options) : options_(std::move(options)) {
     if (!options_.data) private_.emplace();
     data_ = options_.data ? *options_.data : private_->path();
     platform::native::use_machine_folder(data_);

@@ -18,7 +18,7 @@ namespace vex::sim {
 class NativeSession {
 public:
     /// Raises `RuntimeError` or `filesystem_error` when the data folder cannot be used.
-    explicit NativeSession(const CommandLine& options);
+    explicit NativeSession(CommandLine options);
     NativeSession(const NativeSession&) = delete;
     NativeSession& operator=(const NativeSession&) = delete;
     ~NativeSession();

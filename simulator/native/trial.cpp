@@ -90,7 +90,7 @@ private:
     std::u16string choose_displays() {
         DisplayPicker picker(toolkit_, host_.displays);
         picker.show_modal();
-        const std::u16string answer = picker.answer();
+        std::u16string answer = picker.answer();
         if (!answer.empty()) progress_.begin_run(split(answer, u','));
         return answer;
     }

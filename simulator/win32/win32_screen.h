@@ -17,15 +17,15 @@ public:
 
     void set_user(ScreenUser* user) noexcept override;
     bool any_dialog() const noexcept override { return platform::win32::top_form_window() != nullptr; }
-    bool has_control(const std::u16string& control) const override;
-    ActionResult click(const std::u16string& control) override;
-    ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y) override;
-    ActionResult set(const std::u16string& control, const std::u16string& value) override;
-    ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item) override;
+    bool has_control(const std::u16string& name) const override;
+    ActionResult click(const std::u16string& name) override;
+    ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y) override;
+    ActionResult set(const std::u16string& name, const std::u16string& value) override;
+    ActionResult choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item) override;
     void close() override;
     void activate() override;
-    std::u16string property(const std::u16string& control, const std::u16string& property) const override;
-    std::vector<std::vector<std::u16string>> rows(const std::u16string& list) const override;
+    std::u16string property(const std::u16string& name, const std::u16string& property) const override;
+    std::vector<std::vector<std::u16string>> rows(const std::u16string& name) const override;
 
 private:
     using WindowHandle = platform::win32::WindowHandle;

@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <iterator>
+#include <utility>
 
 #include "com/com.h"
 #include "core/runtime_error.h"
@@ -36,8 +37,8 @@ void refuse_beside_a_real_host() {
 
 }  // namespace
 
-Win32Session::Win32Session(const CommandLine& options)
-    : options_(options), plugin_(options.plugin.value_or(program_folder() / kPluginFile)) {
+Win32Session::Win32Session(CommandLine options)
+    : options_(std::move(options)), plugin_(options_.plugin.value_or(program_folder() / kPluginFile)) {
     refuse_beside_a_real_host();
     if (!options_.data) private_.emplace();
     data_ = options_.data ? *options_.data : private_->path();

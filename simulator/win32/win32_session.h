@@ -19,7 +19,7 @@ class Win32Session {
 public:
     /// Raises `RuntimeError` or `filesystem_error` when the data folder cannot be used, or when the classes of
     /// a real host are registered on this computer.
-    explicit Win32Session(const CommandLine& options);
+    explicit Win32Session(CommandLine options);
     Win32Session(const Win32Session&) = delete;
     Win32Session& operator=(const Win32Session&) = delete;
     ~Win32Session();
