@@ -1,13 +1,30 @@
-// The simulated computer inside the real one: where its paths lead, and what its clean-up may remove.
+// What the Windows side takes nobody's word for: where libraries lie and paths lead, and what a clean-up may remove.
 #include <gtest/gtest.h>
 
 #include "platform/win32/class_registration.h"
+#include "platform/win32/late_library.h"
 #include "platform/win32/private_machine.h"
 #include "platform/win32/system.h"
 #include "simulator/private_folder.h"
 
 namespace vex::platform::win32 {
 namespace {
+
+TEST(LateLibrary, IsTheSystemsOwn) {
+    EXPECT_NO_THROW(LateLibrary(u"version.dll"));
+    // Beside this program and in the current folder, where the loader looks otherwise.
+    const std::filesystem::path beside = std::filesystem::path(module_path()).replace_filename("vexPlanted.dll");
+    const sim::PrivateFolder folder;
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    for (const std::filesystem::path& planted : {beside, folder.path() / "vexPlanted.dll"}) {
+        std::filesystem::copy_file(std::filesystem::path(beside).replace_filename("vexFirmwarePlugin.dll"), planted);
+        EXPECT_THROW(LateLibrary(u"vexPlanted.dll"), RuntimeError) << planted;
+        std::error_code left_loaded;
+        std::filesystem::remove(planted, left_loaded);
+    }
+    std::filesystem::current_path(here);
+}
 
 TEST(PrivateMachine, NoPathLeavesItsFolder) {
     // The machine stands in for what the program itself uses.
