@@ -111,7 +111,7 @@ const Display& ScenarioPlayer::display(const std::u16string& name) const {
 
 std::filesystem::path ScenarioPlayer::target_file(const std::u16string& path) {
     host_.save_displays();
-    const std::filesystem::path real = host_.computer.writable_path(path);
+    std::filesystem::path real = host_.computer.writable_path(path);
     std::filesystem::create_directories(real.parent_path());
     return real;
 }
@@ -203,7 +203,7 @@ forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexce
 }
 
 std::optional<std::u16string> ScenarioPlayer::choose_file(const forms::OpenFileRequest& request) noexcept {
-    const auto answer = take(files_).value_or(std::nullopt);
+    auto answer = take(files_).value_or(std::nullopt);
     trace().line(u"openfile initial=" + in_quotes(request.initial_folder) + u" filter=" + in_quotes(request.filter) +
                  u" flags=" + hexadecimal(request.flags) + u" -> " + (answer ? in_quotes(*answer) : u"cancel"));
     return answer;

@@ -221,9 +221,8 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
 ScriptedCall TransmissionControl::begin(const Call& call, const std::u16string& shown) {
     ScriptedCall scripted = host_.links.next(call);
     if (scripted.fault == FaultKind::raise) {
-        const RuntimeError error(kAutomationError, std::u16string(name_of(call.operation)) + u": the control failed");
-        host_.trace.line(shown + u" -> error " + decimal_text(error.number()));
-        throw error;
+        host_.trace.line(shown + u" -> error " + decimal_text(kAutomationError));
+        throw RuntimeError(kAutomationError, std::u16string(name_of(call.operation)) + u": the control failed");
     }
     return scripted;
 }
