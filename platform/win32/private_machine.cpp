@@ -2,6 +2,7 @@
 #include "platform/win32/private_machine.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "core/unicode.h"
@@ -102,21 +103,30 @@ LSTATUS WINAPI PrivateMachine::delete_key(HKEY parent, LPCSTR path) noexcept {
 }
 
 DWORD WINAPI PrivateMachine::get_file_attributes(LPCWSTR path) noexcept {
-    const std::filesystem::path file = current_->real_path(reinterpret_cast<const char16_t*>(path));
-    return GetFileAttributesW(file.c_str());
+    try {
+        const std::filesystem::path file = current_->real_path(reinterpret_cast<const char16_t*>(path));
+        return GetFileAttributesW(file.c_str());
+    } catch (const std::exception&) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return INVALID_FILE_ATTRIBUTES;
+    }
 }
 
 BOOL WINAPI PrivateMachine::create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL,
                                            DWORD, void*, LPCWSTR, STARTUPINFOW*,
                                            PROCESS_INFORMATION* information) noexcept {
-    const std::u16string path(reinterpret_cast<const char16_t*>(program));
     const DWORD attributes = get_file_attributes(program);
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return FALSE;
     }
+    try {
+        if (current_->on_program_started) current_->on_program_started(reinterpret_cast<const char16_t*>(program));
+    } catch (const std::exception&) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return FALSE;
+    }
     *information = {};
-    if (current_->on_program_started) current_->on_program_started(path);
     return TRUE;
 }
 

@@ -18,6 +18,7 @@ public:
     forms::Twips twips_y(int pixels) const noexcept { return rounded(pixels, kTwipsPerInch, vertical_); }
     /// The character height, without the internal leading, of a size in points.
     int font_height(double points) const noexcept {
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings): sizes are positive and small, and need no library to round
         return rounded(static_cast<int>(points * kTwipsPerPoint + 0.5), vertical_, kTwipsPerInch);
     }
 

@@ -12,6 +12,8 @@
 #include <exception>
 #include <new>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the runtime's
+
 /// The start-up code's list of what to destroy when a thread ends or the library goes, without a reference.
 extern "C" int __mingw_cxa_thread_atexit(void (*destroy)(void*), void* object, void* library);
 /// What the compiler calls for each thread-local object.
@@ -46,3 +48,5 @@ void __throw_logic_error(const char* /*text*/) { throw LibraryError(); }
 void __throw_out_of_range_fmt(const char* /*format*/, ...) { throw LibraryError(); }
 
 }  // namespace std
+
+// NOLINTEND(bugprone-reserved-identifier)
