@@ -21,7 +21,7 @@ RuntimeError last_error(const char16_t* what) {
 std::u16string module_path() {
     std::u16string path(MAX_PATH, u'\0');
     for (;;) {
-        const DWORD room = static_cast<DWORD>(path.size());
+        const auto room = static_cast<DWORD>(path.size());
         const DWORD length = GetModuleFileNameW(module_instance(), wide(path), room);
         if (length == 0) throw last_error(u"The module's path is unknown");
         path.resize(length < room ? length : path.size() * 2);

@@ -137,7 +137,8 @@ std::optional<std::u16string> Win32Toolkit::open_file(const forms::OpenFileReque
         chosen = get_open_file_name(&dialog) != FALSE;
     }
     if (!chosen) return std::nullopt;
-    return std::u16string(name.c_str());
+    name.resize(std::min(name.size(), name.find(u'\0')));
+    return name;
 }
 
 void Win32Toolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {

@@ -150,8 +150,9 @@ std::size_t shown_row_count(WindowHandle list) {
 
 std::vector<std::u16string> shown_row(WindowHandle list, std::size_t row) {
     const auto header = reinterpret_cast<HWND>(SendMessageW(handle(list), LVM_GETHEADER, 0, 0));
-    const auto columns = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+    const auto columns = std::max(0, static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)));
     std::vector<std::u16string> cells;
+    cells.reserve(static_cast<std::size_t>(columns));
     for (int column = 0; column < columns; ++column) cells.push_back(cell(handle(list), row, column));
     return cells;
 }
