@@ -1,6 +1,7 @@
 // What a user reads on the windows of a form.
 #include "platform/win32/window_reader.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "platform/win32/handles.h"
