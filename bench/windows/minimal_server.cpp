@@ -131,7 +131,8 @@ HRESULT STDAPICALLTYPE DllRegisterServer() {
 
 HRESULT STDAPICALLTYPE DllUnregisterServer() {
     HKEY type = nullptr;
-    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, kMinimalClassKey, 0, KEY_WRITE, &type) != ERROR_SUCCESS) return SELFREG_E_CLASS;
+    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, kMinimalClassKey, 0, KEY_WRITE, &type) != ERROR_SUCCESS)
+        return SELFREG_E_CLASS;
     RegDeleteKeyA(type, "InprocServer32");
     RegCloseKey(type);
     return RegDeleteKeyA(HKEY_CLASSES_ROOT, kMinimalClassKey) == ERROR_SUCCESS ? S_OK : SELFREG_E_CLASS;

@@ -60,12 +60,14 @@ struct Server {
         com::ComPtr<IClassFactory> factory;
         check(get_class_object(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.put())), "DllGetClassObject");
         com::ComPtr<IDispatch> object;
-        check(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(object.put())), "CreateInstance");
+        check(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(object.put())),
+              "CreateInstance");
         return object;
     }
     com::ComPtr<IDispatch> create_by_class_id() const {
         com::ComPtr<IDispatch> object;
-        check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(object.put())),
+        check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                               reinterpret_cast<void**>(object.put())),
               "CoCreateInstance");
         return object;
     }
@@ -83,7 +85,8 @@ Microseconds median(std::vector<Microseconds> times) {
 
 void print_headings() {
     std::printf("%-34s %21s %21s %15s\n", "microseconds", "product", "minimal server", "ratio");
-    std::printf("%-34s %10s %10s %10s %10s %7s %7s\n", "", "minimum", "median", "minimum", "median", "minimum", "median");
+    std::printf("%-34s %10s %10s %10s %10s %7s %7s\n", "", "minimum", "median", "minimum", "median", "minimum",
+                "median");
 }
 
 /// `per`: how many things of each server a time is for.
@@ -114,7 +117,8 @@ void measure_load(Servers& servers, const char* what) {
     in_turn(servers, [&](const Server& server, std::size_t which) {
         times[which].push_back(time_of([&] {
             const Library library(server.file);
-            for (const char* name : {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}) {
+            for (const char* name :
+                 {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}) {
                 (void)library.function<void (*)()>(name);
             }
         }));
@@ -171,8 +175,9 @@ void measure(const std::filesystem::path& folder) {
     Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, values, keys.size()},
                     Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
     const auto size = [](const Server& server) { return static_cast<unsigned long>(file_size(server.file)); };
-    std::printf("server: product %lu bytes, minimal server %lu bytes, %d bits; at most %.1f times its costs are allowed\n",
-                size(servers[0]), size(servers[1]), static_cast<int>(sizeof(void*) * 8), kGoal);
+    std::printf(
+        "server: product %lu bytes, minimal server %lu bytes, %d bits; at most %.1f times its costs are allowed\n",
+        size(servers[0]), size(servers[1]), static_cast<int>(sizeof(void*) * 8), kGoal);
     const auto registered = [](const Server& server) {
         return std::to_string(server.registry_values) + " in " + std::to_string(server.registry_keys) + " keys";
     };
