@@ -63,16 +63,10 @@ public:
     std::vector<forms::MessageBox> messages;
 
     void form_opened(forms::Form& form) override { on_open(form); }
-    void form_closed(forms::Form&) override {}
-    bool act(forms::Form&) override { return false; }
-    void pumped(forms::Form&) override {}
     forms::MessageAnswer answer(const forms::MessageBox& box) override {
         messages.push_back(box);
         return forms::MessageAnswer::ok;
     }
-    std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override { return std::nullopt; }
-    const forms::MenuItem* choose(const forms::Menu&) override { return nullptr; }
-    void beep() override {}
 };
 
 class About : public TestKeyFixture {

@@ -6,7 +6,7 @@
 
 #include "core/runtime_error.h"
 #include "platform/native/registry_text.h"
-#include "tests/registry/temporary_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::platform::native {
 namespace {

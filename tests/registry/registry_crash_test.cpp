@@ -10,7 +10,7 @@
 
 #include "platform/native/code_page_1252.h"
 #include "platform/native/registry_service.h"
-#include "tests/registry/temporary_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::platform::native {
 namespace {

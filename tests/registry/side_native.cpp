@@ -4,7 +4,7 @@
 
 #include "platform/native/machine.h"
 #include "tests/registry/side.h"
-#include "tests/registry/temporary_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/simulator/scratch_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
@@ -17,7 +17,7 @@ using testing::StartsWith;
 constexpr char kHeader[] = "# Brivola displays, version 1\n";
 
 TEST(Displays, SurviveTheirFile) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     Displays written;
     Display odd;
     odd.name = u"Gate \"A\", #1";
@@ -45,7 +45,7 @@ TEST(Displays, SurviveTheirFile) {
 }
 
 TEST(Displays, NameTheDamagedLineOfTheirFile) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     const struct {
         std::string text;
         const char* message;

@@ -6,7 +6,7 @@
 
 #include "simulator/native/native_session.h"
 #include "simulator/words.h"
-#include "tests/simulator/scratch_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
@@ -29,7 +29,7 @@ Outcome run(const std::string& text, CommandLine options = {}, const std::filesy
     return {status, out.str(), errors.str()};
 }
 
-CommandLine with_data(const ScratchFolder& folder) {
+CommandLine with_data(const test::TemporaryFolder& folder) {
     CommandLine options;
     options.data = folder.path() / "data";
     return options;
@@ -105,7 +105,7 @@ TEST(Run, DoesNotClickInItsOwnClick) {
 }
 
 TEST(Run, KeepsItsDataWhereItIsTold) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     const Outcome first =
         run("display A ids=1,2\nunit A 1 absent\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
             "file C:\\Host\\x.bin\nanswer picker B\nstart\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick "
@@ -126,7 +126,7 @@ TEST(Run, KeepsItsDataWhereItIsTold) {
 }
 
 TEST(Run, NamesTheDamagedLineOfWhatItKept) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     run("display A", with_data(folder));
     folder.write("data/Units.dat", "# Brivola units, version 1\nholds A 1 everything\n");
     EXPECT_EQ(run("units", with_data(folder)).errors, "Units.dat:2: \"everything\" is nothing that a unit holds\n");
@@ -145,7 +145,7 @@ TEST(Run, SaysWhyThereIsNoPlugin) {
 }
 
 TEST(Run, FindsFilesBesideTheScenario) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     folder.write("firmware.bin", "content");
     folder.write("more.scn", "display B\n");
     const Outcome outcome = run("include more.scn\ncopy firmware.bin D:\\a.bin\nunits", {}, folder.path());

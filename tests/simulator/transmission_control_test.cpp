@@ -10,6 +10,7 @@
 #include "simulator/event_point.h"
 #include "simulator/firmware_image.h"
 #include "simulator/host_identities.h"
+#include "tests/shared/late_object.h"
 #include "tests/simulator/host_fixture.h"
 
 namespace vex::sim {
@@ -19,19 +20,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 /// Hears the events of a control.
-class Listener final : public com::Object<Listener, IDispatch> {
+class Listener final : public test::LateObject<Listener> {
 public:
     using Handler = std::function<void(std::u16string text)>;
 
     Listener(com::ModuleLifetime& module, const IID& source, Handler handler)
-        : Object(module), source_(source), handler_(std::move(handler)) {}
+        : LateObject(module), source_(source), handler_(std::move(handler)) {}
 
     HRESULT QueryInterface(REFIID iid, void** object) noexcept override {
         return Object::QueryInterface(iid == source_ ? IID_IDispatch : iid, object);
     }
-    HRESULT GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
-    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
-    HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override { return E_NOTIMPL; }
     HRESULT Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                    UINT*) noexcept override {
         EXPECT_EQ(event, 9);

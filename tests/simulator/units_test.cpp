@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "tests/simulator/scratch_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
@@ -47,7 +47,7 @@ TEST(Units, OfAGridBeyondAllBoundsEndAtTheHighestId) {
 }
 
 TEST(Units, SurviveTheirFile) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     Units written;
     written.set_slaves(u"A", 1, {0, 2});
     written.set_absent(u"A", 3);
@@ -80,7 +80,7 @@ TEST(Units, KeepWhatTheyHoldWhenTheirDisplayIsSetUpAnew) {
 }
 
 TEST(Units, NameTheDamagedLineOfTheirFile) {
-    const ScratchFolder folder;
+    const test::TemporaryFolder folder;
     const std::string header = "# Brivola units, version 1\n";
     const struct {
         std::string text;

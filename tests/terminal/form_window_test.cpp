@@ -15,18 +15,6 @@ namespace {
 
 using testing::ElementsAre;
 
-class NoUser final : public forms::ScriptedUser {
-public:
-    void form_opened(forms::Form&) override {}
-    void form_closed(forms::Form&) override {}
-    bool act(forms::Form&) override { return false; }
-    void pumped(forms::Form&) override {}
-    forms::MessageAnswer answer(const forms::MessageBox&) override { return forms::MessageAnswer::ok; }
-    std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override { return std::nullopt; }
-    const forms::MenuItem* choose(const forms::Menu&) override { return nullptr; }
-    void beep() override {}
-};
-
 /// Two groups of options, a list, a box and a panel with a shape; whatever happens is written down.
 class SampleForm final : public forms::Form {
 public:
@@ -41,26 +29,11 @@ public:
             {.control = box, .name = "box", .at = {200, 1365, 1200, 195}, .tab_index = 2},
             {.control = check, .name = "check", .at = {2000, 1365, 2000, 195}, .text = u"&Wipe", .tab_index = 3},
             {.control = left, .name = "left", .at = {200, 1560, 2600, 780}},
-            {.control = red,
-             .name = "red",
-             .parent = &left,
-             .page = 0,
-             .at = {0, 0, 2000, 195},
-             .text = u"red",
+            {.control = red, .name = "red", .parent = &left, .page = 0, .at = {0, 0, 2000, 195}, .text = u"red",
              .tab_index = 4},
-            {.control = blue,
-             .name = "blue",
-             .parent = &left,
-             .page = 0,
-             .at = {0, 195, 2000, 195},
-             .text = u"blue",
+            {.control = blue, .name = "blue", .parent = &left, .page = 0, .at = {0, 195, 2000, 195}, .text = u"blue",
              .tab_index = 5},
-            {.control = hidden,
-             .name = "hidden",
-             .parent = &left,
-             .page = 1,
-             .at = {0, 0, 2000, 195},
-             .text = u"hidden",
+            {.control = hidden, .name = "hidden", .parent = &left, .page = 1, .at = {0, 0, 2000, 195}, .text = u"hidden",
              .tab_index = 6},
             {.control = panel, .name = "panel", .at = {3000, 1560, 2600, 1560}, .back = forms::kDarkGrey},
             {.control = node, .name = "node", .parent = &panel, .at = {330, 465, 330, 285}},
@@ -138,7 +111,7 @@ protected:
     }
     Area cells(const forms::Control& control) { return window.draw(true).find(control)->cells; }
 
-    NoUser user;
+    forms::ScriptedUser user;
     forms::ScriptedToolkit toolkit{user};
     SampleForm form{toolkit};
     IconCharacters icons;
