@@ -44,9 +44,7 @@ TEST_F(About, LooksForTheSystemInformationInOnePlaceOnly) {
 
 class KeyValue : public About {
 protected:
-    bool get(std::u16string& value) {
-        return about.GetKeyValue(platform::kHkeyLocalMachine, u"Values", u"v", value);
-    }
+    bool get(std::u16string& value) { return about.GetKeyValue(platform::kHkeyLocalMachine, u"Values", u"v", value); }
     std::u16string number(std::vector<std::uint8_t> bytes, std::u16string before = u"") {
         values_.set("v", platform::kRegDword, std::move(bytes));
         EXPECT_TRUE(get(before));

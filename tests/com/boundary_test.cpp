@@ -12,6 +12,16 @@
 namespace vex {
 namespace {
 
+/// The texts of an exception, which are the caller's.
+struct Texts {
+    explicit Texts(const EXCEPINFO& exception) {
+        *description.put() = exception.bstrDescription;
+        *source.put() = exception.bstrSource;
+        SysFreeString(exception.bstrHelpFile);
+    }
+    com::Bstr description, source;
+};
+
 HRESULT code_of(std::int32_t number) { return result_code(RuntimeError(number, u"")); }
 
 TEST(Boundary, NumbersBecomeResultCodes) {
@@ -41,13 +51,10 @@ TEST(Boundary, InvokeDescribesErrorsInItsOwnForm) {
     EXCEPINFO exception{};
     const auto raise = [] { throw RuntimeError(kTypeMismatch); };
     EXPECT_EQ(guarded_invoke(&exception, raise), DISP_E_EXCEPTION);
-    com::Bstr description;
-    com::Bstr source;
-    *description.put() = exception.bstrDescription;
-    *source.put() = exception.bstrSource;
+    const Texts texts(exception);
     EXPECT_EQ(exception.scode, static_cast<HRESULT>(0x800A000DU));
-    EXPECT_EQ(description.str(), u"Type mismatch");
-    EXPECT_EQ(source.str(), u"vexFirmWarePlugin");
+    EXPECT_EQ(texts.description.str(), u"Type mismatch");
+    EXPECT_EQ(texts.source.str(), u"vexFirmWarePlugin");
     EXPECT_EQ(guarded_invoke(nullptr, raise), DISP_E_EXCEPTION);
 }
 
@@ -55,13 +62,9 @@ TEST(Boundary, ErrorInformationBecomesAnException) {
     const HRESULT failure = guarded_method(IID_IUnknown, [] { throw RuntimeError(1234, u"what went wrong"); });
     EXCEPINFO exception{};
     EXPECT_EQ(exception_from_error_info(failure, &exception), DISP_E_EXCEPTION);
-    com::Bstr description;
-    com::Bstr source;
-    *description.put() = exception.bstrDescription;
-    *source.put() = exception.bstrSource;
-    SysFreeString(exception.bstrHelpFile);
+    const Texts texts(exception);
     EXPECT_EQ(exception.scode, failure);
-    EXPECT_EQ(description.str(), u"what went wrong");
+    EXPECT_EQ(texts.description.str(), u"what went wrong");
     EXCEPINFO bare{};
     EXPECT_EQ(exception_from_error_info(E_FAIL, &bare), DISP_E_EXCEPTION) << "without any information";
     EXPECT_EQ(bare.scode, E_FAIL);

@@ -24,24 +24,16 @@ std::u16string take_error() {
     return description.str();
 }
 
-TEST(ErrorInformation, IsTakenOnce) {
-    set_error(u"what went wrong");
-    EXPECT_EQ(take_error(), u"what went wrong");
-    EXPECT_EQ(take_error(), u"none");
-}
-
-TEST(ErrorInformation, NoneClearsIt) {
-    set_error(u"old");
-    EXPECT_EQ(SetErrorInfo(0, nullptr), S_OK);
-    EXPECT_EQ(take_error(), u"none");
-}
-
-TEST(ErrorInformation, BelongsToItsThread) {
+TEST(ErrorInformation, IsTakenOnceByItsOwnThread) {
     set_error(u"mine");
     std::u16string seen;
     std::thread([&seen] { seen = take_error(); }).join();
     EXPECT_EQ(seen, u"none");
     EXPECT_EQ(take_error(), u"mine");
+    EXPECT_EQ(take_error(), u"none");
+    set_error(u"old");
+    EXPECT_EQ(SetErrorInfo(0, nullptr), S_OK);
+    EXPECT_EQ(take_error(), u"none");
 }
 
 }  // namespace

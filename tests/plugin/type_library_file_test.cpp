@@ -20,7 +20,8 @@ std::uint64_t fingerprint(const std::vector<std::uint8_t>& bytes) {
 TEST(TypeLibraryFile, IsTheOneThatTheSystemsLoaderHasRead) {
     const std::vector<std::uint8_t> bytes = type_library::write(plugin::kLibrary);
     EXPECT_EQ(bytes.size(), 3084U);
-    EXPECT_EQ(fingerprint(bytes), 17773699433444739241U) << "after an intended change: let the loader's tests read it on Windows";
+    EXPECT_EQ(fingerprint(bytes), 17773699433444739241U)
+        << "after an intended change: let the loader's tests read it on Windows";
 }
 
 TEST(InterfaceIdResource, IsALengthAndTheIdentity) {

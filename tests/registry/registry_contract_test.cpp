@@ -70,7 +70,8 @@ TEST_F(RegistryContract, NamesAreFoundInAnyCaseAndKeepTheirs) {
 TEST_F(RegistryContract, CaseIsFoldedBeyondAscii) {
     const std::string lower = side_code_page().to_ansi(u"gr\u00F6\u00DFe \u00E9");
     const std::string upper = side_code_page().to_ansi(u"GR\u00D6\u00DFE \u00C9");
-    if (side_code_page().from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9") GTEST_SKIP() << "the code page lacks the letters";
+    if (side_code_page().from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9")
+        GTEST_SKIP() << "the code page lacks the letters";
     Key::created(key.get(), lower);
     EXPECT_TRUE(Key::opened(key.get(), upper));
     EXPECT_THAT(key.subkeys(), UnorderedElementsAre(lower));

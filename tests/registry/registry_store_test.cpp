@@ -94,7 +94,7 @@ TEST_F(RegistryStoreTest, ALineCutShortIsDroppedAndNothingElse) {
         const std::string first = size >= before.size() ? "1" : "(2)";
         const std::string second = size >= whole.find("\"2\"\n") + 4 ? "2" : "(2)";
         Process process(folder);
-        for (Process again(folder); Process* each : {&process, &again}) {
+        for (Process again(folder); Process * each : {&process, &again}) {
             EXPECT_EQ(each->read("Key", "first"), first);
             EXPECT_EQ(each->read("Key", "second"), second);
             EXPECT_EQ(each->read("Other", "third"), "(2)");

@@ -27,7 +27,8 @@ protected:
 template <class Make>
 class Factory final : public com::Object<Factory<Make>, IClassFactory> {
 public:
-    Factory(com::ModuleLifetime& module, Make make) noexcept : com::Object<Factory, IClassFactory>(module), make_(make) {}
+    Factory(com::ModuleLifetime& module, Make make) noexcept
+        : com::Object<Factory, IClassFactory>(module), make_(make) {}
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
         *object = nullptr;
         return outer != nullptr ? CLASS_E_NOAGGREGATION : make_()->QueryInterface(iid, object);

@@ -4,17 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "simulator/units.h"
+#include "simulator/words.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-constexpr char kHeader[] = "# Brivola displays, version 1\n";
 
 TEST(Displays, SurviveTheirFile) {
     const test::TemporaryFolder folder;
@@ -30,9 +29,9 @@ TEST(Displays, SurviveTheirFile) {
     Display plain;
     plain.name = u"";
     written.put(plain);
-    written.save(folder.path() / "Displays.dat");
+    written.save(folder / "Displays.dat");
 
-    const Displays read = Displays::load(folder.path() / "Displays.dat");
+    const Displays read = Displays::load(folder / "Displays.dat");
     ASSERT_EQ(read.size(), 2U);
     EXPECT_EQ(read.at(0).name, odd.name);
     EXPECT_EQ(read.at(0).type, odd.type);
@@ -44,33 +43,46 @@ TEST(Displays, SurviveTheirFile) {
     EXPECT_EQ(read.find(u""), 1U);
 }
 
-TEST(Displays, NameTheDamagedLineOfTheirFile) {
-    const test::TemporaryFolder folder;
-    const struct {
-        std::string text;
-        const char* message;
-    } cases[] = {
-        {"", "Displays.dat:1: expected the line # Brivola"},
-        {"display A\n", "Displays.dat:1: expected the line # Brivola"},
-        {std::string(kHeader) + "\n# note\ndisplay\n", "Displays.dat:4: expected display NAME"},
-        {std::string(kHeader) + "sign A\n", "Displays.dat:2: expected display NAME"},
-        {std::string(kHeader) + "display A\ndisplay B color=red\n", "Displays.dat:3: color=red is no KEY=VALUE"},
-        {std::string(kHeader) + "display A port\n", "Displays.dat:2: port is no KEY=VALUE"},
-        {std::string(kHeader) + "display A connection=two\n", "Displays.dat:2: connection=two needs a number"},
-        {std::string(kHeader) + "display A\ndisplay A\n", "Displays.dat:3: display A stands here twice"},
-        {std::string(kHeader) + "display \"A\n", "Displays.dat:2: a quote is not closed"},
-        {std::string(kHeader) + std::string("display A\0B", 11), "Displays.dat:2: a control character"},
-        {std::string(kHeader) + "display A port=\xFF\xFE x\n", "Displays.dat:2: x is no KEY=VALUE"},
-    };
-    for (const auto& damaged : cases) {
-        const auto path = folder.write("Displays.dat", damaged.text);
-        try {
-            Displays::load(path);
-            ADD_FAILURE() << damaged.text;
-        } catch (const TextError& error) {
-            EXPECT_THAT(error.what(), StartsWith(damaged.message));
-        }
+/// What is wrong with a text as the host's file.
+template <class File>
+std::string damage_of(const std::string& text) {
+    try {
+        File::parse("F", text);
+    } catch (const TextError& error) {
+        return error.what();
     }
+    return "nothing";
+}
+
+TEST(HostFiles, NameTheDamagedLine) {
+    const std::string header = "# Brivola displays, version 1\n";
+    const std::pair<std::string, const char*> displays[] = {
+        {"", "F:1: expected the line # Brivola"},
+        {"display A\n", "F:1: expected the line # Brivola"},
+        {header + "\n# note\ndisplay\n", "F:4: expected display NAME"},
+        {header + "sign A\n", "F:2: expected display NAME"},
+        {header + "display A\ndisplay B color=red\n", "F:3: color=red is no KEY=VALUE"},
+        {header + "display A port\n", "F:2: port is no KEY=VALUE"},
+        {header + "display A connection=two\n", "F:2: connection=two needs a number"},
+        {header + "display A\ndisplay A\n", "F:3: display A stands here twice"},
+        {header + "display \"A\n", "F:2: a quote is not closed"},
+        {header + std::string("display A\0B", 11), "F:2: a control character"},
+        {header + "display A port=\xFF\xFE x\n", "F:2: x is no KEY=VALUE"},
+    };
+    for (const auto& [text, message] : displays) EXPECT_THAT(damage_of<Displays>(text), StartsWith(message)) << text;
+
+    const std::string units_header = "# Brivola units, version 1\n";
+    const std::pair<std::string, const char*> units[] = {
+        {"holds A 1 empty\n", "F:1: expected the line # Brivola"},
+        {units_header + "holds A one empty\n", "F:2: \"one\" is no display ID"},
+        {units_header + "holds A 1 full\n", "F:2: \"full\" is nothing that a unit holds"},
+        {units_header + "holds A 1 a.SHX many 0\n", "F:2: expected a size"},
+        {units_header + "holds A 1 a.SHX 1 XYZ\n", "F:2: expected a checksum"},
+        {units_header + "slaves A 1 3\n", "F:2: \"3\" is no grid"},
+        {units_header + "slaves A 1 1x2x3\n", "F:2: \"1x2x3\" is no grid"},
+        {units_header + "\nbox A\n", "F:3: expected slaves NAME"},
+    };
+    for (const auto& [text, message] : units) EXPECT_THAT(damage_of<Units>(text), StartsWith(message)) << text;
 }
 
 TEST(Displays, AreFoundOnTheirLineAlsoAfterAChange) {
@@ -102,28 +114,24 @@ TEST(Displays, AreFoundOnTheirLineAlsoAfterAChange) {
 
 TEST(Displays, ShareALineByWhatTheirConnectionUses) {
     Display cable;
-    Display other = cable;
-    other.phone = u"1";
-    other.address = u"10.0.0.1";
-    EXPECT_EQ(cable.line(), other.line());
-    other.baud = u"19200";
-    EXPECT_NE(cable.line(), other.line());
-
-    Display network;
+    Display network = cable;
     network.connection = kNetwork;
-    Display unknown = network;
-    unknown.connection = 9;
-    unknown.baud = u"1";
-    EXPECT_EQ(network.line(), unknown.line());
-    unknown.port = u"COM2";
-    EXPECT_NE(network.line(), unknown.line());
-
-    Display modem;
+    Display modem = cable;
     modem.connection = kModem;
     EXPECT_NE(modem.line(), cable.line());
-    Display other_number = modem;
-    other_number.phone = u"2";
-    EXPECT_NE(modem.line(), other_number.line());
+    const auto same = [](const Display& display, std::u16string Display::*field) {
+        Display other = display;
+        other.*field = u"other";
+        return other.line() == display.line();
+    };
+    EXPECT_TRUE(same(cable, &Display::phone) && same(cable, &Display::address));
+    EXPECT_FALSE(same(cable, &Display::baud) || same(cable, &Display::port));
+    EXPECT_TRUE(same(network, &Display::baud));
+    EXPECT_FALSE(same(network, &Display::port) || same(network, &Display::address));
+    EXPECT_FALSE(same(modem, &Display::phone));
+    Display unknown = network;
+    unknown.connection = 9;
+    EXPECT_EQ(network.line(), unknown.line());
 }
 
 }  // namespace

@@ -10,27 +10,19 @@ namespace {
 
 const Call kReset{u"A", 1, Operation::ResetAndClear};
 
-TEST(LinkScript, MatchesDisplayUnitAndMember) {
+TEST(LinkScript, MatchesDisplayUnitMemberAndCount) {
     LinkScript script;
-    script.add_fault({u"A", 1, Operation::ResetAndClear}, FaultKind::fail);
-    EXPECT_EQ(script.next({u"B", 1, Operation::ResetAndClear}).fault, FaultKind::none);
-    EXPECT_EQ(script.next({u"A", 2, Operation::ResetAndClear}).fault, FaultKind::none);
-    EXPECT_EQ(script.next({u"A", 1, Operation::DownloadFirmware}).fault, FaultKind::none);
-    EXPECT_EQ(script.next(kReset).fault, FaultKind::fail);
-    EXPECT_EQ(script.next(kReset).fault, FaultKind::fail);
-
-    LinkScript any;
-    any.add_fault({{}, {}, Operation::ResetAndClear}, FaultKind::raise);
-    EXPECT_EQ(any.next({u"", -5, Operation::ResetAndClear}).fault, FaultKind::raise);
-}
-
-TEST(LinkScript, TakesTheNthMatchingCallOnly) {
-    LinkScript script;
-    script.add_fault({u"A", {}, Operation::ResetAndClear, 2}, FaultKind::fail);
-    EXPECT_EQ(script.next(kReset).fault, FaultKind::none);
-    EXPECT_EQ(script.next({u"B", 1, Operation::ResetAndClear}).fault, FaultKind::none);
-    EXPECT_EQ(script.next({u"A", 9, Operation::ResetAndClear}).fault, FaultKind::fail);
-    EXPECT_EQ(script.next(kReset).fault, FaultKind::none);
+    script.add_fault({u"A", 1, Operation::ResetAndClear, 2}, FaultKind::fail);
+    script.add_fault({{}, {}, Operation::PrepareForFirmware}, FaultKind::raise);
+    const std::pair<Call, FaultKind> calls[] = {{{u"B", 1, Operation::ResetAndClear}, FaultKind::none},
+                                                {{u"A", 2, Operation::ResetAndClear}, FaultKind::none},
+                                                {{u"A", 1, Operation::DownloadFirmware}, FaultKind::none},
+                                                {kReset, FaultKind::none},
+                                                {kReset, FaultKind::fail},
+                                                {kReset, FaultKind::none},
+                                                {{u"", -5, Operation::PrepareForFirmware}, FaultKind::raise},
+                                                {{u"A", 1, Operation::PrepareForFirmware}, FaultKind::raise}};
+    for (const auto& [call, fault] : calls) EXPECT_EQ(script.next(call).fault, fault);
 }
 
 TEST(LinkScript, KeepsTheOrderOfMessagesAndTheFirstFault) {
