@@ -37,18 +37,6 @@ void compare(const std::string& name, const std::string& picture) {
                                            << picture;
 }
 
-/// A small firmware folder.
-class FirmwareDrive final : public Drives {
-public:
-    std::vector<std::u16string> letters() const override { return {u"C:"}; }
-    std::optional<std::vector<FolderEntry>> entries(const std::u16string& folder) const override {
-        if (folder != u"C:\\Brivola\\bin\\Firmware") return std::nullopt;
-        return std::vector<FolderEntry>{
-            {u"old", true, 0}, {u"SIGN 4.2.SHX", false, 183'000}, {u"SIGN 4.3.SHX", false, 191'000}};
-    }
-    bool file_exists(const std::u16string&) const override { return true; }
-};
-
 class Pictures : public testing::Test {
 protected:
     /// The dialogs are drawn as designed and filled by hand: the host that fills them is not here.
@@ -73,7 +61,7 @@ protected:
     }
 
     FakeScreen screen;
-    FirmwareDrive drives;
+    NoDrives drives;
     TerminalToolkit toolkit{screen, drives, kIcons};
     com::ModuleLifetime module;
     Services services{.toolkit = toolkit,
@@ -89,7 +77,7 @@ TEST_F(Pictures, WizardPages) {
     dlgFirmwareWizard wizard(services, {});
     get<forms::Button>(wizard, "cmdFinish").set_enabled(false);
     show_page(wizard, 0);
-    compare("wizard-1-start", picture_with_styles(wizard));
+    compare("wizard-1-start", picture(wizard));
     show_page(wizard, 1);
     compare("wizard-2-options", picture(wizard));
 
@@ -152,20 +140,6 @@ TEST_F(Pictures, About) {
     frmAbout about(services);
     screen.key(Key::escape, [this] { compare("about", screen.picture()); });
     about.show_modal();
-}
-
-TEST_F(Pictures, MessageBoxOverAForm) {
-    frmAbout about(services);
-    screen.key(Key::tab);
-    screen.key(Key::enter);
-    screen.key(Key::enter, [this] { compare("message", screen.picture()); });
-    screen.key(Key::escape);
-    about.show_modal();
-}
-
-TEST_F(Pictures, OpenFile) {
-    screen.key(Key::escape, [this] { compare("open-file", screen.picture()); });
-    toolkit.open_file({u"C:\\Brivola\\bin\\Firmware", u"", u"Motorola SHX Files(*.SHX)|*.SHX", 0x81000});
 }
 
 }  // namespace
