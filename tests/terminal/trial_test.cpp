@@ -94,8 +94,7 @@ TEST_F(Picker, CancelChoosesNothing) {
     EXPECT_EQ(choose(), u"");
     screen.alt(U'a');
     screen.alt(U'a');
-    screen.key(Key::tab);
-    screen.key(Key::enter);
+    screen.keys({Key::tab, Key::enter});
     EXPECT_EQ(choose(), u"") << "checking all twice checks none";
 }
 
