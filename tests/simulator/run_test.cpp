@@ -115,7 +115,8 @@ TEST(Run, KeepsItsDataWhereItIsTold) {
     EXPECT_EQ(first.status, kPassed) << first.errors;
     CommandLine quiet = with_data(folder);
     quiet.quiet = true;
-    const Outcome second = run("units\nstart\nclick cmdCancel\nshow HKLM\\Software\\Norvan\\Brivola3\\Settings AppPath", quiet);
+    const Outcome second =
+        run("units\nstart\nclick cmdCancel\nshow HKLM\\Software\\Norvan\\Brivola3\\Settings AppPath", quiet);
     EXPECT_EQ(second.out,
               "unit \"A\" 1: as delivered\nunit \"A\" 2: as delivered\nunit \"B\" 1: empty\n"
               "show HKLM\\Software\\Norvan\\Brivola3\\Settings AppPath = C:\\Host\n");
