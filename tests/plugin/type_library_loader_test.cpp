@@ -251,28 +251,22 @@ TEST_F(TypeLibraryLoader, CallsMembersByTheirDescriptions) {
     EXPECT_EQ(object->GetTypeInfo(1, LOCALE_USER_DEFAULT, type.put()), DISP_E_BADINDEX);
     ASSERT_EQ(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.put()), S_OK);
 
-    VARIANTARG index{};
-    index.vt = VT_I2;
-    index.iVal = 0;
-    DISPPARAMS parameters{&index, nullptr, 1, 0};
-    com::Variant name;
-    EXCEPINFO exception{};
     com::ComPtr<IUnknown> target;
     ASSERT_EQ(object->QueryInterface(kCatalogueInterface, target.put_void()), S_OK);
-    EXPECT_EQ(
-        type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception, nullptr),
-        S_OK);
+    const auto name_at = [&](SHORT at, com::Variant& name, EXCEPINFO& exception) {
+        VARIANTARG index = com::Variant::int16(at).get();
+        DISPPARAMS parameters{&index, nullptr, 1, 0};
+        return type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception,
+                            nullptr);
+    };
+    com::Variant name;
+    EXCEPINFO exception{};
+    EXPECT_EQ(name_at(0, name, exception), S_OK);
     ASSERT_EQ(name.type(), VT_BSTR);
     EXPECT_EQ(com::view(name.get().bstrVal), u"vexFirmwarePlugin.vexFirmwareUtil");
-
-    index.iVal = 1;
-    EXPECT_EQ(
-        type->Invoke(target.get(), 0x68030003, DISPATCH_PROPERTYGET, &parameters, name.put(), &exception, nullptr),
-        DISP_E_EXCEPTION);
+    EXPECT_EQ(name_at(1, name, exception), DISP_E_EXCEPTION);
     EXPECT_EQ(exception.scode, error_code(9));
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrHelpFile);
+    for (BSTR text : {exception.bstrDescription, exception.bstrSource, exception.bstrHelpFile}) SysFreeString(text);
 }
 
 }  // namespace

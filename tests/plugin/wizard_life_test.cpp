@@ -74,8 +74,6 @@ private:
     DWORD cookie_ = 0;
 };
 
-std::u16string caption(forms::Form& form, const char* control) { return form.find(control)->caption(); }
-
 TEST_F(WizardLife, TheLibraryStaysWhileAWizardIsOpenEvenWithoutItsObject) {
     IDispatch* entry = make(kEntryClass).detach();
     user_.on_open = [&entry](forms::Form&) {
@@ -130,25 +128,19 @@ TEST_F(WizardLife, ErrorsInsideReachTheHostWithTheirNumber) {
     EXPECT_EQ(outcome.source, u"vexFirmWarePlugin");
 }
 
-TEST_F(WizardLife, TheAboutBoxIsOneAndShowsTheSameEachTime) {
+TEST_F(WizardLife, TheAboutBoxIsOneForAllWizards) {
     const auto entry = make(kEntryClass);
-    std::vector<std::u16string> descriptions;
     std::vector<const forms::Form*> boxes;
     user_.on_open = [&](forms::Form& form) {
         if (form.name() == "frmAbout") {
-            descriptions.push_back(caption(form, "lblDescription"));
+            EXPECT_FALSE(form.find("lblDescription")->caption().empty());
             boxes.push_back(&form);
             return;
         }
-        form.raise_click(*form.find("cmdAbout"));
-        form.raise_click(*form.find("cmdAbout"));
+        for (int i = 0; i < 2; ++i) form.raise_click(*form.find("cmdAbout"));
     };
-    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
-    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
-    ASSERT_EQ(descriptions.size(), 4U);
-    EXPECT_FALSE(descriptions[0].empty());
-    EXPECT_EQ(std::count(descriptions.begin(), descriptions.end(), descriptions[0]), 4);
-    EXPECT_EQ(std::count(boxes.begin(), boxes.end(), boxes[0]), 4);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK);
+    EXPECT_EQ(boxes, std::vector(4, boxes.at(0)));
 }
 
 TEST_F(WizardLife, WithoutADesktopOnlyTheWizardFails) {
