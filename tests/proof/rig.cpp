@@ -54,7 +54,6 @@ public:
         clicks_.push_back("cmdFinish");
     }
 
-    void form_opened(forms::Form&) override {}
     void form_closed(forms::Form& form) override {
         if (form.name() == "dlgHandleSignOption") cancelled_ = false;
     }
@@ -88,7 +87,6 @@ public:
         return plan_.mode == Mode::firmware ? u"D:\\fw\\new.SHX" : u"D:\\fw\\new.BIN";
     }
     const forms::MenuItem* choose(const forms::Menu& menu) override { return &menu.items.front(); }
-    void beep() override {}
 
     bool cancelled() const noexcept { return cancelled_; }
 
