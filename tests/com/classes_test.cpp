@@ -33,9 +33,6 @@ TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
     EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
     EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie)));
-}
-
-TEST_F(ClassObjects, AreFoundByNoNameThatIsNotRegistered) {
     CLSID clsid{};
     EXPECT_EQ(CLSIDFromProgID(ole_text(u"Nobody.Registers.This"), &clsid), CO_E_CLASSSTRING);
 }

@@ -64,9 +64,8 @@ void expect_icon(const VARIANT& value) {
     SHORT type = 0;
     OLE_XSIZE_HIMETRIC width = 0;
     OLE_YSIZE_HIMETRIC height = 0;
-    EXPECT_EQ(picture->get_Type(&type), S_OK);
-    EXPECT_EQ(picture->get_Width(&width), S_OK);
-    EXPECT_EQ(picture->get_Height(&height), S_OK);
+    EXPECT_TRUE(picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK &&
+                picture->get_Height(&height) == S_OK);
     EXPECT_EQ(type, PICTYPE_ICON);
     EXPECT_NEAR(width, 423, 1) << "16 pixels of 1/96 inch";
     EXPECT_NEAR(height, 423, 1);

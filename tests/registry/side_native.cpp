@@ -28,8 +28,6 @@ const platform::CodePage& side_code_page() { return platform::native::code_page(
 
 void set_environment(const char* name, const char* value) { ::setenv(name, value, 1); }
 
-const bool kExpansionLeavesFullBuffer = true;
-
 bool runs_on_wine() { return false; }
 
 }  // namespace vex::test

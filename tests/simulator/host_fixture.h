@@ -38,8 +38,6 @@ protected:
         host_.put_display(display);
     }
 
-    std::string trace() const { return out_.str(); }
-
     test::TemporaryFolder folder_;
     std::ostringstream out_;
     Trace trace_{out_, false};

@@ -64,7 +64,7 @@ void report_input(int report) {
     }
 }
 
-TEST(NcursesScreen, TellsKeysAndMouseApart) {
+TEST(NcursesScreen, TellsKeysAndMouseApartAndFollowsTheSize) {
     TerminalProcess process(report_input);
     ASSERT_EQ(process.hear(), "ready");
     const std::pair<const char*, std::string> sent[] = {
@@ -91,11 +91,6 @@ TEST(NcursesScreen, TellsKeysAndMouseApart) {
         process.send(bytes);
         EXPECT_EQ(process.hear(), heard);
     }
-}
-
-TEST(NcursesScreen, FollowsTheSize) {
-    TerminalProcess process(report_input);
-    ASSERT_EQ(process.hear(), "ready");
     process.resize(100, 30);
     EXPECT_EQ(process.hear(), "resized 100x30");
     process.resize(40, 10);

@@ -1,4 +1,5 @@
-// Pictures of every page and dialog, compared with approved ones. `--update` renews those.
+// Pictures of every page and dialog, compared with approved ones. VEX_RECORD=1 renews those.
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -17,8 +18,6 @@
 
 namespace vex::platform::native::terminal {
 
-bool update_pictures = false;
-
 namespace {
 
 const IconCharacters kIcons = {
@@ -26,7 +25,7 @@ const IconCharacters kIcons = {
 
 void compare(const std::string& name, const std::string& picture) {
     const std::filesystem::path file = std::filesystem::path(VEX_PICTURES) / (name + ".txt");
-    if (update_pictures) {
+    if (std::getenv("VEX_RECORD") != nullptr) {
         std::ofstream(file, std::ios::binary) << picture;
         return;
     }
@@ -144,9 +143,3 @@ TEST_F(Pictures, About) {
 
 }  // namespace
 }  // namespace vex::platform::native::terminal
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    vex::platform::native::terminal::update_pictures = argc > 1 && std::string_view(argv[1]) == "--update";
-    return RUN_ALL_TESTS();
-}
