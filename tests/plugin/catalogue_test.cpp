@@ -111,6 +111,19 @@ TEST_F(Catalogue, ErrorsOfEarlyCallsComeAsErrorInformation) {
     EXPECT_EQ(catalogue->get_PluginPic(0, nullptr), E_POINTER);
 }
 
+TEST_F(Catalogue, HasOneTypeDescriptionOrNone) {
+    const auto catalogue = make(kCatalogueClass);
+    UINT count = 7;
+    EXPECT_EQ(catalogue->GetTypeInfoCount(nullptr), E_POINTER);
+    EXPECT_EQ(catalogue->GetTypeInfoCount(&count), S_OK);
+    EXPECT_LE(count, 1U);
+    com::ComPtr<ITypeInfo> type;
+    EXPECT_EQ(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
+    EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, type.put()), DISP_E_BADINDEX);
+    EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.put())), count == 1);
+    EXPECT_EQ(static_cast<bool>(type), count == 1);
+}
+
 using Entry = PluginTest;
 
 TEST_F(Entry, SaysTheSameOfItself) {

@@ -23,17 +23,23 @@ com::ModuleLifetime host_objects;
 /// The host's display list, as far as the wizard's first page asks for it: opens any file, or fails.
 class DisplayList final : public test::LateObject<DisplayList> {
 public:
-    explicit DisplayList(int error) noexcept : LateObject(host_objects), error_(error) {}
+    using Failure = std::function<HRESULT(EXCEPINFO&)>;
+    explicit DisplayList(Failure failure) : LateObject(host_objects), failure_(std::move(failure)) {}
     HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception, UINT*) noexcept override {
-        if (error_ == 0) return S_OK;
-        exception->scode = error_code(error_);
-        exception->bstrDescription = SysAllocString(u"The file is damaged");
-        return DISP_E_EXCEPTION;
+        return failure_ ? failure_(*exception) : S_OK;
     }
 
 private:
-    int error_;
+    Failure failure_;
 };
+
+DisplayList::Failure error_in_code(int number) {
+    return [number](EXCEPINFO& exception) {
+        exception.scode = error_code(number);
+        exception.bstrDescription = SysAllocString(u"The file is damaged");
+        return DISP_E_EXCEPTION;
+    };
+}
 
 /// Does what the test says on each dialog that opens, then closes it.
 class User final : public forms::ScriptedUser {
@@ -55,7 +61,7 @@ protected:
         PluginTest::SetUp();
         platform::native::set_desktop(&toolkit_);
         cookie_ = test::offer_class(host_objects, kDisplayListClass,
-                                    [this] { return com::make_object<DisplayList>(host_error_); });
+                                    [this] { return com::make_object<DisplayList>(host_failure_); });
         ASSERT_NE(cookie_, 0U);
     }
     void TearDown() override {
@@ -67,8 +73,8 @@ protected:
 
     User user_;
     forms::ScriptedToolkit toolkit_{user_};
-    /// What opening the host's display file raises; 0: nothing.
-    int host_error_ = 0;
+    /// How opening the host's display file fails; empty: it does not.
+    DisplayList::Failure host_failure_;
 
 private:
     DWORD cookie_ = 0;
@@ -110,16 +116,28 @@ TEST_F(WizardLife, AThousandWizardsEachBeginAnewAndLeaveNothing) {
 
 TEST_F(WizardLife, ErrorsInsideReachTheHostWithTheirNumber) {
     const auto entry = make(kEntryClass);
-    host_error_ = 1234;
+    host_failure_ = error_in_code(1234);
     Outcome outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);
     EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
     EXPECT_EQ(outcome.code, error_code(1234));
     EXPECT_EQ(outcome.description, u"The file is damaged");
     EXPECT_TRUE(user_.opened.empty()) << "raised while the wizard loads";
+    // Objects may tell a number in the other of two places, without a text, or only a result code.
+    host_failure_ = [](EXCEPINFO& exception) {
+        exception.wCode = 13;
+        return DISP_E_EXCEPTION;
+    };
+    outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);
+    EXPECT_EQ(outcome.code, error_code(13));
+    EXPECT_EQ(outcome.description, u"Type mismatch");
+    host_failure_ = [](EXCEPINFO&) { return E_ACCESSDENIED; };
+    outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);
+    EXPECT_EQ(outcome.code, E_ACCESSDENIED);
+    EXPECT_EQ(outcome.description, u"Automation error");
 
-    host_error_ = 0;
+    host_failure_ = nullptr;
     user_.on_open = [this](forms::Form& form) {
-        host_error_ = 55;
+        host_failure_ = error_in_code(55);
         form.raise_click(*form.find("cmdNext"));
     };
     outcome = call(*entry, kStartPlugin, DISPATCH_METHOD);

@@ -68,9 +68,9 @@ TEST_F(RegistryContract, NamesAreFoundInAnyCaseAndKeepTheirs) {
 }
 
 TEST_F(RegistryContract, CaseIsFoldedBeyondAscii) {
-    const std::string lower = side_code_page().to_ansi(u"gr\u00F6\u00DFe \u00E9");
-    const std::string upper = side_code_page().to_ansi(u"GR\u00D6\u00DFE \u00C9");
-    if (side_code_page().from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9")
+    const std::string lower = side_code_page().to_ansi(u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF");
+    const std::string upper = side_code_page().to_ansi(u"GR\u00D6\u00DFE \u00C9\u0160\u0152\u017D\u0178");
+    if (side_code_page().from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF")
         GTEST_SKIP() << "the code page lacks the letters";
     Key::created(key.get(), lower);
     EXPECT_TRUE(Key::opened(key.get(), upper));
@@ -313,7 +313,8 @@ TEST_F(RegistryContract, VariablesOfTheEnvironmentAreExpanded) {
         EXPECT_STREQ(target, expanded);
     }
     char small[4];
-    EXPECT_GT(registry.expand_environment("%VEX_LONG%", small, sizeof small), 4U) << "what does not fit tells what it needs";
+    EXPECT_GT(registry.expand_environment("%VEX_LONG%", small, sizeof small), 4U)
+        << "what does not fit tells what it needs";
 }
 
 }  // namespace
