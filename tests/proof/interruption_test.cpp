@@ -53,6 +53,7 @@ protected:
         EXPECT_EQ(outcome.host_objects, 0);
         EXPECT_EQ(outcome.plugin_objects, 0);
         EXPECT_FALSE(outcome.retry_touched_others);
+        EXPECT_FALSE(outcome.edge_selects);
         for (const std::u16string& word : outcome.rows_after_retry) EXPECT_EQ(word, kUpdated) << "a retry can succeed";
     }
 
@@ -160,6 +161,24 @@ TEST_P(InterruptionTest, AConfirmedCancelStopsEverything) {
             done += works && display_of_call_[c] == own + 1 ? 1 : 0;
         }
         EXPECT_EQ(changed, done);
+    }
+}
+
+TEST_P(InterruptionTest, ACancelStopsAlsoAHostThatDoesNotHeedIt) {
+    for (auto [k, moment] : moments(baseline_.calls)) {
+        SCOPED_TRACE(about(k, "the user cancels, and the host goes on"));
+        Plan plan = plan_;
+        plan.heedless = true;
+        moment.cancel = forms::MessageAnswer::yes;
+        plan.moment = moment;
+        const Outcome outcome = play(plan);
+        check_always(outcome);
+        EXPECT_EQ(outcome.rows.at(display_of_call_[k] - 1), kCancelled);
+        // The unit that has just been addressed is still tried, on a connection that is closed by then, and no other.
+        const Words& calls = outcome.calls_after_cancel;
+        EXPECT_LE(std::ranges::count(calls, u"vexDispTrans.ResetAndClear") +
+                      std::ranges::count(calls, u"vexDispTrans.DownloadFirmware"),
+                  baseline_.calls[k] == u"vexDispTrans.SignID" ? 1 : 0);
     }
 }
 
