@@ -25,8 +25,8 @@ bool false_fails_row(Mode mode, const std::u16string& call) {
 }
 
 bool has_boolean_result(const std::u16string& call) {
-    return call.starts_with(u"vexDispTrans.") && call != u"vexDispTrans.GetSignInfo" && call != u"vexDispTrans.SignID" &&
-           call != u"vexDispTrans.CancelTransmission";
+    return call.starts_with(u"vexDispTrans.") && call != u"vexDispTrans.GetSignInfo" &&
+           call != u"vexDispTrans.SignID" && call != u"vexDispTrans.CancelTransmission";
 }
 
 class InterruptionTest : public ::testing::TestWithParam<std::tuple<Mode, std::size_t>> {
