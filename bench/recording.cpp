@@ -79,8 +79,7 @@ void Recording::replay() const {
                 break;
             }
             case Kind::connection:
-                connections.emplace(event.object,
-                                    host::EventConnection(*object.get(), u"StatusMessage", 9, module, [](auto) {}));
+                connections.try_emplace(event.object, *object.get(), u"StatusMessage", 9, module, [](auto) {});
                 break;
             case Kind::call: call(event, objects); break;
             case Kind::release:

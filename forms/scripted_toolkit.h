@@ -9,23 +9,24 @@
 
 namespace vex::forms {
 
-/// Plays the user. Called on the toolkit's thread, inside the modal loops.
+/// Plays the user: one who does nothing but close what opens, unless derived classes say more. Called on the
+/// toolkit's thread, inside the modal loops.
 class ScriptedUser {
 public:
     virtual ~ScriptedUser() = default;
-    /// `form` is on the screen / has left it.
-    virtual void form_opened(Form& form) = 0;
-    virtual void form_closed(Form& form) = 0;
-    /// The modal loop waits for input: do the next thing to `form`, the topmost one. False: there is
+    /// The form is on the screen / has left it.
+    virtual void form_opened(Form& /*form*/) {}
+    virtual void form_closed(Form& /*form*/) {}
+    /// The modal loop waits for input: do the next thing to the form, the topmost one. False: there is
     /// nothing left to do; then the user closes the form, and where it refuses, the loop is ended.
-    virtual bool act(Form& form) = 0;
-    /// Messages are being pumped while `form` is the topmost one and busy.
-    virtual void pumped(Form& form) = 0;
-    virtual MessageAnswer answer(const MessageBox& box) = 0;
-    virtual std::optional<std::u16string> choose_file(const OpenFileRequest& request) = 0;
+    virtual bool act(Form& /*form*/) { return false; }
+    /// Messages are being pumped while the form is the topmost one and busy.
+    virtual void pumped(Form& /*form*/) {}
+    virtual MessageAnswer answer(const MessageBox& /*box*/) { return MessageAnswer::ok; }
+    virtual std::optional<std::u16string> choose_file(const OpenFileRequest& /*request*/) { return std::nullopt; }
     /// The item to choose, or null to dismiss the menu.
-    virtual const MenuItem* choose(const Menu& menu) = 0;
-    virtual void beep() = 0;
+    virtual const MenuItem* choose(const Menu& /*menu*/) { return nullptr; }
+    virtual void beep() {}
 };
 
 /// Runs forms for a scripted user. List rows have a fixed height, see below.

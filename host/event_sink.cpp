@@ -57,32 +57,15 @@ private:
 
 EventConnection::EventConnection(IUnknown& object, std::u16string_view name, DISPID position,
                                  com::ModuleLifetime& module, Handler handler) {
-    platform::EventSource source = platform::find_event_source(object, name, position);
+    const platform::EventSource source = platform::find_event_source(object, name, position);
     sink_ = com::make_object<Sink>(module, source.iid, source.member, std::move(handler));
     if (FAILED(source.point->Advise(sink_.get(), &cookie_))) throw RuntimeError(kNoSuchEvents);
-    point_ = std::move(source.point);
+    point_ = source.point;
 }
 
-EventConnection::EventConnection(EventConnection&& other) noexcept
-    : point_(std::move(other.point_)), sink_(std::move(other.sink_)), cookie_(std::exchange(other.cookie_, 0)) {}
-
-EventConnection& EventConnection::operator=(EventConnection&& other) noexcept {
-    if (this != &other) {
-        disconnect();
-        point_ = std::move(other.point_);
-        sink_ = std::move(other.sink_);
-        cookie_ = std::exchange(other.cookie_, 0);
-    }
-    return *this;
-}
-
-EventConnection::~EventConnection() { disconnect(); }
-
-void EventConnection::disconnect() noexcept {
-    if (point_) point_->Unadvise(cookie_);
-    if (sink_) sink_->cut_off();
-    point_.reset();
-    sink_.reset();
+EventConnection::~EventConnection() {
+    point_->Unadvise(cookie_);
+    sink_->cut_off();
 }
 
 }  // namespace vex::host

@@ -15,19 +15,16 @@ class EventConnection {
 public:
     using Handler = std::function<void(std::u16string text)>;
 
-    EventConnection() noexcept = default;
     /// Connects to the event `name`, the one at `position` where the object describes no names. `module`
     /// counts the sink. Raises 459 when the object offers no events or refuses the connection.
     EventConnection(IUnknown& object, std::u16string_view name, DISPID position, com::ModuleLifetime& module,
                     Handler handler);
-    EventConnection(EventConnection&& other) noexcept;
-    EventConnection& operator=(EventConnection&& other) noexcept;
+    EventConnection(const EventConnection&) = delete;
+    EventConnection& operator=(const EventConnection&) = delete;
     ~EventConnection();
 
 private:
     class Sink;
-
-    void disconnect() noexcept;
 
     com::ComPtr<IConnectionPoint> point_;
     com::ComPtr<Sink> sink_;

@@ -1,190 +1,50 @@
-// The About box and the private label.
+// The About box and the private label. What a user sees of it is a scenario, wizard-about.
 #include "about/frm_about.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <vector>
-
-#include "core/runtime_error.h"
-#include "forms/scripted_toolkit.h"
 #include "support/product.h"
-#include "tests/registry/forwarding_registry.h"
-#include "tests/registry/test_key.h"
+#include "tests/shared/desk_fixture.h"
+#include "tests/shared/error_of.h"
 
 namespace vex::test {
 namespace {
 
-/// Shows the test's key as HKEY_LOCAL_MACHINE.
-class LocalMachine final : public ForwardingRegistry {
-public:
-    explicit LocalMachine(platform::RegistryKey key) : ForwardingRegistry(side_registry()), key_(key) {}
-
-    std::int32_t open_key(platform::RegistryKey parent, const char* path, std::uint32_t access,
-                          platform::RegistryKey& key) noexcept override {
-        last_access = access;
-        const bool is_machine = parent == platform::registry_key(platform::kHkeyLocalMachine);
-        const std::int32_t result = ForwardingRegistry::open_key(is_machine ? key_ : parent, path, access, key);
-        if (result == platform::kSuccess) ++open_keys;
-        return result;
-    }
-    std::int32_t close_key(platform::RegistryKey key) noexcept override {
-        --open_keys;
-        return ForwardingRegistry::close_key(key);
-    }
-
-    std::uint32_t last_access = 0;
-    int open_keys = 0;
-
-private:
-    platform::RegistryKey key_;
-};
-
-class StartedPrograms final : public platform::Processes {
-public:
-    bool start(const std::u16string& path) override {
-        paths.push_back(path);
-        return can_start;
-    }
-    std::vector<std::u16string> paths;
-    bool can_start = true;
-};
-
-class OneFile final : public platform::Files {
-public:
-    bool ordinary_file_exists(const std::u16string& path) override { return path == existing; }
-    std::u16string existing;
-};
-
-/// Acts on the open dialog once, then closes it.
-class User final : public forms::ScriptedUser {
-public:
-    std::function<void(forms::Form&)> on_open = [](forms::Form&) {};
-    std::vector<forms::MessageBox> messages;
-
-    void form_opened(forms::Form& form) override { on_open(form); }
-    void form_closed(forms::Form&) override {}
-    bool act(forms::Form&) override { return false; }
-    void pumped(forms::Form&) override {}
-    forms::MessageAnswer answer(const forms::MessageBox& box) override {
-        messages.push_back(box);
-        return forms::MessageAnswer::ok;
-    }
-    std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override { return std::nullopt; }
-    const forms::MenuItem* choose(const forms::Menu&) override { return nullptr; }
-    void beep() override {}
-};
-
-class About : public TestKeyFixture {
+class About : public DeskFixture {
 protected:
-    std::u16string caption(const char* control) { return about_.find(control)->caption(); }
-
-    /// Shows the box and closes it again.
-    void show() { about_.show_modal(); }
-
-    void set_label(std::string_view text) {
-        Key::created(key.get(), "Software\\BrivolaLite").set_text("Private Label Company", text);
+    std::u16string shown_description() {
+        about.show_modal();
+        return about.find("lblDescription")->caption();
     }
 
-    User user_;
-    forms::ScriptedToolkit toolkit_{user_};
-    LocalMachine registry_{key.get()};
-    OneFile files_;
-    StartedPrograms programs_;
-    com::ModuleLifetime module_;
-    Services services_{toolkit_, registry_, files_, programs_, side_code_page(), module_, u"C:\\Host"};
-    frmAbout about_{services_};
+    frmAbout about{services};
 };
 
-TEST_F(About, SaysWhatTheProductIs) {
-    show();
-    EXPECT_EQ(about_.caption(), u"About vexFirmWarePlugin");
-    EXPECT_EQ(caption("lblVersion"), u"Version 4.0");
-    EXPECT_EQ(caption("lblDescription"), product::kCompanyName);
-    EXPECT_TRUE(caption("lblDisclaimer").starts_with(u"Warning: "));
-    EXPECT_EQ(caption("cmdSysInfo"), u"&System Info...");
-}
-
-TEST_F(About, ShowsThePrivateLabelAfreshEachTime) {
-    set_label("Signs & Co");
-    show();
-    EXPECT_EQ(caption("lblDescription"), u"Signs & Co");
-    set_label("Other");
-    show();
-    EXPECT_EQ(caption("lblDescription"), u"Other") << "not behind the text of the showing before";
-    EXPECT_EQ(registry_.open_keys, 0);
-}
-
-TEST_F(About, ItsOkButtonUnloadsIt) {
-    user_.on_open = [](forms::Form& form) {
-        form.raise_click(*form.find("cmdOK"));
-        EXPECT_FALSE(form.loaded());
-    };
-    show();
-}
-
-class SystemInformation : public About {
-protected:
-    void set_program(std::string_view path) {
-        Key::created(key.get(), "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set_text("PATH", path);
+TEST_F(About, ShowsTheCompanyOrThePrivateLabelAfreshEachTime) {
+    EXPECT_EQ(shown_description(), product::kCompanyName);
+    EXPECT_TRUE(about.find("lblDisclaimer")->caption().starts_with(u"Warning: "));
+    const Key label = Key::created(key.get(), "Software\\BrivolaLite");
+    for (const char* company : {"Signs & Co", "Other"}) {
+        label.set_text("Private Label Company", company);
+        EXPECT_EQ(shown_description(), side_code_page().from_ansi(company)) << "not behind the text of before";
     }
-    void set_folder(std::string_view folder) {
-        Key::created(key.get(), "SOFTWARE\\Microsoft\\Shared Tools Location").set_text("MSINFO", folder);
-    }
-    void expect_started(const std::u16string& path) {
-        EXPECT_EQ(programs_.paths, std::vector<std::u16string>{path});
-        EXPECT_TRUE(user_.messages.empty());
-    }
-    void expect_unavailable() {
-        ASSERT_EQ(user_.messages.size(), 1U);
-        EXPECT_EQ(user_.messages[0].text, u"System Information Is Unavailable At This Time");
-        EXPECT_EQ(user_.messages[0].buttons, forms::MessageButtons::ok);
-    }
-};
-
-TEST_F(SystemInformation, StartsTheProgramThatIsNamed) {
-    set_program("C:\\Program Files\\Info\\MSINFO32.EXE");
-    set_folder("C:\\Elsewhere");
-    about_.StartSysInfo();
-    expect_started(u"C:\\Program Files\\Info\\MSINFO32.EXE");
+    EXPECT_EQ(registry.open_keys, 0);
 }
 
-TEST_F(SystemInformation, ElseTheProgramInTheFolderThatIsNamed) {
-    set_folder("C:\\Program Files\\Info");
-    files_.existing = u"C:\\Program Files\\Info\\MSINFO32.EXE";
-    user_.on_open = [](forms::Form& form) { form.raise_click(*form.find("cmdSysInfo")); };
-    show();
-    expect_started(u"C:\\Program Files\\Info\\MSINFO32.EXE");
-}
-
-TEST_F(SystemInformation, IsUnavailableWithoutEither) {
-    about_.StartSysInfo();
-    expect_unavailable();
-    EXPECT_TRUE(programs_.paths.empty());
-}
-
-TEST_F(SystemInformation, IsUnavailableWhenTheFileIsMissing) {
-    set_folder("C:\\Program Files\\Info");
-    about_.StartSysInfo();
-    expect_unavailable();
-    EXPECT_TRUE(programs_.paths.empty());
-}
-
-TEST_F(SystemInformation, IsUnavailableWhenTheProgramDoesNotStart) {
-    set_program("C:\\Gone.exe");
-    set_folder("C:\\Program Files\\Info");
-    files_.existing = u"C:\\Program Files\\Info\\MSINFO32.EXE";
-    programs_.can_start = false;
-    about_.StartSysInfo();
-    expect_unavailable();
-    EXPECT_EQ(programs_.paths.size(), 1U) << "the second place is not tried";
+TEST_F(About, LooksForTheSystemInformationInOnePlaceOnly) {
+    Key::created(key.get(), "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set_text("PATH", "C:\\Gone.exe");
+    Key::created(key.get(), "SOFTWARE\\Microsoft\\Shared Tools Location").set_text("MSINFO", "C:\\Info");
+    files.existing = u"C:\\Info\\MSINFO32.EXE";
+    programs.can_start = false;
+    about.StartSysInfo();
+    EXPECT_EQ(programs.paths, std::vector<std::u16string>{u"C:\\Gone.exe"}) << "the second place is not tried";
+    ASSERT_EQ(user.messages.size(), 1U);
+    EXPECT_EQ(user.messages[0].text, u"System Information Is Unavailable At This Time");
 }
 
 class KeyValue : public About {
 protected:
-    bool get(std::u16string& value, const char16_t* name = u"v") {
-        return about_.GetKeyValue(platform::kHkeyLocalMachine, u"Values", name, value);
-    }
+    bool get(std::u16string& value) { return about.GetKeyValue(platform::kHkeyLocalMachine, u"Values", u"v", value); }
     std::u16string number(std::vector<std::uint8_t> bytes, std::u16string before = u"") {
         values_.set("v", platform::kRegDword, std::move(bytes));
         EXPECT_TRUE(get(before));
@@ -202,8 +62,8 @@ TEST_F(KeyValue, TextsComeAsTheyAre) {
     values_.set("v", platform::kRegSz, bytes_of("unended"));
     EXPECT_TRUE(get(value));
     EXPECT_EQ(value.substr(0, 7), u"unended");
-    EXPECT_EQ(registry_.last_access, 0x2003FU);
-    EXPECT_EQ(registry_.open_keys, 0);
+    EXPECT_EQ(registry.last_access, 0x2003FU);
+    EXPECT_EQ(registry.open_keys, 0);
 }
 
 TEST_F(KeyValue, NumbersLoseTheZerosOfTheirBytes) {
@@ -213,24 +73,22 @@ TEST_F(KeyValue, NumbersLoseTheZerosOfTheirBytes) {
     EXPECT_EQ(number({0xFF, 0xFF, 0xFF, 0xFF}), u"-1") << "32 bits keep their sign";
     EXPECT_EQ(number({1, 0, 0, 0}, u"2"), u"8193") << "behind the digits that the caller had there: kept";
     std::u16string wrong = u"x";
-    EXPECT_THROW(get(wrong), RuntimeError);
+    EXPECT_EQ(error_of([&] { get(wrong); }), kTypeMismatch);
 }
 
 TEST_F(KeyValue, OtherTypesLeaveTheTextAndFailuresEmptyIt) {
-    std::u16string value = u"old";
+    const auto value_of = [this](const char16_t* path, const char16_t* name, bool succeeds) {
+        std::u16string value = u"old";
+        EXPECT_EQ(about.GetKeyValue(platform::kHkeyLocalMachine, path, name, value), succeeds);
+        return value;
+    };
     values_.set("v", platform::kRegBinary, {1, 2});
-    EXPECT_TRUE(get(value));
-    EXPECT_EQ(value, u"old");
-    EXPECT_FALSE(get(value, u"missing"));
-    EXPECT_EQ(value, u"");
-    value = u"old";
+    EXPECT_EQ(value_of(u"Values", u"v", true), u"old");
+    EXPECT_EQ(value_of(u"Values", u"missing", false), u"");
     values_.set_text("v", std::string(1100, 'x'));
-    EXPECT_FALSE(get(value)) << "more than the buffer of 1024 bytes holds";
-    EXPECT_EQ(value, u"");
-    value = u"old";
-    EXPECT_FALSE(about_.GetKeyValue(platform::kHkeyLocalMachine, u"NoSuchKey", u"v", value));
-    EXPECT_EQ(value, u"");
-    EXPECT_EQ(registry_.open_keys, 0);
+    EXPECT_EQ(value_of(u"Values", u"v", false), u"") << "more than the buffer of 1024 bytes holds";
+    EXPECT_EQ(value_of(u"NoSuchKey", u"v", false), u"");
+    EXPECT_EQ(registry.open_keys, 0);
 }
 
 }  // namespace

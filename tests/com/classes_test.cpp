@@ -9,17 +9,6 @@ namespace {
 
 constexpr CLSID kTestClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x01}};
 
-class TestFactory final : public Object<TestFactory, IClassFactory> {
-public:
-    TestFactory() noexcept : Object(test_module()) {}
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
-        *object = nullptr;
-        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        return make_object<CountedObject>()->QueryInterface(iid, object);
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) noexcept override { return S_OK; }
-};
-
 class ClassObjects : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))); }
@@ -37,18 +26,13 @@ TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
     ComPtr<IDispatch> object;
     EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
     EXPECT_FALSE(object);
-    DWORD cookie = 0;
-    ASSERT_EQ(CoRegisterClassObject(kTestClass, make_object<TestFactory>().get(), CLSCTX_INPROC_SERVER,
-                                    REGCLS_MULTIPLEUSE, &cookie),
-              S_OK);
+    const DWORD cookie = test::offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
+    ASSERT_NE(cookie, 0U);
     EXPECT_EQ(create(object), S_OK);
     object.reset();
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
     EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
     EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie)));
-}
-
-TEST_F(ClassObjects, AreFoundByNoNameThatIsNotRegistered) {
     CLSID clsid{};
     EXPECT_EQ(CLSIDFromProgID(ole_text(u"Nobody.Registers.This"), &clsid), CO_E_CLASSSTRING);
 }

@@ -36,8 +36,6 @@ std::string converted(const Variant& from, VARTYPE type, USHORT flags = 0) {
     }
 }
 
-std::string number_of(const char16_t* text, VARTYPE type = VT_I4) { return converted(Variant::text(text), type); }
-
 Variant null_value() {
     Variant value;
     value.get().vt = VT_NULL;
@@ -51,62 +49,68 @@ Variant missing_argument() {
     return value;
 }
 
-TEST(Conversion, TextsToNumbers) {
-    EXPECT_EQ(number_of(u"42"), "42");
-    EXPECT_EQ(number_of(u" -42 "), "-42");
-    EXPECT_EQ(number_of(u"1,234"), "1234");
-    EXPECT_EQ(number_of(u"2.5"), "2") << "halves go to the even neighbour";
-    EXPECT_EQ(number_of(u"3.5"), "4");
-    EXPECT_EQ(number_of(u"1e3"), "1000");
-    EXPECT_EQ(number_of(u"&H1F"), "31");
-    EXPECT_EQ(number_of(u"1.25", VT_R8), "1.250000");
-    for (const char16_t* text : {u"", u" ", u"abc", u"1x", u"--1", u"1.2.3", u"1e"}) {
-        EXPECT_EQ(number_of(text), "mismatch") << to_utf8(text);
-    }
-    EXPECT_EQ(number_of(u"32768", VT_I2), "overflow");
-    EXPECT_EQ(number_of(u"2147483648"), "overflow");
-    EXPECT_EQ(number_of(u"1e400", VT_R8), "overflow");
+Variant amount(std::int64_t ten_thousandths) {
+    Variant value;
+    value.get().vt = VT_CY;
+    value.get().cyVal.int64 = ten_thousandths;
+    return value;
 }
 
-TEST(Conversion, NumbersToTexts) {
-    EXPECT_EQ(converted(Variant::int32(-2147483647 - 1), VT_BSTR), "-2147483648");
-    EXPECT_EQ(converted(Variant::real(0.1), VT_BSTR), "0.1");
-    EXPECT_EQ(converted(Variant::real(-1.5), VT_BSTR), "-1.5");
-    EXPECT_EQ(converted(Variant::real(1e20), VT_BSTR), "1E+20");
-    EXPECT_EQ(converted(Variant::real(123456789012345.0), VT_BSTR), "123456789012345");
-    EXPECT_EQ(converted(Variant(), VT_BSTR), "");
-    Variant amount;
-    amount.get().vt = VT_CY;
-    amount.get().cyVal.int64 = -12500;
-    EXPECT_EQ(converted(amount, VT_BSTR), "-1.25");
-    EXPECT_EQ(converted(amount, VT_I2), "-1");
-}
+Variant operator""_text(const char16_t* text, std::size_t length) { return Variant::text({text, length}); }
 
-TEST(Conversion, NumbersToNarrowerNumbers) {
-    EXPECT_EQ(converted(Variant::int32(40000), VT_I2), "overflow");
-    EXPECT_EQ(converted(Variant::int32(40000), VT_UI2), "40000");
-    EXPECT_EQ(converted(Variant::int16(-1), VT_UI1), "overflow");
-    EXPECT_EQ(converted(Variant::int16(-129), VT_I1), "overflow");
-    EXPECT_EQ(converted(Variant::real(0.5), VT_I4), "0");
-    EXPECT_EQ(converted(Variant::real(1.5), VT_I4), "2");
-    EXPECT_EQ(converted(Variant::real(-2.5), VT_I4), "-2");
-    EXPECT_EQ(converted(Variant::real(2147483648.0), VT_I4), "overflow");
-    EXPECT_EQ(converted(Variant::int16(3), VT_CY), "30000");
-    EXPECT_EQ(converted(Variant(), VT_I4), "0");
-}
-
-TEST(Conversion, Booleans) {
+TEST(Conversion, BetweenTextsNumbersAndBooleans) {
     constexpr USHORT kWords = VARIANT_ALPHABOOL;
-    EXPECT_EQ(converted(Variant::boolean(true), VT_BSTR), "-1");
-    EXPECT_EQ(converted(Variant::boolean(true), VT_BSTR, kWords), "True");
-    EXPECT_EQ(converted(Variant::boolean(false), VT_BSTR, kWords), "False");
-    EXPECT_EQ(converted(Variant::boolean(true), VT_I4), "-1");
-    EXPECT_EQ(converted(Variant::boolean(true), VT_UI1), "255");
-    EXPECT_EQ(converted(Variant::int32(256), VT_BOOL), "-1");
-    EXPECT_EQ(converted(Variant::text(u"TRUE"), VT_BOOL), "-1");
-    EXPECT_EQ(converted(Variant::text(u"False"), VT_BOOL), "0");
-    EXPECT_EQ(converted(Variant::text(u"0"), VT_BOOL), "0");
-    EXPECT_EQ(converted(Variant::text(u"yes"), VT_BOOL), "mismatch");
+    const struct {
+        Variant from;
+        VARTYPE type;
+        const char* expected;
+        USHORT flags = 0;
+    } cases[] = {// Halves go to the even neighbour.
+                 {u"42"_text, VT_I4, "42"},
+                 {u" -42 "_text, VT_I4, "-42"},
+                 {u"1,234"_text, VT_I4, "1234"},
+                 {u"2.5"_text, VT_I4, "2"},
+                 {u"3.5"_text, VT_I4, "4"},
+                 {u"1e3"_text, VT_I4, "1000"},
+                 {u"&H1F"_text, VT_I4, "31"},
+                 {u"1.25"_text, VT_R8, "1.250000"},
+                 {u"32768"_text, VT_I2, "overflow"},
+                 {u"2147483648"_text, VT_I4, "overflow"},
+                 {u"1e400"_text, VT_R8, "overflow"},
+                 {Variant::int32(-2147483647 - 1), VT_BSTR, "-2147483648"},
+                 {Variant::real(0.1), VT_BSTR, "0.1"},
+                 {Variant::real(-1.5), VT_BSTR, "-1.5"},
+                 {Variant::real(1e20), VT_BSTR, "1E+20"},
+                 {Variant::real(123456789012345.0), VT_BSTR, "123456789012345"},
+                 {Variant(), VT_BSTR, ""},
+                 {amount(-12500), VT_BSTR, "-1.25"},
+                 {amount(-12500), VT_I2, "-1"},
+                 {Variant::int32(40000), VT_I2, "overflow"},
+                 {Variant::int32(40000), VT_UI2, "40000"},
+                 {Variant::int16(-1), VT_UI1, "overflow"},
+                 {Variant::int16(-129), VT_I1, "overflow"},
+                 {Variant::real(0.5), VT_I4, "0"},
+                 {Variant::real(1.5), VT_I4, "2"},
+                 {Variant::real(-2.5), VT_I4, "-2"},
+                 {Variant::real(2147483648.0), VT_I4, "overflow"},
+                 {Variant::int16(3), VT_CY, "30000"},
+                 {Variant(), VT_I4, "0"},
+                 {Variant::boolean(true), VT_BSTR, "-1"},
+                 {Variant::boolean(true), VT_BSTR, "True", kWords},
+                 {Variant::boolean(false), VT_BSTR, "False", kWords},
+                 {Variant::boolean(true), VT_I4, "-1"},
+                 {Variant::boolean(true), VT_UI1, "255"},
+                 {Variant::int32(256), VT_BOOL, "-1"},
+                 {u"TRUE"_text, VT_BOOL, "-1"},
+                 {u"False"_text, VT_BOOL, "0"},
+                 {u"0"_text, VT_BOOL, "0"},
+                 {u"yes"_text, VT_BOOL, "mismatch"}};
+    for (const char16_t* text : {u"", u" ", u"abc", u"1x", u"--1", u"1.2.3", u"1e"}) {
+        EXPECT_EQ(converted(Variant::text(text), VT_I4), "mismatch") << to_utf8(text);
+    }
+    for (const auto& one : cases) {
+        EXPECT_EQ(converted(one.from, one.type, one.flags), one.expected) << "case " << &one - cases;
+    }
 }
 
 TEST(Conversion, WhatHasNoValueConvertsToNothing) {

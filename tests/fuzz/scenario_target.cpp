@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ostringstream out, errors;
     try {
         NativeSession(options).play_text("a.scn", std::string(reinterpret_cast<const char*>(data), size),
-                                         "/nonexistent", out, errors);
+                                         VEX_SCENARIOS, out, errors);
     } catch (const TextError&) {
         // Refused before anything ran.
         return 0;

@@ -2,11 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "core/unicode.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -56,35 +54,22 @@ TEST(Resources, HoldOneIconWithANumberAndTheOthersByName) {
     }
 }
 
-class VersionResource : public testing::Test {
-protected:
-    void SetUp() override {
-        wchar_t path[MAX_PATH];
-        ASSERT_NE(GetModuleFileNameW(plugin_module(), path, MAX_PATH), 0U);
-        block_.resize(GetFileVersionInfoSizeW(path, nullptr));
-        ASSERT_TRUE(GetFileVersionInfoW(path, 0, static_cast<DWORD>(block_.size()), block_.data()));
-    }
-
-    const void* value(const std::wstring& path, UINT& size) const {
+TEST(Resources, HoldTheVersion) {
+    wchar_t path[MAX_PATH];
+    ASSERT_NE(GetModuleFileNameW(plugin_module(), path, MAX_PATH), 0U);
+    std::vector<std::uint8_t> block(GetFileVersionInfoSizeW(path, nullptr));
+    ASSERT_TRUE(GetFileVersionInfoW(path, 0, static_cast<DWORD>(block.size()), block.data()));
+    const auto value = [&block](const std::wstring& name) {
         void* found = nullptr;
-        return VerQueryValueW(block_.data(), path.c_str(), &found, &size) ? found : nullptr;
-    }
-
-private:
-    std::vector<std::uint8_t> block_;
-};
-
-TEST_F(VersionResource, HasEveryField) {
-    UINT size = 0;
-    const auto* fixed = static_cast<const VS_FIXEDFILEINFO*>(value(L"\\", size));
+        UINT size = 0;
+        return VerQueryValueW(block.data(), name.c_str(), &found, &size) ? found : nullptr;
+    };
+    const auto* fixed = static_cast<const VS_FIXEDFILEINFO*>(value(L"\\"));
     ASSERT_NE(fixed, nullptr);
     EXPECT_EQ(fixed->dwFileVersionMS, 4U << 16);
-    EXPECT_EQ(fixed->dwFileVersionLS, 0U);
     EXPECT_EQ(fixed->dwProductVersionMS, 4U << 16);
     EXPECT_EQ(fixed->dwFileType, static_cast<DWORD>(VFT_DLL));
-    EXPECT_EQ(fixed->dwFileOS, static_cast<DWORD>(VOS__WINDOWS32));
-
-    const std::map<std::wstring, std::u16string> expected = {
+    const std::pair<const wchar_t*, std::u16string> fields[] = {
         {L"FileVersion", u"4.00"},
         {L"ProductVersion", u"4.00"},
         {L"ProductName", u"vexFirmWarePlugin"},
@@ -93,14 +78,15 @@ TEST_F(VersionResource, HasEveryField) {
         {L"LegalTrademarks", u"28"},
         {L"OLESelfRegister", u""},
     };
-    for (const auto& [field, text] : expected) {
-        const auto* found = static_cast<const char16_t*>(value(L"\\StringFileInfo\\040904B0\\" + field, size));
-        ASSERT_NE(found, nullptr) << to_utf8(reinterpret_cast<const char16_t*>(field.c_str()));
-        EXPECT_EQ(std::u16string(found), text);
+    const auto field = [&](const std::wstring& name) {
+        return static_cast<const char16_t*>(value(L"\\StringFileInfo\\040904B0\\" + name));
+    };
+    for (const auto& [name, text] : fields) {
+        ASSERT_NE(field(name), nullptr) << text.size();
+        EXPECT_EQ(field(name), text);
     }
-    const auto* company = static_cast<const char16_t*>(value(L"\\StringFileInfo\\040904B0\\CompanyName", size));
-    ASSERT_NE(company, nullptr);
-    EXPECT_FALSE(std::u16string(company).empty());
+    ASSERT_NE(field(L"CompanyName"), nullptr);
+    EXPECT_NE(field(L"CompanyName")[0], u'\0');
 }
 
 }  // namespace

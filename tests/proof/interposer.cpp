@@ -56,7 +56,7 @@ public:
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         const com::ComPtr<Wrapper> alive(this);
         std::u16string call;
-        if (meddling_.judge || meddling_.substitute) call = facts_.name + (u"." + facts_.member_name(id, flags));
+        if (meddling_.judge || meddling_.substitute || meddling_.amend) call = facts_.name + (u"." + facts_.member_name(id, flags));
         switch (meddling_.judge ? meddling_.judge(call) : Verdict::pass) {
             case Verdict::pass:
                 break;
@@ -76,6 +76,7 @@ public:
             return S_OK;
         }
         const HRESULT outcome = inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
+        if (SUCCEEDED(outcome) && result != nullptr && meddling_.amend) meddling_.amend(call, *result);
         const IDispatch* given = nullptr;
         if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
             // Sign information is the only object that the host gives away.

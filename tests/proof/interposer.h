@@ -24,6 +24,9 @@ using Judge = std::function<Verdict(const std::u16string& call)>;
 /// What the host answers to a call in place of its own answer; nothing: its own.
 using Substitute = std::function<std::optional<com::Variant>(const std::u16string& call)>;
 
+/// Changes what a call has answered.
+using Amend = std::function<void(const std::u16string& call, VARIANT& answer)>;
+
 /// Told of what passes, as far as it wants to know. Objects are told apart by their address while they live.
 class Observer {
 public:
@@ -43,6 +46,7 @@ public:
 struct Meddling {
     Judge judge;
     Substitute substitute;
+    Amend amend;
     /// Not owned.
     Observer* observer = nullptr;
 };

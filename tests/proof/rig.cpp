@@ -54,7 +54,6 @@ public:
         clicks_.push_back("cmdFinish");
     }
 
-    void form_opened(forms::Form&) override {}
     void form_closed(forms::Form& form) override {
         if (form.name() == "dlgHandleSignOption") cancelled_ = false;
     }
@@ -88,7 +87,6 @@ public:
         return plan_.mode == Mode::firmware ? u"D:\\fw\\new.SHX" : u"D:\\fw\\new.BIN";
     }
     const forms::MenuItem* choose(const forms::Menu& menu) override { return &menu.items.front(); }
-    void beep() override {}
 
     bool cancelled() const noexcept { return cancelled_; }
 
@@ -105,6 +103,12 @@ private:
             outcome_.rows = status_column(list);
             outcome_.units = unit_contents(host_);
             interrupting_ = false;
+            // The very edge of a row belongs to none.
+            if (list.row_count() > 1) {
+                list.select(0);
+                form.raise_mouse_down(list, forms::MouseButton::left, 1, static_cast<float>(list.row_top(1)));
+                outcome_.edge_selects = list.selected() != 0U;
+            }
         }
         for (; plan_.retry && next_retry_ < list.row_count(); ++next_retry_) {
             if (outcome_.rows[next_retry_] == u"Updated - ") continue;
@@ -212,6 +216,11 @@ Outcome play(const Plan& plan) {
         if (plan.substitute) {
             meddling.substitute = [&](const std::u16string& call) {
                 return interrupting ? plan.substitute(call) : std::nullopt;
+            };
+        }
+        if (plan.heedless) {
+            meddling.amend = [&](const std::u16string& call, VARIANT& answer) {
+                if (interrupting && call.starts_with(u"vexDispTrans.") && answer.vt == VT_BOOL) answer.boolVal = VARIANT_TRUE;
             };
         }
         if (plan.moment) {

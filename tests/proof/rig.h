@@ -44,6 +44,8 @@ struct Plan {
     /// Until the run is over.
     Substitute substitute;
     std::optional<Moment> moment;
+    /// The host's operations answer True whatever became of them.
+    bool heedless = false;
     /// After the run, each row that was not updated is tried again without any interruption.
     bool retry = true;
 };
@@ -68,6 +70,8 @@ struct Outcome {
     /// The host's and the plug-in's objects that were left over.
     long host_objects = 0;
     long plugin_objects = 0;
+    /// A press on the edge between two rows selected one.
+    bool edge_selects = false;
     /// A retry changed another row than its own.
     bool retry_touched_others = false;
 };

@@ -11,10 +11,6 @@ const platform::CodePage& side_code_page();
 /// Sets a variable of the process's environment.
 void set_environment(const char* name, const char* value);
 
-/// Whether an expansion that does not fit leaves its buffer alone. What it leaves there is each side's own
-/// business, which the class that works on it does not look at.
-extern const bool kExpansionLeavesFullBuffer;
-
 /// Whether Windows is Wine's. Where Wine is known to differ from what Windows documents, the cases say how, so
 /// that a change there is noticed.
 bool runs_on_wine();

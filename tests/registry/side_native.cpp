@@ -4,7 +4,7 @@
 
 #include "platform/native/machine.h"
 #include "tests/registry/side.h"
-#include "tests/registry/temporary_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::test {
 namespace {
@@ -27,8 +27,6 @@ platform::Registry& side_registry() {
 const platform::CodePage& side_code_page() { return platform::native::code_page(); }
 
 void set_environment(const char* name, const char* value) { ::setenv(name, value, 1); }
-
-const bool kExpansionLeavesFullBuffer = true;
 
 bool runs_on_wine() { return false; }
 

@@ -11,9 +11,6 @@ const platform::CodePage& side_code_page() { return platform::win32::code_page()
 
 void set_environment(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
 
-// Nothing is promised about it, and systems differ.
-const bool kExpansionLeavesFullBuffer = false;
-
 bool runs_on_wine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
 
 }  // namespace vex::test

@@ -12,7 +12,7 @@
 #include "simulator/host_classes.h"
 #include "simulator/late_call.h"
 #include "simulator/native/native_computer.h"
-#include "tests/simulator/scratch_folder.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 
@@ -38,9 +38,7 @@ protected:
         host_.put_display(display);
     }
 
-    std::string trace() const { return out_.str(); }
-
-    ScratchFolder folder_;
+    test::TemporaryFolder folder_;
     std::ostringstream out_;
     Trace trace_{out_, false};
     NativeComputer computer_;

@@ -1,4 +1,4 @@
-// What is refused before a scenario runs, and with which place.
+// Scenarios as texts: their words, what is refused before they run, and which calls they are about.
 #include "simulator/scenario.h"
 
 #include <gmock/gmock.h>
@@ -9,11 +9,14 @@
 
 #include "core/unicode.h"
 #include "simulator/command_line.h"
+#include "simulator/link_script.h"
 #include "simulator/words.h"
 
 namespace vex::sim {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::StartsWith;
 
 /// The first complaint about a scenario; empty: none.
@@ -107,15 +110,95 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
 }
 
 TEST(CommandLine, RefusesTheRest) {
-    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"run"},
-                                                                                       {"a.scn"},
-                                                                                       {"run", "a.scn", "b.scn"},
-                                                                                       {"--data"},
-                                                                                       {"run", "a.scn", "--loud"},
-                                                                                       {"run", "run", "a"},
-                                                                                       {""}}) {
+    const std::vector<std::string> lines[] = {
+        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--loud"}, {"run", "run", "a"},
+        {""}};
+    for (const std::vector<std::string>& words : lines) {
         EXPECT_THROW(command_line(words), std::invalid_argument);
     }
+}
+
+// ---- Words
+
+TEST(SplitWords, QuotesAndComments) {
+    EXPECT_THAT(split_words(u""), IsEmpty());
+    EXPECT_THAT(split_words(u" \t # only a comment"), IsEmpty());
+    EXPECT_THAT(split_words(u"a  b\tc # d"), ElementsAre(u"a", u"b", u"c"));
+    EXPECT_THAT(split_words(u"a#b \"#c\" #d"), ElementsAre(u"a#b", u"#c"));
+    EXPECT_THAT(split_words(u"\"C:\\a b\\\" C:\\a"), ElementsAre(u"C:\\a b\\", u"C:\\a"));
+    EXPECT_THAT(split_words(u"\"say \"\"no\"\"\" \"\" \"\"\"\""), ElementsAre(u"say \"no\"", u"", u"\""));
+    // Quotes may begin in the middle of a word, as values do.
+    EXPECT_THAT(split_words(u"type=\"a b\" phone=\"\" x\"y\"z"), ElementsAre(u"type=a b", u"phone=", u"xyz"));
+}
+
+TEST(SplitWords, RefusesWhatCouldNotBeWrittenBack) {
+    EXPECT_THROW(split_words(u"a \x1B[2J"), std::invalid_argument);
+    EXPECT_THROW(split_words(u"\"a\rb\""), std::invalid_argument);
+    EXPECT_THROW(split_words(std::u16string_view(u"a\0b", 3)), std::invalid_argument);
+    EXPECT_THROW(split_words(u"a \"b"), std::invalid_argument);
+    EXPECT_THROW(split_words(u"\"a\"\""), std::invalid_argument);
+}
+
+TEST(AsWord, IsReadBack) {
+    for (const std::u16string text : {u"", u"plain", u"two words", u"\"", u"#no comment", u"a\"b", u"tab\there", u" ",
+                                      u"C:\\Host\\", u"\u00C4\u20AC"}) {
+        EXPECT_THAT(split_words(u"x " + as_word(text) + u" y"), ElementsAre(u"x", text, u"y"));
+    }
+    EXPECT_EQ(as_word(u"plain"), u"plain");
+    EXPECT_EQ(in_quotes(u"line\r\nbreak"), u"\"line  break\"");
+}
+
+TEST(ParseNumber, TakesTheWholeWordAndTheRange) {
+    EXPECT_EQ(parse_number(u"-32768", -32768, 32767), -32768);
+    EXPECT_EQ(parse_number(u"007", 0, 10), 7);
+    for (const std::u16string_view word :
+         {u"", u"-", u"+1", u" 1", u"1 ", u"1x", u"0x1", u"32768", u"99999999999999999999"}) {
+        EXPECT_EQ(parse_number(word, -32768, 32767), std::nullopt);
+    }
+}
+
+TEST(SplitLines, TakesEitherEndAndAByteOrderMark) {
+    EXPECT_THAT(split_lines("\xEF\xBB\xBFone\r\ntwo\n\nfour"), ElementsAre(u"one", u"two", u"", u"four"));
+    EXPECT_THAT(split_lines(""), IsEmpty());
+}
+
+// ---- Which calls a fault or a message is about
+
+const Call kReset{u"A", 1, Operation::ResetAndClear};
+
+TEST(LinkScript, MatchesDisplayUnitMemberAndCount) {
+    LinkScript script;
+    script.add_fault({u"A", 1, Operation::ResetAndClear, 2}, FaultKind::fail);
+    script.add_fault({{}, {}, Operation::PrepareForFirmware}, FaultKind::raise);
+    const std::pair<Call, FaultKind> calls[] = {{{u"B", 1, Operation::ResetAndClear}, FaultKind::none},
+                                                {{u"A", 2, Operation::ResetAndClear}, FaultKind::none},
+                                                {{u"A", 1, Operation::DownloadFirmware}, FaultKind::none},
+                                                {kReset, FaultKind::none},
+                                                {kReset, FaultKind::fail},
+                                                {kReset, FaultKind::none},
+                                                {{u"", -5, Operation::PrepareForFirmware}, FaultKind::raise},
+                                                {{u"A", 1, Operation::PrepareForFirmware}, FaultKind::raise}};
+    for (const auto& [call, fault] : calls) EXPECT_EQ(script.next(call).fault, fault);
+}
+
+TEST(LinkScript, KeepsTheOrderOfMessagesAndTheFirstFault) {
+    LinkScript script;
+    script.add_message({u"A", 1, Operation::ResetAndClear}, {u"one", {}});
+    script.add_message({{}, {}, Operation::ResetAndClear}, {u"two", {}});
+    script.add_fault({u"A", 1, Operation::ResetAndClear}, FaultKind::raise);
+    script.add_fault({u"A", 1, Operation::ResetAndClear, 1}, FaultKind::fail);
+    const ScriptedCall call = script.next(kReset);
+    ASSERT_EQ(call.messages.size(), 2U);
+    EXPECT_EQ(call.messages[0].text, u"one");
+    EXPECT_EQ(call.messages[1].text, u"two");
+    EXPECT_EQ(call.fault, FaultKind::raise);
+}
+
+TEST(LinkScript, KnowsTheMembersByName) {
+    for (const auto operation : {Operation::OpenConnection, Operation::SignID, Operation::CancelTransmission}) {
+        EXPECT_EQ(parse_operation(name_of(operation)), operation);
+    }
+    EXPECT_THROW(parse_operation(u"resetandclear"), std::invalid_argument);
 }
 
 }  // namespace

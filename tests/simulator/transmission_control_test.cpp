@@ -10,6 +10,7 @@
 #include "simulator/event_point.h"
 #include "simulator/firmware_image.h"
 #include "simulator/host_identities.h"
+#include "tests/shared/late_object.h"
 #include "tests/simulator/host_fixture.h"
 
 namespace vex::sim {
@@ -19,19 +20,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 /// Hears the events of a control.
-class Listener final : public com::Object<Listener, IDispatch> {
+class Listener final : public test::LateObject<Listener> {
 public:
     using Handler = std::function<void(std::u16string text)>;
 
     Listener(com::ModuleLifetime& module, const IID& source, Handler handler)
-        : Object(module), source_(source), handler_(std::move(handler)) {}
+        : LateObject(module), source_(source), handler_(std::move(handler)) {}
 
     HRESULT QueryInterface(REFIID iid, void** object) noexcept override {
         return Object::QueryInterface(iid == source_ ? IID_IDispatch : iid, object);
     }
-    HRESULT GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
-    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
-    HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override { return E_NOTIMPL; }
     HRESULT Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                    UINT*) noexcept override {
         EXPECT_EQ(event, 9);
@@ -109,9 +107,10 @@ TEST_F(TransmissionControlTest, WorksOnAnOpenConnectionOnly) {
 
 TEST_F(TransmissionControlTest, TakesNothingButItsOwnConnectionSettings) {
     const auto other = create_object(u"vexBrivolaClasses4.HostSignInfo");
-    EXPECT_THROW(call_late(*control_, u"OpenConnection", {com::Variant::object(other.get())}), RuntimeError);
-    EXPECT_THROW(call_late(*control_, u"OpenConnection", {com::Variant::object(nullptr)}), RuntimeError);
-    EXPECT_THROW(call_late(*control_, u"OpenConnection", {com::Variant::text(u"COM1")}), RuntimeError);
+    for (const com::Variant& settings :
+         {com::Variant::object(other.get()), com::Variant::object(nullptr), com::Variant::text(u"COM1")}) {
+        EXPECT_THROW(call_late(*control_, u"OpenConnection", {settings}), RuntimeError);
+    }
     // By reference, the caller keeps his object.
     const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
     IDispatch* place = connection.get();
@@ -127,10 +126,24 @@ TEST_F(TransmissionControlTest, AddressesTheSelectedUnit) {
     EXPECT_FALSE(call(u"ResetAndClear"));
     EXPECT_THAT(held(20), HasSubstr("a.SHX, "));
     EXPECT_EQ(held(1), "as delivered");
-    EXPECT_EQ(held(7), "as delivered");
-    select(20);
-    EXPECT_TRUE(call(u"ResetAndClear"));
-    EXPECT_EQ(held(20), "empty");
+}
+
+TEST_F(TransmissionControlTest, LeavesAUnitAsItWasWhenItCannotTakeTheFile) {
+    std::string heard;
+    listen([&](const std::u16string& text) { heard = to_utf8(text); });
+    ASSERT_TRUE(open());
+    folder_.write("drive_d/bad.SHX", "Dear customer,\n");
+    const auto load = [&](const char16_t* file) {
+        return is_true(call_late(*control_, u"DownloadFirmware", {com::Variant::text(file)}));
+    };
+    EXPECT_FALSE(load(u"D:\\bad.SHX"));
+    EXPECT_EQ(heard, "D:\\bad.SHX, line 1: no S-record");
+    EXPECT_FALSE(load(u"D:\\missing.SHX"));
+    EXPECT_EQ(heard, "D:\\missing.SHX is no file that can be read");
+    folder_.write("drive_d/empty.bin", "");
+    const auto empty = com::Variant::text(u"D:\\empty.bin");
+    EXPECT_FALSE(is_true(call_late(*control_, u"DownloadFirmwareWithLoader", {empty, empty})));
+    EXPECT_EQ(held(1), "as delivered");
 }
 
 TEST_F(TransmissionControlTest, MeansTheDisplayThatWasAskedAboutOnASharedLine) {
@@ -187,19 +200,14 @@ TEST_F(TransmissionControlTest, StopsWhereverItIsInterrupted) {
 
 TEST_F(TransmissionControlTest, ToleratesAnyCallInTheMiddleOfAnother) {
     std::vector<bool> answers;
-    int depth = 0;
-    listen([&](const std::u16string&) {
-        if (++depth == 1) {
-            answers = {call(u"ResetAndClear"), download(), call(u"PrepareForFirmware"), open()};
-            call_late(*control_, u"GetSignInfo");
-        }
+    listen([&, depth = 0](const std::u16string&) mutable {
+        if (++depth == 1) answers = {call(u"ResetAndClear"), download(), call(u"PrepareForFirmware"), open()};
         --depth;
     });
     ASSERT_TRUE(open());
     EXPECT_TRUE(call(u"ResetAndClear"));
     EXPECT_THAT(answers, ElementsAre(false, false, false, false));
     EXPECT_EQ(held(1), "empty");
-    EXPECT_TRUE(call(u"ResetAndClear"));
 }
 
 TEST_F(TransmissionControlTest, SurvivesTheLossOfItsLastReferenceInACall) {

@@ -3,109 +3,74 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
-#include <variant>
+#include <vector>
 
 #include "core/narrow.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "tests/shared/error_of.h"
 
 namespace vex {
 namespace {
 
-/// What a conversion gives: a number, or the error that it raises.
-template <class Number>
-struct Case {
-    std::u16string text;
-    std::variant<Number, ErrorNumber> expected;
-};
+const std::u16string kHugeNumber = u'1' + std::u16string(5000, u'0');
 
-template <class Number>
-void expect(const Case<Number>& each, const std::function<Number()>& convert) {
-    SCOPED_TRACE('"' + to_utf8(each.text) + '"');
-    try {
-        const Number number = convert();
-        ASSERT_EQ(each.expected.index(), 0U) << "no error was raised but the number " << number;
-        EXPECT_EQ(number, std::get<0>(each.expected));
-    } catch (const RuntimeError& error) {
-        ASSERT_EQ(each.expected.index(), 1U) << error.what();
-        EXPECT_EQ(error.number(), std::get<1>(each.expected));
+/// What a conversion of texts gives, or the error that all of `wrong` raise.
+template <class Number, class Convert>
+void expect(Convert convert, const std::vector<std::pair<std::u16string, Number>>& good,
+            const std::vector<std::pair<ErrorNumber, std::vector<std::u16string>>>& wrong) {
+    for (const auto& [text, number] : good) EXPECT_EQ(convert(text), number) << to_utf8(text);
+    for (const auto& [error, texts] : wrong) {
+        for (const std::u16string& text : texts) {
+            EXPECT_EQ(test::error_of([&] { convert(text); }), error) << to_utf8(text);
+        }
     }
 }
 
-const std::u16string kHugeNumber = u'1' + std::u16string(5000, u'0');
-
 TEST(AutomationValue, TextsBecome32BitNumbersRoundedToEven) {
-    const Case<std::int32_t> cases[] = {
-        {u"0", 0},
-        {u"-0", 0},
-        {u"  42\t", 42},
-        {u"+7", 7},
-        {u"007", 7},
-        {u"2147483647", 2147483647},
-        {u"-2147483648", std::numeric_limits<std::int32_t>::min()},
-        {u"2147483647.4", 2147483647},
-        {u"-2147483648.5", std::numeric_limits<std::int32_t>::min()},
-        {u"0.5", 0},
-        {u"1.5", 2},
-        {u"2.5", 2},
-        {u"2.50001", 3},
-        {u"-1.5", -2},
-        {u".9", 1},
-        {u"0.05e1", 0},
-        {u"12e2", 1200},
-        {u"1200e-2", 12},
-        {u"1.25E1", 12},
-        {u"1e-999999999999", 0},
-        {u"0e999999999999", 0},
-        {u"2147483648", kOverflow},
-        {u"2147483647.5", kOverflow},
-        {u"-2147483649", kOverflow},
-        {u"1e10", kOverflow},
-        {u"1e999999999999", kOverflow},
-        {kHugeNumber, kOverflow},
-        {u"", kTypeMismatch},
-        {u" ", kTypeMismatch},
-        {u".", kTypeMismatch},
-        {u"-", kTypeMismatch},
-        {u"1e", kTypeMismatch},
-        {u"1 2", kTypeMismatch},
-        {u"- 1", kTypeMismatch},
-        {u"1.2.3", kTypeMismatch},
-        {u"12x", kTypeMismatch},
-        {u"nan", kTypeMismatch},
-        {u"0x10", kTypeMismatch},
-        {u"\xFF11", kTypeMismatch},
-        {std::u16string(u"1\0", 2), kTypeMismatch},
-    };
-    for (const auto& each : cases) expect<std::int32_t>(each, [&] { return AutomationValue(each.text).to_int32(); });
+    constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+    expect<std::int32_t>(
+        [](const std::u16string& text) { return AutomationValue(text).to_int32(); },
+        {{u"0", 0},
+         {u"-0", 0},
+         {u"  42\t", 42},
+         {u"+7", 7},
+         {u"007", 7},
+         {u"2147483647", 2147483647},
+         {u".9", 1},
+         {u"0.05e1", 0},
+         {u"2147483647.4", 2147483647},
+         {u"12e2", 1200},
+         {u"1200e-2", 12},
+         {u"1.25E1", 12},
+         {u"0.5", 0},
+         {u"1.5", 2},
+         {u"2.5", 2},
+         {u"2.50001", 3},
+         {u"-1.5", -2},
+         {u"-2147483648", kLowest},
+         {u"1e-9999999999", 0},
+         {u"0e999999999999", 0},
+         {u"-2147483648.5", kLowest}},
+        {{kOverflow, {u"2147483648", u"2147483647.5", u"-2147483649", u"1e10", u"1e999999999999", kHugeNumber}},
+         {kTypeMismatch,
+          {u"", u" ", u".", u"-", u"1e", u"1 2", u"- 1", u"1.2.3", u"12x", u"nan", u"0x10", u"\xFF11",
+           std::u16string(u"1\0", 2)}}});
 }
 
 TEST(AutomationValue, TextsBecome16BitNumbersOnlyWhenWhole) {
-    const Case<std::int16_t> cases[] = {
-        {u"160", std::int16_t{160}},
-        {u" -1 ", std::int16_t{-1}},
-        {u"32767", std::int16_t{32767}},
-        {u"-32768", std::int16_t{-32768}},
-        {u"7.000", std::int16_t{7}},
-        {u"0.0", std::int16_t{0}},
-        {u"1.6e2", std::int16_t{160}},
-        {u"1600e-1", std::int16_t{160}},
-        {u"32768", kOverflow},
-        {u"-32769", kOverflow},
-        {u"99999", kOverflow},
-        {u"1e6", kOverflow},
-        {kHugeNumber, kOverflow},
-        {u"1.5", kTypeMismatch},
-        {u"32768.5", kTypeMismatch},
-        {u"5e-1", kTypeMismatch},
-        {u"", kTypeMismatch},
-        {u"abc", kTypeMismatch},
-        {u"1,5", kTypeMismatch},
-        {u"160 -", kTypeMismatch},
-    };
-    for (const auto& each : cases) expect<std::int16_t>(each, [&] { return to_int16(each.text); });
+    expect<int>([](const std::u16string& text) { return to_int16(text); },
+                {{u"160", 160},
+                 {u" -1 ", -1},
+                 {u"32767", 32767},
+                 {u"-32768", -32768},
+                 {u"7.000", 7},
+                 {u"0.0", 0},
+                 {u"1.6e2", 160},
+                 {u"1600e-1", 160}},
+                {{kOverflow, {u"32768", u"-32769", u"99999", u"1e6", kHugeNumber}},
+                 {kTypeMismatch, {u"1.5", u"32768.5", u"5e-1", u"", u"abc", u"1,5", u"160 -", u"--1", u"0x10"}}});
 }
 
 TEST(AutomationValue, LeadingNumbersStopAtTheFirstOtherCharacter) {

@@ -42,15 +42,9 @@ TEST_F(SystemContract, PathWithBlanksIsOneProgram) {
     // What a command line that is guessed at would start instead.
     side->make_program(folder + u"serial.exe");
     side->make_program(folder + u"serial tool.exe");
-    EXPECT_TRUE(side->processes().start(folder + u"serial tool.exe"));
+    EXPECT_TRUE(side->processes().start(folder + u"\\serial tool.exe")) << "doubled separators do not matter";
     EXPECT_TRUE(side->has_run(folder + u"serial tool.exe"));
     EXPECT_FALSE(side->has_run(folder + u"serial.exe"));
-}
-
-TEST_F(SystemContract, DoubledSeparatorsLeadToTheProgram) {
-    side->make_program(folder + u"tool.exe");
-    EXPECT_TRUE(side->processes().start(folder + u"\\tool.exe"));
-    EXPECT_TRUE(side->has_run(folder + u"tool.exe"));
 }
 
 TEST_F(SystemContract, NothingIsStartedButTheProgramThatIsThere) {

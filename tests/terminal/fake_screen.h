@@ -29,6 +29,9 @@ public:
     std::optional<Point> cursor;
 
     void key(Key key, std::function<void()> before = {}) { steps.push_back({KeyPress{key}, std::move(before)}); }
+    void keys(std::initializer_list<Key> pressed) {
+        for (const Key each : pressed) key(each);
+    }
     void type(std::u32string_view text) {
         for (const char32_t character : text) steps.push_back({KeyPress{Key::character, character}, {}});
     }

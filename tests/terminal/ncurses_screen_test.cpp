@@ -64,36 +64,33 @@ void report_input(int report) {
     }
 }
 
-TEST(NcursesScreen, TellsKeysAndMouseApart) {
+TEST(NcursesScreen, TellsKeysAndMouseApartAndFollowsTheSize) {
     TerminalProcess process(report_input);
     ASSERT_EQ(process.hear(), "ready");
-    const auto answer = [&process](std::string_view bytes) {
-        process.send(bytes);
-        return process.hear();
+    const std::pair<const char*, std::string> sent[] = {
+        {"x", "x"},
+        {"é", "é"},
+        {"日", "日"},
+        {"\r", key_name(Key::enter)},
+        {"\t", key_name(Key::tab)},
+        {"\033[Z", key_name(Key::back_tab)},
+        {"\033OA", key_name(Key::up)},
+        {"\033[6~", key_name(Key::page_down)},
+        {"\033[21~", key_name(Key::menu)},
+        {"\177", key_name(Key::backspace)},
+        {"\033y", "alt y"},
+        {"\033", key_name(Key::escape)},
+        // Presses of two buttons, releases, the wheel; columns beyond the old limit of 223.
+        {"\033[<0;5;3M", "mouse 0 1 4,2"},
+        {"\033[<0;5;3m", "mouse 1 1 4,2"},
+        {"\033[<2;300;3M", "mouse 0 2 299,2"},
+        {"\033[<2;300;3m", "mouse 1 2 299,2"},
+        {"\033[<65;5;3M", "mouse 3 1 4,2"},
     };
-    EXPECT_EQ(answer("x"), "x");
-    EXPECT_EQ(answer("é"), "é");
-    EXPECT_EQ(answer("日"), "日");
-    EXPECT_EQ(answer("\r"), key_name(Key::enter));
-    EXPECT_EQ(answer("\t"), key_name(Key::tab));
-    EXPECT_EQ(answer("\033[Z"), key_name(Key::back_tab));
-    EXPECT_EQ(answer("\033OA"), key_name(Key::up));
-    EXPECT_EQ(answer("\033[6~"), key_name(Key::page_down));
-    EXPECT_EQ(answer("\033[21~"), key_name(Key::menu));
-    EXPECT_EQ(answer("\177"), key_name(Key::backspace));
-    EXPECT_EQ(answer("\033y"), "alt y");
-    EXPECT_EQ(answer("\033"), key_name(Key::escape));
-    // Presses of three buttons, a release, the wheel; columns beyond the old limit of 223.
-    EXPECT_EQ(answer("\033[<0;5;3M"), "mouse 0 1 4,2");
-    EXPECT_EQ(answer("\033[<0;5;3m"), "mouse 1 1 4,2");
-    EXPECT_EQ(answer("\033[<2;300;3M"), "mouse 0 2 299,2");
-    EXPECT_EQ(answer("\033[<2;300;3m"), "mouse 1 2 299,2");
-    EXPECT_EQ(answer("\033[<65;5;3M"), "mouse 3 1 4,2");
-}
-
-TEST(NcursesScreen, FollowsTheSize) {
-    TerminalProcess process(report_input);
-    ASSERT_EQ(process.hear(), "ready");
+    for (const auto& [bytes, heard] : sent) {
+        process.send(bytes);
+        EXPECT_EQ(process.hear(), heard);
+    }
     process.resize(100, 30);
     EXPECT_EQ(process.hear(), "resized 100x30");
     process.resize(40, 10);

@@ -34,6 +34,12 @@ private:
 
 class OpenFile : public testing::Test {
 protected:
+    /// Moves to the name, types it and opens it.
+    void type_name(std::u32string_view name) {
+        screen.key(Key::tab);
+        screen.type(name);
+        screen.key(Key::enter);
+    }
     std::optional<std::u16string> open(std::u16string folder, std::u16string name = {}, std::uint32_t flags = 0x81000) {
         return toolkit.open_file({std::move(folder), std::move(name), u"Rabbit Files(*.BIN)|*.BIN", flags});
     }
@@ -52,8 +58,7 @@ TEST_F(OpenFile, OffersFoldersAndTheFilesOfTheFilter) {
         EXPECT_TRUE(screen.shows("Rabbit Files(*.BIN)"));
         EXPECT_TRUE(screen.shows("118 KB"));
     });
-    screen.key(Key::end);
-    screen.key(Key::enter);
+    screen.keys({Key::end, Key::enter});
     EXPECT_EQ(open(u"C:\\fw\\"), u"C:\\fw\\new.bin");
 }
 
@@ -61,37 +66,27 @@ TEST_F(OpenFile, WalksThroughFoldersUpToTheDrives) {
     screen.key(Key::enter, [&] { EXPECT_TRUE(screen.shows("C:\\fw")); });  // old
     screen.key(Key::enter, [&] { EXPECT_TRUE(screen.shows("C:\\fw\\old")); });
     for (int up = 0; up < 2; ++up) {
-        screen.key(Key::home);
-        screen.key(Key::enter);
+        screen.keys({Key::home, Key::enter});
     }
     screen.key(Key::enter, [&] {
         EXPECT_TRUE(screen.shows("all drives"));
         EXPECT_TRUE(screen.shows("D:\\"));
     });
     screen.key(Key::enter, [&] { EXPECT_TRUE(screen.shows("Look in:  C:")); });
-    screen.key(Key::down);
-    screen.key(Key::enter);
+    screen.keys({Key::down, Key::enter});
     EXPECT_EQ(open(u"C:\\fw"), u"C:\\fw\\alpha.BIN");
 }
 
 TEST_F(OpenFile, TakesATypedNameOrPath) {
-    screen.key(Key::tab);
-    screen.type(U"Sign.SHX");
-    screen.key(Key::enter);
+    type_name(U"Sign.SHX");
     EXPECT_EQ(open(u"C:\\fw"), u"C:\\fw\\Sign.SHX") << "any name that exists, whatever the filter";
-    screen.key(Key::tab);
-    screen.type(U"d:\\a.bin");
-    screen.key(Key::enter);
+    type_name(U"d:\\a.bin");
     screen.key(Key::enter, [&] { EXPECT_TRUE(screen.shows("File not found")); });
     screen.key(Key::escape);
     EXPECT_EQ(open(u"C:\\fw"), std::nullopt);
-    screen.key(Key::tab);
-    screen.type(U"a.bin");
-    screen.key(Key::enter);
+    type_name(U"a.bin");
     EXPECT_EQ(open(u"D:", {}, 0x80000), u"D:\\a.bin") << "without the flag it need not exist";
-    screen.key(Key::tab);
-    screen.type(U"\\fw");
-    screen.key(Key::enter);
+    type_name(U"\\fw");
     screen.key(Key::escape, [&] { EXPECT_TRUE(screen.shows("alpha.BIN")); });
     EXPECT_EQ(open(u"C:\\fw\\old"), std::nullopt) << "a folder is opened, not answered";
 }
@@ -99,20 +94,15 @@ TEST_F(OpenFile, TakesATypedNameOrPath) {
 TEST_F(OpenFile, BeginsWithTheNameItIsGiven) {
     screen.key(Key::enter, [&] { EXPECT_TRUE(screen.shows("C:\\fw\\new.bin")); });
     EXPECT_EQ(open(u"C:\\fw", u"C:\\fw\\new.bin"), u"C:\\fw\\new.bin");
-    screen.key(Key::up);
-    screen.key(Key::enter);
+    screen.keys({Key::up, Key::enter});
     EXPECT_EQ(open(u"C:\\fw", u"C:\\fw\\new.bin"), u"C:\\fw\\alpha.BIN") << "a row that the user moved to goes first";
 }
 
 TEST_F(OpenFile, FindsAFolderToBeginIn) {
-    screen.look([&] { EXPECT_TRUE(screen.shows("Look in:  C:\\fw ")); });
-    EXPECT_EQ(open(u"C:\\fw\\missing\\deeper"), std::nullopt);
-}
-
-TEST_F(OpenFile, BeginsOnTheFirstDriveWithoutAFolder) {
-    screen.look([&] { EXPECT_TRUE(screen.shows("Look in:  C:")); });
-    screen.key(Key::escape);
-    EXPECT_EQ(open(u""), std::nullopt);
+    for (const auto& [folder, found] : {std::pair(u"C:\\fw\\missing\\deeper", "C:\\fw "), std::pair(u"", "C:")}) {
+        screen.key(Key::escape, [this, found] { EXPECT_TRUE(screen.shows(std::string("Look in:  ") + found)); });
+        EXPECT_EQ(open(folder), std::nullopt);
+    }
 }
 
 TEST_F(OpenFile, OpensByADoubleClick) {
@@ -123,11 +113,13 @@ TEST_F(OpenFile, OpensByADoubleClick) {
 }
 
 TEST(OpenFilePattern, MatchesInAnyCase) {
-    EXPECT_TRUE(matches_pattern(u"new.bin", u"*.BIN"));
-    EXPECT_TRUE(matches_pattern(u"a.shx", u"*.BIN;*.SHX"));
-    EXPECT_TRUE(matches_pattern(u"ab.bin.bin", u"?b*.bin"));
-    EXPECT_FALSE(matches_pattern(u"new.bin2", u"*.BIN"));
-    EXPECT_FALSE(matches_pattern(u"newbin", u"*.BIN"));
+    for (const auto& [name, pattern, matches] : {std::tuple(u"new.bin", u"*.BIN", true),
+                                                 {u"a.shx", u"*.BIN;*.SHX", true},
+                                                 {u"ab.bin.bin", u"?b*.bin", true},
+                                                 {u"new.bin2", u"*.BIN", false},
+                                                 {u"newbin", u"*.BIN", false}}) {
+        EXPECT_EQ(matches_pattern(name, pattern), matches);
+    }
 }
 
 }  // namespace

@@ -136,10 +136,8 @@ TEST_F(OnTerminal, MessageBoxIsAsLargeAsItsText) {
 TEST_F(OnTerminal, MenuOpensBelowThePointerAndTellsWhatWasChosen) {
     SmallForm form(toolkit, u"Form");
     std::vector<std::string> chosen;
-    forms::Menu menu{
-        "menu", u"Popup", {{"retry", u"Retry!", [&] { chosen.push_back("retry"); }}, {"other", u"&Other", [&] {
-                                                                                          chosen.push_back("other");
-                                                                                      }}}};
+    const auto choose = [&chosen](const char* item) { return [&chosen, item] { chosen.push_back(item); }; };
+    forms::Menu menu{"menu", u"Popup", {{"r", u"Retry!", choose("retry")}, {"o", u"&Other", choose("other")}}};
     form.list.on_mouse_down = [&](forms::MouseButton button, float, float) {
         if (button == forms::MouseButton::right) toolkit.pop_up_menu(form, menu);
     };
@@ -148,16 +146,16 @@ TEST_F(OnTerminal, MenuOpensBelowThePointerAndTellsWhatWasChosen) {
     screen.mouse(MouseAction::press, row, forms::MouseButton::right);
     screen.mouse(MouseAction::release, row, forms::MouseButton::right);
     screen.look([&] { EXPECT_EQ(screen.find(U"▸Retry!"), (Point{33, 11})); });
-    screen.key(Key::down);
-    screen.key(Key::enter);
-    // By the mouse, and dismissed in three ways.
-    screen.mouse(MouseAction::press, row, forms::MouseButton::right);
+    screen.keys({Key::down, Key::enter});
+    // By the mouse, dismissed in two ways, and by its letter.
+    const auto open_menu = [&] { screen.mouse(MouseAction::press, row, forms::MouseButton::right); };
+    open_menu();
     screen.click({34, 11});
-    screen.mouse(MouseAction::press, row, forms::MouseButton::right);
+    open_menu();
     screen.mouse(MouseAction::press, {2, 2});
-    screen.mouse(MouseAction::press, row, forms::MouseButton::right);
+    open_menu();
     screen.key(Key::escape);
-    screen.mouse(MouseAction::press, row, forms::MouseButton::right);
+    open_menu();
     screen.type(U"o");
     screen.key(Key::escape);
     form.show_modal();
@@ -211,8 +209,7 @@ TEST_F(OnTerminal, HandlersErrorComesOutOfShowModal) {
     SmallForm inner(toolkit, u"Inner");
     inner.button.on_click = [] { throw RuntimeError(kTypeMismatch); };
     outer.button.on_click = [&] { inner.show_modal(&outer); };
-    screen.key(Key::enter);
-    screen.key(Key::enter);
+    screen.keys({Key::enter, Key::enter});
     EXPECT_THROW(outer.show_modal(), RuntimeError);
     EXPECT_EQ(toolkit.top(), nullptr);
 }

@@ -94,8 +94,7 @@ TEST_F(Picker, CancelChoosesNothing) {
     EXPECT_EQ(choose(), u"");
     screen.alt(U'a');
     screen.alt(U'a');
-    screen.key(Key::tab);
-    screen.key(Key::enter);
+    screen.keys({Key::tab, Key::enter});
     EXPECT_EQ(choose(), u"") << "checking all twice checks none";
 }
 
@@ -126,10 +125,11 @@ protected:
 };
 
 TEST_F(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
+    using enum LinkEvent::Kind;
     progress.begin_run({u"Main", u"Second"});
     EXPECT_FALSE(progress.working());
     EXPECT_EQ(progress.run_share(), 0);
-    event(LinkEvent::Kind::begins, Operation::OpenConnection, u"Main");
+    event(begins, Operation::OpenConnection, u"Main");
     EXPECT_TRUE(progress.working());
     EXPECT_EQ(progress.units(), 4U) << "two masters, and two slaves behind one of them";
     EXPECT_EQ(progress.unit_number(), 0U);
@@ -137,28 +137,27 @@ TEST_F(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
     EXPECT_EQ(progress.unit_number(), 1U);
     EXPECT_DOUBLE_EQ(progress.unit_share(), 0.5);
     EXPECT_DOUBLE_EQ(progress.run_share(), 0.5 / 4 / 2);
-    event(LinkEvent::Kind::ends, Operation::DownloadFirmware, u"Main");
-    EXPECT_DOUBLE_EQ(progress.run_share(), 1.0 / 4 / 2);
+    event(ends, Operation::DownloadFirmware, u"Main");
     unit(u"Main");
     EXPECT_DOUBLE_EQ(progress.run_share(), 1.5 / 4 / 2);
-    event(LinkEvent::Kind::begins, Operation::CloseConnection, u"Main");
+    event(begins, Operation::CloseConnection, u"Main");
     EXPECT_FALSE(progress.working());
-    event(LinkEvent::Kind::begins, Operation::OpenConnection, u"Second");
+    event(begins, Operation::OpenConnection, u"Second");
     EXPECT_EQ(progress.display_number(), 2U);
     EXPECT_DOUBLE_EQ(progress.run_share(), 0.5);
-    event(LinkEvent::Kind::ends, Operation::OpenConnection, u"Second", 0, false);
+    event(ends, Operation::OpenConnection, u"Second", 0, false);
     EXPECT_FALSE(progress.working()) << "nobody answered";
-    // A display that is done again has its old place in the run.
-    event(LinkEvent::Kind::begins, Operation::OpenConnection, u"Main");
-    EXPECT_EQ(progress.display_number(), 1U);
+    event(begins, Operation::OpenConnection, u"Main");
+    EXPECT_EQ(progress.display_number(), 1U) << "done again, a display has its old place";
 }
 
 TEST_F(Progress, KnowsADisplayThatNobodyChose) {
-    event(LinkEvent::Kind::begins, Operation::OpenConnection, u"Second");
+    using enum LinkEvent::Kind;
+    event(begins, Operation::OpenConnection, u"Second");
     EXPECT_EQ(progress.display_number(), 1U);
     EXPECT_EQ(progress.displays(), 1U);
-    event(LinkEvent::Kind::begins, Operation::DownloadFirmwareWithLoader, u"Second");
-    event(LinkEvent::Kind::transfers, Operation::DownloadFirmwareWithLoader, u"Second", 100);
+    event(begins, Operation::DownloadFirmwareWithLoader, u"Second");
+    event(transfers, Operation::DownloadFirmwareWithLoader, u"Second", 100);
     EXPECT_DOUBLE_EQ(progress.run_share(), 1);
 }
 
@@ -229,16 +228,6 @@ TEST(TrialProgram, GoesFromStartToAFinishedRunAndTellsWhatTheUnitsHold) {
     EXPECT_TRUE(trial.modes_are_as_before());
 }
 
-TEST(TrialProgram, EndsByASignalWithTheTerminalGivenBack) {
-    TerminalProcess trial = program();
-    ASSERT_TRUE(trial.sees("nothing real is touched"));
-    trial.send("\003");
-    const int status = trial.wait();
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 128 + SIGINT);
-    EXPECT_TRUE(trial.modes_are_as_before());
-}
-
 TEST(TrialProgram, LeavesTheUnitsAsTheyAreWhenItIsEndedInTheMidstOfARun) {
     TerminalProcess trial = program("xterm-256color", "1");
     ASSERT_TRUE(trial.sees("nothing real is touched"));
@@ -248,7 +237,9 @@ TEST(TrialProgram, LeavesTheUnitsAsTheyAreWhenItIsEndedInTheMidstOfARun) {
     ASSERT_TRUE(trial.sees("Preparing to Open"));
     trial.send("\003");
     const int status = trial.wait();
+    ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 128 + SIGINT);
+    EXPECT_TRUE(trial.modes_are_as_before());
     EXPECT_TRUE(trial.sees("Main Street     1  as delivered"));
     EXPECT_TRUE(trial.sees("Main Street    20  as delivered"));
 }

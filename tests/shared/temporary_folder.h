@@ -1,11 +1,10 @@
 // A folder that is there for one test.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -13,11 +12,7 @@ namespace vex::test {
 
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "vex-test-XXXXXX").native();
-        if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
+    TemporaryFolder() { std::filesystem::create_directories(path_); }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder() {
@@ -25,11 +20,18 @@ public:
         std::filesystem::remove_all(path_, error);
     }
 
-    const std::filesystem::path& path() const { return path_; }
+    const std::filesystem::path& path() const noexcept { return path_; }
     std::filesystem::path operator/(const char* name) const { return path_ / name; }
+    /// Makes the file, and the folders above it.
+    std::filesystem::path write(const char* name, std::string_view content) const {
+        std::filesystem::create_directories((path_ / name).parent_path());
+        std::ofstream(path_ / name, std::ios::binary) << content;
+        return path_ / name;
+    }
 
 private:
-    std::filesystem::path path_;
+    const std::filesystem::path path_ =
+        std::filesystem::temp_directory_path() / ("vex-test-" + std::to_string(std::random_device()()));
 };
 
 inline std::string read_file(const std::filesystem::path& file) {
