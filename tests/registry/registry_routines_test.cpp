@@ -60,7 +60,7 @@ TEST_F(RegistryRoutinesContract, CreateKeyWithoutANameTakesAndTellsTheSubkey) {
     std::optional<AutomationValue> name;
     EXPECT_EQ(routines.CreateKey(name), u"0");
     EXPECT_EQ(name, AutomationValue(u"FromSubkey"));
-    name = AutomationValue(7);
+    name.emplace(7);
     EXPECT_EQ(routines.CreateKey(name), u"0");
     EXPECT_TRUE(Key::opened(key.get(), "7"));
 }
