@@ -81,6 +81,12 @@ TEST_P(Factory, LocksKeepTheLibraryLoaded) {
 
 using Exports = PluginTest;
 
+TEST_F(Exports, AreTheFourOfAnInProcessServer) {
+    for (const char* name : {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}) {
+        EXPECT_NE(plugin_export(name), nullptr) << name;
+    }
+}
+
 TEST_F(Exports, RefuseOtherClassesAndNullResults) {
     void* object = kPoison;
     EXPECT_EQ(class_object(kUnknownClass, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
@@ -90,6 +96,14 @@ TEST_F(Exports, RefuseOtherClassesAndNullResults) {
         << "no factory is a catalogue";
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(class_object(kCatalogueClass, IID_IClassFactory, nullptr), E_POINTER);
+}
+
+TEST_F(Exports, TenThousandObjectsLeaveNothingBehind) {
+    for (int i = 0; i < 10000; ++i) {
+        make(kCatalogueClass);
+        make(kEntryClass);
+    }
+    EXPECT_EQ(can_unload_now(), S_OK);
 }
 
 // ---- Apartments beside each other: each thread has objects and module data of its own

@@ -178,6 +178,10 @@ TEST_F(Registration, LeavesAProgrammaticIdentifierThatNamesAnotherClass) {
     write(identifier + "\\CLSID", "", "{09d14609-0e72-4d6e-a3b6-d8409c897702}");
     EXPECT_EQ(unregister_server(), S_OK) << "the same class, its digits in lower case";
     EXPECT_TRUE(snapshot().empty());
+    ASSERT_EQ(register_server(), S_OK);
+    remove_value(identifier + "\\CLSID", "");
+    EXPECT_EQ(unregister_server(), S_OK) << "nobody's";
+    EXPECT_TRUE(snapshot().empty());
 }
 
 TEST_F(Registration, LeavesTheOneOfAnotherCopyThatExists) {
