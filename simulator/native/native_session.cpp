@@ -48,9 +48,9 @@ ExitStatus NativeSession::play_text(const std::string& name, const std::string& 
                                     const std::filesystem::path& folder, std::ostream& out, std::ostream& errors) {
     const Scenario scenario = parse(name, text, folder);
     PicturedScreen pictured(screen_, out);
-    // cppcheck-suppress danglingTempReference ; neither of the two is a temporary
-    Screen& screen = options_.pictures ? static_cast<Screen&>(pictured) : screen_;
-    return run_scenario(scenario, computer_, screen, folders(folder), options_.quiet, out, errors);
+    Screen* screen = &screen_;
+    if (options_.pictures) screen = &pictured;
+    return run_scenario(scenario, computer_, *screen, folders(folder), options_.quiet, out, errors);
 }
 
 RunFolders NativeSession::folders(const std::filesystem::path& scenario) const {
