@@ -26,7 +26,7 @@ TEST(AutomationString, OfNothing) {
     EXPECT_EQ(SysAllocString(nullptr), nullptr);
     EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr) << "more than memory holds";
     if constexpr (sizeof(std::size_t) > sizeof(UINT)) {
-        const std::u16string_view too_long(u"a", (std::size_t{1} << 32) + 1);
+        const std::u16string_view too_long(u"a", static_cast<std::size_t>((std::uint64_t{1} << 32) + 1));
         EXPECT_THROW(allocate_bstr(too_long), std::bad_alloc) << "and no part of a text";
     }
     Bstr room;
