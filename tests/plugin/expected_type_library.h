@@ -7,7 +7,8 @@ namespace vex::plugin_test {
 /// 0x1000. Flags of classes: can create 0x2. "slot": the place in the virtual table.
 inline constexpr char kExpectedTypeLibrary[] =
     R"(library vexFirmWarePlugin {2D044802-8D89-4ECD-8C1F-F3529143EDDE} 1.0, locale 0, system 1, no help
-interface _PluginData {28D15CCC-A58D-44F0-8AAF-3EECB0736FA9} 1.0, flags 0x11D0, from {00020400-0000-0000-C000-000000000046}
+interface _PluginData {28D15CCC-A58D-44F0-8AAF-3EECB0736FA9} 1.0, flags 0x11D0, from )"
+    R"({00020400-0000-0000-C000-000000000046}
   0x68030004 get TotalPlugins, slot 7: [out, retval] int16*
   0x68030003 get PluginNames, slot 8: [in] int16 iIndex, [out, retval] string*
   0x68030002 get PluginDescription, slot 9: [in] int16 iIndex, [out, retval] string*
@@ -15,7 +16,8 @@ interface _PluginData {28D15CCC-A58D-44F0-8AAF-3EECB0736FA9} 1.0, flags 0x11D0, 
   0x68030000 get PluginDescriptiveName, slot 11: [in] int16 iIndex, [out, retval] string*
 class PluginData {09D14609-0E72-4D6E-A3B6-D8409C897702} 1.0, flags 0x2
   default {28D15CCC-A58D-44F0-8AAF-3EECB0736FA9}
-interface _vexFirmWareUtil {4EA9496B-9BA4-4BD0-A367-C0E0A837B2E4} 1.0, flags 0x11D0, from {00020400-0000-0000-C000-000000000046}
+interface _vexFirmWareUtil {4EA9496B-9BA4-4BD0-A367-C0E0A837B2E4} 1.0, flags 0x11D0, from )"
+    R"({00020400-0000-0000-C000-000000000046}
   0x60030000 method StartPlugin, slot 7: [in, out, optional] object* bActive
   0x60030001 method DoesFrameEdit, slot 8: [out, retval] boolean*
   0x60030002 method StartFrameFeature, slot 9: [in, out] object* fMyFrm

@@ -19,15 +19,18 @@ std::vector<com::Variant> hostile_values() {
     const std::u16string texts[] = {
         u"",      u" ",     u",",        u",,",     u"1,,2",  u"1, 2",       u"1,x",    u"32767", u"32768", u"-32768",
         u"-1",    u"99999999999999999999", u"1.5",  u"1e4",   u"0x10",       u"%s%n%d", u".",     u".5",    u"5.",
-        u"1.2.3", u"TQ-1 - ", u"KQS",    u"\\",     u"a\\b",  u"..\\..\\x",  u"10.0.0.7", u"a.b.c.", u"\xD800", u"\xDC00x",
-        std::u16string(1, u'\0'), std::u16string(u"1\0" u"2", 3), std::u16string(70'000, u'9'), std::u16string(70'000, u','),
-        std::u16string(70'000, u'x'), every_unit};
+        u"1.2.3", u"TQ-1 - ", u"KQS",    u"\\",     u"a\\b",  u"..\\..\\x",  u"10.0.0.7",
+        u"a.b.c.", u"\xD800",  u"\xDC00x",
+        std::u16string(1, u'\0'), std::u16string(u"1\0" u"2", 3), std::u16string(70'000, u'9'),
+        std::u16string(70'000, u','), std::u16string(70'000, u'x'), every_unit};
     std::vector<com::Variant> values;
     for (const std::u16string& text : texts) values.push_back(com::Variant::text(text));
     for (const int number : {0, 1, 2, 3, 4, -1, 32766, 32767, -32768})
         values.push_back(com::Variant::int16(static_cast<std::int16_t>(number)));
-    for (const std::int32_t number : {32768, -32769, std::numeric_limits<std::int32_t>::max()}) values.push_back(com::Variant::int32(number));
-    for (const double number : {0.5, 1e300, -1e300, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+    for (const std::int32_t number : {32768, -32769, std::numeric_limits<std::int32_t>::max()})
+        values.push_back(com::Variant::int32(number));
+    for (const double number : {0.5, 1e300, -1e300, std::numeric_limits<double>::quiet_NaN(),
+                                std::numeric_limits<double>::infinity()})
         values.push_back(com::Variant::real(number));
     values.push_back(com::Variant::boolean(true));
     values.push_back(com::Variant::boolean(false));

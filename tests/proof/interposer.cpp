@@ -43,7 +43,9 @@ public:
         }
         return own ? Object::QueryInterface(iid, object) : inner_->QueryInterface(iid, object);
     }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override { return inner_->GetTypeInfoCount(count); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
+        return inner_->GetTypeInfoCount(count);
+    }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override {
         return inner_->GetTypeInfo(index, locale, info);
     }
@@ -56,7 +58,8 @@ public:
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         const com::ComPtr<Wrapper> alive(this);
         std::u16string call;
-        if (meddling_.judge || meddling_.substitute || meddling_.amend) call = facts_.name + (u"." + facts_.member_name(id, flags));
+        if (meddling_.judge || meddling_.substitute || meddling_.amend)
+            call = facts_.name + (u"." + facts_.member_name(id, flags));
         switch (meddling_.judge ? meddling_.judge(call) : Verdict::pass) {
             case Verdict::pass:
                 break;
@@ -71,17 +74,20 @@ public:
                 }
                 return DISP_E_EXCEPTION;
         }
-        if (auto answer = meddling_.substitute ? meddling_.substitute(call) : std::nullopt; answer && result != nullptr) {
+        if (auto answer = meddling_.substitute ? meddling_.substitute(call) : std::nullopt;
+            answer && result != nullptr) {
             *result = answer->detach();
             return S_OK;
         }
-        const HRESULT outcome = inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
+        const HRESULT outcome =
+            inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
         if (SUCCEEDED(outcome) && result != nullptr && meddling_.amend) meddling_.amend(call, *result);
         const IDispatch* given = nullptr;
         if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
             // Sign information is the only object that the host gives away.
             static const ClassFacts kSignInfo = facts<sim::HostSignInfo>(u"HostSignInfo");
-            auto wrapped = com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
+            auto wrapped =
+                com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
             given = result->pdispVal = wrapped.detach();
         }
         if (meddling_.observer != nullptr) meddling_.observer->called(this, id, flags, *parameters, given);
@@ -126,7 +132,8 @@ template <class Wrapped>
 DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
     DWORD cookie = 0;
     const auto factory = com::make_object<Factory<Wrapped>>(host, meddling, clsid, name);
-    if (FAILED(CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie))) std::abort();
+    if (FAILED(CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie)))
+        std::abort();
     return cookie;
 }
 

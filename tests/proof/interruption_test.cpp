@@ -74,9 +74,11 @@ TEST_P(InterruptionTest, UninterruptedEveryDisplayIsUpdated) {
     EXPECT_EQ(baseline_.error, 0);
     EXPECT_EQ(baseline_.rows, Words(plan_.displays, kUpdated));
     check_always(baseline_);
-    const std::size_t connections = static_cast<std::size_t>(std::ranges::count(baseline_.calls, u"vexDispTrans.OpenConnection"));
+    const std::size_t connections =
+        static_cast<std::size_t>(std::ranges::count(baseline_.calls, u"vexDispTrans.OpenConnection"));
     EXPECT_EQ(connections, plan_.displays);
-    EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(baseline_.calls, u"vexDispTrans.CloseConnection")), connections);
+    EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(baseline_.calls, u"vexDispTrans.CloseConnection")),
+              connections);
     EXPECT_EQ(baseline_.programs.size(), plan_.mode == Mode::external_tool ? plan_.displays : 0);
     if (plan_.mode == Mode::external_tool) return;
     // TQ-1 firmware goes to the first display ID only, everything else to every unit.
@@ -153,7 +155,8 @@ TEST_P(InterruptionTest, AConfirmedCancelStopsEverything) {
         const Words& units = outcome.units[own];
         const Words& all = baseline_.units[own];
         std::size_t changed = 0;
-        for (std::size_t i = 0; i < units.size(); ++i) changed += units[i] == all[i] && all[i] != u"as delivered" ? 1 : 0;
+        for (std::size_t i = 0; i < units.size(); ++i)
+            changed += units[i] == all[i] && all[i] != u"as delivered" ? 1 : 0;
         std::size_t done = 0;
         for (std::size_t c = 0; c < k; ++c) {
             const bool works = baseline_.calls[c] == u"vexDispTrans.ResetAndClear" ||

@@ -220,7 +220,8 @@ Outcome play(const Plan& plan) {
         }
         if (plan.heedless) {
             meddling.amend = [&](const std::u16string& call, VARIANT& answer) {
-                if (interrupting && call.starts_with(u"vexDispTrans.") && answer.vt == VT_BOOL) answer.boolVal = VARIANT_TRUE;
+                if (interrupting && call.starts_with(u"vexDispTrans.") && answer.vt == VT_BOOL)
+                    answer.boolVal = VARIANT_TRUE;
             };
         }
         if (plan.moment) {

@@ -21,7 +21,8 @@ public:
     explicit Texts(std::u16string alphabet) : alphabet_(std::move(alphabet)) {}
     std::u16string next() {
         std::u16string text(std::uniform_int_distribution<std::size_t>(0, 8)(random_), u' ');
-        for (char16_t& c : text) c = alphabet_[std::uniform_int_distribution<std::size_t>(0, alphabet_.size() - 1)(random_)];
+        for (char16_t& c : text)
+            c = alphabet_[std::uniform_int_distribution<std::size_t>(0, alphabet_.size() - 1)(random_)];
         return text;
     }
 
@@ -36,9 +37,9 @@ TEST(Rules, VersionNumbersReadOneCharacterBeforeTheLastPoint) {
     const struct {
         const char16_t* text;
         double number;
-    } cases[] = {{u"1.41", 1.41},   {u"1.40", 1.40}, {u"V1.5", 1.5},  {u"V2.10", 2.1},  {u"12.00", 2},    {u"10.9", 0.9},
-                 {u"", 0},          {u"version", 0}, {u"V.5", 0},     {u"1.2.30", 2.3}, {u"9.5beta7", 9.5}, {u"1.", 1},
-                 {u"TQ1 1.41 r2", 1.41}};
+    } cases[] = {{u"1.41", 1.41},    {u"1.40", 1.40}, {u"V1.5", 1.5},        {u"V2.10", 2.1}, {u"12.00", 2},
+                 {u"10.9", 0.9},     {u"", 0},        {u"version", 0},       {u"V.5", 0},     {u"1.2.30", 2.3},
+                 {u"9.5beta7", 9.5}, {u"1.", 1},      {u"TQ1 1.41 r2", 1.41}};
     for (const auto& one : cases) EXPECT_DOUBLE_EQ(version_number(one.text), one.number);
     EXPECT_FALSE(version_number(u"1.41") < 1.41);
     EXPECT_EQ(error_of([] { version_number(u".5"); }), kInvalidProcedureCall);
@@ -64,7 +65,8 @@ TEST(Rules, VersionNumbersAgreeWithAPlainRestatement) {
             const bool digit = major >= u'0' && major <= u'9';
             expected = digit ? major - u'0' : 0;
             double scale = 0.1;
-            for (std::size_t k = point + 1; digit && k < text.size() && text[k] >= u'0' && text[k] <= u'9'; ++k, scale /= 10)
+            for (std::size_t k = point + 1; digit && k < text.size() && text[k] >= u'0' && text[k] <= u'9';
+                 ++k, scale /= 10)
                 expected += (text[k] - u'0') * scale;
         }
         EXPECT_NEAR(version_number(text), expected, 1e-9) << std::string(text.begin(), text.end());
@@ -96,7 +98,8 @@ TEST(Rules, SplittingLosesNothing) {
 TEST(Rules, BoardFamiliesByTypeTextAndByCode) {
     EXPECT_TRUE(is_tq1_type_text(u"TQ-1 - Street"));
     EXPECT_TRUE(is_tq1_type_text(u"tq-1 - "));
-    for (const char16_t* text : {u"", u"TQ-1", u"TQ-1 -", u"TQ-1 -x", u" TQ-1 - ", u"TQ-1  - "}) EXPECT_FALSE(is_tq1_type_text(text));
+    for (const char16_t* text : {u"", u"TQ-1", u"TQ-1 -", u"TQ-1 -x", u" TQ-1 - ", u"TQ-1  - "})
+        EXPECT_FALSE(is_tq1_type_text(text));
     for (std::int32_t code = INT16_MIN; code <= INT16_MAX; ++code) {
         EXPECT_EQ(IsTQ1SignType(static_cast<std::int16_t>(code)), code / 10 == 16) << code;
     }
