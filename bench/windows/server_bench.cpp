@@ -16,6 +16,7 @@
 #include "core/unicode.h"
 #include "platform/library.h"
 #include "platform/win32/class_registration.h"
+#include "platform/win32/late_library.h"
 #include "plugin/contract.h"
 #include "plugin/registration_entries.h"
 
@@ -23,6 +24,7 @@ namespace vex::bench {
 namespace {
 
 using platform::Library;
+using platform::win32::LateLibrary;
 using Microseconds = double;
 
 constexpr double kGoal = 1.5;
@@ -188,10 +190,10 @@ void measure(const std::filesystem::path& folder) {
     measure_load(servers, "load and free, in a bare process");
     {
         // What every automation host with windows has loaded already.
-        const Library automation("oleaut32.dll");
-        const Library windows("user32.dll");
-        const Library dialogs("comdlg32.dll");
-        const Library controls("comctl32.dll");
+        const LateLibrary automation(u"oleaut32.dll");
+        const LateLibrary windows(u"user32.dll");
+        const LateLibrary dialogs(u"comdlg32.dll");
+        const LateLibrary controls(u"comctl32.dll");
         measure_load(servers, "load and free, in a host");
     }
     for (Server& server : servers) server.library.emplace(server.file);
