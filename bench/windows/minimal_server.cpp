@@ -12,17 +12,18 @@ using vex::bench::kMinimalClassKey;
 
 std::atomic<long> objects{0};
 
-/// An automation object without members.
-class Empty final : public IDispatch {
+/// The life of an object with one interface.
+template <class Interface, const IID& kIid>
+class Counted : public Interface {
 public:
-    Empty() noexcept { ++objects; }
-    Empty(const Empty&) = delete;
-    Empty& operator=(const Empty&) = delete;
+    Counted() noexcept { ++objects; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
-        const bool known = IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IDispatch);
+        const bool known = IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, kIid);
         *object = known ? this : nullptr;
-        if (known) AddRef();
+        if (known) this->AddRef();
         return known ? S_OK : E_NOINTERFACE;
     }
     ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
@@ -31,6 +32,17 @@ public:
         if (left == 0) delete this;
         return left;
     }
+
+protected:
+    virtual ~Counted() { --objects; }
+
+private:
+    std::atomic<ULONG> references_{1};
+};
+
+/// An automation object without members.
+class Empty final : public Counted<IDispatch, IID_IDispatch> {
+public:
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
         *count = 0;
         return S_OK;
@@ -43,31 +55,10 @@ public:
                                      UINT*) noexcept override {
         return DISP_E_MEMBERNOTFOUND;
     }
-
-private:
-    ~Empty() { --objects; }
-
-    std::atomic<ULONG> references_{1};
 };
 
-class Factory final : public IClassFactory {
+class Factory final : public Counted<IClassFactory, IID_IClassFactory> {
 public:
-    Factory() noexcept { ++objects; }
-    Factory(const Factory&) = delete;
-    Factory& operator=(const Factory&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
-        const bool known = IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IClassFactory);
-        *object = known ? this : nullptr;
-        if (known) AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
@@ -81,11 +72,6 @@ public:
         objects += lock != 0 ? 1 : -1;
         return S_OK;
     }
-
-private:
-    ~Factory() { --objects; }
-
-    std::atomic<ULONG> references_{1};
 };
 
 bool set(HKEY key, const char* name, const char* text) noexcept {

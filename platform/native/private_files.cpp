@@ -10,22 +10,13 @@
 #include <string>
 #include <system_error>
 
+#include "platform/native/write_all.h"
+
 namespace vex::platform {
 namespace {
 
 [[noreturn]] void fail(int reason, const std::string& path) {
     throw std::system_error(reason, std::generic_category(), path);
-}
-
-/// False with errno set when not all could be written.
-bool write_all(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 }  // namespace
@@ -41,7 +32,7 @@ void replace_private_file(const std::filesystem::path& path, std::string_view by
     std::string fresh = path.native() + ".XXXXXX";
     const int descriptor = ::mkostemp(fresh.data(), O_CLOEXEC);
     if (descriptor < 0) fail(errno, path.native());
-    int reason = write_all(descriptor, bytes) ? 0 : errno;
+    int reason = native::write_all(descriptor, bytes) ? 0 : errno;
     if (::close(descriptor) != 0 && reason == 0) reason = errno;
     if (reason == 0 && ::rename(fresh.c_str(), path.c_str()) != 0) reason = errno;
     if (reason == 0) return;

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/native/write_all.h"
+
 namespace vex::platform::native {
 namespace {
 
@@ -19,17 +21,6 @@ constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 }
 
 std::int64_t nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
-
-/// False with errno set when not all could be written.
-bool write_all(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
 
 }  // namespace
 
