@@ -1,7 +1,7 @@
 // The name of the company under whose label the host is sold.
 #include "about/cls_dynamic_labeling.h"
 
-#include "support/product.h"
+#include "core/product.h"
 
 namespace vex {
 

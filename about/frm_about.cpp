@@ -7,10 +7,10 @@
 #include <string_view>
 #include <system_error>
 
+#include "core/product.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "support/open_registry_key.h"
-#include "support/product.h"
 
 namespace vex {
 namespace {

@@ -14,6 +14,6 @@ else()
   set(VEX_VERSION_TEXT "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 endif()
 
-configure_file("${CMAKE_SOURCE_DIR}/cmake/product.h.in" "${CMAKE_BINARY_DIR}/generated/support/product.h" @ONLY)
+configure_file("${CMAKE_SOURCE_DIR}/cmake/product.h.in" "${CMAKE_BINARY_DIR}/generated/core/product.h" @ONLY)
 add_library(vex_product INTERFACE)
 target_include_directories(vex_product INTERFACE "${CMAKE_BINARY_DIR}/generated")

@@ -3,9 +3,8 @@
 
 #include <span>
 
+#include "com/native/server.h"
 #include "core/runtime_error.h"
-#include "platform/native/com_module.h"
-#include "platform/native/com_picture.h"
 #include "platform/native/machine.h"
 #include "plugin/embedded_icons.h"
 #include "support/file_routines.h"
@@ -17,7 +16,7 @@ class EmbeddedPictures final : public platform::Pictures {
 public:
     com::ComPtr<IPictureDisp> load_icon(std::int16_t id) override {
         for (const EmbeddedIcon& icon : kEmbeddedIcons) {
-            if (icon.id == id) return platform::native::create_icon_picture(icon.file);
+            if (icon.id == id) return com::native::create_icon_picture(icon.file);
         }
         throw RuntimeError(kResourceNotFound);
     }
@@ -38,7 +37,7 @@ const platform::CodePage& code_page() { return platform::native::code_page(); }
 
 std::u16string module_path() {
     static constexpr char kAnchor = 0;
-    return platform::native::module_path(&kAnchor);
+    return com::native::module_path(&kAnchor);
 }
 
 Services make_services(com::ModuleLifetime& module) {

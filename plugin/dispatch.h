@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
+#include "com/boundary.h"
 #include "com/object.h"
 #include "com/variant.h"
 #include "platform/type_information.h"
 #include "plugin/contract.h"
-#include "support/boundary.h"
 
 namespace vex::plugin {
 

@@ -1,9 +1,9 @@
 // The four functions that the library exports.
+#include "com/boundary.h"
 #include "plugin/class_factory.h"
 #include "plugin/composition.h"
 #include "plugin/module.h"
 #include "plugin/registration.h"
-#include "support/boundary.h"
 
 namespace {
 

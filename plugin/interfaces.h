@@ -1,7 +1,7 @@
 // The two dual interfaces as C++ sees them. The order of the methods is the binary contract.
 #pragma once
 
-#include "com/interface_id.h"
+#include "com/com_ptr.h"
 #include "plugin/contract.h"
 
 namespace vex::plugin {

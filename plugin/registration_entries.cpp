@@ -1,9 +1,9 @@
 // The registration as a table.
 #include "plugin/registration_entries.h"
 
+#include "core/product.h"
 #include "core/unicode.h"
 #include "plugin/contract.h"
-#include "support/product.h"
 
 namespace vex::plugin {
 namespace {

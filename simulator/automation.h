@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "com/boundary.h"
 #include "com/object.h"
 #include "com/variant.h"
-#include "support/boundary.h"
 
 namespace vex::sim {
 
@@ -54,19 +54,8 @@ void set_error_source(EXCEPINFO* exception) noexcept;
 /// Base of the host's automation objects: `Derived::members()` answers their table. The interface named first
 /// derives from IDispatch and adds no methods.
 template <class Derived, class First, class... More>
-class AutomationObject : public com::Object<Derived, First, More...> {
+class AutomationObject : public com::Object<Derived, com::Untyped<First>, More...> {
 public:
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
-
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) noexcept override {
-        if (info != nullptr) *info = nullptr;
-        return E_NOTIMPL;
-    }
-
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                             DISPID* ids) noexcept override {
         if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
@@ -100,7 +89,7 @@ public:
     }
 
 protected:
-    using com::Object<Derived, First, More...>::Object;
+    using com::Object<Derived, com::Untyped<First>, More...>::Object;
 };
 
 }  // namespace vex::sim

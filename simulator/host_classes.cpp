@@ -3,13 +3,13 @@
 
 #include <string>
 
+#include "com/class_factory.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/box_finder.h"
 #include "simulator/class_library.h"
 #include "simulator/registry_store.h"
 #include "simulator/transmission_control.h"
-#include "support/boundary.h"
 
 namespace vex::sim {
 namespace {
@@ -36,27 +36,6 @@ constexpr HostClass kClasses[] = {
     {kBoxFinderClass, u"vexLantronixControls2.vexLANBoxFinder2", &make<BoxFinder>},
 };
 
-class Factory final : public com::Object<Factory, IClassFactory> {
-public:
-    Factory(Host& host, Maker maker) noexcept : Object(host.lifetime), host_(host), make_(maker) {}
-
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        return guarded_method(IID_IClassFactory, [&] { return make_(host_)->QueryInterface(iid, object); });
-    }
-
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
-        lock != FALSE ? module().add_lock() : module().remove_lock();
-        return S_OK;
-    }
-
-private:
-    Host& host_;
-    Maker make_;
-};
-
 std::u16string text_of(REFCLSID clsid) {
     OLECHAR text[39];
     StringFromGUID2(clsid, text, 39);
@@ -78,13 +57,8 @@ HostClasses::HostClasses(Host& host) {
     RegistryStore registry(host.computer.registry(), host.computer.code_page());
     for (const HostClass& entry : kClasses) {
         register_names(registry, entry);
-        const auto factory = com::make_object<Factory>(host, entry.make);
-        DWORD cookie = 0;
-        const HRESULT result =
-            CoRegisterClassObject(entry.clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
-        if (FAILED(result))
-            throw RuntimeError(result, u"the class " + std::u16string(entry.programmatic_id) + u" is refused");
-        cookies_.push_back(cookie);
+        cookies_.push_back(
+            com::offer_class(host.lifetime, entry.clsid, [&host, make = entry.make] { return make(host); }));
     }
 }
 

@@ -1,7 +1,7 @@
 // Who the host's classes and interfaces are.
 #pragma once
 
-#include "com/interface_id.h"
+#include "com/com_ptr.h"
 
 namespace vex::sim {
 

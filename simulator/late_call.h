@@ -12,7 +12,7 @@ namespace vex::sim {
 com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id);
 
 /// Calls a method or reads a property. Raises `RuntimeError` with the number and the text that the object
-/// answers, or the result code of a call that did not come about.
+/// answers, or that of a call that did not come about.
 com::Variant call_late(IDispatch& object, const std::u16string& name,
                        std::initializer_list<com::Variant> arguments = {});
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/product.h"
+#include "core/product.h"
 #include "tests/shared/desk_fixture.h"
 #include "tests/shared/error_of.h"
 

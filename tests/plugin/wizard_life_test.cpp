@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "com/class_factory.h"
 #include "forms/scripted_toolkit.h"
 #include "platform/native/machine.h"
 #include "tests/plugin/late_call.h"
@@ -60,9 +61,8 @@ protected:
     void SetUp() override {
         PluginTest::SetUp();
         platform::native::set_desktop(&toolkit_);
-        cookie_ = test::offer_class(host_objects, kDisplayListClass,
-                                    [this] { return com::make_object<DisplayList>(host_failure_); });
-        ASSERT_NE(cookie_, 0U);
+        cookie_ = com::offer_class(host_objects, kDisplayListClass,
+                                   [this] { return com::make_object<DisplayList>(host_failure_); });
     }
     void TearDown() override {
         CoRevokeClassObject(cookie_);

@@ -1,5 +1,5 @@
 // How our errors look from outside, and what carries them.
-#include "support/boundary.h"
+#include "com/boundary.h"
 
 #include <gtest/gtest.h>
 

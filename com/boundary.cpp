@@ -1,5 +1,5 @@
 // The boundary between our exceptions and COM's result codes.
-#include "support/boundary.h"
+#include "com/boundary.h"
 
 #include <new>
 #include <string>
@@ -7,7 +7,7 @@
 
 #include "com/bstr.h"
 #include "com/com_ptr.h"
-#include "support/services.h"
+#include "core/product.h"
 
 namespace vex {
 namespace {
@@ -50,9 +50,8 @@ BSTR optional_bstr(std::u16string_view text) noexcept {
 HRESULT result_code(const RuntimeError& error) noexcept {
     const std::int32_t number = error.number();
     if (number < 0) return number;
-    constexpr std::uint32_t kControlFacility = 0x800A0000U;
-    return number >= 1 && number <= 0xFFFF ? static_cast<HRESULT>(kControlFacility | static_cast<std::uint32_t>(number))
-                                           : E_UNEXPECTED;
+    if (number < 1 || number > 0xFFFF) return E_UNEXPECTED;
+    return static_cast<HRESULT>(kErrorNumberFacility | static_cast<std::uint32_t>(number));
 }
 
 HRESULT boundary_detail::report_exception(REFIID interface_id) noexcept {

@@ -1,23 +1,33 @@
-// The COM runtime: apartments, class objects, and the in-process servers that the registry names.
+// The COM runtime: identities as text, apartments, class objects, and the in-process servers that the registry
+// names.
 #include <dlfcn.h>
 
+#include <bit>
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
 #include <map>
 #include <mutex>
+#include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "com/com_ptr.h"
+#include "com/native/server.h"
+#include "core/digits.h"
 #include "core/runtime_error.h"
 #include "platform/native/machine.h"
 
-namespace vex::platform::native {
+namespace vex::com::native {
 namespace {
+
+using platform::native::code_page;
 
 struct ClassRegistration {
     DWORD cookie;
     CLSID clsid;
-    com::ComPtr<IUnknown> factory;
+    ComPtr<IUnknown> factory;
 };
 
 /// What one thread has of COM. Objects never change threads here, so class objects are the thread's too.
@@ -29,14 +39,11 @@ struct Apartment {
 
 thread_local Apartment apartment;
 
-using GetClassObjectFunction = HRESULT (*)(REFCLSID, REFIID, void**);
-using CanUnloadFunction = HRESULT (*)();
-
 /// A loaded in-process server.
 struct Server {
     void* library;
-    GetClassObjectFunction get_class_object;
-    CanUnloadFunction can_unload_now;
+    decltype(&DllGetClassObject) get_class_object;
+    decltype(&DllCanUnloadNow) can_unload_now;
     /// Calls of DllGetClassObject under way; the library must not go meanwhile.
     int calls = 0;
 };
@@ -56,8 +63,9 @@ Servers& servers() {
 
 /// The default value of a key below HKEY_CLASSES_ROOT, or an empty text.
 std::string class_value(const std::string& path) {
+    using namespace platform;
     RegistryKey key = 0;
-    Registry& store = registry();
+    Registry& store = platform::native::registry();
     if (store.open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, key) != kSuccess) return {};
     std::uint32_t type = kRegNone;
     std::uint32_t size = 0;
@@ -72,12 +80,6 @@ std::string class_value(const std::string& path) {
     return text;
 }
 
-std::string clsid_text(REFCLSID clsid) {
-    OLECHAR text[39];
-    StringFromGUID2(clsid, text, 39);
-    return code_page().to_ansi(text);
-}
-
 /// Finds or loads the server at `path` and counts a call of it. To be called under the lock.
 HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*& server) {
     const auto known = loaded.by_path.find(path);
@@ -88,25 +90,28 @@ HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*
         if (path.empty()) return CO_E_DLLNOTFOUND;
         void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr) return CO_E_DLLNOTFOUND;
-        const auto get_class_object = reinterpret_cast<GetClassObjectFunction>(dlsym(library, "DllGetClassObject"));
-        const auto can_unload_now = reinterpret_cast<CanUnloadFunction>(dlsym(library, "DllCanUnloadNow"));
-        if (get_class_object == nullptr) {
+        const Server found{library,
+                           reinterpret_cast<decltype(&DllGetClassObject)>(dlsym(library, "DllGetClassObject")),
+                           reinterpret_cast<decltype(&DllCanUnloadNow)>(dlsym(library, "DllCanUnloadNow"))};
+        if (found.get_class_object == nullptr) {
             dlclose(library);
             return CO_E_ERRORINDLL;
         }
-        server = &loaded.by_path.emplace(path, Server{library, get_class_object, can_unload_now}).first->second;
+        server = &loaded.by_path.emplace(path, found).first->second;
     }
     ++server->calls;
     return S_OK;
 }
 
 HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
-    const std::string path = class_value("CLSID\\" + clsid_text(clsid) + "\\InprocServer32");
+    OLECHAR name[39];
+    StringFromGUID2(clsid, name, 39);
+    const std::string path = class_value("CLSID\\" + code_page().to_ansi(name) + "\\InprocServer32");
     if (path.empty()) return REGDB_E_CLASSNOTREG;
     Servers& loaded = servers();
     std::unique_lock lock(loaded.mutex);
     Server* server = nullptr;
-    HRESULT result = enter_server(loaded, real_path(code_page().from_ansi(path)), server);
+    HRESULT result = enter_server(loaded, platform::native::real_path(code_page().from_ansi(path)), server);
     if (FAILED(result)) return result;
     lock.unlock();
     result = server->get_class_object(clsid, iid, object);
@@ -127,11 +132,83 @@ HRESULT guarded(Function function) noexcept {
     }
 }
 
-}  // namespace
-}  // namespace vex::platform::native
+HRESULT class_object(REFCLSID clsid, REFIID iid, LPVOID* object) noexcept {
+    if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
+    for (const auto& entry : apartment.classes) {
+        if (entry.clsid != clsid) continue;
+        const auto factory = entry.factory;
+        return factory->QueryInterface(iid, object);
+    }
+    return guarded([&] { return class_object_of_server(clsid, iid, object); });
+}
 
-using vex::platform::native::apartment;
-using vex::platform::native::guarded;
+/// An identity as text: its bytes in the order in which they are written, numbers with their highest byte first.
+constexpr std::size_t kWritten[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+static_assert(std::endian::native == std::endian::little && std::size(kWritten) == sizeof(GUID));
+
+/// Whether a hyphen stands before the byte at that place in the text.
+constexpr bool has_hyphen(std::size_t place) noexcept { return place >= 4 && place <= 10 && place % 2 == 0; }
+
+constexpr int kTextLength = 38;
+
+}  // namespace
+
+std::u16string module_path(const void* address) {
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
+        throw RuntimeError(kCannotCreateObject, u"The module's path is unknown");
+    }
+    return platform::native::drive_path(std::filesystem::absolute(info.dli_fname));
+}
+
+}  // namespace vex::com::native
+
+using namespace vex::com::native;
+
+int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) noexcept {
+    if (text == nullptr || capacity < kTextLength + 1) return 0;
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&guid);
+    *text++ = u'{';
+    for (std::size_t i = 0; i < sizeof guid; ++i) {
+        if (has_hyphen(i)) *text++ = u'-';
+        for (const char16_t digit : vex::digits_of(bytes[kWritten[i]], 16, 2)) *text++ = digit;
+    }
+    *text++ = u'}';
+    *text = 0;
+    return kTextLength + 1;
+}
+
+HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) noexcept {
+    if (clsid == nullptr) return E_INVALIDARG;
+    *clsid = GUID_NULL;
+    if (text == nullptr) return S_OK;
+    GUID guid;
+    auto* bytes = reinterpret_cast<std::uint8_t*>(&guid);
+    if (*text++ != u'{') return CO_E_CLASSSTRING;
+    for (std::size_t i = 0; i < sizeof guid; ++i) {
+        if (has_hyphen(i) && *text++ != u'-') return CO_E_CLASSSTRING;
+        int value = 0;
+        for (int digits = 2; digits > 0; --digits) {
+            const int digit = vex::hex_value(*text++);
+            if (digit < 0) return CO_E_CLASSSTRING;
+            value = value * 16 + digit;
+        }
+        bytes[kWritten[i]] = static_cast<std::uint8_t>(value);
+    }
+    if (text[0] != u'}' || text[1] != 0) return CO_E_CLASSSTRING;
+    *clsid = guid;
+    return S_OK;
+}
+
+HRESULT CLSIDFromProgID(LPCOLESTR programmatic_id, CLSID* clsid) noexcept {
+    if (programmatic_id == nullptr || clsid == nullptr) return E_INVALIDARG;
+    *clsid = GUID_NULL;
+    return guarded([&] {
+        const std::string text = class_value(code_page().to_ansi(programmatic_id) + "\\CLSID");
+        if (text.empty()) return CO_E_CLASSSTRING;
+        return CLSIDFromString(code_page().from_ansi(text).c_str(), clsid);
+    });
+}
 
 HRESULT CoInitializeEx(LPVOID /*reserved*/, DWORD /*concurrency*/) noexcept {
     return ++apartment.initialisations == 1 ? S_OK : S_FALSE;
@@ -165,31 +242,19 @@ HRESULT CoRevokeClassObject(DWORD cookie) noexcept {
     return E_INVALIDARG;
 }
 
-HRESULT CoGetClassObject(REFCLSID clsid, DWORD /*context*/, LPVOID /*reserved*/, REFIID iid, LPVOID* object) noexcept {
-    if (object == nullptr) return E_INVALIDARG;
-    *object = nullptr;
-    if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
-    for (const auto& entry : apartment.classes) {
-        if (entry.clsid != clsid) continue;
-        const auto factory = entry.factory;
-        return factory->QueryInterface(iid, object);
-    }
-    return guarded([&] { return vex::platform::native::class_object_of_server(clsid, iid, object); });
-}
-
-HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid, LPVOID* object) noexcept {
+HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD /*context*/, REFIID iid, LPVOID* object) noexcept {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     vex::com::ComPtr<IClassFactory> factory;
-    const HRESULT result = CoGetClassObject(clsid, context, nullptr, IID_IClassFactory, factory.put_void());
+    const HRESULT result = class_object(clsid, IID_IClassFactory, factory.put_void());
     return FAILED(result) ? result : factory->CreateInstance(outer, iid, object);
 }
 
 void CoFreeUnusedLibraries() noexcept {
-    auto& loaded = vex::platform::native::servers();
+    Servers& loaded = servers();
     const std::lock_guard lock(loaded.mutex);
     for (auto entry = loaded.by_path.begin(); entry != loaded.by_path.end();) {
-        const auto& server = entry->second;
+        const Server& server = entry->second;
         if (server.calls == 0 && server.can_unload_now != nullptr && server.can_unload_now() == S_OK) {
             dlclose(server.library);
             entry = loaded.by_path.erase(entry);
@@ -197,15 +262,4 @@ void CoFreeUnusedLibraries() noexcept {
             ++entry;
         }
     }
-}
-
-HRESULT CLSIDFromProgID(LPCOLESTR programmatic_id, CLSID* clsid) noexcept {
-    if (programmatic_id == nullptr || clsid == nullptr) return E_INVALIDARG;
-    *clsid = GUID_NULL;
-    return guarded([&] {
-        using namespace vex::platform::native;
-        const std::string text = class_value(code_page().to_ansi(programmatic_id) + "\\CLSID");
-        if (text.empty()) return CO_E_CLASSSTRING;
-        return CLSIDFromString(code_page().from_ansi(text).c_str(), clsid);
-    });
 }

@@ -1,6 +1,7 @@
 // The boundary between our exceptions and COM's result codes: every COM method passes through here.
 #pragma once
 
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 
@@ -9,7 +10,10 @@
 
 namespace vex {
 
-/// The result code that carries a run-time error: 0x800A0000 and the number for 1 to 65535, a negative
+/// The facility of result codes that carry an automation error number in their lower half.
+inline constexpr std::uint32_t kErrorNumberFacility = 0x800A0000U;
+
+/// The result code that carries a run-time error: of that facility for the numbers 1 to 65535, a negative
 /// number as it is, E_UNEXPECTED for any other.
 HRESULT result_code(const RuntimeError& error) noexcept;
 
