@@ -14,7 +14,7 @@ public:
     void add_object() noexcept { ++objects_; }
     void remove_object() noexcept { --objects_; }
     void add_lock() noexcept { ++locks_; }
-    /// One more than was taken counts for nothing.
+    /// Does nothing where no lock is left: clients are not trusted to count theirs.
     void remove_lock() noexcept {
         long locks = locks_;
         while (locks > 0 && !locks_.compare_exchange_weak(locks, locks - 1)) {
