@@ -8,7 +8,7 @@
 #include "platform/native/com_picture.h"
 #include "platform/native/machine.h"
 #include "plugin/embedded_icons.h"
-#include "support/file_routines.h"
+#include "support/text.h"
 
 namespace vex::plugin {
 namespace {
