@@ -12,7 +12,7 @@ std::string in_quotes(std::u16string_view text) { return '"' + to_utf8(text) + '
 std::string hex(forms::Color color) { return to_utf8(digits_of(color, 16, 6)); }
 
 constexpr IID kEvents = {0x1B6B7A52, 0x2E0C, 0x4B7B, {0x8E, 0x2F, 0x33, 0x0D, 0x5C, 0x4A, 0x61, 0x07}};
-constexpr DISPID kEvent = 9;
+constexpr DWORD kCookie = 7;
 constexpr DISPID id(std::uint32_t number) { return static_cast<DISPID>(number); }
 
 struct HostClass {
@@ -41,15 +41,27 @@ const HostClass kClasses[] = {
 }  // namespace
 
 void Notebook::line(const std::string& who, const std::string& what) {
+    part_.clear();
     if (!unheard.contains(who)) text_ += what + '\n';
+}
+
+void Notebook::part(const std::string& who, const std::string& of, const std::string& what) {
+    if (part_ != of || text_.empty()) line(who, of);
+    text_.insert(text_.size() - 1, what);
+    part_ = of;
 }
 
 void Screen::run_modal(forms::Form& form, forms::Form* owner) {
     notebook_.line(form.name(), "open " + form.name() + (owner != nullptr ? " over " + owner->name() : ""));
     forms_.push_back(&form);
     form.set_view(this);
+    // What loading has made of it, before there was a view to tell.
     for (forms::Control* control : form.controls()) {
-        if (control->kind() == forms::ControlKind::list_view) changed(*control, forms::Change::rows);
+        using enum forms::ControlKind;
+        if (control->kind() == list_view) changed(*control, forms::Change::rows);
+        if (control->kind() == shape) changed(*control, forms::Change::color);
+        if (!control->enabled()) changed(*control, forms::Change::enabled);
+        if (!control->visible()) changed(*control, forms::Change::visible);
     }
     form.raise_activate();
     while (form.running()) {
@@ -121,7 +133,7 @@ void Screen::changed(forms::Control& control, forms::Change change) {
         }
         if (now.fore_color != before[i].fore_color) what += " text " + hex(now.fore_color);
         if (now.icon != before[i].icon) what += " icon " + in_quotes(list.small_icons->images()[*now.icon].key);
-        if (!what.empty()) tell('[' + std::to_string(i) + ']' + what);
+        if (!what.empty()) notebook_.part(top().name(), list.name() + '[' + std::to_string(i) + ']', what);
         before[i] = now;
     }
 }
@@ -183,11 +195,13 @@ public:
     }
     HRESULT GetConnectionInterface(IID*) noexcept override { return E_NOTIMPL; }
     HRESULT GetConnectionPointContainer(IConnectionPointContainer**) noexcept override { return E_NOTIMPL; }
-    HRESULT Advise(IUnknown* sink, DWORD*) noexcept override {
+    HRESULT Advise(IUnknown* sink, DWORD* cookie) noexcept override {
+        *cookie = kCookie;
         return sink->QueryInterface(kEvents, host_.sinks_[class_.name].put_void());
     }
-    HRESULT Unadvise(DWORD) noexcept override {
-        host_.sinks_[class_.name].reset();
+    // It keeps the sink all the same, and may go on calling it.
+    HRESULT Unadvise(DWORD cookie) noexcept override {
+        EXPECT_EQ(cookie, kCookie);
         return S_OK;
     }
     HRESULT EnumConnections(IEnumConnections**) noexcept override { return E_NOTIMPL; }
@@ -230,13 +244,12 @@ RecordedHost::~RecordedHost() {
     CoUninitialize();
 }
 
-HRESULT RecordedHost::raise(const char* control, std::u16string_view text) {
+HRESULT RecordedHost::raise(const char* control, std::u16string_view text, DISPID event, UINT arguments) {
     const com::ComPtr<IDispatch> sink = sinks_[control];
-    if (!sink) return S_FALSE;
     com::Bstr place(text);
     VARIANTARG argument = com::Variant::text_reference(place.put_reference()).get();
-    DISPPARAMS parameters{&argument, nullptr, 1, 0};
-    return sink->Invoke(kEvent, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
+    DISPPARAMS parameters{&argument, nullptr, arguments, 0};
+    return sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
 }
 
 com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
@@ -252,7 +265,10 @@ RecordedFixture::RecordedFixture() {
     }
 }
 
-RecordedFixture::~RecordedFixture() { EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left"; }
+RecordedFixture::~RecordedFixture() {
+    host.forget_sinks();
+    EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
+}
 
 bool RecordedFixture::ordinary_file_exists(const std::u16string& path) {
     notebook.line("", "is there " + to_utf8(path));

@@ -24,6 +24,8 @@ class Notebook {
 public:
     /// `who`: the form or the class that it is about.
     void line(const std::string& who, const std::string& what);
+    /// The same for a part of something: behind the last line where that was about the same part.
+    void part(const std::string& who, const std::string& of, const std::string& what);
     /// What has been written since the last call, a line each.
     std::string take() { return std::exchange(text_, {}); }
 
@@ -32,6 +34,8 @@ public:
 
 private:
     std::string text_;
+    /// The part that the last line is about.
+    std::string part_;
 };
 
 /// A screen with a user who does what the test says.
@@ -53,6 +57,8 @@ public:
     }
 
     forms::Form& top() const { return *forms_.back(); }
+    /// The form that was opened first.
+    forms::Form& bottom() const { return *forms_.front(); }
 
     /// What the user does, one after the other, to a form that waits for input. Then he closes it.
     std::deque<std::function<void(forms::Form&)>> acts;
@@ -82,8 +88,9 @@ public:
     std::map<std::string, com::Variant> answers;
     /// What happens during a call, before it answers.
     std::map<std::string, std::function<void(DISPPARAMS&)>> during;
-    /// The control's event with a text, as its last argument: a status message, or a box found.
-    HRESULT raise(const char* control, std::u16string_view text);
+    /// An event of the control with a text: a status message, or a box found.
+    HRESULT raise(const char* control, std::u16string_view text, DISPID event = 9, UINT arguments = 1);
+    void forget_sinks() { sinks_.clear(); }
     com::ComPtr<IDispatch> make(const char* name);
     com::ModuleLifetime objects;
 
