@@ -46,6 +46,7 @@ void Notebook::line(const std::string& who, const std::string& what) {
 }
 
 void Notebook::part(const std::string& who, const std::string& of, const std::string& what) {
+    if (unheard.contains(who)) return;
     if (part_ != of || text_.empty()) line(who, of);
     text_.insert(text_.size() - 1, what);
     part_ = of;
@@ -111,7 +112,9 @@ void Screen::changed(forms::Control& control, forms::Change change) {
         case Change::enabled: return on_off(" on", " off", control.enabled());
         case Change::visible: return on_off(" shown", " hidden", control.visible());
         case Change::value: return;
-        case Change::color: return tell(' ' + hex(static_cast<forms::Shape&>(control).fill_color()));
+        case Change::color:
+            return notebook_.part(top().name(), "shapes",
+                                  ' ' + control.name() + '=' + hex(static_cast<forms::Shape&>(control).fill_color()));
         case Change::tab: return tell(" page " + std::to_string(static_cast<forms::TabPages&>(control).tab()));
         default: break;
     }
