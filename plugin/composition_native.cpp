@@ -7,7 +7,7 @@
 #include "core/runtime_error.h"
 #include "platform/native/machine.h"
 #include "plugin/embedded_icons.h"
-#include "support/file_routines.h"
+#include "support/text.h"
 
 namespace vex::plugin {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "platform/win32/pictures.h"
 #include "platform/win32/system.h"
-#include "support/file_routines.h"
+#include "support/text.h"
 
 namespace vex::plugin {
 

@@ -28,6 +28,8 @@ TEST_F(About, ShowsTheCompanyOrThePrivateLabelAfreshEachTime) {
         label.set_text("Private Label Company", company);
         EXPECT_EQ(shown_description(), side_code_page().from_ansi(company)) << "not behind the text of before";
     }
+    label.set("Private Label Company", platform::kRegBinary, {1, 2});
+    EXPECT_EQ(shown_description(), product::kCompanyName) << "bytes are no text";
     EXPECT_EQ(registry.open_keys, 0);
 }
 

@@ -4,7 +4,6 @@
 #include <random>
 #include <string>
 
-#include "support/file_routines.h"
 #include "support/text.h"
 #include "update/display_facts.h"
 #include "tests/shared/error_of.h"

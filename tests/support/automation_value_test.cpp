@@ -9,6 +9,7 @@
 #include "core/narrow.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "support/text.h"
 #include "tests/shared/error_of.h"
 
 namespace vex {
