@@ -171,8 +171,8 @@ public:
         for (UINT i = parameters->cArgs; i-- > 0;)
             arguments += (arguments.empty() ? "" : ", ") + shown(parameters->rgvarg[i]);
         // What is only read is not written down.
-        if (puts) host_.notebook_.line(class_.name, call + " = " + arguments);
-        if (flags == DISPATCH_METHOD) host_.notebook_.line(class_.name, call + '(' + arguments + ')');
+        if (puts) host_.notebook_.part(class_.name, class_.name, ' ' + name + '=' + arguments);
+        if (flags == DISPATCH_METHOD) host_.notebook_.part(class_.name, class_.name, ' ' + name + '(' + arguments + ')');
         if (!puts && flags != DISPATCH_METHOD && flags != (DISPATCH_METHOD | DISPATCH_PROPERTYGET))
             return DISP_E_MEMBERNOTFOUND;
         const com::ComPtr<HostObject> alive(this);
@@ -231,7 +231,7 @@ RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {
     constexpr platform::RegistryKey kClassesRoot = platform::registry_key(platform::kHkeyClassesRoot);
     for (const HostClass& one : kClasses) {
         cookies_.push_back(offer_class(objects, one.clsid, [this, &one] {
-            notebook_.line(one.name, std::string("new ") + one.name);
+            notebook_.part(one.name, one.name, " new");
             return com::make_object<HostObject>(*this, one);
         }));
         if (*one.programmatic_id == '\0') continue;

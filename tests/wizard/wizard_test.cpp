@@ -84,13 +84,11 @@ private:
 
 TEST_F(Wizard, ResettingSkipsTheFirmwareStep) {
     notebook.unheard.erase("HostDisplayList");
-    notebook.unheard.erase("dlgDispUpdater");
     pick(u"A, B");
     displays[u" B"] = {{"DisplayTypeName", u"Other"}, {"ComPort", u"COM2"}, {"ComBaud", u""}, {"PhoneNumber", u""}};
     EXPECT_EQ(play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdBack", "cmdAbout", "cmdFinish",
                     "cmdClose"}), log(R"(
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
 open dlgFirmwareWizard
 shapes shpNavNodeStart=00FF00 shpNavNodeChooseOpt=808080 shpNavNodesChooseDest=808080 shpNavNodePickFiles=808080 shpNavNodesFinish=808080
 lblSignMismatchWarning hidden
@@ -101,53 +99,30 @@ cmdBack off
 cmdFinish off
 SSTab1 page 1
 shapes shpNavNodeStart=808080 shpNavNodeChooseOpt=00FF00
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
 cmdBack on
 SSTab1 page 2
 shapes shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
-new HostDisplayPicker
-HostDisplayPicker.ShowDisplayPicker()
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
-HostDisplayList.FindDisplay(&"A")
-HostDisplayList.SelectDisplay(I4 1)
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
+HostDisplayPicker new ShowDisplayPicker()
+HostDisplayList new OpenDisplayFile(&"Displays.dat") FindDisplay(&"A") SelectDisplay(I4 1)
 lstvDisplays[0] "A" key "A" tag "" "Z180 Sign" "COM1" "9600" "555"
-HostDisplayList.FindDisplay(&" B")
-HostDisplayList.SelectDisplay(I4 1)
+HostDisplayList FindDisplay(&" B") SelectDisplay(I4 1)
 lstvDisplays[1] " B" key " B" tag "" "Other" "COM2"
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
 cmdFinish on
 SSTab1 page 4
 shapes shpNavNodesChooseDest=808080 shpNavNodesFinish=00FF00
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
 cmdNext off
 SSTab1 page 2
 shapes shpNavNodesChooseDest=00FF00 shpNavNodesFinish=808080
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
 cmdNext on
 about over dlgFirmwareWizard
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
-open dlgDispUpdater over dlgFirmwareWizard
-lstvDisplayStatus[0] "A" key "" tag "A" "Not Updated" icon "Not Updated"
-lstvDisplayStatus[1] " B" key "" tag " B" "Not Updated" icon "Not Updated"
-cmdClose off
-HostDisplayList.FindDisplay(&"A")
-HostDisplayList.SelectDisplay(I4 1)
-lstvDisplayStatus[0] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
-lstvDisplayStatus[0] "Updated - " icon "Updated"
-HostDisplayList.FindDisplay(&" B")
-HostDisplayList.SelectDisplay(I4 1)
-lstvDisplayStatus[1] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
-lstvDisplayStatus[1] "Updated - " icon "Updated"
-cmdClose on
-close dlgDispUpdater
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
+HostDisplayList FindDisplay(&"A") SelectDisplay(I4 1)
+HostDisplayList FindDisplay(&" B") SelectDisplay(I4 1)
 close dlgFirmwareWizard
 )"));
 }
@@ -165,8 +140,7 @@ shapes shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080
 cmdNext off
 picFirmwareFileSect shown
 lblFinishLoadFirmware shown
-new HostDisplayPicker
-HostDisplayPicker.ShowDisplayPicker()
+HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "tq-1 - Street" "COM3" "9600" "555"
 lstvDisplays[1] "B" key "B" tag "" "tq-1 - Street" "COM3" "9600" "555"
 lblFirmwareFileNotification: This file will be in Rabbit BIN format.
@@ -237,8 +211,7 @@ TEST_F(Wizard, DifferentTypesAreWarnedOfAndBlockTheWayUnlessOnlyResetting) {
     displays[u"C"] = {{"DisplayTypeName", u"z180 sign"}};
     EXPECT_EQ(play({"cmdNext", "opLoadFirmware", "cmdNext", "--", "cmdChooseDisplay", "cmdNext", "@700,900",
                     "optJustResetDisplays", "cmdNext", "cmdNext"}), log(R"(
-new HostDisplayPicker
-HostDisplayPicker.ShowDisplayPicker()
+HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "Z180 Sign" "COM1" "9600" "555"
 lstvDisplays[1] "B" key "B" tag "" "Z180 Sign" "COM1" "9600" "555"
 lstvDisplays[2] "C" key "C" tag "" "z180 sign" "COM1" "9600" "555"
@@ -275,8 +248,7 @@ beep
 SSTab1 page 2
 shapes shpNavNodePickFiles=808080 shpNavNodesChooseDest=00FF00
 cmdNext on
-new HostDisplayPicker
-HostDisplayPicker.ShowDisplayPicker()
+HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "Z180 Sign" "COM1" "9600" "555"
 cmdFinish on
 SSTab1 page 4
@@ -323,18 +295,13 @@ TEST_F(Wizard, AnswersOfThePickerAreTakenAsTheyAre) {
     };
     notebook.unheard.erase("HostDisplayList");
     EXPECT_EQ(choose(u""), log(R"(
-new HostDisplayPicker
-HostDisplayPicker.ShowDisplayPicker()
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayPicker new ShowDisplayPicker()
+HostDisplayList new OpenDisplayFile(&"Displays.dat") new OpenDisplayFile(&"Displays.dat")
 close dlgFirmwareWizard
 )")) << "refreshed all the same";
     notebook.unheard.insert("HostDisplayList");
     EXPECT_EQ(choose(u",,B"), log(R"(
-new HostDisplayPicker
-HostDisplayPicker.ShowDisplayPicker()
+HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "Z180 Sign" "COM1" "9600" "555"
 lstvDisplays[1] "Z180 Sign" "COM1" "9600" "555"
 lstvDisplays[2] "B" key "B" tag "" "Z180 Sign" "COM1" "9600" "555"
