@@ -119,7 +119,9 @@ void Screen::changed(forms::Control& control, forms::Change change) {
         default: break;
     }
     auto& list = static_cast<forms::ListView&>(control);
-    if (change == Change::selection) return tell(" selects " + std::to_string(*list.selected()));
+    if (change == Change::selection) {
+        return tell(list.selected() ? " selects " + std::to_string(*list.selected()) : " selects nothing");
+    }
     std::vector<forms::ListRow>& before = rows_[&list];
     if (list.row_count() < before.size()) tell(" cleared");
     before.resize(list.row_count());
