@@ -115,28 +115,6 @@ TEST_F(FormsTest, TheFirstErrorEndsEveryModalLoopAboveTheCaller) {
     EXPECT_EQ(error_of([this] { dialog.show_modal(); }), 0) << "it is over";
 }
 
-TEST_F(FormsTest, ClicksReachOnlyWhatAUserCouldClick) {
-    int clicks = 0;
-    dialog.button.on_click = [&] { ++clicks; };
-    dialog.button.set_enabled(false);
-    dialog.raise_click(dialog.button);
-    dialog.button.set_enabled(true);
-    dialog.button.set_visible(false);
-    dialog.raise_click(dialog.button);
-    dialog.button.set_visible(true);
-    dialog.raise_click(dialog.button);
-    EXPECT_EQ(clicks, 1);
-    dialog.raise_click(dialog.elsewhere);
-    EXPECT_FALSE(dialog.elsewhere.value()) << "its page is not shown";
-    dialog.raise_click(dialog.second);
-    EXPECT_TRUE(dialog.second.value());
-    EXPECT_FALSE(dialog.first.value()) << "one of a group";
-    dialog.pages.set_tab(1);
-    dialog.raise_click(dialog.elsewhere);
-    EXPECT_TRUE(dialog.elsewhere.value());
-    EXPECT_TRUE(dialog.second.value()) << "another page is another group";
-}
-
 TEST_F(FormsTest, PressesComeToTheTopmostControlInItsOwnTwips) {
     std::string presses;
     const auto note = [&presses](const char* name) {
@@ -175,12 +153,9 @@ TEST_F(FormsTest, TheViewIsToldOfChangesAndOfNothingElse) {
         dialog.label.refresh();
     }), test::log(R"(
 label: New
-button off
-button hidden
-shapes node=00FF00
-pages page 1
+set button=off button=hidden node=00FF00 pages=1
 list[0] "A" key "" tag ""
-list selects 0
+set list=0
 redraw label
 )"));
     // What the user does is on the screen already.

@@ -59,7 +59,10 @@ void Screen::run_modal(forms::Form& form, forms::Form* owner) {
     // What loading has made of it, before there was a view to tell.
     for (forms::Control* control : form.controls()) {
         using enum forms::ControlKind;
-        if (control->kind() == list_view) changed(*control, forms::Change::rows);
+        if (control->kind() == list_view) {
+            rows_.erase(static_cast<forms::ListView*>(control));
+            changed(*control, forms::Change::rows);
+        }
         if (control->kind() == shape) changed(*control, forms::Change::color);
         if (!control->enabled()) changed(*control, forms::Change::enabled);
         if (!control->visible()) changed(*control, forms::Change::visible);
@@ -72,6 +75,7 @@ void Screen::run_modal(forms::Form& form, forms::Form* owner) {
         } else {
             const auto act = std::move(acts.front());
             acts.pop_front();
+            notebook_.end_part();
             act(form);
         }
     }
@@ -106,22 +110,20 @@ void Screen::pop_up_menu(forms::Form& form, forms::Menu& menu) {
 void Screen::changed(forms::Control& control, forms::Change change) {
     using forms::Change;
     const auto tell = [&](const std::string& what) { notebook_.line(top().name(), control.name() + what); };
-    const auto on_off = [&](const char* on, const char* off, bool is_on) { tell(is_on ? on : off); };
+    const auto set = [&](const std::string& value) {
+        notebook_.part(top().name(), "set", ' ' + control.name() + '=' + value);
+    };
     switch (change) {
         case Change::caption: return tell(": " + to_utf8(control.caption()));
-        case Change::enabled: return on_off(" on", " off", control.enabled());
-        case Change::visible: return on_off(" shown", " hidden", control.visible());
+        case Change::enabled: return set(control.enabled() ? "on" : "off");
+        case Change::visible: return set(control.visible() ? "shown" : "hidden");
         case Change::value: return;
-        case Change::color:
-            return notebook_.part(top().name(), "shapes",
-                                  ' ' + control.name() + '=' + hex(static_cast<forms::Shape&>(control).fill_color()));
-        case Change::tab: return tell(" page " + std::to_string(static_cast<forms::TabPages&>(control).tab()));
+        case Change::color: return set(hex(static_cast<forms::Shape&>(control).fill_color()));
+        case Change::tab: return set(std::to_string(static_cast<forms::TabPages&>(control).tab()));
         default: break;
     }
     auto& list = static_cast<forms::ListView&>(control);
-    if (change == Change::selection) {
-        return tell(list.selected() ? " selects " + std::to_string(*list.selected()) : " selects nothing");
-    }
+    if (change == Change::selection) return set(list.selected() ? std::to_string(*list.selected()) : "none");
     std::vector<forms::ListRow>& before = rows_[&list];
     if (list.row_count() < before.size()) tell(" cleared");
     before.resize(list.row_count());

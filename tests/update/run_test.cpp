@@ -66,7 +66,7 @@ lstvDisplayStatus[0] "A" key "" tag "A" "Not Updated" icon "Not Updated"
 lstvDisplayStatus[1] "B" key "" tag "B" "Not Updated" icon "Not Updated"
 lstvDisplayStatus[2] "C" key "" tag "C" "Not Updated" icon "Not Updated"
 lstvDisplayStatus[3] "D" key "" tag "D" "Not Updated" icon "Not Updated"
-cmdClose off
+set cmdClose=off
 HostDisplayList FindDisplay(&"A") SelectDisplay(I4 0)
 lstvDisplayStatus[0] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 lstvDisplayStatus[0] "Updated - " icon "Updated"
@@ -77,20 +77,20 @@ HostDisplayList FindDisplay(&"C") SelectDisplay(I4 2)
 lstvDisplayStatus[2] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 ask "Verify Cancellation" "Are you sure you want to cancel?" yes/no
 lstvDisplayStatus[2] "Cancelled - " text 0000FF cell 0000FF icon "Cancelled"
-cmdClose on
+set cmdClose=on
 -- at rest
 menu mnuPopup: Retry!
-lstvDisplayStatus selects 0
+set lstvDisplayStatus=0
 menu mnuPopup: Retry!
 HostDisplayList FindDisplay(&"A") SelectDisplay(I4 0)
 lstvDisplayStatus[0] "Updating - " icon "Updating"
 lstvDisplayStatus[0] "Updated - " icon "Updated"
-lstvDisplayStatus selects 3
+set lstvDisplayStatus=3
 menu mnuPopup: Retry!
 HostDisplayList FindDisplay(&"D") SelectDisplay(I4 3)
 lstvDisplayStatus[3] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 lstvDisplayStatus[3] "Updated - " icon "Updated"
-lstvDisplayStatus selects 1
+set lstvDisplayStatus=1
 menu mnuPopup: Retry!
 HostDisplayList FindDisplay(&"B") SelectDisplay(I4 1)
 lstvDisplayStatus[1] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
