@@ -60,7 +60,10 @@ void Screen::run_modal(forms::Form& form, forms::Form* owner) {
     // What loading has made of it, before there was a view to tell.
     for (forms::Control* control : form.controls()) {
         using enum forms::ControlKind;
-        if (control->kind() == list_view) changed(*control, forms::Change::rows);
+        if (control->kind() == list_view) {
+            rows_.erase(static_cast<forms::ListView*>(control));
+            changed(*control, forms::Change::rows);
+        }
         if (control->kind() == shape) changed(*control, forms::Change::color);
         if (!control->enabled()) changed(*control, forms::Change::enabled);
         if (!control->visible()) changed(*control, forms::Change::visible);
@@ -73,6 +76,7 @@ void Screen::run_modal(forms::Form& form, forms::Form* owner) {
         } else {
             const auto act = std::move(acts.front());
             acts.pop_front();
+            notebook_.end_part();
             act(form);
         }
     }
@@ -107,20 +111,20 @@ void Screen::pop_up_menu(forms::Form& form, forms::Menu& menu) {
 void Screen::changed(forms::Control& control, forms::Change change) {
     using forms::Change;
     const auto tell = [&](const std::string& what) { notebook_.line(top().name(), control.name() + what); };
-    const auto on_off = [&](const char* on, const char* off, bool is_on) { tell(is_on ? on : off); };
+    const auto set = [&](const std::string& value) {
+        notebook_.part(top().name(), "set", ' ' + control.name() + '=' + value);
+    };
     switch (change) {
         case Change::caption: return tell(": " + to_utf8(control.caption()));
-        case Change::enabled: return on_off(" on", " off", control.enabled());
-        case Change::visible: return on_off(" shown", " hidden", control.visible());
+        case Change::enabled: return set(control.enabled() ? "on" : "off");
+        case Change::visible: return set(control.visible() ? "shown" : "hidden");
         case Change::value: return;
-        case Change::color:
-            return notebook_.part(top().name(), "shapes",
-                                  ' ' + control.name() + '=' + hex(static_cast<forms::Shape&>(control).fill_color()));
-        case Change::tab: return tell(" page " + std::to_string(static_cast<forms::TabPages&>(control).tab()));
+        case Change::color: return set(hex(static_cast<forms::Shape&>(control).fill_color()));
+        case Change::tab: return set(std::to_string(static_cast<forms::TabPages&>(control).tab()));
         default: break;
     }
     auto& list = static_cast<forms::ListView&>(control);
-    if (change == Change::selection) return tell(" selects " + std::to_string(*list.selected()));
+    if (change == Change::selection) return set(list.selected() ? std::to_string(*list.selected()) : "none");
     std::vector<forms::ListRow>& before = rows_[&list];
     if (list.row_count() < before.size()) tell(" cleared");
     before.resize(list.row_count());
@@ -172,8 +176,8 @@ public:
         for (UINT i = parameters->cArgs; i-- > 0;)
             arguments += (arguments.empty() ? "" : ", ") + shown(parameters->rgvarg[i]);
         // What is only read is not written down.
-        if (puts) host_.notebook_.line(class_.name, call + " = " + arguments);
-        if (flags == DISPATCH_METHOD) host_.notebook_.line(class_.name, call + '(' + arguments + ')');
+        if (puts) host_.notebook_.part(class_.name, class_.name, ' ' + name + '=' + arguments);
+        if (flags == DISPATCH_METHOD) host_.notebook_.part(class_.name, class_.name, ' ' + name + '(' + arguments + ')');
         if (!puts && flags != DISPATCH_METHOD && flags != (DISPATCH_METHOD | DISPATCH_PROPERTYGET))
             return DISP_E_MEMBERNOTFOUND;
         const com::ComPtr<HostObject> alive(this);
@@ -232,7 +236,7 @@ RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {
     constexpr platform::RegistryKey kClassesRoot = platform::registry_key(platform::kHkeyClassesRoot);
     for (const HostClass& one : kClasses) {
         cookies_.push_back(com::offer_class(objects, one.clsid, [this, &one] {
-            notebook_.line(one.name, std::string("new ") + one.name);
+            notebook_.part(one.name, one.name, " new");
             return com::make_object<HostObject>(*this, one);
         }));
         if (*one.programmatic_id == '\0') continue;

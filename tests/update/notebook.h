@@ -26,6 +26,7 @@ public:
     void line(const std::string& who, const std::string& what);
     /// The same for a part of something: behind the last line where that was about the same part.
     void part(const std::string& who, const std::string& of, const std::string& what);
+    void end_part() { part_.clear(); }
     /// What has been written since the last call, a line each.
     std::string take() { return std::exchange(text_, {}); }
 

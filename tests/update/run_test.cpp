@@ -60,46 +60,39 @@ TEST_F(Run, WorksThroughTheDisplaysUntilOneIsCancelledAndRetriesAnyRow) {
     run.show_modal();
     EXPECT_TRUE(run.loaded()) << "Close hides it";
     EXPECT_EQ(notebook.take(), log(R"(
-new HostDisplayList
-HostDisplayList.OpenDisplayFile(&"Displays.dat")
+HostDisplayList new OpenDisplayFile(&"Displays.dat")
 open dlgDispUpdater
 lstvDisplayStatus[0] "A" key "" tag "A" "Not Updated" icon "Not Updated"
 lstvDisplayStatus[1] "B" key "" tag "B" "Not Updated" icon "Not Updated"
 lstvDisplayStatus[2] "C" key "" tag "C" "Not Updated" icon "Not Updated"
 lstvDisplayStatus[3] "D" key "" tag "D" "Not Updated" icon "Not Updated"
-cmdClose off
-HostDisplayList.FindDisplay(&"A")
-HostDisplayList.SelectDisplay(I4 0)
+set cmdClose=off
+HostDisplayList FindDisplay(&"A") SelectDisplay(I4 0)
 lstvDisplayStatus[0] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 lstvDisplayStatus[0] "Updated - " icon "Updated"
-HostDisplayList.FindDisplay(&"B")
-HostDisplayList.SelectDisplay(I4 1)
+HostDisplayList FindDisplay(&"B") SelectDisplay(I4 1)
 lstvDisplayStatus[1] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 lstvDisplayStatus[1] "FAILED - Unable to open connection to display!" text 0000FF cell 0000FF icon "FAILED"
-HostDisplayList.FindDisplay(&"C")
-HostDisplayList.SelectDisplay(I4 2)
+HostDisplayList FindDisplay(&"C") SelectDisplay(I4 2)
 lstvDisplayStatus[2] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 ask "Verify Cancellation" "Are you sure you want to cancel?" yes/no
 lstvDisplayStatus[2] "Cancelled - " text 0000FF cell 0000FF icon "Cancelled"
-cmdClose on
+set cmdClose=on
 -- at rest
 menu mnuPopup: Retry!
-lstvDisplayStatus selects 0
+set lstvDisplayStatus=0
 menu mnuPopup: Retry!
-HostDisplayList.FindDisplay(&"A")
-HostDisplayList.SelectDisplay(I4 0)
+HostDisplayList FindDisplay(&"A") SelectDisplay(I4 0)
 lstvDisplayStatus[0] "Updating - " icon "Updating"
 lstvDisplayStatus[0] "Updated - " icon "Updated"
-lstvDisplayStatus selects 3
+set lstvDisplayStatus=3
 menu mnuPopup: Retry!
-HostDisplayList.FindDisplay(&"D")
-HostDisplayList.SelectDisplay(I4 3)
+HostDisplayList FindDisplay(&"D") SelectDisplay(I4 3)
 lstvDisplayStatus[3] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 lstvDisplayStatus[3] "Updated - " icon "Updated"
-lstvDisplayStatus selects 1
+set lstvDisplayStatus=1
 menu mnuPopup: Retry!
-HostDisplayList.FindDisplay(&"B")
-HostDisplayList.SelectDisplay(I4 1)
+HostDisplayList FindDisplay(&"B") SelectDisplay(I4 1)
 lstvDisplayStatus[1] "Updating - " text 64FF64 cell 64FF64 icon "Updating"
 lstvDisplayStatus[1] "FAILED - Unable to open connection to display!" text 0000FF cell 0000FF icon "FAILED"
 close dlgDispUpdater

@@ -31,10 +31,11 @@ protected:
         status = session.LastStatus();
         return updated;
     }
-    /// What has been written from a line on that begins so.
-    std::string log_from(const char* line) {
+    /// What has been written, from a text on.
+    std::string log_from(const char* text) {
         const std::string all = notebook.take();
-        return all.substr(std::min(all.size(), all.find(line)));
+        const std::size_t begin = all.find(text);
+        return begin == std::string::npos ? "nowhere: " + all : all.substr(begin);
     }
 
     std::u16string status;
@@ -50,36 +51,26 @@ TEST_F(Session, ResetsEveryUnitFromTheLastToTheFirst) {
     host.during["vexDispTrans.CloseConnection"] = [this](DISPPARAMS&) { host.raise("vexDispTrans", u"Hanging up"); };
     EXPECT_TRUE(play(u""));
     EXPECT_EQ(notebook.take(), log(R"(
-new vexDispTrans
-new vexLANBoxFinder2
+vexDispTrans new
+vexLANBoxFinder2 new
 open dlgHandleSignOption
 lblDisplayName: Main Street
 lblStatus: Preparing to Open Connection to Display!
-new HostConnection
-HostConnection.ConnectionType = I2 1
-HostConnection.ComBaud = "9600"
-HostConnection.ComPort = "COM1"
-HostConnection.SignID = I2 1
-vexDispTrans.OpenConnection(&HostConnection)
+HostConnection new ConnectionType=I2 1 ComBaud="9600" ComPort="COM1" SignID=I2 1
+vexDispTrans OpenConnection(&HostConnection)
 lblStatus: Connection Open
 lblStatus: Checking for Master/Slaves
 redraw lblStatus
 lblID: 01
-vexDispTrans.SignID = I2 1
-vexDispTrans.GetSignInfo()
+vexDispTrans SignID=I2 1 GetSignInfo()
 lblID: 20
-vexDispTrans.SignID = I2 20
-vexDispTrans.GetSignInfo()
-vexDispTrans.SignID = I2 20
-vexDispTrans.ResetAndClear()
-vexDispTrans.SignID = I2 2
+vexDispTrans SignID=I2 20 GetSignInfo() SignID=I2 20 ResetAndClear() SignID=I2 2
 lblID: 2
-vexDispTrans.ResetAndClear()
-vexDispTrans.SignID = I2 1
+vexDispTrans ResetAndClear() SignID=I2 1
 lblID: 1
-vexDispTrans.ResetAndClear()
+vexDispTrans ResetAndClear()
 lblStatus: Closing Connection
-vexDispTrans.CloseConnection()
+vexDispTrans CloseConnection()
 pump
 lblStatus: Hanging up
 pump
@@ -90,35 +81,20 @@ close dlgHandleSignOption
 TEST_F(Session, LoadsMotorolaFirmwareIntoEveryUnitOverTheTelephone) {
     display({{"ConnectionType", u"3"}, {"SignIDs", u"7,8"}});
     EXPECT_TRUE(play(u"D:\\fw\\new.SHX"));
-    EXPECT_EQ(notebook.take(), log(R"(
-new vexDispTrans
-new vexLANBoxFinder2
-open dlgHandleSignOption
-lblDisplayName: Main Street
-lblStatus: Preparing to Open Connection to Display!
-new HostConnection
-HostConnection.ConnectionType = I2 3
-HostConnection.ComBaud = "9600"
-HostConnection.ComPort = "COM1"
-HostConnection.PhoneNumber = "555"
-HostConnection.SignID = I2 7
-vexDispTrans.OpenConnection(&HostConnection)
+    EXPECT_EQ(log_from("HostConnection"), log(R"(
+HostConnection new ConnectionType=I2 3 ComBaud="9600" ComPort="COM1" PhoneNumber="555" SignID=I2 7
+vexDispTrans OpenConnection(&HostConnection)
 lblStatus: Connection Open
 lblStatus: Checking for Master/Slaves
 redraw lblStatus
 lblID: 7
-vexDispTrans.SignID = I2 7
-vexDispTrans.GetSignInfo()
+vexDispTrans SignID=I2 7 GetSignInfo()
 lblID: 8
-vexDispTrans.SignID = I2 8
-vexDispTrans.GetSignInfo()
-vexDispTrans.SignID = I2 8
-vexDispTrans.DownloadFirmware(&"D:\fw\new.SHX")
+vexDispTrans SignID=I2 8 GetSignInfo() SignID=I2 8 DownloadFirmware(&"D:\fw\new.SHX")
 lblID: 7
-vexDispTrans.SignID = I2 7
-vexDispTrans.DownloadFirmware(&"D:\fw\new.SHX")
+vexDispTrans SignID=I2 7 DownloadFirmware(&"D:\fw\new.SHX")
 lblStatus: Closing Connection
-vexDispTrans.CloseConnection()
+vexDispTrans CloseConnection()
 close dlgHandleSignOption
 )"));
 }
@@ -132,26 +108,16 @@ TEST_F(Session, LoadsRabbitFirmwareWithTheFlashLoaderOverTheNetwork) {
     };
     host.answers["vexDispTrans.PrepareForFirmware"] = com::Variant::boolean(false);
     EXPECT_TRUE(play(u"D:\\fw\\new.BIN", true));
-    EXPECT_EQ(notebook.take(), log(R"(
-new vexDispTrans
-new vexLANBoxFinder2
-open dlgHandleSignOption
-lblDisplayName: Main Street
+    EXPECT_EQ(log_from("lblStatus"), log(R"(
 lblStatus: Checking if Display Type and Connection support firmware download!
-vexLANBoxFinder2.SearchTimeout = I2 1000
-vexLANBoxFinder2.FindBoxes("10.0.0.7", R8 7, R8 7)
+vexLANBoxFinder2 SearchTimeout=I2 1000 FindBoxes("10.0.0.7", R8 7, R8 7)
 lblStatus: Preparing to Open Connection to Display!
-new HostConnection
-HostConnection.ConnectionType = I2 2
-HostConnection.NetworkAddress = "10.0.0.7"
-HostConnection.ComPort = "COM1"
-HostConnection.SignID = I2 7
-vexDispTrans.OpenConnection(&HostConnection)
+HostConnection new ConnectionType=I2 2 NetworkAddress="10.0.0.7" ComPort="COM1" SignID=I2 7
+vexDispTrans OpenConnection(&HostConnection)
 lblStatus: Connection Open
-vexDispTrans.PrepareForFirmware()
+vexDispTrans PrepareForFirmware()
 is there C:\Plugin\BIN\FIRMWARE\SL-RCM2000D.BIN
-vexDispTrans.DownloadFirmwareWithLoader(&"D:\fw\new.BIN", "C:\Plugin\BIN\FIRMWARE\SL-RCM2000D.BIN")
-vexDispTrans.CloseConnection()
+vexDispTrans DownloadFirmwareWithLoader(&"D:\fw\new.BIN", "C:\Plugin\BIN\FIRMWARE\SL-RCM2000D.BIN") CloseConnection()
 close dlgHandleSignOption
 )"));
     files_exist = false;
@@ -165,9 +131,10 @@ TEST_F(Session, LeavesRabbitFirmwareToTheExternalTool) {
     for (const bool prepared : {true, false}) {
         host.answers["vexDispTrans.PrepareForFirmware"] = com::Variant::boolean(prepared);
         EXPECT_EQ(play(u"D:\\fw\\new.BIN", true, true), prepared);
-        EXPECT_EQ(log_from("vexDispTrans.Prepare"), log(R"(
-vexDispTrans.PrepareForFirmware()
-vexDispTrans.CloseConnection()
+        EXPECT_EQ(log_from("OpenConnection"), log(R"(
+OpenConnection(&HostConnection)
+lblStatus: Connection Open
+vexDispTrans PrepareForFirmware() CloseConnection()
 is there C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 start C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 close dlgHandleSignOption
@@ -202,8 +169,8 @@ TEST_F(Session, RefusesFirmwareForATq1BoardThatCannotTakeIt) {
 TEST_F(Session, AConnectionThatDoesNotOpenEndsIt) {
     host.answers["vexDispTrans.OpenConnection"] = com::Variant::boolean(false);
     EXPECT_FALSE(play(u""));
-    EXPECT_EQ(log_from("vexDispTrans.Open"), log(R"(
-vexDispTrans.OpenConnection(&HostConnection)
+    EXPECT_EQ(log_from("OpenConnection"), log(R"(
+OpenConnection(&HostConnection)
 lblStatus: Connection Problem
 lblStatus: Unable to open connection to display!
 close dlgHandleSignOption
@@ -222,27 +189,22 @@ TEST_F(Session, TheControlMayReplaceTheConnection) {
 TEST_F(Session, CancelAsksAndEndsTheOperationAndTheConnection) {
     display({{"SignIDs", u"1,2"}});
     host.during["vexDispTrans.ResetAndClear"] = [this](DISPPARAMS&) { host.raise("vexDispTrans", u"Resetting"); };
-    for (const auto answer : {forms::MessageAnswer::yes, forms::MessageAnswer::no}) {
-        screen.answer = answer;
-        screen.at_pump = [](forms::Form& form) { form.raise_click(*form.find("cmdCancel")); };
-        const bool updated = play(u"");
-        EXPECT_EQ(updated, answer == forms::MessageAnswer::no);
-        const std::string all = log_from("vexDispTrans.Reset");
-        const std::string rest = updated ? "lblStatus: Resetting\npump\nvexDispTrans.SignID = I2 1\n" : log(R"(
-vexDispTrans.CancelTransmission()
-vexDispTrans.CloseConnection()
+    screen.at_pump = [](forms::Form& form) { form.raise_click(*form.find("cmdCancel")); };
+    EXPECT_FALSE(play(u"")) << "though the operation succeeded";
+    EXPECT_EQ(log_from("ResetAndClear"), log(R"(
+ResetAndClear()
+pump
+ask "Verify Cancellation" "Are you sure you want to cancel?" yes/no
+vexDispTrans CancelTransmission() CloseConnection()
 lblStatus: Resetting
 pump
 lblStatus: Closing Connection
-vexDispTrans.CloseConnection()
+vexDispTrans CloseConnection()
 close dlgHandleSignOption
-)");
-        EXPECT_TRUE(all.starts_with(log(R"(
-vexDispTrans.ResetAndClear()
-pump
-ask "Verify Cancellation" "Are you sure you want to cancel?" yes/no
-)") + rest)) << all;
-    }
+)"));
+    screen.answer = forms::MessageAnswer::no;
+    screen.at_pump = [](forms::Form& form) { form.raise_click(*form.find("cmdCancel")); };
+    EXPECT_TRUE(play(u""));
 }
 
 TEST_F(Session, ACancelDuringTheEnumerationStillListsTheSlavesAndAddressesNoUnit) {
@@ -268,13 +230,13 @@ TEST_F(Session, WorksOnceAndIsNotClosedByItsUser) {
         EXPECT_FALSE(form.running());
     };
     EXPECT_TRUE(play(u""));
-    EXPECT_EQ(log_from("vexDispTrans.Reset"), log(R"(
-vexDispTrans.ResetAndClear()
+    EXPECT_EQ(log_from("ResetAndClear"), log(R"(
+ResetAndClear()
 pump
 lblStatus: Resetting
 pump
 lblStatus: Closing Connection
-vexDispTrans.CloseConnection()
+vexDispTrans CloseConnection()
 close dlgHandleSignOption
 )"));
 }
