@@ -20,11 +20,11 @@ struct InterfaceTraits<IUnknown> {
 };
 
 /// Declares, at namespace vex::com, that `Interface` has the identity `Iid` and derives from `Parent`.
-#define VEX_INTERFACE(Interface, Parent, Iid)              \
-    template <>                                            \
-    struct InterfaceTraits<Interface> {                    \
-        using Base = Parent;                               \
-        static const IID& id() noexcept { return Iid; }    \
+#define VEX_INTERFACE(Interface, Parent, Iid)           \
+    template <>                                         \
+    struct InterfaceTraits<Interface> {                 \
+        using Base = Parent;                            \
+        static const IID& id() noexcept { return Iid; } \
     }
 
 VEX_INTERFACE(IClassFactory, IUnknown, IID_IClassFactory);
@@ -97,8 +97,7 @@ public:
     template <class Other>
     ComPtr<Other> query() const noexcept {
         ComPtr<Other> result;
-        if (object_ == nullptr ||
-            FAILED(object_->QueryInterface(InterfaceTraits<Other>::id(), result.put_void()))) {
+        if (object_ == nullptr || FAILED(object_->QueryInterface(InterfaceTraits<Other>::id(), result.put_void()))) {
             return {};
         }
         return result;

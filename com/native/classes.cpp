@@ -90,8 +90,7 @@ HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*
         if (path.empty()) return CO_E_DLLNOTFOUND;
         void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr) return CO_E_DLLNOTFOUND;
-        const Server found{library,
-                           reinterpret_cast<decltype(&DllGetClassObject)>(dlsym(library, "DllGetClassObject")),
+        const Server found{library, reinterpret_cast<decltype(&DllGetClassObject)>(dlsym(library, "DllGetClassObject")),
                            reinterpret_cast<decltype(&DllCanUnloadNow)>(dlsym(library, "DllCanUnloadNow"))};
         if (found.get_class_object == nullptr) {
             dlclose(library);

@@ -215,11 +215,11 @@ struct IClassFactory : IUnknown {
 struct IDispatch : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) = 0;
-    virtual HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count,
-                                                    LCID locale, DISPID* ids) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
+                                                    DISPID* ids) = 0;
     virtual HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID reserved, LCID locale, WORD flags,
-                                             DISPPARAMS* parameters, VARIANT* result,
-                                             EXCEPINFO* exception, UINT* argument_error) = 0;
+                                             DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                             UINT* argument_error) = 0;
 };
 
 /// Type descriptions exist only on Windows; elsewhere the pointer type is all there is.

@@ -179,8 +179,8 @@ HRESULT to_text(const VARIANT& from, VARIANT& to) {
         case VT_R8: {
             // Fifteen significant digits; a zero has no sign.
             char digits[32];
-            const auto [end, error] = std::to_chars(std::begin(digits), std::end(digits), from.dblVal + 0.0,
-                                                    std::chars_format::general, 15);
+            const auto [end, error] =
+                std::to_chars(std::begin(digits), std::end(digits), from.dblVal + 0.0, std::chars_format::general, 15);
             text = to_upper(std::u16string(std::begin(digits), end));
             break;
         }
