@@ -71,6 +71,25 @@ LRESULT ControlWindow::system_handling(UINT message, WPARAM wide_parameter, LPAR
     return CallWindowProcW(system_procedure_, window_, message, wide_parameter, long_parameter);
 }
 
+/// Enter presses the push button that has the focus, however it came there, and else the form's own default one; its
+/// border shows which it is.
+void ControlWindow::show_default_button() const noexcept {
+    const auto show = [](HWND child, LPARAM focused) -> BOOL {
+        const auto& focus = *reinterpret_cast<const ControlWindow*>(focused);
+        const ControlWindow* button = from(child);
+        if (button == nullptr || button->control_.kind() != forms::ControlKind::button) return TRUE;
+        const bool is_default = focus.control_.kind() == forms::ControlKind::button
+                                    ? button == &focus
+                                    : static_cast<const forms::Button&>(button->control_).is_default;
+        const LONG_PTR style = is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
+        if ((GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK) != style) {
+            SendMessageW(child, BM_SETSTYLE, static_cast<WPARAM>(style), TRUE);
+        }
+        return TRUE;
+    };
+    EnumChildWindows(GetAncestor(window_, GA_ROOT), show, reinterpret_cast<LPARAM>(this));
+}
+
 LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wide_parameter,
                                           LPARAM long_parameter) noexcept {
     auto& self = *reinterpret_cast<ControlWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
@@ -81,6 +100,7 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wide
         self.window_ = nullptr;
         return CallWindowProcW(system_procedure, window, message, wide_parameter, long_parameter);
     }
+    if (message == WM_SETFOCUS) self.show_default_button();
     const auto result = self.context().guarded([&] { return self.message(message, wide_parameter, long_parameter); },
                                                std::optional<LRESULT>(0));
     return result ? *result : self.system_handling(message, wide_parameter, long_parameter);

@@ -50,6 +50,7 @@ protected:
     LRESULT system_handling(UINT message, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
 private:
+    void show_default_button() const noexcept;
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
     Surface& parent_;

@@ -18,9 +18,13 @@ public:
     /// An exported function. Raises RuntimeError when there is none of that name.
     template <class Function>
     Function* function(const char* name) const {
-        const FARPROC address = GetProcAddress(module_, name);
-        if (address == nullptr) throw last_error(u"A function of the system is missing");
-        return reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
+        if (Function* const found = try_function<Function>(name)) return found;
+        throw last_error(u"A function of the system is missing");
+    }
+    /// The same, or null.
+    template <class Function>
+    Function* try_function(const char* name) const noexcept {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
     }
 
 private:

@@ -18,7 +18,7 @@ BOOL CALLBACK collect(HWND window, LPARAM windows) noexcept {
 
 }  // namespace
 
-ModalScope::ModalScope(HWND modal) {
+ModalScope::ModalScope(HWND modal, HWND below) : modal_(modal), below_(below), focus_(GetFocus()) {
     EnumThreadWindows(GetCurrentThreadId(), collect, reinterpret_cast<LPARAM>(&disabled_));
     std::erase(disabled_, modal);
     for (const HWND window : disabled_) EnableWindow(window, FALSE);
@@ -28,10 +28,9 @@ ModalScope::~ModalScope() {
     for (const HWND window : disabled_) {
         if (IsWindow(window)) EnableWindow(window, TRUE);
     }
-}
-
-FocusScope::~FocusScope() {
-    if (focus_ == nullptr || GetActiveWindow() != active_) return;
+    if (below_ == nullptr || !IsWindow(below_)) return;
+    if (GetActiveWindow() == modal_) SetActiveWindow(below_);
+    if (focus_ == nullptr || GetActiveWindow() != below_) return;
     if (IsWindow(focus_) && IsWindowEnabled(focus_) && IsWindowVisible(focus_)) SetFocus(focus_);
 }
 

@@ -8,29 +8,21 @@
 namespace vex::platform::win32 {
 
 /// While it lives, no other window of the thread takes input; then exactly those that it has disabled do
-/// again. To be ended before the modal window is destroyed, so that the system activates its owner next.
+/// again, and the window that the modal one stood over is active with the focus that it had.
 class ModalScope {
 public:
-    explicit ModalScope(HWND modal);
+    /// Before `modal` is shown. `below`: what it stands over, or null. To be ended before `modal` is destroyed: the
+    /// system would activate another program's window next when it has no owner.
+    ModalScope(HWND modal, HWND below);
     ModalScope(const ModalScope&) = delete;
     ModalScope& operator=(const ModalScope&) = delete;
     ~ModalScope();
 
 private:
-    std::vector<HWND> disabled_;
-};
-
-/// Remembers the thread's focus and gives it back at its end, if its window can still take it.
-class FocusScope {
-public:
-    FocusScope() noexcept : active_(GetActiveWindow()), focus_(GetFocus()) {}
-    FocusScope(const FocusScope&) = delete;
-    FocusScope& operator=(const FocusScope&) = delete;
-    ~FocusScope();
-
-private:
-    HWND active_;
+    HWND modal_;
+    HWND below_;
     HWND focus_;
+    std::vector<HWND> disabled_;
 };
 
 }  // namespace vex::platform::win32

@@ -12,28 +12,10 @@
 namespace vex::platform::win32 {
 namespace {
 
-/// The thread's topmost form. A plain pointer: nothing has to be destroyed when the thread or the module ends.
-thread_local FormWindow* top_form = nullptr;
-
-/// Makes a form the topmost one, and its window the form's view, while it lives.
-class TopForm {
-public:
-    TopForm(forms::Form& form, FormWindow& window) noexcept : form_(form), below_(std::exchange(top_form, &window)) {
-        form_.set_view(&window);
-    }
-    TopForm(const TopForm&) = delete;
-    TopForm& operator=(const TopForm&) = delete;
-    ~TopForm() {
-        form_.set_view(nullptr);
-        top_form = below_;
-    }
-
-private:
-    forms::Form& form_;
-    FormWindow* below_;
-};
-
-HWND top_window() noexcept { return top_form != nullptr ? top_form->window() : GetActiveWindow(); }
+HWND top_window() noexcept {
+    const FormWindow* const top = FormWindow::top();
+    return top != nullptr ? top->window() : GetActiveWindow();
+}
 
 void dispatch(MSG& message) noexcept {
     const HWND form = message.hwnd == nullptr ? nullptr : GetAncestor(message.hwnd, GA_ROOT);
@@ -85,13 +67,11 @@ forms::Toolkit& desktop() {
 }
 
 void Win32Toolkit::run_modal(forms::Form& form, forms::Form* owner) {
-    const FocusScope focus;
-    // A form without an owner stands over what it keeps from taking input, and cannot get lost behind it.
+    const HWND below = top_window();
     const bool owned = owner != nullptr && owner->view() != nullptr;
-    FormWindow window(form, owned ? static_cast<FormWindow*>(owner->view())->window() : top_window());
+    FormWindow window(form, owned ? static_cast<FormWindow*>(owner->view())->window() : nullptr, below);
     {
-        const TopForm top(form, window);
-        const ModalScope modal(window.window());
+        const ModalScope modal(window.window(), below);
         window.show();
         run_loop(form, window);
     }

@@ -129,6 +129,8 @@ TEST_F(Window, TabFollowsTheTabIndexAndStopsOnceInAGroup) {
     form.stop.set_enabled(false);
     form.blue.set_value(true);
     EXPECT_THAT(tab_order(Key::tab, 6), ElementsAre("red", "ok", "list", "box", "check", "blue"));
+    form.left.set_tab_index(1);
+    EXPECT_THAT(tab_order(Key::tab, 5), ElementsAre("ok", "list", "blue", "box", "check")) << "where its container is";
 }
 
 TEST_F(Window, FocusGoesOnWhenItsControlIsGone) {

@@ -62,7 +62,7 @@ std::optional<ListPane> FormWindow::pane_of(const forms::ListView& list) const {
 
 std::vector<Control*> FormWindow::tab_stops() const {
     std::vector<Control*> stops;
-    for (Control* control : form_.controls()) {
+    for (Control* control : form_.keyboard_order()) {
         if (!takes_focus(*control)) continue;
         if (control->kind() == ControlKind::option_button && !static_cast<forms::OptionButton*>(control)->value()) {
             // A group of option buttons is one stop: the chosen one, or the first where none is chosen.
@@ -80,8 +80,6 @@ std::vector<Control*> FormWindow::tab_stops() const {
         }
         stops.push_back(control);
     }
-    std::stable_sort(stops.begin(), stops.end(),
-                     [](const Control* left, const Control* right) { return left->tab_index() < right->tab_index(); });
     return stops;
 }
 
