@@ -9,11 +9,9 @@
 #include "platform/files.h"
 #include "platform/processes.h"
 #include "platform/registry.h"
+#include "support/product.h"
 
 namespace vex {
-
-/// The plug-in's title: of its message boxes and of the About box.
-inline constexpr char16_t kApplicationTitle[] = u"vexFirmWarePlugin";
 
 /// One per apartment; outlives every dialog and is used on the apartment's thread only.
 struct Services {
