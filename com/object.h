@@ -14,7 +14,12 @@ public:
     void add_object() noexcept { ++objects_; }
     void remove_object() noexcept { --objects_; }
     void add_lock() noexcept { ++locks_; }
-    void remove_lock() noexcept { --locks_; }
+    /// Does nothing where no lock is left: clients are not trusted to count theirs.
+    void remove_lock() noexcept {
+        long locks = locks_;
+        while (locks > 0 && !locks_.compare_exchange_weak(locks, locks - 1)) {
+        }
+    }
     /// True while no object is alive and no factory is locked.
     bool can_unload() const noexcept { return objects_ == 0 && locks_ == 0; }
     long objects() const noexcept { return objects_; }

@@ -7,7 +7,6 @@
 
 #include "forms/scripted_toolkit.h"
 #include "platform/native/machine.h"
-#include "tests/plugin/late_call.h"
 #include "tests/plugin/plugin_fixture.h"
 #include "tests/shared/late_object.h"
 
