@@ -1,9 +1,8 @@
-# What the product calls itself, in one place: the version resource, the About box and the registration all
-# take it from here. The version is the project's own.
+# What the product calls itself, in one place: the version resource, the dialogs, the registration and the type
+# library all take it from here. The version, and the name of the library file, are the project's own.
 
 set(VEX_PROJECT_NAME "vexFirmWarePlugin")
 set(VEX_PROJECT_DESCRIPTION "vexFirmwarePlugin")
-set(VEX_FILE_NAME "vexFirmwarePlugin")
 set(VEX_COMPANY_NAME "Norvan")
 set(VEX_TRADEMARKS "28")
 

@@ -18,7 +18,7 @@
 #include "platform/win32/class_registration.h"
 #include "platform/win32/late_library.h"
 #include "plugin/contract.h"
-#include "plugin/registration_entries.h"
+#include "plugin/registration.h"
 
 namespace vex::bench {
 namespace {
@@ -168,13 +168,10 @@ void measure_objects(Servers& servers) {
 }
 
 void measure(const std::filesystem::path& folder) {
-    std::size_t values = 0;
-    std::set<std::string> keys;
-    for (const plugin::RegistrationBranch& branch : plugin::registration_branches("", "")) {
-        values += branch.values.size();
-        for (const plugin::RegistrationValue& value : branch.values) keys.insert(branch.key + "\\" + value.path);
-    }
-    Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, values, keys.size()},
+    const auto entries = plugin::registration_entries(u"", u"");
+    std::set<std::u16string> keys;
+    for (const plugin::RegistrationEntry& entry : entries) keys.insert(entry.key);
+    Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, entries.size(), keys.size()},
                     Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
     const auto size = [](const Server& server) { return static_cast<unsigned long>(file_size(server.file)); };
     std::printf(

@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "plugin/type_library/writer.h"
-#include "tests/plugin/expected_type_library.h"
-#include "tests/plugin/type_library_text.h"
+#include "tests/plugin/type_library_words.h"
 
 namespace vex::plugin_test {
 namespace {

@@ -8,7 +8,6 @@
 #include "com/class_factory.h"
 #include "forms/scripted_toolkit.h"
 #include "platform/native/machine.h"
-#include "tests/plugin/late_call.h"
 #include "tests/plugin/plugin_fixture.h"
 #include "tests/shared/late_object.h"
 
