@@ -1,8 +1,6 @@
 // The type library file, read back byte by byte by a reader that shares nothing with the writer.
 #include <gtest/gtest.h>
 
-#include <map>
-#include <set>
 #include <stdexcept>
 #include <vector>
 
@@ -160,82 +158,11 @@ protected:
 
 TEST_F(TypeLibraryFile, SaysWhatTheContractSays) { EXPECT_EQ(Description(file_).text(), kExpectedTypeLibrary); }
 
-TEST_F(TypeLibraryFile, HasTheSignatureAndTheLocaleOfNames) {
-    EXPECT_EQ(file_.letters(0, 4), "MSFT");
-    EXPECT_EQ(file_.number(0x0C), 0x0409U);
-}
-
-TEST_F(TypeLibraryFile, HasTheSizeOfTheStandardLayout) {
+TEST_F(TypeLibraryFile, IsTheOneThatSystemsWereSeenToRead) {
     EXPECT_EQ(file_.size(), 3084U);
-    // The parts follow each other without gaps, and the blocks of members fill the rest.
-    std::map<std::uint32_t, std::uint32_t> parts;
-    for (std::uint32_t i = 0; i < File::kPartCount; ++i) {
-        const auto part = static_cast<File::Part>(i);
-        if (file_.part_size(part) != 0) parts[file_.part_at(part)] = file_.part_size(part);
-    }
-    std::uint32_t at = 0x54 + 4 * file_.type_count() + 16 * File::kPartCount;
-    for (const auto& [begin, size] : parts) {
-        EXPECT_EQ(begin, at);
-        at += size;
-    }
-    for (std::uint32_t i = 0; i < file_.type_count(); ++i) {
-        const std::uint32_t block = file_.number(file_.type_at(i) + 4);
-        const std::uint32_t count = file_.number(file_.type_at(i) + 0x18) & 0xFFFF;
-        if (count == 0) {
-            EXPECT_EQ(block, file_.size());
-            continue;
-        }
-        EXPECT_EQ(block, at);
-        at += 4 + file_.number(block) + 12 * count;
-    }
-    EXPECT_EQ(at, file_.size());
-}
-
-TEST_F(TypeLibraryFile, ImportsTheStandardLibrary) {
-    const std::uint32_t at = file_.part_at(File::kImportedFiles);
-    EXPECT_EQ(file_.guid_text_at(file_.number(at)), "{00020430-0000-0000-C000-000000000046}");
-    EXPECT_EQ(file_.number(at + 8), 2U) << "version 2.0";
-    EXPECT_EQ(file_.letters(at + 14, file_.number(at + 12, 2) >> 2), "stdole2.tlb");
-    std::set<std::string> types;
-    for (std::uint32_t offset = 0; offset < file_.part_size(File::kImportedTypes); offset += 12) {
-        types.insert(file_.guid_text_at(file_.number(file_.part_at(File::kImportedTypes) + offset + 8)));
-    }
-    EXPECT_EQ(types,
-              (std::set<std::string>{"{00020400-0000-0000-C000-000000000046}", "{0BE35204-8F91-11CE-9DE3-00AA004BB851}",
-                                     "{7BF80981-BF32-101A-8BBB-00AA00300CAB}"}));
-    EXPECT_EQ(file_.number(0x50), 3U);
-    EXPECT_EQ(file_.number(0x4C), 1U) << "IDispatch is the first import";
-}
-
-TEST_F(TypeLibraryFile, HashChainsReachEveryEntryOnce) {
-    std::set<std::uint32_t> guids;
-    for (std::uint32_t slot = 0; slot < 32; ++slot) {
-        for (auto at = file_.number(file_.part_at(File::kGuidHash) + 4 * slot); at != kNone;
-             at = file_.number(file_.part_at(File::kGuids) + at + 20)) {
-            EXPECT_TRUE(guids.insert(at).second);
-        }
-    }
-    EXPECT_EQ(24 * guids.size(), file_.part_size(File::kGuids));
-
-    std::size_t characters = 0;
-    std::set<std::string> names;
-    for (std::uint32_t slot = 0; slot < 128; ++slot) {
-        for (auto at = file_.number(file_.part_at(File::kNameHash) + 4 * slot); at != kNone;
-             at = file_.number(file_.part_at(File::kNames) + at + 4)) {
-            EXPECT_EQ(file_.number(file_.part_at(File::kNames) + at + 10, 2) % 128, slot);
-            EXPECT_TRUE(names.insert(file_.name(at)).second);
-            characters += file_.name(at).size();
-        }
-    }
-    EXPECT_EQ(names.size(), file_.number(0x30));
-    EXPECT_EQ(characters, file_.number(0x34));
-}
-
-TEST(InterfaceIdResource, IsALengthAndTheIdentity) {
-    const std::vector<std::uint8_t> bytes = type_library::write_interface_id(plugin::kPluginDataInterface);
-    const std::vector<std::uint8_t> expected = {16,   0,    0,    0,    0xCC, 0x5C, 0xD1, 0x28, 0x8D, 0xA5,
-                                                0xF0, 0x44, 0x8A, 0xAF, 0x3E, 0xEC, 0xB0, 0x73, 0x6F, 0xA9};
-    EXPECT_EQ(bytes, expected);
+    std::uint32_t sum = 0;
+    for (std::uint32_t at = 0; at < file_.size(); ++at) sum = sum * 31 + file_.number(at, 1);
+    EXPECT_EQ(sum, 3615085644U);
 }
 
 }  // namespace
