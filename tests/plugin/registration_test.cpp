@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <optional>
 #include <set>
 
 #include "core/unicode.h"
@@ -149,21 +150,20 @@ TEST_F(Registration, WritesThisAndNothingElse) {
 
 TEST_F(Registration, GoesWhateverItHasBecome) {
     const std::u16string entry = from_utf8(kEntryKey);
+    const std::string settings = std::string(kInterfaceKey) + "\\Settings";
     ASSERT_EQ(register_server(), S_OK);
     // Another spelling of the library's path, and another class.
     write_class_text(entry + u"\\InprocServer32", u"", u"C:\\PROGRA~1\\VEXFIR~1.DLL");
     write_class_text(u"vexFirmWarePlugin.PluginData\\CLSID", u"", u"{11111111-2222-3333-4444-555555555555}");
     // What is not ours stays, and is no failure.
     write_class_text(entry, u"Owner", u"someone else");
-    write_class_text(from_utf8(kInterfaceKey) + u"\\Settings", u"", u"12");
+    write_class_text(from_utf8(settings), u"Owner", u"nobody");
     EXPECT_EQ(unregister_server(), S_OK);
-    const std::string interface_key = kInterfaceKey;
-    EXPECT_EQ(changed(), (Lines{kEntryKey, std::string(kEntryKey) + " Owner=someone else", interface_key,
-                                interface_key + "\\Settings", interface_key + "\\Settings =12"}));
-    platform::remove_class_text(entry, u"Owner");
-    platform::remove_class_text(from_utf8(kInterfaceKey) + u"\\Settings", u"");
-    for (const std::u16string& key : {entry, from_utf8(kInterfaceKey) + u"\\Settings", from_utf8(kInterfaceKey)}) {
-        platform::remove_empty_class_key(key);
+    EXPECT_EQ(changed(), (Lines{kEntryKey, std::string(kEntryKey) + " Owner=someone else", kInterfaceKey, settings,
+                                settings + " Owner=nobody"}));
+    for (const char* key : {kEntryKey, settings.c_str(), kInterfaceKey}) {
+        platform::remove_class_text(from_utf8(key), u"Owner");
+        platform::remove_empty_class_key(from_utf8(key));
     }
     EXPECT_EQ(changed(), Lines{});
 }
@@ -173,22 +173,15 @@ TEST_F(Registration, LeadsIntoFoldersThatNoCodePageHolds) {
     std::filesystem::create_directories(folder);
     const auto copy = folder / plugin_file().filename();
     std::filesystem::copy_file(plugin_file(), copy, std::filesystem::copy_options::overwrite_existing);
-    {
-        const platform::Library library(copy);
-        const auto call = [&library](const char* name) {
-            return library.function<HRESULT(STDMETHODCALLTYPE*)()>(name)();
-        };
-        if (kAnyFolderIsRegistered) {
-            EXPECT_EQ(call("DllRegisterServer"), S_OK);
-            EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil"), S_OK);
-            com::ComPtr<IDispatch> object = make(kEntryClass);
-            EXPECT_EQ(call("DllUnregisterServer"), S_OK);
-        } else {
-            EXPECT_TRUE(FAILED(call("DllRegisterServer"))) << "better than a path that leads nowhere";
-        }
-        EXPECT_EQ(changed(), Lines{});
-        CoFreeUnusedLibraries();
-    }
+    std::optional<platform::Library> library(copy);
+    using Export = HRESULT(STDAPICALLTYPE*)();
+    const HRESULT result = library->function<Export>("DllRegisterServer")();
+    EXPECT_EQ(SUCCEEDED(result), kAnyFolderIsRegistered) << "better refused than a path that leads nowhere";
+    EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil") == S_OK, kAnyFolderIsRegistered);
+    EXPECT_EQ(library->function<Export>("DllUnregisterServer")(), S_OK);
+    EXPECT_EQ(changed(), Lines{});
+    CoFreeUnusedLibraries();
+    library.reset();
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
 }

@@ -126,18 +126,5 @@ TEST_F(WizardLife, TheAboutBoxIsOneForAllWizards) {
     EXPECT_EQ(boxes, std::vector(4, boxes.at(0)));
 }
 
-TEST_F(WizardLife, UnusedLibrariesGoAndComeBack) {
-    ASSERT_EQ(register_server(), S_OK);
-    for (int i = 0; i < 3; ++i) {
-        com::ComPtr<IDispatch> entry;
-        ASSERT_EQ(CoCreateInstance(kEntryClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, entry.put_void()), S_OK);
-        CoFreeUnusedLibraries();
-        EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).result, S_OK) << "in use: it must have stayed";
-        entry.reset();
-        CoFreeUnusedLibraries();
-    }
-    EXPECT_EQ(unregister_server(), S_OK);
-}
-
 }  // namespace
 }  // namespace vex::plugin_test
