@@ -146,8 +146,7 @@ inline constexpr Member kPluginDataMembers[] = {
      call<&IPluginData::get_PluginNames>},
     {"PluginDescription", 0x68030002, MemberKind::property_get, &kIndex, ValueType::text,
      call<&IPluginData::get_PluginDescription>},
-    {"PluginPic", 0x68030001, MemberKind::property_get, &kIndex, ValueType::picture,
-     call<&IPluginData::get_PluginPic>},
+    {"PluginPic", 0x68030001, MemberKind::property_get, &kIndex, ValueType::picture, call<&IPluginData::get_PluginPic>},
     {"PluginDescriptiveName", 0x68030000, MemberKind::property_get, &kIndex, ValueType::text,
      call<&IPluginData::get_PluginDescriptiveName>},
 };

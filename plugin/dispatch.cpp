@@ -73,8 +73,7 @@ HRESULT take(const Member& member, const DISPPARAMS& parameters, com::Variant& c
     if (named > given || (given > 0 && parameters.rgvarg == nullptr)) return E_INVALIDARG;
     if (named > 0 && parameters.rgdispidNamedArgs == nullptr) return E_INVALIDARG;
     if (member.parameter == nullptr && named > 0) return DISP_E_NONAMEDARGS;
-    const bool is_optional =
-        member.parameter == nullptr || member.parameter->passing == Passing::optional_by_reference;
+    const bool is_optional = member.parameter == nullptr || member.parameter->passing == Passing::optional_by_reference;
     if (given > (member.parameter == nullptr ? 0U : 1U) || (given == 0 && !is_optional)) return DISP_E_BADPARAMCOUNT;
 
     HRESULT result = S_OK;

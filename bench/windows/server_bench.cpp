@@ -54,9 +54,7 @@ struct Server {
     std::size_t registry_keys;
     std::optional<Library> library = std::nullopt;
 
-    void call(const char* name) const {
-        check(library->function<HRESULT(STDAPICALLTYPE*)()>(name)(), name);
-    }
+    void call(const char* name) const { check(library->function<HRESULT(STDAPICALLTYPE*)()>(name)(), name); }
     com::ComPtr<IDispatch> create() const {
         const auto get_class_object = library->function<decltype(&DllGetClassObject)>("DllGetClassObject");
         com::ComPtr<IClassFactory> factory;
@@ -171,8 +169,9 @@ void measure(const std::filesystem::path& folder) {
     const auto entries = plugin::registration_entries(u"", u"");
     std::set<std::u16string> keys;
     for (const plugin::RegistrationEntry& entry : entries) keys.insert(entry.key);
-    Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, entries.size(), keys.size()},
-                    Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
+    Servers servers{
+        Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, entries.size(), keys.size()},
+        Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
     const auto size = [](const Server& server) { return static_cast<unsigned long>(file_size(server.file)); };
     std::printf(
         "server: product %lu bytes, minimal server %lu bytes, %d bits; at most %.1f times its costs are allowed\n",

@@ -22,29 +22,19 @@ Variant missing() {
     return value;
 }
 
-class Invoke : public PluginTest {
-protected:
-    void SetUp() override {
-        PluginTest::SetUp();
-        catalogue_ = make(kCatalogueClass);
-        entry_ = make(kEntryClass);
-    }
-    void TearDown() override {
-        catalogue_.reset();
-        entry_.reset();
-        PluginTest::TearDown();
-    }
+using Invoke = PluginTest;
 
-    Outcome name_at(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
-        return call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, arguments, names);
-    }
-    Outcome start_pre_transmit(const Variant& object) {
-        return call(*entry_, kStartPreTransmit, DISPATCH_METHOD, {object});
-    }
+Outcome name_at(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
+    return call(*make(kCatalogueClass), kPluginNames, DISPATCH_PROPERTYGET, arguments, names);
+}
 
-    com::ComPtr<IDispatch> catalogue_;
-    com::ComPtr<IDispatch> entry_;
-};
+Outcome total(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
+    return call(*make(kCatalogueClass), kTotalPlugins, DISPATCH_PROPERTYGET, arguments, names);
+}
+
+Outcome start_pre_transmit(const std::vector<Variant>& arguments) {
+    return call(*make(kEntryClass), kStartPreTransmit, DISPATCH_METHOD, arguments);
+}
 
 /// The argument is at fault, and the call says so.
 void expect_fault(const Outcome& outcome, HRESULT result) {
@@ -71,17 +61,16 @@ TEST_F(Invoke, TakesAnIndexOfEveryTypeThatConverts) {
 }
 
 TEST_F(Invoke, TakesObjectsByValueAndByReference) {
-    IDispatch* mine = catalogue_.get();
+    const auto object = make(kCatalogueClass);
+    IDispatch* mine = object.get();
     IDispatch* none = nullptr;
-    IUnknown* plain = catalogue_.get();
+    IUnknown* plain = mine;
     VARIANT inner = value_of(VT_DISPATCH, mine).detach();
-    plain->AddRef();
-    for (const Variant& object : {Variant::object(mine), Variant::object(nullptr), Variant::object_reference(&mine),
-                                  Variant::object_reference(&none), value_of(VT_BYREF | VT_VARIANT, &inner),
-                                  value_of(VT_BYREF | VT_UNKNOWN, &plain)}) {
-        EXPECT_EQ(start_pre_transmit(object).result, S_OK) << object.type();
+    for (const Variant& given : {Variant::object(mine), Variant::object(nullptr), Variant::object_reference(&mine),
+                                 Variant::object_reference(&none), value_of(VT_BYREF | VT_VARIANT, &inner),
+                                 value_of(VT_BYREF | VT_UNKNOWN, &plain)}) {
+        EXPECT_EQ(start_pre_transmit({given}).result, S_OK) << given.type();
     }
-    EXPECT_EQ(start_pre_transmit(value_of(VT_UNKNOWN, plain)).result, S_OK) << "which releases it";
 }
 
 TEST_F(Invoke, TellsTheArgumentAtFault) {
@@ -97,7 +86,7 @@ TEST_F(Invoke, TellsTheArgumentAtFault) {
     for (const Variant& wrong : {Variant::int16(1), Variant::text(u"x"), Variant(), null_value,
                                  value_of<IDispatch*>(VT_BYREF | VT_DISPATCH)}) {
         SCOPED_TRACE(wrong.type());
-        expect_fault(start_pre_transmit(wrong), DISP_E_TYPEMISMATCH);
+        expect_fault(start_pre_transmit({wrong}), DISP_E_TYPEMISMATCH);
     }
     expect_fault(name_at({Variant::int32(32768)}), DISP_E_OVERFLOW);
     expect_fault(name_at({missing()}), DISP_E_PARAMNOTOPTIONAL);
@@ -111,50 +100,50 @@ TEST_F(Invoke, CountsArguments) {
     EXPECT_EQ(name_at({}).result, DISP_E_BADPARAMCOUNT);
     EXPECT_EQ(name_at({zero, zero}).result, DISP_E_BADPARAMCOUNT);
     EXPECT_EQ(name_at({zero, zero}, {0}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYGET, {zero}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYGET, {zero}, {0}).result, DISP_E_NONAMEDARGS);
-    EXPECT_EQ(call(*entry_, kStartPreTransmit, DISPATCH_METHOD).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(total({zero}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(total({zero}, {0}).result, DISP_E_NONAMEDARGS);
+    EXPECT_EQ(start_pre_transmit({}).result, DISP_E_BADPARAMCOUNT);
     // The one parameter that may be left out, in either way; then the member runs, as far as it can here.
-    EXPECT_EQ(call(*entry_, kStartPlugin, DISPATCH_METHOD).code, error_code(429));
-    EXPECT_EQ(call(*entry_, kStartPlugin, DISPATCH_METHOD, {missing()}).code, error_code(429));
+    const auto entry = make(kEntryClass);
+    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).code, error_code(429));
+    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD, {missing()}).code, error_code(429));
 }
 
 TEST_F(Invoke, RefusesCallsThatAreNone) {
+    const auto catalogue = make(kCatalogueClass);
     VARIANTARG zero = Variant::int16(0).get();
     DISPID first = 0;
     DISPPARAMS more_names{&zero, &first, 1, 2}, no_names{&zero, nullptr, 1, 1}, no_values{nullptr, nullptr, 1, 0};
     for (DISPPARAMS* parameters : {&more_names, &no_names, &no_values, static_cast<DISPPARAMS*>(nullptr)}) {
-        EXPECT_EQ(call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, parameters).result, E_INVALIDARG);
+        EXPECT_EQ(call(*catalogue, kPluginNames, DISPATCH_PROPERTYGET, parameters).result, E_INVALIDARG);
     }
-    DISPPARAMS none{};
-    EXPECT_EQ(
-        catalogue_->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
-        DISP_E_UNKNOWNINTERFACE);
-    for (const DISPID unknown : std::vector<DISPID>{0x68030005, 0x6802FFFF, DISPID_VALUE, kDoesFrameEdit}) {
-        EXPECT_EQ(call(*catalogue_, unknown, DISPATCH_PROPERTYGET | DISPATCH_METHOD).result, DISP_E_MEMBERNOTFOUND);
-    }
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYPUT, {Variant::int16(2)}).result,
-              DISP_E_MEMBERNOTFOUND);
-}
-
-TEST_F(Invoke, NeedsNoPlacesForItsAnswers) {
-    const auto call_without_places = [this](DISPID member, DISPPARAMS parameters) {
-        return catalogue_->Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYGET, &parameters, nullptr, nullptr, nullptr);
+    // Callers may have no use for answers.
+    DISPPARAMS none{}, one_index{&zero, nullptr, 1, 0};
+    const auto name = [&](DISPPARAMS& parameters) {
+        return catalogue->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &parameters, nullptr, nullptr,
+                                 nullptr);
     };
-    VARIANTARG bad_index = Variant::int16(5).get();
-    VARIANTARG bad_type = value_of<void>(VT_NULL).get();
-    EXPECT_EQ(call_without_places(kTotalPlugins, {}), S_OK);
-    EXPECT_EQ(call_without_places(kPluginNames, {&bad_index, nullptr, 1, 0}), DISP_E_EXCEPTION);
-    EXPECT_EQ(call_without_places(kPluginNames, {&bad_type, nullptr, 1, 0}), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(name(one_index), S_OK);
+    zero.iVal = 5;
+    EXPECT_EQ(name(one_index), DISP_E_EXCEPTION);
+    zero.vt = VT_NULL;
+    EXPECT_EQ(name(one_index), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(catalogue->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
+              DISP_E_UNKNOWNINTERFACE);
+    for (const DISPID unknown : std::vector<DISPID>{0x68030005, 0x6802FFFF, DISPID_VALUE, kDoesFrameEdit}) {
+        EXPECT_EQ(call(*catalogue, unknown, DISPATCH_PROPERTYGET | DISPATCH_METHOD).result, DISP_E_MEMBERNOTFOUND);
+    }
+    EXPECT_EQ(call(*catalogue, kTotalPlugins, DISPATCH_PROPERTYPUT, {Variant::int16(2)}).result, DISP_E_MEMBERNOTFOUND);
 }
 
 TEST_F(Invoke, FindsNamesOfMembersAndTheirParameters) {
+    const auto catalogue = make(kCatalogueClass);
     std::u16string member = u"pluginnames", parameter = u"IINDEX", nonsense = u"iIndices";
     LPOLESTR names[] = {reinterpret_cast<LPOLESTR>(member.data()), reinterpret_cast<LPOLESTR>(parameter.data()),
                         reinterpret_cast<LPOLESTR>(nonsense.data())};
     DISPID ids[3] = {7, 7, 7};
     const auto find = [&](REFIID reserved, LPOLESTR* what, UINT count) {
-        return catalogue_->GetIDsOfNames(reserved, what, count, LOCALE_USER_DEFAULT, ids);
+        return catalogue->GetIDsOfNames(reserved, what, count, LOCALE_USER_DEFAULT, ids);
     };
     EXPECT_EQ(find(IID_NULL, names, 3), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(ids[0], kPluginNames);

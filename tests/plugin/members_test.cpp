@@ -14,47 +14,32 @@ enum class Takes { nothing, index, object };
 
 struct Member {
     GUID clsid;
-    GUID iid;
     std::size_t slot;
     DISPID id;
-    std::u16string name;
+    const char16_t* name;
     Takes argument;
     VARTYPE result;
-    std::u16string text = {};
+    const char16_t* text = u"";
+    /// Where no desktop is, or no host with its display list, a wizard cannot open.
     HRESULT code = S_OK;
 };
 
-/// Where no desktop is, or no host with its display list, a wizard cannot open.
-constexpr HRESULT kNoWizard = error_code(429);
-
-std::vector<Member> members() {
-    const auto catalogue = [](std::size_t slot, const char16_t* name, Takes argument, VARTYPE result,
-                              const char16_t* text = u"") {
-        return Member{kCatalogueClass, kCatalogueInterface, slot, static_cast<DISPID>(0x68030004 - (slot - 7)), name,
-                      argument, result, text};
-    };
-    const auto entry = [](std::size_t slot, const char16_t* name, Takes argument, VARTYPE result,
-                          const char16_t* text = u"", HRESULT code = S_OK) {
-        return Member{kEntryClass, kEntryInterface, slot, static_cast<DISPID>(0x60030000 + (slot - 7)), name,
-                      argument, result, text, code};
-    };
-    return {
-        catalogue(7, u"TotalPlugins", Takes::nothing, VT_I2),
-        catalogue(8, u"PluginNames", Takes::index, VT_BSTR, kName),
-        catalogue(9, u"PluginDescription", Takes::index, VT_BSTR, kDescription),
-        catalogue(10, u"PluginPic", Takes::index, VT_DISPATCH),
-        catalogue(11, u"PluginDescriptiveName", Takes::index, VT_BSTR, kDescriptiveName),
-        entry(7, u"StartPlugin", Takes::object, VT_EMPTY, u"", kNoWizard),
-        entry(8, u"DoesFrameEdit", Takes::nothing, VT_BOOL),
-        entry(9, u"StartFrameFeature", Takes::object, VT_EMPTY, u"", kNoWizard),
-        entry(10, u"DoesPreTransmit", Takes::nothing, VT_BOOL),
-        entry(11, u"StartPreTransmit", Takes::object, VT_EMPTY),
-        entry(12, u"GetMyName", Takes::nothing, VT_BSTR, kName),
-        entry(13, u"GetMyDescription", Takes::nothing, VT_BSTR, kDescription),
-        entry(14, u"GetMyPicture", Takes::nothing, VT_DISPATCH),
-        entry(15, u"GetMyDescriptiveName", Takes::nothing, VT_BSTR, kDescriptiveName),
-    };
-}
+const Member kMembers[] = {
+    {kCatalogueClass, 7, kTotalPlugins, u"TOTALPLUGINS", Takes::nothing, VT_I2},
+    {kCatalogueClass, 8, kPluginNames, u"PLUGINNAMES", Takes::index, VT_BSTR, kName},
+    {kCatalogueClass, 9, kPluginDescription, u"PLUGINDESCRIPTION", Takes::index, VT_BSTR, kDescription},
+    {kCatalogueClass, 10, kPluginPic, u"PLUGINPIC", Takes::index, VT_DISPATCH},
+    {kCatalogueClass, 11, kPluginDescriptiveName, u"PLUGINDESCRIPTIVENAME", Takes::index, VT_BSTR, kDescriptiveName},
+    {kEntryClass, 7, kStartPlugin, u"STARTPLUGIN", Takes::object, VT_EMPTY, u"", error_code(429)},
+    {kEntryClass, 8, kDoesFrameEdit, u"DOESFRAMEEDIT", Takes::nothing, VT_BOOL},
+    {kEntryClass, 9, kStartFrameFeature, u"STARTFRAMEFEATURE", Takes::object, VT_EMPTY, u"", error_code(429)},
+    {kEntryClass, 10, 0x60030003, u"DOESPRETRANSMIT", Takes::nothing, VT_BOOL},
+    {kEntryClass, 11, kStartPreTransmit, u"STARTPRETRANSMIT", Takes::object, VT_EMPTY},
+    {kEntryClass, 12, kGetMyName, u"GETMYNAME", Takes::nothing, VT_BSTR, kName},
+    {kEntryClass, 13, 0x60030006, u"GETMYDESCRIPTION", Takes::nothing, VT_BSTR, kDescription},
+    {kEntryClass, 14, 0x60030007, u"GETMYPICTURE", Takes::nothing, VT_DISPATCH},
+    {kEntryClass, 15, 0x60030008, u"GETMYDESCRIPTIVENAME", Takes::nothing, VT_BSTR, kDescriptiveName},
+};
 
 template <class... Arguments>
 HRESULT call_slot(IUnknown* object, std::size_t slot, Arguments... arguments) {
@@ -68,12 +53,9 @@ void expect_icon(IDispatch* object) {
     ASSERT_TRUE(picture);
     SHORT type = 0;
     OLE_XSIZE_HIMETRIC width = 0;
-    OLE_YSIZE_HIMETRIC height = 0;
-    EXPECT_TRUE(picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK &&
-                picture->get_Height(&height) == S_OK);
+    EXPECT_TRUE(picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK);
     EXPECT_EQ(type, PICTYPE_ICON);
     EXPECT_NEAR(width, 423, 1) << "16 pixels of 1/96 inch";
-    EXPECT_NEAR(height, 423, 1);
 }
 
 void expect_answer(const Member& member, const VARIANT& value) {
@@ -89,32 +71,29 @@ void expect_answer(const Member& member, const VARIANT& value) {
 using Members = PluginTest;
 
 TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
-    for (const Member& member : members()) {
-        SCOPED_TRACE(testing::Message() << "slot " << member.slot << " " << std::hex << member.id);
+    for (const Member& member : kMembers) {
+        SCOPED_TRACE(testing::Message() << std::hex << member.id);
         const auto object = make(member.clsid);
-        com::ComPtr<IUnknown> dual;
-        ASSERT_EQ(object->QueryInterface(member.iid, dual.put_void()), S_OK);
         IDispatch* mine = object.get();
 
         Variant early;
-        // Everything that a result is shorter than; the picture's and the text's places are nulled by the callee.
+        // More than any result is long: what the callee does not write shows.
         early.get().llVal = 0x7777777777777777;
-        void* result = &early.get().llVal;
-        const HRESULT code = member.argument == Takes::nothing ? call_slot(dual.get(), member.slot, result)
-                             : member.argument == Takes::index ? call_slot(dual.get(), member.slot, SHORT{0}, result)
-                                                               : call_slot(dual.get(), member.slot, &mine);
-        EXPECT_EQ(code, member.code);
-        early.get().vt = SUCCEEDED(code) ? member.result : VARTYPE{VT_EMPTY};
+        const auto call_early = [&](void* result) {
+            switch (member.argument) {
+                case Takes::index: return call_slot(object.get(), member.slot, SHORT{0}, result);
+                case Takes::object: return call_slot(object.get(), member.slot, &mine);
+                default: return call_slot(object.get(), member.slot, result);
+            }
+        };
+        EXPECT_EQ(call_early(&early.get().llVal), member.code);
+        early.get().vt = member.result;
         expect_answer(member, early.get());
         if (member.argument != Takes::object) {
-            const HRESULT refused = member.argument == Takes::nothing
-                                        ? call_slot(dual.get(), member.slot, static_cast<void*>(nullptr))
-                                        : call_slot(dual.get(), member.slot, SHORT{0}, static_cast<void*>(nullptr));
-            EXPECT_EQ(refused, E_POINTER);
+            EXPECT_EQ(call_early(nullptr), E_POINTER);
         }
 
         std::u16string name = member.name;
-        for (char16_t& letter : name) letter = static_cast<char16_t>(letter >= u'a' ? letter - u'a' + u'A' : letter);
         auto* text = reinterpret_cast<LPOLESTR>(name.data());
         DISPID id = DISPID_UNKNOWN;
         EXPECT_EQ(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), S_OK);

@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <optional>
 #include <set>
 
 #include "core/unicode.h"
+#include "platform/class_keys.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -19,21 +21,7 @@ constexpr char kInterfaceKey[] = "Interface\\{28D15CCC-A58D-44F0-8AAF-3EECB0736F
 
 using Lines = std::set<std::string>;
 
-platform::RegistryKey make_key(std::int32_t root, const std::string& path) {
-    platform::RegistryKey key = 0;
-    EXPECT_EQ(registry().create_key(platform::registry_key(root), path.c_str(), "", platform::kKeyAllAccess, {}, key),
-              kSuccess);
-    return key;
-}
-
-void write(const std::string& path, const std::string& name, const std::string& text) {
-    const platform::RegistryKey key = make_key(platform::kHkeyClassesRoot, path);
-    EXPECT_EQ(
-        registry().set_value(key, name.c_str(), platform::kRegSz, reinterpret_cast<const std::uint8_t*>(text.c_str()),
-                             static_cast<std::uint32_t>(text.size() + 1)),
-        kSuccess);
-    registry().close_key(key);
-}
+using platform::write_class_text;
 
 /// Every key and every value at and below a key, one a line.
 void read_all(platform::RegistryKey parent, const std::string& path, const std::string& shown, Lines& lines) {
@@ -79,8 +67,9 @@ protected:
         PluginTest::SetUp();
         unregister_server();
         // As every Windows has them.
-        for (const char* key : {"CLSID", "Interface", "TypeLib"}) {
-            registry().close_key(make_key(platform::kHkeyClassesRoot, key));
+        for (const char16_t* key : {u"CLSID", u"Interface", u"TypeLib"}) {
+            write_class_text(key, u"-", u"");
+            platform::remove_class_text(key, u"-");
         }
         before_ = everything();
     }
@@ -100,16 +89,6 @@ protected:
     Lines before_;
 };
 
-/// The first value of that key: what a host loads.
-std::string server_of(const std::string& class_key) {
-    Lines lines;
-    read_all(platform::registry_key(platform::kHkeyClassesRoot), class_key + "\\InprocServer32", "", lines);
-    for (const std::string& line : lines) {
-        if (line.starts_with(" =")) return line.substr(2);
-    }
-    return {};
-}
-
 HRESULT create(const char16_t* programmatic_id) {
     CLSID clsid{};
     const HRESULT result = CLSIDFromProgID(com::ole_text(programmatic_id), &clsid);
@@ -119,8 +98,14 @@ HRESULT create(const char16_t* programmatic_id) {
 }
 
 TEST_F(Registration, WritesThisAndNothingElse) {
+    EXPECT_TRUE(FAILED(create(u"vexFirmWarePlugin.vexFirmWareUtil")));
     ASSERT_EQ(register_server(), S_OK);
-    const std::string file = server_of(kEntryKey);
+    EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil"), S_OK);
+    EXPECT_EQ(create(u"vexFirmwarePlugin.vexFirmwareUtil"), S_OK) << "as the catalogue spells it";
+    EXPECT_EQ(create(u"vexFirmWarePlugin.PluginData"), S_OK);
+    const Lines written = changed();
+    const std::string server = std::string(kEntryKey) + "\\InprocServer32 =";
+    const std::string file = written.lower_bound(server)->substr(server.size());
     const std::string folder = file.substr(0, file.find_last_of('\\'));
     EXPECT_EQ(file.substr(1, 2), ":\\") << "a full path";
     EXPECT_TRUE(equal_ignoring_case(from_utf8(file.substr(folder.size() + 1)), plugin_file().filename().u16string()));
@@ -154,7 +139,7 @@ TEST_F(Registration, WritesThisAndNothingElse) {
     type(kCatalogueKey, "vexFirmWarePlugin.PluginData", kInterfaceKey, "_PluginData");
     type(kEntryKey, "vexFirmWarePlugin.vexFirmWareUtil", "Interface\\{4EA9496B-9BA4-4BD0-A367-C0E0A837B2E4}",
          "_vexFirmWareUtil");
-    EXPECT_EQ(difference(changed(), expected), Lines{});
+    EXPECT_EQ(difference(written, expected), Lines{});
 
     ASSERT_EQ(register_server(), S_OK) << "twice";
     EXPECT_EQ(difference(changed(), expected), Lines{});
@@ -163,33 +148,24 @@ TEST_F(Registration, WritesThisAndNothingElse) {
     EXPECT_EQ(unregister_server(), S_OK) << "there is nothing left to remove";
 }
 
-TEST_F(Registration, LeadsHostsToTheClassesInEitherSpelling) {
-    EXPECT_TRUE(FAILED(create(u"vexFirmWarePlugin.vexFirmWareUtil")));
-    ASSERT_EQ(register_server(), S_OK);
-    EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil"), S_OK);
-    EXPECT_EQ(create(u"vexFirmwarePlugin.vexFirmwareUtil"), S_OK);
-    EXPECT_EQ(create(u"vexFirmWarePlugin.PluginData"), S_OK);
-    EXPECT_EQ(unregister_server(), S_OK);
-    EXPECT_TRUE(FAILED(create(u"vexFirmWarePlugin.vexFirmWareUtil")));
-    EXPECT_TRUE(FAILED(create(u"vexFirmWarePlugin.PluginData")));
-}
-
 TEST_F(Registration, GoesWhateverItHasBecome) {
-    const std::string settings = std::string(kEntryKey) + "\\Settings";
+    const std::u16string entry = from_utf8(kEntryKey);
+    const std::string settings = std::string(kInterfaceKey) + "\\Settings";
     ASSERT_EQ(register_server(), S_OK);
-    // Another spelling of the library's path, and that of another copy that exists.
-    write(std::string(kEntryKey) + "\\InprocServer32", "", "C:\\PROGRA~1\\VEXFIR~1.DLL");
-    write(std::string(kCatalogueKey) + "\\InprocServer32", "", server_of(kCatalogueKey).substr(0, 3));
-    write("vexFirmWarePlugin.PluginData\\CLSID", "", "{11111111-2222-3333-4444-555555555555}");
+    // Another spelling of the library's path, and another class.
+    write_class_text(entry + u"\\InprocServer32", u"", u"C:\\PROGRA~1\\VEXFIR~1.DLL");
+    write_class_text(u"vexFirmWarePlugin.PluginData\\CLSID", u"", u"{11111111-2222-3333-4444-555555555555}");
     // What is not ours stays, and is no failure.
-    write(settings, "Owner", "someone else");
-    write(kInterfaceKey, "NumMethods", "12");
+    write_class_text(entry, u"Owner", u"someone else");
+    write_class_text(from_utf8(settings), u"Owner", u"nobody");
     EXPECT_EQ(unregister_server(), S_OK);
-    EXPECT_EQ(changed(), (Lines{kEntryKey, settings, settings + " Owner=someone else", kInterfaceKey,
-                              std::string(kInterfaceKey) + " NumMethods=12"}));
-    for (const std::string& key : {settings, std::string(kEntryKey), std::string(kInterfaceKey)}) {
-        registry().delete_key(platform::registry_key(platform::kHkeyClassesRoot), key.c_str());
+    EXPECT_EQ(changed(), (Lines{kEntryKey, std::string(kEntryKey) + " Owner=someone else", kInterfaceKey, settings,
+                                settings + " Owner=nobody"}));
+    for (const char* key : {kEntryKey, settings.c_str(), kInterfaceKey}) {
+        platform::remove_class_text(from_utf8(key), u"Owner");
+        platform::remove_empty_class_key(from_utf8(key));
     }
+    EXPECT_EQ(changed(), Lines{});
 }
 
 TEST_F(Registration, LeadsIntoFoldersThatNoCodePageHolds) {
@@ -197,22 +173,15 @@ TEST_F(Registration, LeadsIntoFoldersThatNoCodePageHolds) {
     std::filesystem::create_directories(folder);
     const auto copy = folder / plugin_file().filename();
     std::filesystem::copy_file(plugin_file(), copy, std::filesystem::copy_options::overwrite_existing);
-    {
-        const platform::Library library(copy);
-        const auto call = [&library](const char* name) {
-            return library.function<HRESULT(STDMETHODCALLTYPE*)()>(name)();
-        };
-        if (kAnyFolderIsRegistered) {
-            EXPECT_EQ(call("DllRegisterServer"), S_OK);
-            EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil"), S_OK);
-            com::ComPtr<IDispatch> object = make(kEntryClass);
-            EXPECT_EQ(call("DllUnregisterServer"), S_OK);
-        } else {
-            EXPECT_TRUE(FAILED(call("DllRegisterServer"))) << "better than a path that leads nowhere";
-        }
-        EXPECT_EQ(changed(), Lines{});
-        CoFreeUnusedLibraries();
-    }
+    std::optional<platform::Library> library(copy);
+    using Export = HRESULT(STDAPICALLTYPE*)();
+    const HRESULT result = library->function<Export>("DllRegisterServer")();
+    EXPECT_EQ(SUCCEEDED(result), kAnyFolderIsRegistered) << "better refused than a path that leads nowhere";
+    EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil") == S_OK, kAnyFolderIsRegistered);
+    EXPECT_EQ(library->function<Export>("DllUnregisterServer")(), S_OK);
+    EXPECT_EQ(changed(), Lines{});
+    CoFreeUnusedLibraries();
+    library.reset();
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
 }

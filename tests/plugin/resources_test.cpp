@@ -20,15 +20,6 @@ std::vector<std::uint8_t> resource(LPCWSTR type, LPCWSTR name) {
     return {bytes, bytes + SizeofResource(plugin_module(), found)};
 }
 
-TEST(Exports, HaveTheOrdinalsThatHostsMayImportBy) {
-    const char* const names[] = {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"};
-    for (WORD ordinal = 1; ordinal <= 4; ++ordinal) {
-        EXPECT_EQ(reinterpret_cast<void*>(GetProcAddress(plugin_module(), MAKEINTRESOURCEA(ordinal))),
-                  reinterpret_cast<void*>(plugin_function<void()>(names[ordinal - 1])));
-    }
-    EXPECT_EQ(GetProcAddress(plugin_module(), MAKEINTRESOURCEA(5)), nullptr);
-}
-
 TEST(Resources, HoldTheTypeLibraryTheInterfaceIdsAndTheIcons) {
     const LPCWSTR first = MAKEINTRESOURCEW(1);
     EXPECT_EQ(resource(L"TYPELIB", first).size(), 3084U);
@@ -68,8 +59,7 @@ TEST(Resources, HoldTheVersion) {
         {L"OLESelfRegister", u""},
     };
     for (const auto& [name, text] : fields) {
-        const auto* field =
-            static_cast<const char16_t*>(value(std::wstring(L"\\StringFileInfo\\040904B0\\") + name));
+        const auto* field = static_cast<const char16_t*>(value(std::wstring(L"\\StringFileInfo\\040904B0\\") + name));
         ASSERT_NE(field, nullptr);
         EXPECT_EQ(field, text);
     }
