@@ -69,9 +69,9 @@ protected:
 
     /// The values that the external tool finds, a line each, in the order of their names.
     std::string tool_settings() const {
-        RegistryRoutines registry(services.registry, services.code_page);
+        RegistryRoutines routines(services.registry, services.code_page);
         std::set<std::string> lines;
-        for (const auto& [name, value] : registry.EnumRegistryValues(platform::kHkeyCurrentUser,
+        for (const auto& [name, value] : routines.EnumRegistryValues(platform::kHkeyCurrentUser,
                                                                      u"Software\\Tarvex\\nvSerDownload\\Settings"))
             lines.insert(to_utf8(name + u'=' + value.to_text()) + '\n');
         return std::accumulate(lines.begin(), lines.end(), std::string());
