@@ -3,6 +3,7 @@
 
 #include "core/runtime_error.h"
 #include "support/mod_reg_access.h"
+#include "support/registry_routines.h"
 #include "tests/update/notebook.h"
 
 namespace vex::test {
@@ -47,6 +48,21 @@ TEST_F(HostSettings, WhatCannotBeWrittenIsDroppedSilently) {
     registry.read_only = true;
     WriteHostSetting(services, u"Brivola3", u"Settings", u"AppPath", u"C:\\");
     EXPECT_EQ(read(u"AppPath"), u"the default");
+}
+
+TEST_F(HostSettings, AnEnumerationEndsAtANameOf260Characters) {
+    RegistryRoutines routines(registry, side_code_page());
+    const auto values = [&routines](std::size_t length) {
+        machine_key("Software\\Values").set(std::string(length, 'n').c_str(), kRegSz, {'x'});
+        auto found = routines.EnumRegistryValues(kHkeyLocalMachine, u"Software\\Values");
+        delete_tree(platform::registry_key(kHkeyLocalMachine), "Software\\Values");
+        return found;
+    };
+    EXPECT_TRUE(values(260).empty());
+    const auto fits = values(259);
+    ASSERT_EQ(fits.size(), 1U);
+    EXPECT_EQ(fits[0].first, std::u16string(259, u'n'));
+    EXPECT_EQ(fits[0].second, AutomationValue(u"")) << "the last byte of a text counts as its null";
 }
 
 }  // namespace
