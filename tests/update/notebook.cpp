@@ -42,11 +42,11 @@ const HostClass kClasses[] = {
 
 void Notebook::line(const std::string& who, const std::string& what) {
     part_.clear();
-    if (!unheard.contains(who)) text_ += what + '\n';
+    if (!omitted.contains(who)) text_ += what + '\n';
 }
 
 void Notebook::part(const std::string& who, const std::string& of, const std::string& what) {
-    if (unheard.contains(who)) return;
+    if (omitted.contains(who)) return;
     if (part_ != of || text_.empty()) line(who, of);
     text_.insert(text_.size() - 1, what);
     part_ = of;

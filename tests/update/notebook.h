@@ -32,7 +32,7 @@ public:
     std::string take() { return std::exchange(text_, {}); }
 
     /// Of these nothing is written.
-    std::set<std::string> unheard;
+    std::set<std::string> omitted;
 
 private:
     std::string text_;

@@ -15,7 +15,7 @@ protected:
         display({{"DisplayName", u"Main Street"}, {"FirmwareVersion", u"1.50"}, {"ConnectionType", u"1"},
                  {"ComPort", u"COM1"}, {"ComBaud", u"9600"}, {"PhoneNumber", u"555"}, {"NetworkAddress", u"10.0.0.7"},
                  {"SignIDs", u"7"}});
-        notebook.unheard = {"HostDisplayList"};
+        notebook.omitted = {"HostDisplayList"};
     }
 
     /// Loads the file, or only resets without one. Answers whether the display was updated.
