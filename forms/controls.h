@@ -1,5 +1,5 @@
 // Dialog controls as plain data: place, texts, colours, state, and the events that their dialog handles.
-// No control knows a window; whoever shows the form is told of changes through the form.
+// Controls hold no window handle; changes reach the screen through the view of their form.
 #pragma once
 
 #include <cstddef>

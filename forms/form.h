@@ -1,4 +1,4 @@
-// A dialog as data with events: its frame, its controls by table, its life from load to unload.
+// A dialog as data with events: its frame, its controls by table, from load to unload.
 #pragma once
 
 #include <exception>

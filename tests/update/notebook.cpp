@@ -43,11 +43,11 @@ const HostClass kClasses[] = {
 
 void Notebook::line(const std::string& who, const std::string& what) {
     part_.clear();
-    if (!unheard.contains(who)) text_ += what + '\n';
+    if (!omitted.contains(who)) text_ += what + '\n';
 }
 
 void Notebook::part(const std::string& who, const std::string& of, const std::string& what) {
-    if (unheard.contains(who)) return;
+    if (omitted.contains(who)) return;
     if (part_ != of || text_.empty()) line(who, of);
     text_.insert(text_.size() - 1, what);
     part_ = of;
@@ -269,12 +269,14 @@ com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
 
 RecordedFixture::RecordedFixture() {
     for (const std::int32_t root : {platform::kHkeyLocalMachine, platform::kHkeyCurrentUser}) {
-        for (const char* path : {"Software\\Norvan", "Software\\Tarvex"}) delete_tree(platform::registry_key(root), path);
+        for (const char* branch : {"Norvan", "Tarvex", "BrivolaLite", "Microsoft", "Values"})
+            delete_tree(platform::registry_key(root), std::string("Software\\") + branch);
     }
 }
 
 RecordedFixture::~RecordedFixture() {
     host.forget_sinks();
+    EXPECT_EQ(registry.open_keys, 0) << "a key was left open";
     EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
 }
 
@@ -285,7 +287,7 @@ bool RecordedFixture::ordinary_file_exists(const std::u16string& path) {
 
 bool RecordedFixture::start(const std::u16string& path) {
     notebook.line("", "start " + to_utf8(path));
-    return true;
+    return programs_start;
 }
 
 void RecordedFixture::display(const std::map<std::string, std::u16string>& fields) {

@@ -15,6 +15,7 @@
 #include "com/variant.h"
 #include "forms/form.h"
 #include "support/services.h"
+#include "tests/registry/forwarding_registry.h"
 #include "tests/registry/test_key.h"
 
 namespace vex::test {
@@ -31,7 +32,7 @@ public:
     std::string take() { return std::exchange(text_, {}); }
 
     /// Of these nothing is written.
-    std::set<std::string> unheard;
+    std::set<std::string> omitted;
 
 private:
     std::string text_;
@@ -104,7 +105,38 @@ private:
     std::vector<DWORD> cookies_;
 };
 
-/// Dialogs on a recorded screen and host, with the side's registry.
+/// The side's registry; it can refuse to make keys, and counts those that are open.
+class CountedRegistry final : public ForwardingRegistry {
+public:
+    CountedRegistry() : ForwardingRegistry(side_registry()) {}
+    std::int32_t open_key(platform::RegistryKey parent, const char* path, std::uint32_t access,
+                          platform::RegistryKey& key) noexcept override {
+        last_access = access;
+        return counted(ForwardingRegistry::open_key(parent, path, access, key));
+    }
+    std::int32_t create_key(platform::RegistryKey parent, const char* path, const char* class_name,
+                            std::uint32_t access, const platform::SecurityAttributes& attributes,
+                            platform::RegistryKey& key) noexcept override {
+        if (read_only) return platform::kAccessDenied;
+        return counted(ForwardingRegistry::create_key(parent, path, class_name, access, attributes, key));
+    }
+    std::int32_t close_key(platform::RegistryKey key) noexcept override {
+        --open_keys;
+        return ForwardingRegistry::close_key(key);
+    }
+
+    std::uint32_t last_access = 0;
+    int open_keys = 0;
+    bool read_only = false;
+
+private:
+    std::int32_t counted(std::int32_t result) noexcept {
+        if (result == platform::kSuccess) ++open_keys;
+        return result;
+    }
+};
+
+/// Dialogs on a recorded screen and host, with a registry that is empty at first.
 class RecordedFixture : public ::testing::Test, public platform::Files, public platform::Processes {
 protected:
     RecordedFixture();
@@ -119,9 +151,15 @@ protected:
     Notebook notebook;
     Screen screen{notebook};
     RecordedHost host{notebook};
+    static Key machine_key(const std::string& path) {
+        return Key::created(platform::registry_key(platform::kHkeyLocalMachine), path);
+    }
+
+    CountedRegistry registry;
     bool files_exist = true;
+    bool programs_start = true;
     com::ModuleLifetime module;
-    Services services{screen, side_registry(), *this, *this, side_code_page(), module, u"C:\\Plugin"};
+    Services services{screen, registry, *this, *this, side_code_page(), module, u"C:\\Plugin"};
 };
 
 /// `{R"(` opens a line of its own in the expected text.

@@ -10,7 +10,7 @@ class Run : public RecordedFixture {
 protected:
     Run() {
         display({{"ConnectionType", u"1"}, {"SignIDs", u"7"}});
-        notebook.unheard = {"dlgHandleSignOption", "vexDispTrans", "vexLANBoxFinder2", "HostConnection"};
+        notebook.omitted = {"dlgHandleSignOption", "vexDispTrans", "vexLANBoxFinder2", "HostConnection"};
         // Displays are told apart by the place of their names.
         host.during["HostDisplayList.FindDisplay"] = [this](DISPPARAMS& given) {
             const std::u16string_view name = com::view(*given.rgvarg[0].pbstrVal);

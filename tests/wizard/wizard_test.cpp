@@ -19,7 +19,7 @@ using Fields = std::map<std::string, std::u16string>;
 class Wizard : public RecordedFixture {
 protected:
     Wizard() {
-        notebook.unheard = {"HostDisplayList", "vexDispTrans", "vexLANBoxFinder2", "HostConnection",
+        notebook.omitted = {"HostDisplayList", "vexDispTrans", "vexLANBoxFinder2", "HostConnection",
                             "dlgHandleSignOption", "dlgDispUpdater"};
         // The display found last is the current one, with the fields of all where it has none of its own.
         host.during["HostDisplayList.FindDisplay"] = [this](DISPPARAMS& given) {
@@ -69,9 +69,9 @@ protected:
 
     /// The values that the external tool finds, a line each, in the order of their names.
     std::string tool_settings() const {
-        RegistryRoutines registry(services.registry, services.code_page);
+        RegistryRoutines routines(services.registry, services.code_page);
         std::set<std::string> lines;
-        for (const auto& [name, value] : registry.EnumRegistryValues(platform::kHkeyCurrentUser,
+        for (const auto& [name, value] : routines.EnumRegistryValues(platform::kHkeyCurrentUser,
                                                                      u"Software\\Tarvex\\nvSerDownload\\Settings"))
             lines.insert(to_utf8(name + u'=' + value.to_text()) + '\n');
         return std::accumulate(lines.begin(), lines.end(), std::string());
@@ -84,7 +84,7 @@ private:
 };
 
 TEST_F(Wizard, ResettingSkipsTheFirmwareStep) {
-    notebook.unheard.erase("HostDisplayList");
+    notebook.omitted.erase("HostDisplayList");
     pick(u"A, B");
     displays[u" B"] = {{"DisplayTypeName", u"Other"}, {"ComPort", u"COM2"}, {"ComBaud", u""}, {"PhoneNumber", u""}};
     EXPECT_EQ(play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdBack", "cmdAbout", "cmdFinish",
@@ -155,7 +155,7 @@ ROM File=D:\fw\new.bin
 }
 
 TEST_F(Wizard, EveryChoiceReachesTheSession) {
-    notebook.unheard.erase("vexDispTrans");
+    notebook.omitted.erase("vexDispTrans");
     pick(u"A");
     const auto handed_on = [this](const char16_t* type, const std::vector<std::string>& steps) {
         displays[u"A"] = {{"DisplayTypeName", type}};
@@ -236,7 +236,7 @@ close dlgFirmwareWizard
 
 TEST_F(Wizard, ButtonsStandUntilTheNextRefresh) {
     pick(u"A");
-    notebook.unheard.erase("dlgDispUpdater");
+    notebook.omitted.erase("dlgDispUpdater");
     // Next is refused silently, and Finish does not check again.
     EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "=a.SHX", "@800,2000", "=",
                       "--", "cmdNext", "cmdFinish"}),
@@ -244,7 +244,7 @@ TEST_F(Wizard, ButtonsStandUntilTheNextRefresh) {
 }
 
 TEST_F(Wizard, AnswersOfThePickerAreTakenAsTheyAre) {
-    notebook.unheard.erase("HostDisplayList");
+    notebook.omitted.erase("HostDisplayList");
     // An empty name is no key. An empty answer changes nothing, but the step is shown again.
     EXPECT_EQ(play({"cmdNext", "cmdNext", "--", "?,,B", "cmdChooseDisplay", "?", "cmdChooseDisplay"}), log(R"(
 HostDisplayPicker new ShowDisplayPicker()
@@ -287,7 +287,7 @@ TEST_F(Wizard, TheRecentDisplayIsListedByItselfWhereItCanBeLoaded) {
     with(u"", u"1");
     EXPECT_EQ(error_of([&] { listed(u"R", "optJustResetDisplays"); }), kTypeMismatch);
     // One name here, two in the run.
-    notebook.unheard.erase("dlgDispUpdater");
+    notebook.omitted.erase("dlgDispUpdater");
     WriteHostSetting(services, u"BrivolaLite", u"RecentDisplay", u"LastOpened", u"A,B");
     const std::string all = play({"cmdNext", "--", "cmdNext", "cmdFinish", "cmdClose"});
     EXPECT_THAT(all, testing::HasSubstr("lstvDisplays[0] \"A,B\""));
