@@ -15,10 +15,10 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/library.h"
-#include "platform/win32/class_registration.h"
-#include "platform/win32/late_library.h"
+#include "platform/win32/windows_api.h"
 #include "plugin/contract.h"
 #include "plugin/registration.h"
+#include "simulator/win32/program.h"
 
 namespace vex::bench {
 namespace {
@@ -202,7 +202,7 @@ void measure(const std::filesystem::path& folder) {
 
 int main() {
     using namespace vex;
-    if (platform::win32::class_has_server(u"vexFirmWarePlugin.vexFirmWareUtil")) {
+    if (sim::class_has_server(u"vexFirmWarePlugin.vexFirmWareUtil")) {
         std::fputs("the plug-in is installed here; its registration would not survive\n", stderr);
         return 1;
     }

@@ -1,4 +1,3 @@
-// The container that an ActiveX control expects around itself.
 #include "platform/win32/control_site.h"
 
 #include "com/object.h"

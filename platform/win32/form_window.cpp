@@ -1,14 +1,13 @@
-// The window of a form while it is shown.
 #include "platform/win32/form_window.h"
 
 #include <algorithm>
 
 #include "platform/win32/control_site.h"
+#include "platform/win32/control_window.h"
 #include "platform/win32/controls_context.h"
-#include "platform/win32/late_library.h"
 #include "platform/win32/list_window.h"
-#include "platform/win32/module_icon.h"
-#include "platform/win32/plain_windows.h"
+#include "platform/win32/pictures.h"
+#include "platform/win32/windows_api.h"
 
 namespace vex::platform::win32 {
 namespace {
@@ -74,16 +73,13 @@ void set_refusal_reason(HWND window, const std::u16string& reason) {
 std::unique_ptr<ControlWindow> ControlWindow::make(Surface& parent, forms::Control& control, int id) {
     using forms::ControlKind;
     switch (control.kind()) {
-        case ControlKind::label:
-            return std::make_unique<LabelWindow>(parent, static_cast<forms::Label&>(control), id);
+        case ControlKind::label: return std::make_unique<LabelWindow>(parent, static_cast<forms::Label&>(control), id);
         case ControlKind::button:
         case ControlKind::option_button:
-        case ControlKind::check_box:
-            return std::make_unique<ButtonWindow>(parent, control, id);
+        case ControlKind::check_box: return std::make_unique<ButtonWindow>(parent, control, id);
         case ControlKind::text_box:
             return std::make_unique<TextBoxWindow>(parent, static_cast<forms::TextBox&>(control), id);
-        case ControlKind::panel:
-            return std::make_unique<PanelWindow>(parent, static_cast<forms::Panel&>(control));
+        case ControlKind::panel: return std::make_unique<PanelWindow>(parent, static_cast<forms::Panel&>(control));
         case ControlKind::tab_pages:
             return std::make_unique<PagesWindow>(parent, static_cast<forms::TabPages&>(control));
         case ControlKind::list_view:
@@ -93,8 +89,7 @@ std::unique_ptr<ControlWindow> ControlWindow::make(Surface& parent, forms::Contr
             return hosted.object == nullptr ? nullptr : std::make_unique<HostControlWindow>(parent, hosted, id);
         }
         case ControlKind::shape:
-        case ControlKind::line:
-            return nullptr;
+        case ControlKind::line: return nullptr;
     }
     return nullptr;
 }
@@ -268,8 +263,7 @@ std::optional<LRESULT> FormWindow::Root::handle(UINT message, WPARAM wide_parame
             // Somebody else destroys it, with its owner.
             form.hide();
             return std::nullopt;
-        default:
-            return std::nullopt;
+        default: return std::nullopt;
     }
 }
 

@@ -1,11 +1,10 @@
-// A list in report view.
 #include "platform/win32/list_window.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "core/unicode.h"
-#include "platform/win32/module_icon.h"
+#include "platform/win32/pictures.h"
 
 namespace vex::platform::win32 {
 

@@ -1,4 +1,3 @@
-// The screen of real windows.
 #include "simulator/win32/win32_screen.h"
 
 #include <exception>
@@ -10,9 +9,6 @@
 
 namespace vex::sim {
 namespace {
-
-using platform::win32::ShownKind;
-using platform::win32::WindowHandle;
 
 ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done : ActionResult::not_possible; }
 
@@ -26,7 +22,7 @@ std::u16string decimal(std::size_t number) { return from_utf8(std::to_string(num
 std::optional<std::u16string> list_property(WindowHandle list, std::u16string_view property) {
     constexpr std::u16string_view kRow = u"Row";
     constexpr std::u16string_view kForeColor = u".ForeColor";
-    const std::size_t count = platform::win32::shown_row_count(list);
+    const std::size_t count = shown_row_count(list);
     if (property == u"Rows") return decimal(count);
     if (property.substr(0, kRow.size()) != kRow) return std::nullopt;
     std::u16string_view digits = property.substr(kRow.size());
@@ -36,28 +32,27 @@ std::optional<std::u16string> list_property(WindowHandle list, std::u16string_vi
     if (!number) return std::nullopt;
     const auto row = static_cast<std::size_t>(*number) - 1;
     if (row >= count) return u"(none)";
-    return color ? shown_color(platform::win32::shown_row_color(list, row))
-                 : shown_row(platform::win32::shown_row(list, row));
+    return color ? shown_color(shown_row_color(list, row)) : shown_row(shown_row(list, row));
 }
 
 /// The properties that only some kinds of controls have.
 std::optional<std::u16string> own_property(WindowHandle window, const std::u16string& control,
                                            std::u16string_view property) {
-    switch (platform::win32::shown_kind(window, control)) {
+    switch (shown_kind(window, control)) {
         case ShownKind::option_button:
-            if (property == u"Value") return shown_boolean(platform::win32::shown_checked(window));
+            if (property == u"Value") return shown_boolean(shown_checked(window));
             return std::nullopt;
         case ShownKind::check_box:
-            if (property == u"Value") return platform::win32::shown_checked(window) ? u"1" : u"0";
+            if (property == u"Value") return shown_checked(window) ? u"1" : u"0";
             return std::nullopt;
         case ShownKind::drawing:
             if (property == u"FillColor") {
-                const auto color = platform::win32::shown_fill_color(window, control);
+                const auto color = shown_fill_color(window, control);
                 return color ? shown_color(*color) : u"(none)";
             }
             return std::nullopt;
         case ShownKind::pages:
-            if (property == u"Tab") return from_utf8(std::to_string(platform::win32::shown_page(window)));
+            if (property == u"Tab") return from_utf8(std::to_string(shown_page(window)));
             return std::nullopt;
         case ShownKind::list: return list_property(window, property);
         default: return std::nullopt;
@@ -71,50 +66,50 @@ void Win32Screen::set_user(ScreenUser* user) noexcept {
     user_ = user;
     if (user == nullptr) return;
     // Without a driver nobody would ever act: a module whose loops cannot be watched ends the program.
-    driver_.emplace(module_, static_cast<platform::win32::WindowUser&>(*this));
+    driver_.emplace(module_, static_cast<WindowUser&>(*this));
 }
 
 WindowHandle Win32Screen::dialog() {
-    const WindowHandle top = platform::win32::top_form_window();
+    const WindowHandle top = top_form_window();
     if (top == nullptr) throw std::invalid_argument("no dialog is open");
     return top;
 }
 
 WindowHandle Win32Screen::control(const std::u16string& name) {
-    const WindowHandle found = platform::win32::control_window(dialog(), name);
+    const WindowHandle found = control_window(dialog(), name);
     if (found == nullptr) refuse(u"the dialog", "has no control " + to_utf8(in_quotes(name)));
     return found;
 }
 
 WindowHandle Win32Screen::list(const std::u16string& name) {
     const WindowHandle found = control(name);
-    if (platform::win32::shown_kind(found, name) != ShownKind::list) refuse(name, "is no list");
+    if (shown_kind(found, name) != ShownKind::list) refuse(name, "is no list");
     return found;
 }
 
 bool Win32Screen::has_control(const std::u16string& name) const {
-    const WindowHandle top = platform::win32::top_form_window();
-    return top != nullptr && platform::win32::control_window(top, name) != nullptr;
+    const WindowHandle top = top_form_window();
+    return top != nullptr && control_window(top, name) != nullptr;
 }
 
 ActionResult Win32Screen::click(const std::u16string& name) {
     const WindowHandle target = control(name);
-    const bool takes = platform::win32::takes_input(target);
+    const bool takes = takes_input(target);
     if (takes) driver_->click(target);
     return possible(takes);
 }
 
 ActionResult Win32Screen::press(const std::u16string& name, forms::MouseButton button, float x, float y) {
     const WindowHandle target = control(name);
-    const bool takes = platform::win32::takes_input(target);
+    const bool takes = takes_input(target);
     if (takes) driver_->press(target, button, x, y);
     return possible(takes);
 }
 
 ActionResult Win32Screen::set(const std::u16string& name, const std::u16string& value) {
     const WindowHandle target = control(name);
-    const bool takes = platform::win32::takes_input(target);
-    const ShownKind kind = platform::win32::shown_kind(target, name);
+    const bool takes = takes_input(target);
+    const ShownKind kind = shown_kind(target, name);
     if (kind == ShownKind::text_box) {
         if (takes) driver_->set_text(target, value);
         return possible(takes);
@@ -122,15 +117,15 @@ ActionResult Win32Screen::set(const std::u16string& name, const std::u16string& 
     const bool on = value == u"on";
     if (!on && value != u"off") throw std::invalid_argument(to_utf8(in_quotes(value)) + " is neither on nor off");
     if (kind != ShownKind::option_button && kind != ShownKind::check_box) refuse(name, "takes no value");
-    if (platform::win32::shown_checked(target) == on) return possible(takes);
+    if (shown_checked(target) == on) return possible(takes);
     // An option goes off only by another one going on.
     return !on && kind == ShownKind::option_button ? ActionResult::not_possible : click(name);
 }
 
 ActionResult Win32Screen::choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item) {
     const WindowHandle target = list(name);
-    if (row < 1 || row > platform::win32::shown_row_count(target)) refuse(name, "has no row " + std::to_string(row));
-    return possible(platform::win32::takes_input(target) && driver_->choose_from_menu(target, row - 1, item));
+    if (row < 1 || row > shown_row_count(target)) refuse(name, "has no row " + std::to_string(row));
+    return possible(takes_input(target) && driver_->choose_from_menu(target, row - 1, item));
 }
 
 void Win32Screen::close() { driver_->close(dialog()); }
@@ -138,13 +133,13 @@ void Win32Screen::close() { driver_->close(dialog()); }
 void Win32Screen::activate() { driver_->activate(dialog()); }
 
 std::u16string Win32Screen::property(const std::u16string& name, const std::u16string& property) const {
-    if (property == u"Caption" && platform::win32::shown_name(dialog()) == name) {
-        return platform::win32::shown_text(dialog());
+    if (property == u"Caption" && shown_name(dialog()) == name) {
+        return shown_text(dialog());
     }
     const WindowHandle target = control(name);
-    if (property == u"Caption" || property == u"Text") return platform::win32::shown_text(target);
-    if (property == u"Enabled") return shown_boolean(platform::win32::shown_enabled(target));
-    if (property == u"Visible") return shown_boolean(platform::win32::shown_visible(target));
+    if (property == u"Caption" || property == u"Text") return shown_text(target);
+    if (property == u"Enabled") return shown_boolean(shown_enabled(target));
+    if (property == u"Visible") return shown_boolean(shown_visible(target));
     auto value = own_property(target, name, property);
     if (!value) refuse(name, "has no property " + to_utf8(in_quotes(property)));
     return *std::move(value);
@@ -153,8 +148,8 @@ std::u16string Win32Screen::property(const std::u16string& name, const std::u16s
 std::vector<std::vector<std::u16string>> Win32Screen::rows(const std::u16string& name) const {
     const WindowHandle shown = list(name);
     std::vector<std::vector<std::u16string>> all;
-    for (std::size_t row = 0; row < platform::win32::shown_row_count(shown); ++row) {
-        all.push_back(platform::win32::shown_row(shown, row));
+    for (std::size_t row = 0; row < shown_row_count(shown); ++row) {
+        all.push_back(shown_row(shown, row));
     }
     return all;
 }

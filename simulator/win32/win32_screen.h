@@ -3,12 +3,12 @@
 
 #include <optional>
 
-#include "platform/win32/window_driver.h"
 #include "simulator/screen.h"
+#include "simulator/win32/window_driver.h"
 
 namespace vex::sim {
 
-class Win32Screen final : public Screen, private platform::win32::WindowUser {
+class Win32Screen final : public Screen, private WindowUser {
 public:
     /// `module`: the file name of the library whose dialogs are on the screen, loaded before anybody looks;
     /// empty: this program.
@@ -16,7 +16,7 @@ public:
     explicit Win32Screen(std::u16string module) noexcept : module_(std::move(module)) {}
 
     void set_user(ScreenUser* user) noexcept override;
-    bool any_dialog() const noexcept override { return platform::win32::top_form_window() != nullptr; }
+    bool any_dialog() const noexcept override { return top_form_window() != nullptr; }
     bool has_control(const std::u16string& name) const override;
     ActionResult click(const std::u16string& name) override;
     ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y) override;
@@ -28,8 +28,6 @@ public:
     std::vector<std::vector<std::u16string>> rows(const std::u16string& name) const override;
 
 private:
-    using WindowHandle = platform::win32::WindowHandle;
-
     void form_opened(const std::u16string& name) noexcept override;
     void form_closed(const std::u16string& name) noexcept override;
     bool act() noexcept override { return user_ != nullptr && user_->act(); }
@@ -46,7 +44,7 @@ private:
     std::u16string module_;
     ScreenUser* user_ = nullptr;
     /// While there is a user.
-    std::optional<platform::win32::WindowDriver> driver_;
+    std::optional<WindowDriver> driver_;
 };
 
 }  // namespace vex::sim

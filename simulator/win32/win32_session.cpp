@@ -1,4 +1,3 @@
-// The Windows program's composition.
 #include "simulator/win32/win32_session.h"
 
 #include <iostream>
@@ -9,9 +8,9 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/library.h"
-#include "platform/win32/class_registration.h"
 #include "platform/win32/system.h"
 #include "simulator/host_classes.h"
+#include "simulator/win32/program.h"
 #include "simulator/words.h"
 
 namespace vex::sim {
@@ -30,7 +29,7 @@ Scenario parse(const std::string& name, const std::string& text, const std::file
 
 void refuse_beside_a_real_host() {
     for (const std::u16string& name : host_class_names()) {
-        if (!platform::win32::class_has_server(name)) continue;
+        if (!class_has_server(name)) continue;
         throw RuntimeError(kAutomationError, u"the class " + name + u" of a real host is registered on this computer");
     }
 }
@@ -51,7 +50,7 @@ Win32Session::Win32Session(CommandLine options)
 Win32Session::~Win32Session() {
     screen_.reset();
     computer_.reset();
-    for (const std::u16string& name : host_class_names()) platform::win32::remove_class(name);
+    for (const std::u16string& name : host_class_names()) remove_class(name);
     try {
         platform::Library(plugin_).function<UnregisterServer>("DllUnregisterServer")();
     } catch (const RuntimeError&) {

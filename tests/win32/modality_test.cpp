@@ -1,8 +1,8 @@
 // Modal forms among the other windows of their thread, and what ends them from outside.
 #include "platform/win32/windows_api.h"
 
-#include "platform/win32/import_hook.h"
-#include "platform/win32/window_reader.h"
+#include "simulator/win32/import_hook.h"
+#include "simulator/win32/window_reader.h"
 #include "tests/win32/window_fixture.h"
 
 namespace vex::test {
@@ -88,8 +88,7 @@ TEST_F(ModalityTest, PressOnAFormBelowBringsTheTopOneForward) {
         EXPECT_TRUE(stands_over_all());
         SetWindowPos(below, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
         EXPECT_FALSE(stands_over_all());
-        SendMessageW(below, WM_SETCURSOR, reinterpret_cast<WPARAM>(below),
-                     MAKELPARAM(HTERROR, WM_LBUTTONDOWN));
+        SendMessageW(below, WM_SETCURSOR, reinterpret_cast<WPARAM>(below), MAKELPARAM(HTERROR, WM_LBUTTONDOWN));
         EXPECT_TRUE(stands_over_all());
         screen.click(u"cmdCancel");
     });
@@ -101,7 +100,8 @@ std::wstring refusal_reason;
 FARPROC WINAPI find_reason_function(HMODULE, LPCSTR name) {
     void* found = nullptr;
     if (std::string_view(name) == "ShutdownBlockReasonCreate") {
-        found = reinterpret_cast<void*>(+[](HWND, LPCWSTR reason) -> BOOL { return !(refusal_reason = reason).empty(); });
+        found =
+            reinterpret_cast<void*>(+[](HWND, LPCWSTR reason) -> BOOL { return !(refusal_reason = reason).empty(); });
     } else if (std::string_view(name) == "ShutdownBlockReasonDestroy") {
         found = reinterpret_cast<void*>(+[](HWND) -> BOOL { return !std::exchange(refusal_reason, {}).empty(); });
     }
@@ -111,7 +111,7 @@ FARPROC WINAPI find_reason_function(HMODULE, LPCSTR name) {
 TEST_F(ModalityTest, EndOfTheSessionUnloadsTheFormUnlessItRefuses) {
     const auto may_end = [&] { return SendMessageW(form_window(), WM_QUERYENDSESSION, 0, 0) != FALSE; };
     user.then([&] {
-        const platform::win32::ImportHook hook(GetModuleHandleW(nullptr), "GetProcAddress", find_reason_function);
+        const sim::ImportHook hook(GetModuleHandleW(nullptr), "GetProcAddress", find_reason_function);
         form.refuses_to_close = true;
         EXPECT_FALSE(may_end());
         EXPECT_EQ(refusal_reason, L"Sample has not finished its work.");

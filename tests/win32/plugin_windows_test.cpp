@@ -9,11 +9,11 @@
 
 #include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
-#include "platform/win32/window_reader.h"
 #include "simulator/private_folder.h"
 #include "simulator/run.h"
 #include "simulator/win32/win32_computer.h"
 #include "simulator/win32/win32_screen.h"
+#include "simulator/win32/window_reader.h"
 #include "tests/toolkit/test_user.h"
 #include "tests/win32/handle_counts.h"
 
@@ -36,12 +36,11 @@ protected:
         sim::Win32Computer computer(kPlugin, folder.path(), false);
         const auto library = std::filesystem::path(platform::win32::module_path()).parent_path() / kPlugin;
         std::ostringstream trace;
-        const auto status = sim::run_host(
-            computer, {.data = folder.path(), .plugin_library = library, .scenario = {}}, true, trace, trace,
-            [&work](sim::Host& host, sim::PluginHost& plugin) {
-                work(host, plugin);
-                return sim::kPassed;
-            });
+        const auto status = sim::run_host(computer, {.data = folder.path(), .plugin_library = library, .scenario = {}},
+                                          true, trace, trace, [&work](sim::Host& host, sim::PluginHost& plugin) {
+                                              work(host, plugin);
+                                              return sim::kPassed;
+                                          });
         EXPECT_EQ(status, sim::kPassed) << trace.str();
     }
 };
@@ -127,7 +126,7 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
 
 /// Presses the close box of whatever form is on top.
 void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
-    if (auto* const form = static_cast<HWND>(platform::win32::top_form_window())) {
+    if (auto* const form = static_cast<HWND>(sim::top_form_window())) {
         PostMessageW(form, WM_SYSCOMMAND, SC_CLOSE, 0);
     }
 }

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "forms/toolkit.h"
-#include "platform/win32/import_hook.h"
-#include "platform/win32/window_reader.h"
+#include "simulator/win32/import_hook.h"
+#include "simulator/win32/window_reader.h"
 
-namespace vex::platform::win32 {
+namespace vex::sim {
 
 /// Called on the windows' thread, in the middle of the module's loops.
 class WindowUser {
@@ -89,4 +89,4 @@ private:
     std::optional<std::u16string> menu_item_;
 };
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim

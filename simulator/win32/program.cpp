@@ -1,11 +1,19 @@
-// Classes that a program registers for its own time.
-#include "platform/win32/class_registration.h"
+#include "simulator/win32/program.h"
 
 #include <algorithm>
+#include <cstdio>
 
+#include "core/unicode.h"
 #include "platform/win32/windows_api.h"
 
-namespace vex::platform::win32 {
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+
+namespace vex::sim {
+
+using namespace platform::win32;
+
 namespace {
 
 /// The key of the class behind a name, or empty text. Only an identity names a class: anything else that
@@ -31,6 +39,22 @@ bool key_exists(const std::u16string& path) noexcept {
 
 }  // namespace
 
+std::vector<std::string> program_arguments() {
+    int count = 0;
+    LPWSTR* const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int index = 1; words != nullptr && index < count; ++index) {
+        arguments.push_back(to_utf8(reinterpret_cast<const char16_t*>(words[index])));
+    }
+    LocalFree(words);
+    return arguments;
+}
+
+void use_plain_streams() noexcept {
+    for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+}
+
 bool class_has_server(const std::u16string& programmatic_id) {
     const std::u16string key = class_key(programmatic_id);
     return !key.empty() && (key_exists(key + u"\\InprocServer32") || key_exists(key + u"\\LocalServer32"));
@@ -42,4 +66,4 @@ void remove_class(const std::u16string& programmatic_id) {
     RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(programmatic_id));
 }
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim

@@ -3,7 +3,7 @@
 
 #include "platform/win32/windows_api.h"
 
-namespace vex::platform::win32 {
+namespace vex::sim {
 
 /// Replaces an entry of a module's import table while it lives. The module must stay loaded meanwhile.
 class ImportHook {
@@ -30,4 +30,4 @@ Function* system_function(LPCWSTR library, const char* name) noexcept {
     return reinterpret_cast<Function*>(address);
 }
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim

@@ -1,12 +1,14 @@
-// Stands between one module and a function that it imports.
-#include "platform/win32/import_hook.h"
+#include "simulator/win32/import_hook.h"
 
 #include <cstring>
 #include <utility>
 
 #include "core/unicode.h"
 
-namespace vex::platform::win32 {
+namespace vex::sim {
+
+using namespace platform::win32;
+
 namespace {
 
 /// What lies at a relative address of a loaded module.
@@ -61,4 +63,4 @@ ImportHook::~ImportHook() {
     if (entry_ != nullptr) replace(entry_, original_);
 }
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim

@@ -1,13 +1,15 @@
-// What a user reads on the windows of a form.
-#include "platform/win32/window_reader.h"
+#include "simulator/win32/window_reader.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "platform/win32/handles.h"
 #include "platform/win32/window_name.h"
+#include "platform/win32/windows_api.h"
 
-namespace vex::platform::win32 {
+namespace vex::sim {
+
+using namespace platform::win32;
+
 namespace {
 
 HWND handle(WindowHandle window) noexcept { return static_cast<HWND>(window); }
@@ -109,13 +111,10 @@ ShownKind shown_kind(WindowHandle window, std::u16string_view control) {
     if (has_class(shown, WC_BUTTONW)) {
         switch (GetWindowLongPtrW(shown, GWL_STYLE) & BS_TYPEMASK) {
             case BS_RADIOBUTTON:
-            case BS_AUTORADIOBUTTON:
-                return ShownKind::option_button;
+            case BS_AUTORADIOBUTTON: return ShownKind::option_button;
             case BS_CHECKBOX:
-            case BS_AUTOCHECKBOX:
-                return ShownKind::check_box;
-            default:
-                return ShownKind::push_button;
+            case BS_AUTOCHECKBOX: return ShownKind::check_box;
+            default: return ShownKind::push_button;
         }
     }
     // Pages are containers in a container that have no names of their own.
@@ -171,4 +170,4 @@ forms::Color shown_row_color(WindowHandle list, std::size_t row) {
     return draw.clrText;
 }
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim

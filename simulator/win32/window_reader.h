@@ -8,7 +8,7 @@
 
 #include "forms/controls.h"
 
-namespace vex::platform::win32 {
+namespace vex::sim {
 
 /// A window handle, without the system's headers.
 using WindowHandle = void*;
@@ -42,4 +42,4 @@ std::vector<std::u16string> shown_row(WindowHandle list, std::size_t row);
 /// The colour that the list writes a row's text in.
 forms::Color shown_row_color(WindowHandle list, std::size_t row);
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim

@@ -1,14 +1,16 @@
-// Plays the user of a module's windows.
-#include "platform/win32/window_driver.h"
+#include "simulator/win32/window_driver.h"
 
 #include <algorithm>
 #include <string_view>
 
-#include "platform/win32/handles.h"
-#include "platform/win32/scale.h"
+#include "platform/win32/form_context.h"
 #include "platform/win32/window_name.h"
+#include "platform/win32/windows_api.h"
 
-namespace vex::platform::win32 {
+namespace vex::sim {
+
+using namespace platform::win32;
+
 namespace {
 
 HWND handle(WindowHandle window) noexcept { return static_cast<HWND>(window); }
@@ -229,4 +231,4 @@ void WindowDriver::activate(WindowHandle form) {
     SendMessageW(handle(form), WM_ACTIVATE, WA_ACTIVE, 0);
 }
 
-}  // namespace vex::platform::win32
+}  // namespace vex::sim
