@@ -26,7 +26,8 @@ void import_section(Computer& computer, const platform::native::RegistrySection&
     const std::u16string_view root = platform::native::take_name(path);
     const bool is_machine = equal_ignoring_case(root, u"HKEY_LOCAL_MACHINE");
     if (section.deleted || (!is_machine && !equal_ignoring_case(root, u"HKEY_CURRENT_USER"))) {
-        throw std::runtime_error("only keys of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER are imported, and none deleted");
+        throw std::runtime_error(
+            "only keys of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER are imported, and none deleted");
     }
     const auto narrow = [&](std::u16string_view text) { return computer.code_page().to_ansi(text); };
     platform::Registry& registry = computer.registry();

@@ -24,21 +24,15 @@ constexpr std::uint32_t kEnumerateSubKeys = 0x8;
 /// Setting values, creating sub-keys and links, deleting, changing security.
 constexpr std::uint32_t kWritingRights = 0xD0026;
 
+/// Whatever the store allows.
 constexpr std::uint32_t kMaximumAllowed = 0x02000000;
-constexpr std::uint32_t kGenericAll = 0x10000000;
-constexpr std::uint32_t kGenericWrite = 0x40000000;
-constexpr std::uint32_t kGenericRead = 0x80000000;
 
-// As on Windows.
 constexpr std::size_t kLongestValueName = 16383;
 
-std::uint32_t specific_rights(std::uint32_t access, bool writable) {
-    if (access & kMaximumAllowed) access |= writable ? kKeyAllAccess : kKeyRead;
-    if (access & kGenericAll) access |= kKeyAllAccess;
-    if (access & kGenericWrite) access |= kKeyWrite;
-    if (access & kGenericRead) access |= kKeyRead;
-    return access & kKeyAllAccess;
-}
+/// An operation's end with a result code.
+struct Failure {
+    std::int32_t result;
+};
 
 /// The answer of an operation that returns a name: kMoreData leaves everything as it was.
 std::int32_t answer_name(const std::string& name, char* target, std::uint32_t& length) {
@@ -87,23 +81,13 @@ std::u16string expanded(std::u16string_view text) {
 
 }  // namespace
 
-/// An operation's end with a result code.
-class RegistryService::Failure : public std::exception {
-public:
-    explicit Failure(std::int32_t result) noexcept : result_(result) {}
-    std::int32_t result() const noexcept { return result_; }
-
-private:
-    std::int32_t result_;
-};
-
 template <class Operation>
 std::int32_t RegistryService::answered(Operation operation) noexcept {
     try {
         const std::lock_guard lock(mutex_);
         return operation();
     } catch (const Failure& failure) {
-        return failure.result();
+        return failure.result;
     } catch (const RegistryDamage&) {
         return kRegistryCorrupt;
     } catch (const std::system_error& error) {
@@ -146,13 +130,13 @@ std::u16string RegistryService::wide(const char* text) const {
 
 const RegistryService::Handle& RegistryService::handle(RegistryKey key, std::uint32_t rights) const {
     const auto found = handles_.find(key);
-    if (found == handles_.end()) throw Failure(kInvalidHandle);
-    if ((found->second.access & rights) != rights) throw Failure(kAccessDenied);
+    if (found == handles_.end()) throw Failure{kInvalidHandle};
+    if ((found->second.access & rights) != rights) throw Failure{kAccessDenied};
     return found->second;
 }
 
 RegistryNode& RegistryService::key_of(const Handle& handle) {
-    if (handle.key->is_deleted()) throw Failure(kKeyDeleted);
+    if (handle.key->is_deleted()) throw Failure{kKeyDeleted};
     return *handle.key;
 }
 
@@ -162,17 +146,14 @@ RegistryNode& RegistryService::current(const Handle& handle) {
 }
 
 RegistryKey RegistryService::add_handle(RegistryStore& store, RegistryNode& key, std::uint32_t access) {
-    const std::uint32_t rights = specific_rights(access, true);
-    std::uint32_t granted = rights;
-    if ((rights & kWritingRights) != 0 && !store.is_writable()) {
-        granted = specific_rights(access, false);
-        if ((granted & kWritingRights) != 0) throw Failure(kAccessDenied);
-    }
+    const bool writable = (access & (kMaximumAllowed | kWritingRights)) == 0 || store.is_writable();
+    if (access == kMaximumAllowed) access = writable ? kKeyAllAccess : kKeyRead;
+    if (!writable && (access & kWritingRights) != 0) throw Failure{kAccessDenied};
     // Handles are positive 32-bit numbers, as callers keep them in such.
     do {
         last_handle_ = last_handle_ > std::numeric_limits<std::int32_t>::max() - 4 ? 4 : last_handle_ + 4;
     } while (handles_.contains(last_handle_));
-    handles_[last_handle_] = {&store, key.shared_from_this(), granted};
+    handles_[last_handle_] = {&store, key.shared_from_this(), access};
     return last_handle_;
 }
 
@@ -199,7 +180,7 @@ std::int32_t RegistryService::create_key(RegistryKey parent, const char* path, c
         if (found == nullptr) {
             above.store->update([&] {
                 RegistryNode& from = key_of(above);
-                if (fault_of_path(below, from.depth()) != nullptr) throw Failure(kInvalidParameter);
+                if (fault_of_path(below, from.depth()) != nullptr) throw Failure{kInvalidParameter};
                 found = &from.create(below);
                 return true;
             });
@@ -224,8 +205,8 @@ std::int32_t RegistryService::delete_key(RegistryKey parent, const char* path) n
         const Handle& above = handle(parent);
         above.store->update([&] {
             RegistryNode* found = key_of(above).find(wide(path));
-            if (found == nullptr) throw Failure(kFileNotFound);
-            if (above.store->tree().is_permanent(*found) || found->keys.size() > 0) throw Failure(kAccessDenied);
+            if (found == nullptr) throw Failure{kFileNotFound};
+            if (above.store->tree().is_permanent(*found) || found->keys.size() > 0) throw Failure{kAccessDenied};
             found->remove();
             return true;
         });
@@ -237,7 +218,7 @@ std::int32_t RegistryService::delete_value(RegistryKey key, const char* name) no
     return answered([&] {
         const Handle& holder = handle(key, kSetValue);
         holder.store->update([&] {
-            if (!key_of(holder).values.remove(wide(name))) throw Failure(kFileNotFound);
+            if (!key_of(holder).values.remove(wide(name))) throw Failure{kFileNotFound};
             return true;
         });
         return kSuccess;

@@ -52,13 +52,12 @@ private:
         std::shared_ptr<RegistryNode> key;
         std::uint32_t access;
     };
-    class Failure;
 
     template <class Operation>
     std::int32_t answered(Operation operation) noexcept;
-    /// Raises Failure with kInvalidHandle, or with kAccessDenied when it lacks a right.
+    /// Fails with kInvalidHandle, or with kAccessDenied when it lacks a right.
     const Handle& handle(RegistryKey key, std::uint32_t rights = 0) const;
-    /// The key of a handle as far as it was read. Raises Failure with kKeyDeleted.
+    /// The key of a handle as far as it was read. Fails with kKeyDeleted.
     static RegistryNode& key_of(const Handle& handle);
     /// The same after reading what other processes have changed.
     static RegistryNode& current(const Handle& handle);

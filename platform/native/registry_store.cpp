@@ -17,6 +17,8 @@ constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
     throw std::system_error(errno, std::generic_category(), path.native());
 }
 
+bool is_absent(int reason) { return reason == ENOENT || reason == ENOTDIR; }
+
 /// Keeps other writers out until it is closed. The lock's file stays: it is nobody's content.
 Descriptor lock(const std::filesystem::path& path) {
     Descriptor file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly));
@@ -53,44 +55,31 @@ std::filesystem::path beside(std::filesystem::path path, const char* ending) { r
 
 }  // namespace
 
-RegistryStore::Stamp::Stamp(const struct ::stat& status)
-    : device(status.st_dev),
-      inode(status.st_ino),
-      size(status.st_size),
-      seconds(status.st_mtim.tv_sec),
-      nanoseconds(status.st_mtim.tv_nsec) {}
-
-RegistryStore::Stamp RegistryStore::stamp_at_path() const {
-    struct stat status = {};
-    if (::lstat(file_.c_str(), &status) == 0) return Stamp(status);
-    if (errno != ENOENT && errno != ENOTDIR) fail(file_);
-    return {};
-}
-
-RegistryStore::Stamp RegistryStore::stamp_of(const Descriptor& file) const {
-    struct stat status = {};
-    if (::fstat(file.get(), &status) != 0) fail(file_);
-    return Stamp(status);
+RegistryStore::Stamp RegistryStore::stamp_of(const struct ::stat& status) noexcept {
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
 void RegistryStore::refresh() {
-    if (!file_.empty() && stamp_ != stamp_at_path()) load();
+    if (file_.empty()) return;
+    struct stat status = {};
+    if (::lstat(file_.c_str(), &status) != 0 && !is_absent(errno)) fail(file_);
+    if (stamp_ != stamp_of(status)) load();
 }
 
 void RegistryStore::load() {
     RegistryTree fresh;
-    Stamp stamp;
+    struct stat status = {};
     // A link is not followed: the file that takes this one's place would not be where it leads.
     Descriptor file(::open(file_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file.is_open()) {
-        stamp = stamp_of(file);
+        if (::fstat(file.get(), &status) != 0) fail(file_);
         fresh.apply(read_registry(read_all(file, file_)));
-    } else if (errno != ENOENT && errno != ENOTDIR) {
+    } else if (!is_absent(errno)) {
         fail(file_);
     }
     tree_.take(fresh);
     held_ = std::move(file);
-    stamp_ = stamp;
+    stamp_ = stamp_of(status);
 }
 
 bool RegistryStore::is_writable() const {
@@ -116,16 +105,18 @@ void RegistryStore::save() {
     // What lies there was left by a writer that was killed under this lock, or is no file of ours.
     const std::filesystem::path fresh = beside(file_, ".new");
     ::unlink(fresh.c_str());
+    struct stat status = {};
     Descriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
     if (!file.is_open()) fail(fresh);
-    if (!write_all(file.get(), tree_.text()) || ::fchmod(file.get(), kOwnerOnly) != 0 || !take_place(fresh, file_)) {
+    if (!write_all(file.get(), tree_.text()) || ::fchmod(file.get(), kOwnerOnly) != 0 ||
+        ::fstat(file.get(), &status) != 0 || !take_place(fresh, file_)) {
         const int reason = errno;
         ::unlink(fresh.c_str());
         errno = reason;
         fail(file_);
     }
-    stamp_ = stamp_of(file);
     held_ = std::move(file);
+    stamp_ = stamp_of(status);
 }
 
 }  // namespace vex::platform::native

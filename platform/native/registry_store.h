@@ -6,7 +6,8 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <string>
+#include <tuple>
+#include <utility>
 
 #include "platform/native/descriptor.h"
 #include "platform/native/registry_tree.h"
@@ -39,20 +40,10 @@ public:
     bool is_writable() const;
 
 private:
-    /// What tells whether a file is the one that was read. All zero: there is none.
-    struct Stamp {
-        Stamp() = default;
-        explicit Stamp(const struct ::stat& status);
-        friend bool operator==(const Stamp&, const Stamp&) = default;
-
-        dev_t device = 0;
-        ino_t inode = 0;
-        off_t size = 0;
-        time_t seconds = 0;
-        long nanoseconds = 0;
-    };
-    Stamp stamp_at_path() const;
-    Stamp stamp_of(const Descriptor& file) const;
+    /// What tells whether a file is the one that was read: device, inode, size, time of change in seconds and
+    /// nanoseconds. All zero: there is none.
+    using Stamp = std::tuple<dev_t, ino_t, off_t, time_t, long>;
+    static Stamp stamp_of(const struct ::stat& status) noexcept;
     void load();
     void save();
 

@@ -138,7 +138,8 @@ private:
         } else if (take("dword:")) {
             value.type = kRegDword;
             const std::uint32_t number = take_number(8);
-            for (int shift = 0; shift < 32; shift += 8) value.data.push_back(static_cast<std::uint8_t>(number >> shift));
+            for (int shift = 0; shift < 32; shift += 8)
+                value.data.push_back(static_cast<std::uint8_t>(number >> shift));
         } else {
             expect("hex", "a text in quotation marks, dword, hex or - is expected");
             value.type = kRegBinary;
@@ -289,7 +290,8 @@ const char* fault_of_path(std::u16string_view path, std::size_t depth) {
     for (auto name = take_name(path); !name.empty(); name = take_name(path)) {
         if (name.size() > kLongestName) return "a key's name of at most 255 characters is expected";
         // It stands on one line of the text, between brackets.
-        if (std::any_of(name.begin(), name.end(), is_control)) return "a key's name without control characters is expected";
+        if (std::any_of(name.begin(), name.end(), is_control))
+            return "a key's name without control characters is expected";
         if (++depth > kMaxKeyDepth) return "a key that is at most 512 keys deep is expected";
     }
     return nullptr;

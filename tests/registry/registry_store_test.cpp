@@ -152,7 +152,9 @@ TEST_F(RegistryStoreTest, EveryKindOfChangeLasts) {
 }
 
 TEST_F(RegistryStoreTest, EveryAnsweredWriteSurvivesAKill) {
-    const auto text_of = [](int count) { return std::to_string(count) + std::string(count % 37 == 0 ? 20'000 : 9, '.'); };
+    const auto text_of = [](int count) {
+        return std::to_string(count) + std::string(count % 37 == 0 ? 20'000 : 9, '.');
+    };
     // Shared with the writers: how many writes of each were answered.
     auto* const answered = static_cast<std::atomic<int>*>(
         ::mmap(nullptr, 2 * sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
@@ -194,7 +196,8 @@ TEST_F(RegistryStoreTest, ProcessesThatWriteAtOnceLoseNothing) {
     const auto write_all = [this](const std::string& prefix) {
         Process process(folder);
         for (int i = 0; i < 300; ++i) {
-            if (process.write("Key " + std::to_string(i % 7), prefix + std::to_string(i), "v") != kSuccess) return false;
+            if (process.write("Key " + std::to_string(i % 7), prefix + std::to_string(i), "v") != kSuccess)
+                return false;
         }
         return true;
     };
@@ -285,7 +288,8 @@ TEST_F(RegistryStoreTest, ADamagedFileIsRefusedAndNeverOverwritten) {
     process.write("Key", "v", "1");
     const RegistryKey key = process.open("Key");
     const std::string good = read_file(file);
-    for (const std::string& text : {good + "oops\n\"w\"=\"2\"\n", good + "\"w", std::string("rubbish"), std::string()}) {
+    for (const std::string& text :
+         {good + "oops\n\"w\"=\"2\"\n", good + "\"w", std::string("rubbish"), std::string()}) {
         write_file(file, text);
         EXPECT_EQ(process.read(key, "v"), "(1009)");
         EXPECT_EQ(process.write("Key", "v", "2"), kRegistryCorrupt);
@@ -300,28 +304,29 @@ TEST_F(RegistryStoreTest, ADamagedFileIsRefusedAndNeverOverwritten) {
 TEST_F(RegistryStoreTest, WhereNothingCanBeWrittenNothingChanges) {
     Process(folder).write("Key", "v", "1");
     EXPECT_TRUE(Child([&] {
-        // A limit of the process on the size of files stands for the end of the disk.
-        constexpr rlimit kLimit = {4096, 4096};
-        ::signal(SIGXFSZ, SIG_IGN);
-        ::setrlimit(RLIMIT_FSIZE, &kLimit);
-        Process process(folder);
-        const RegistryKey key = process.open("Key");
-        return process.write("Key", "large", std::string(8000, 'x')) == kRegistryIoFailed &&
-               process.read(key, "large") == "(2)" && process.write("Key", "small", "fits") == kSuccess;
-    }).succeeds());
+                    // A limit of the process on the size of files stands for the end of the disk.
+                    constexpr rlimit kLimit = {4096, 4096};
+                    ::signal(SIGXFSZ, SIG_IGN);
+                    ::setrlimit(RLIMIT_FSIZE, &kLimit);
+                    Process process(folder);
+                    const RegistryKey key = process.open("Key");
+                    return process.write("Key", "large", std::string(8000, 'x')) == kRegistryIoFailed &&
+                           process.read(key, "large") == "(2)" && process.write("Key", "small", "fits") == kSuccess;
+                }).succeeds());
     EXPECT_EQ(Process(folder).read("Key", "small"), "fits");
     EXPECT_FALSE(std::filesystem::exists(folder / "registry.new"));
 
     std::filesystem::permissions(file, std::filesystem::perms(0444));
     std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
     EXPECT_TRUE(Child([&] {
-        // Nothing is read-only to the super-user.
-        constexpr uid_t kNobody = 65534;
-        if (::geteuid() == 0 && ::setuid(kNobody) != 0) return false;
-        Process reader(folder);
-        return reader.read("Key", "v") == "1" && reader.open("Key", kKeyWrite) == 0 && reader.result == kAccessDenied &&
-               reader.open("Key", 0x02000000) != 0 && reader.write("New", "v", "1") == kAccessDenied;
-    }).succeeds());
+                    // Nothing is read-only to the super-user.
+                    constexpr uid_t kNobody = 65534;
+                    if (::geteuid() == 0 && ::setuid(kNobody) != 0) return false;
+                    Process reader(folder);
+                    return reader.read("Key", "v") == "1" && reader.open("Key", kKeyWrite) == 0 &&
+                           reader.result == kAccessDenied && reader.open("Key", 0x02000000) != 0 &&
+                           reader.write("New", "v", "1") == kAccessDenied;
+                }).succeeds());
 }
 
 // ---- Roots and other computers
@@ -339,7 +344,8 @@ TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachine) {
 }
 
 TEST_F(RegistryStoreTest, OtherComputersAreFoldersWithARegistryOfTheirOwn) {
-    const auto remote_file = folder.write("remote/Workshop/registry", kHeader + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"far\"");
+    const auto remote_file =
+        folder.write("remote/Workshop/registry", kHeader + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"far\"");
     Process process(folder);
     process.write("Key", "v", "near");
     RegistryKey remote = 0;
