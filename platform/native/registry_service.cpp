@@ -104,8 +104,6 @@ RegistryService::RegistryService(const CodePage& code_page)
     add_predefined_handles();
 }
 
-RegistryService::~RegistryService() = default;
-
 void RegistryService::use_folder(const std::filesystem::path& folder) {
     auto store = std::make_unique<RegistryStore>(folder / "registry");
     store->refresh();

@@ -21,7 +21,6 @@ class RegistryService final : public Registry {
 public:
     /// An empty registry in memory, and no other computer. The code page outlives the object.
     explicit RegistryService(const CodePage& code_page);
-    ~RegistryService() override;
 
     /// Changes to the registry in `folder`. All handles become invalid. Raises RegistryDamage or std::system_error,
     /// with the registry before still in place.
