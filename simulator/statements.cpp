@@ -32,6 +32,7 @@ constexpr StatementType kStatementTypes[] = {
     {u"box", "box NAME TEXT", 3, 3, &read_box},
     {u"setting", "setting APPLICATION SECTION KEY VALUE", 5, 5, &read_setting},
     {u"registry", "registry ROOT\\KEY NAME TYPE VALUE", 5, 5, &read_registry},
+    {u"import", "import FILE", 2, 2, &read_import},
     {u"file", "file PATH [hidden|folder]", 2, 3, &read_file_statement},
     {u"copy", "copy SOURCE PATH", 3, 3, &read_copy},
     {u"lines", "lines PATH LINE...", 3, kAnyNumber, &read_lines},

@@ -24,6 +24,7 @@ Action read_unit(const Words& words);
 Action read_box(const Words& words);
 Action read_setting(const Words& words);
 Action read_registry(const Words& words);
+Action read_import(const Words& words);
 Action read_file_statement(const Words& words);
 Action read_copy(const Words& words);
 Action read_lines(const Words& words);

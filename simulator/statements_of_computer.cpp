@@ -1,13 +1,60 @@
 // The statements of a scenario about the computer: settings, registry, files.
 #include "simulator/statements.h"
 
+#include "core/narrow.h"
 #include "core/unicode.h"
+#include "platform/native/registry_text.h"
 #include "simulator/firmware_image.h"
 
 namespace vex::sim {
 namespace {
 
+namespace native = platform::native;
+
 constexpr char16_t kSettingsRoot[] = u"Software\\Norvan\\";
+
+/// The path of an exported key where a 32-bit program finds it: 64-bit Windows keeps such keys in a branch of their
+/// own.
+std::u16string path_of_32_bits(std::u16string_view path) {
+    std::u16string_view rest = path;
+    const std::u16string_view first = native::take_name(rest);
+    const std::u16string_view second = native::take_name(rest);
+    const bool own_branch = equal_ignoring_case(first, u"Software") && equal_ignoring_case(second, u"WOW6432Node");
+    return own_branch ? std::u16string(first) + u'\\' + std::u16string(rest) : std::u16string(path);
+}
+
+/// Raises `std::runtime_error`.
+void import_section(Computer& computer, const native::RegistrySection& section) {
+    std::u16string_view path = section.path;
+    const std::u16string_view root = native::take_name(path);
+    const bool machine = equal_ignoring_case(root, u"HKEY_LOCAL_MACHINE");
+    if (section.deleted || (!machine && !equal_ignoring_case(root, u"HKEY_CURRENT_USER"))) {
+        throw std::runtime_error(
+            "only keys of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER are imported, and none deleted");
+    }
+    platform::Registry& registry = computer.registry();
+    const auto narrow = [&](std::u16string_view text) { return computer.code_page().to_ansi(text); };
+    platform::RegistryKey key = 0;
+    std::int32_t result =
+        registry.create_key(platform::registry_key(machine ? kHkeyLocalMachine : platform::kHkeyCurrentUser),
+                            narrow(path_of_32_bits(path)).c_str(), "", platform::kKeyWrite, {}, key);
+    for (const auto& [value, deleted] : section.entries) {
+        if (result != platform::kSuccess) break;
+        const std::string name = narrow(value.name);
+        if (deleted) {
+            registry.delete_value(key, name.c_str());
+            continue;
+        }
+        const std::string data = native::is_string(value.type) ? narrow(native::text_of(value.data))
+                                                               : std::string(value.data.begin(), value.data.end());
+        result = registry.set_value(key, name.c_str(), value.type, reinterpret_cast<const std::uint8_t*>(data.data()),
+                                    narrowed<std::uint32_t>(data.size()));
+    }
+    registry.close_key(key);
+    if (result != platform::kSuccess) {
+        throw std::runtime_error("the registry refuses this key (result " + std::to_string(result) + ")");
+    }
+}
 
 }  // namespace
 
@@ -22,6 +69,23 @@ Action read_registry(const Words& words) {
     return [path = parse_registry_path(words[1]), words](ScenarioPlayer& player) {
         RegistryStore& registry = player.registry();
         registry.write(path.root, path.key, words[2], registry.parse(words[3], words[4]));
+    };
+}
+
+Action read_import(const Words& words) {
+    return [name = words[1]](ScenarioPlayer& player) {
+        const std::string bytes = read_file(player.source_file(name));
+        std::size_t line = 0;
+        try {
+            for (const auto& section : native::read_registry(bytes)) {
+                line = section.line;
+                import_section(player.host().computer, section);
+            }
+        } catch (const native::RegistryDamage& damage) {
+            throw TextError(to_utf8(name), damage.line(), damage.what());
+        } catch (const std::runtime_error& error) {
+            throw TextError(to_utf8(name), line, error.what());
+        }
     };
 }
 
