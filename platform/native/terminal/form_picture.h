@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "forms/form.h"
-#include "platform/native/terminal/canvas.h"
 #include "platform/native/terminal/layout.h"
 #include "platform/native/terminal/list_pane.h"
-#include "platform/native/terminal/text_pane.h"
 
 namespace vex::platform::native::terminal {
+
+/// The nearest of the sixteen to a form's colour.
+Color color_of(forms::Color color) noexcept;
 
 /// What the user sees of a form beyond the form's own data.
 struct FormLook {
@@ -20,12 +21,16 @@ struct FormLook {
     /// Whether it takes the input.
     bool active = true;
     std::map<const forms::Control*, ListScroll> lists;
-    std::map<const forms::Control*, TextCursor> texts;
+    /// The character that the cursor of a text box stands before; at the end where there is none.
+    std::map<const forms::Control*, std::size_t> cursors;
+
+    /// The cursor, brought into the range of `text`.
+    std::size_t& cursor(const forms::Control& box, std::u32string_view text);
 };
 
 /// A picture of a form in its frame. Places are cells of the picture.
 struct FormPicture {
-    Canvas canvas;
+    Canvas canvas{Size{}};
     /// In drawing order: the last one that holds a cell is what is seen there.
     std::vector<PlacedControl> controls;
     Area close_box;

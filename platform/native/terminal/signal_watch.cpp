@@ -17,7 +17,9 @@ namespace vex::platform::native::terminal {
 namespace {
 
 constexpr std::array kEndings = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-constexpr std::array kFaults = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+/// What else ends a process: its own faults, and what others send it.
+constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   SIGSYS,  SIGTRAP,
+                                SIGPIPE, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGXCPU, SIGXFSZ};
 
 // A signal handler reaches nothing but static data; it is set up before the handlers and left alone after.
 struct {
@@ -37,7 +39,7 @@ void restore_terminal() noexcept {
     if (state.modes_known) tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
 }
 
-void die_of(int signal) noexcept {
+void die_of(int signal) {
     restore_terminal();
     struct sigaction standard {};
     standard.sa_handler = SIG_DFL;
@@ -59,8 +61,6 @@ void on_end(int signal) {
 
 void on_resize(int) { tell('r'); }
 
-void on_fault(int signal) { die_of(signal); }
-
 }  // namespace
 
 SignalWatch::SignalWatch() {
@@ -70,12 +70,12 @@ SignalWatch::SignalWatch() {
     state.modes_known = tcgetattr(STDIN_FILENO, &state.modes) == 0;
     state.asked_to_end = 0;
     for (const int signal : kEndings) handle(signal, on_end);
-    for (const int signal : kFaults) handle(signal, on_fault);
+    for (const int signal : kDeaths) handle(signal, die_of);
     handle(SIGWINCH, on_resize);
 }
 
 SignalWatch::~SignalWatch() {
-    for (const Former& former : former_) sigaction(former.signal, &former.action, nullptr);
+    for (const auto& [signal, action] : former_) sigaction(signal, &action, nullptr);
     state.farewell_length = 0;
     close(std::exchange(state.pipe[0], -1));
     close(std::exchange(state.pipe[1], -1));
@@ -85,12 +85,12 @@ void SignalWatch::handle(int signal, void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
-    Former former{signal, {}};
-    sigaction(signal, nullptr, &former.action);
+    struct sigaction former {};
+    sigaction(signal, nullptr, &former);
     // A signal that whoever started the process wants ignored stays ignored.
-    if (former.action.sa_handler == SIG_IGN) return;
+    if (former.sa_handler == SIG_IGN) return;
     sigaction(signal, &action, nullptr);
-    former_.push_back(former);
+    former_.emplace_back(signal, former);
 }
 
 void SignalWatch::set_farewell(const std::string& bytes) noexcept {

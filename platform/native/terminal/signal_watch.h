@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vex::platform::native::terminal {
@@ -18,8 +19,8 @@ public:
     SignalWatch& operator=(const SignalWatch&) = delete;
     ~SignalWatch();
 
-    /// Bytes that bring the terminal back, written when the process is killed by its own fault or is asked
-    /// a second time to end. The modes of the terminal are those of the construction.
+    /// Bytes that bring the terminal back, written when a signal kills the process or asks it a second time to
+    /// end. The modes of the terminal are those of the construction.
     void set_farewell(const std::string& bytes) noexcept;
     /// Can be read when there is an event.
     int descriptor() const noexcept;
@@ -28,14 +29,9 @@ public:
     int ending_signal() const noexcept;
 
 private:
-    struct Former {
-        int signal;
-        struct sigaction action;
-    };
-
     void handle(int signal, void (*handler)(int));
 
-    std::vector<Former> former_;
+    std::vector<std::pair<int, struct sigaction>> former_;
 };
 
 }  // namespace vex::platform::native::terminal
