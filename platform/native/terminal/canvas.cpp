@@ -27,6 +27,20 @@ bool is_format(char32_t character) noexcept {
 
 }  // namespace
 
+Color color_of(forms::Color color) noexcept {
+    switch (color) {
+        case forms::kWhite: return Color::white;
+        case forms::kRed: return Color::red;
+        case forms::kBlue: return Color::blue;
+        case forms::kGreen: return Color::bright_green;
+        case forms::kGrey: return Color::light_grey;
+        case forms::kDarkGrey: return Color::dark_grey;
+        // The light green of a finished display; on white it would not be read.
+        case forms::rgb(100, 255, 100): return Color::green;
+        default: return Color::black;
+    }
+}
+
 Canvas::Canvas(Size size, const Style& style)
     : size_{std::max(size.columns, 0), std::max(size.rows, 0)}, clip_{0, 0, size_.columns, size_.rows} {
     Cell blank;

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "forms/controls.h"
+
 namespace vex::platform::native::terminal {
 
 /// A cell; columns and rows count from 0.
@@ -42,34 +44,21 @@ struct Area {
         return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
                 std::min(bottom, other.bottom)};
     }
-    Area moved(Point by) const noexcept {
-        return {left + by.column, top + by.row, right + by.column, bottom + by.row};
-    }
+    Area moved(Point by) const noexcept { return {left + by.column, top + by.row, right + by.column, bottom + by.row}; }
 
     friend bool operator==(const Area&, const Area&) = default;
 };
 
 /// The colours of everything, in the order that terminals number them.
 enum class Color : std::uint8_t {
-    black,
-    red,
-    green,
-    brown,
-    blue,
-    magenta,
-    cyan,
-    light_grey,
-    dark_grey,
-    bright_red,
-    bright_green,
-    yellow,
-    bright_blue,
-    bright_magenta,
-    bright_cyan,
-    white,
+    black, red, green, brown, blue, magenta, cyan, light_grey,
+    dark_grey, bright_red, bright_green, yellow, bright_blue, bright_magenta, bright_cyan, white,
     /// Of a background: the one that is there.
-    as_before,
+    as_before
 };
+
+/// The one that a form's colour is shown in.
+Color color_of(forms::Color color) noexcept;
 
 /// How text looks. `standout` is for screens without colours.
 struct Style {

@@ -23,10 +23,8 @@ bool takes_keys(const Control& control) noexcept {
         case ControlKind::option_button:
         case ControlKind::check_box:
         case ControlKind::text_box:
-        case ControlKind::list_view:
-            return control.enabled() && control.reachable();
-        default:
-            return false;
+        case ControlKind::list_view: return control.enabled() && control.reachable();
+        default: return false;
     }
 }
 
@@ -56,7 +54,7 @@ std::vector<Control*> tab_stops(const forms::Form& form) {
 }
 
 /// The button that Enter or Esc presses, wherever the focus is.
-forms::Button* button_with(const forms::Form& form, bool forms::Button::* flag) {
+forms::Button* button_with(const forms::Form& form, bool forms::Button::*flag) {
     for (Control* control : form.controls()) {
         if (control->kind() != ControlKind::button || !takes_keys(*control)) continue;
         auto& button = static_cast<forms::Button&>(*control);
@@ -90,8 +88,6 @@ bool part_of_its_panel(const Control& control) noexcept {
     return control.kind() == ControlKind::label || control.kind() == ControlKind::shape;
 }
 
-}  // namespace
-
 Control* first_focus(const forms::Form& form) {
     const std::vector<Control*> stops = tab_stops(form);
     for (Control* stop : stops) {
@@ -107,29 +103,23 @@ Control* first_focus(const forms::Form& form) {
     return stops.empty() ? nullptr : stops.front();
 }
 
+}  // namespace
+
 FormWindow::FormWindow(forms::Form& form, WindowOwner& owner, const IconCharacters& icons)
-    : form_(form), owner_(owner), icons_(icons) {
+    : form_(form), owner_(owner), icons_(icons), view_before_(form.view()) {
     form_.set_view(this);
 }
 
-FormWindow::~FormWindow() { form_.set_view(nullptr); }
-
-const FormPicture& FormWindow::draw(const Scale& scale, bool active) {
-    look_.scale = scale;
-    look_.active = active;
-    look_.focus = focus();
-    picture_ = draw_form(form_, look_, icons_);
-    return picture_;
-}
+FormWindow::~FormWindow() { form_.set_view(view_before_); }
 
 void FormWindow::changed(Control& control, forms::Change change) {
     if (change == forms::Change::tab) focus_ = nullptr;
-    if (control.kind() == ControlKind::text_box) look_.cursors.erase(&control);
+    if (control.kind() == ControlKind::text_box) cursors_.erase(&control);
     if (control.kind() == ControlKind::list_view) {
         const auto& list = static_cast<const ListView&>(control);
-        if (change == forms::Change::selection) look_.lists[&list].wanted = list.selected();
+        if (change == forms::Change::selection) lists_[&list].wanted = list.selected();
         // Work goes on there; the user may follow it.
-        if (change == forms::Change::row && !handling_) look_.lists[&list].wanted = list.changed_row();
+        if (change == forms::Change::row && !handling_) lists_[&list].wanted = list.changed_row();
     }
     owner_.invalidate();
 }
@@ -138,13 +128,31 @@ void FormWindow::refresh(Control& /*control*/) { owner_.draw_now(); }
 
 forms::Twips FormWindow::row_top(const ListView& list, std::size_t row) const {
     const auto pane = pane_of(list);
-    return pane ? (pane->place_of(row) - picture_.find(list)->cells.top) * look_.scale.row : 0;
+    return pane ? (pane->place_of(row) - find(list)->cells.top) * scale_.row : 0;
+}
+
+const PlacedControl* FormWindow::control_at(Point at) const noexcept {
+    const auto found = std::find_if(controls_.rbegin(), controls_.rend(), [at](const PlacedControl& placed) {
+        return placed.cells.contains(at) && placed.clip.contains(at) && placed.control->kind() != ControlKind::line;
+    });
+    return found == controls_.rend() ? nullptr : &*found;
+}
+
+const PlacedControl* FormWindow::find(const Control& control) const noexcept {
+    const auto found = std::find_if(controls_.begin(), controls_.end(),
+                                    [&control](const PlacedControl& placed) { return placed.control == &control; });
+    return found == controls_.end() ? nullptr : &*found;
+}
+
+std::size_t& FormWindow::cursor_in(const Control& box, std::u32string_view text) {
+    std::size_t& at = cursors_.try_emplace(&box, text.size()).first->second;
+    return at = std::min(at, text.size());
 }
 
 std::optional<ListPane> FormWindow::pane_of(const Control& list) const {
-    const PlacedControl* placed = picture_.find(list);
+    const PlacedControl* placed = find(list);
     if (placed == nullptr || list.kind() != ControlKind::list_view) return std::nullopt;
-    return ListPane(static_cast<const ListView&>(list), placed->cells, look_.scale, look_.lists[&list]);
+    return ListPane(static_cast<const ListView&>(list), placed->cells, scale_, lists_[&list]);
 }
 
 // ---- The focus ----------------------------------------------------------------------------------------
@@ -196,7 +204,8 @@ std::vector<std::u32string> FormWindow::keys() {
     }
     if (list_with_menu() != nullptr) hints.emplace_back(U"F10 menu");
     for (const Control* other : form_.controls()) {
-        if (const char32_t letter = mnemonic_of(*other)) {
+        const char32_t letter = mnemonic_of(*other);
+        if (letter != 0 && other != pressed) {
             hints.push_back(hint(U"Alt+" + to_utf32(vex::to_upper(to_utf16(std::u32string(1, letter)))), *other));
         }
     }
@@ -218,7 +227,7 @@ void FormWindow::handle(const Paste& paste) {
     Control* control = focus();
     if (control == nullptr || control->kind() != ControlKind::text_box) return;
     std::u32string text = to_utf32(control->caption());
-    std::size_t& at = look_.cursor(*control, text);
+    std::size_t& at = cursor_in(*control, text);
     // A text box has one line.
     std::u32string line;
     std::copy_if(paste.text.begin(), paste.text.end(), std::back_inserter(line), [](char32_t c) { return c >= U' '; });
@@ -286,48 +295,23 @@ void FormWindow::request_close() {
 
 bool FormWindow::edit(forms::TextBox& box, const KeyPress& key) {
     std::u32string text = to_utf32(box.text());
-    std::size_t& at = look_.cursor(box, text);
+    std::size_t& at = cursor_in(box, text);
     switch (key.key) {
-        case Key::character:
-            text.insert(at++, 1, key.character);
-            break;
+        case Key::character: text.insert(at++, 1, key.character); break;
         case Key::backspace:
             if (at > 0) text.erase(--at, 1);
             break;
         case Key::remove:
             if (at < text.size()) text.erase(at, 1);
             break;
-        case Key::left:
-            at -= at > 0 ? 1 : 0;
-            break;
-        case Key::right:
-            at += at < text.size() ? 1 : 0;
-            break;
-        case Key::home:
-            at = 0;
-            break;
-        case Key::end:
-            at = text.size();
-            break;
-        default:
-            return false;
+        case Key::left: at -= at > 0 ? 1 : 0; break;
+        case Key::right: at += at < text.size() ? 1 : 0; break;
+        case Key::home: at = 0; break;
+        case Key::end: at = text.size(); break;
+        default: return false;
     }
     form_.user_text(box, to_utf16(text));
     return true;
-}
-
-bool FormWindow::search(ListView& list, char32_t letter) {
-    const std::size_t count = list.row_count();
-    const std::size_t start = list.selected() ? *list.selected() + 1 : 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t row = (start + i) % count;
-        const std::u32string text = to_utf32(list.rows()[row].text);
-        if (text.empty() || !same_letter(text.front(), letter)) continue;
-        look_.lists[&list].wanted = row;
-        form_.user_selection(list, row);
-        return true;
-    }
-    return false;
 }
 
 void FormWindow::move_in(ListView& list, const KeyPress& key) {
@@ -335,16 +319,18 @@ void FormWindow::move_in(ListView& list, const KeyPress& key) {
     if (!pane) return;
     if (key.key == Key::left) return pane->scroll_columns(-kColumnStep);
     if (key.key == Key::right) return pane->scroll_columns(kColumnStep);
-    if (list.row_count() == 0) return owner_.beep();
-    if (key.key == Key::character) {
-        // Space acts on the row, which must be one; letters lead to the next row that begins so.
-        if (key.character != U' ' ? search(list, key.character) : list.selected().has_value()) {
-            if (key.character == U' ') form_.raise_click(list);
-        } else {
-            owner_.beep();
+    if (key.key == Key::character && key.character != U' ') {
+        // Letters belong into the field that says what the list shows.
+        for (Control* control : form_.controls()) {
+            if (control->kind() != ControlKind::text_box || !takes_focus(*control)) continue;
+            set_focus(*control);
+            edit(static_cast<forms::TextBox&>(*control), key);
+            return;
         }
-        return;
     }
+    if (list.row_count() == 0) return owner_.beep();
+    // Space acts on the row, which must be one.
+    if (key.key == Key::character) return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
     const auto last = static_cast<std::ptrdiff_t>(list.row_count()) - 1;
     const auto page = static_cast<std::ptrdiff_t>(pane->page());
     // Without a selection the first step forwards meets the first row.
@@ -365,7 +351,7 @@ void FormWindow::move_in(ListView& list, const KeyPress& key) {
         return;
     }
     const auto chosen = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row, 0, last));
-    look_.lists[&list].wanted = chosen;
+    lists_[&list].wanted = chosen;
     form_.user_selection(list, chosen);
 }
 
@@ -386,11 +372,11 @@ void FormWindow::open_menu() {
     set_focus(*list);
     // As a right click on the selected row would.
     const std::size_t row = list->selected().value_or(0);
-    look_.lists[list].wanted = row;
+    lists_[list].wanted = row;
     const auto pane = pane_of(*list);
     if (!pane) return;
-    mouse_press({MouseAction::press, forms::MouseButton::right,
-                 {picture_.find(*list)->cells.left + 2, pane->place_of(row)}});
+    mouse_press(
+        {MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
 }
 
 // ---- The mouse ----------------------------------------------------------------------------------------
@@ -402,7 +388,7 @@ void FormWindow::handle(const MouseEvent& event) {
         mouse_press(event);
     } else if (event.action == MouseAction::release) {
         mouse_release(event);
-    } else if (const PlacedControl* placed = picture_.control_at(event.at)) {
+    } else if (const PlacedControl* placed = control_at(event.at)) {
         auto pane = pane_of(*placed->control);
         if (pane) pane->scroll_rows(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows);
     }
@@ -413,8 +399,8 @@ void FormWindow::mouse_press(const MouseEvent& event) {
     const bool left = event.button == forms::MouseButton::left;
     pressed_ = nullptr;
     pointer_ = event.at;
-    close_pressed_ = left && picture_.close_box.contains(event.at);
-    const PlacedControl* placed = picture_.control_at(event.at);
+    close_pressed_ = left && close_box_.contains(event.at);
+    const PlacedControl* placed = control_at(event.at);
     if (placed == nullptr || !placed->control->enabled()) return;
     Control& control = *placed->control;
     const Area cells = placed->cells;
@@ -442,7 +428,7 @@ void FormWindow::mouse_press(const MouseEvent& event) {
         }
     } else if (control.kind() == ControlKind::text_box && had_focus) {
         const std::u32string text = to_utf32(control.caption());
-        std::size_t& at = look_.cursor(control, text);
+        std::size_t& at = cursor_in(control, text);
         const std::size_t first = first_seen(text, at, cells.width() - 2);
         const int column = std::max(0, event.at.column - cells.left - 1);
         at = first + beginning(std::u32string_view(text).substr(first), column).size();
@@ -451,8 +437,8 @@ void FormWindow::mouse_press(const MouseEvent& event) {
 
 void FormWindow::mouse_release(const MouseEvent& event) {
     const Control* const pressed = std::exchange(pressed_, nullptr);
-    if (std::exchange(close_pressed_, false) && picture_.close_box.contains(event.at)) return request_close();
-    const PlacedControl* placed = picture_.control_at(event.at);
+    if (std::exchange(close_pressed_, false) && close_box_.contains(event.at)) return request_close();
+    const PlacedControl* placed = control_at(event.at);
     if (pressed == nullptr || placed == nullptr || placed->control != pressed) return;
     const auto pane = pane_of(*pressed);
     if (pane && pane->row_at(event.at) != pressed_row_) return;
@@ -463,11 +449,11 @@ void FormWindow::raise_mouse_down(const PlacedControl& placed, const MouseEvent&
     Control& control = *placed.control;
     const bool part_of_panel = part_of_its_panel(control) && control.parent() != nullptr;
     Control& taker = part_of_panel ? *control.parent() : control;
-    const PlacedControl* taker_placed = picture_.find(taker);
+    const PlacedControl* taker_placed = find(taker);
     // A label on a page.
     if (taker_placed == nullptr) return;
-    float x = middle(event.at.column - taker_placed->cells.left, look_.scale.column);
-    float y = middle(event.at.row - taker_placed->cells.top, look_.scale.row);
+    float x = middle(event.at.column - taker_placed->cells.left, scale_.column);
+    float y = middle(event.at.row - taker_placed->cells.top, scale_.row);
     // What the user sees there is what he hits: cells are coarser than twips.
     if (part_of_panel) {
         x = inside(x, control.place().left, control.place().width);

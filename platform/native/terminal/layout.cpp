@@ -38,8 +38,9 @@ Area cells_for(const Control& control, const Scale& scale) noexcept {
         place.top += parent->place().top;
     }
     const ControlKind kind = control.kind();
-    Area cells{cells_of(place.left, scale.column), cells_of(place.top, scale.row), 0, 0};
+    Area cells{cells_of(place.left + scale.column / 2, scale.column), cells_of(place.top, scale.row), 0, 0};
     if (kind == ControlKind::line) {
+        cells.left = cells_of(place.left, scale.column);
         cells.right = cells_of(place.left + place.width, scale.column) + 1;
         cells.bottom = cells_of(place.top + place.height, scale.row) + 1;
         return cells;
@@ -164,7 +165,8 @@ Scale scale_for(Size terminal) noexcept {
 
 Size client_size(const forms::Form& form, const Scale& scale) noexcept {
     // What lies within half a cell of the next one has that, too.
-    return {cells_of(form.width() + scale.column / 2, scale.column), cells_of(form.height() + scale.row / 2, scale.row)};
+    return {cells_of(form.width() + scale.column / 2, scale.column),
+            cells_of(form.height() + scale.row / 2, scale.row)};
 }
 
 std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale) {

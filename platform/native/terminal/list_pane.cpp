@@ -4,7 +4,6 @@
 #include <numeric>
 #include <utility>
 
-#include "platform/native/terminal/form_picture.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
@@ -95,7 +94,8 @@ void ListPane::scroll_to(int row) noexcept {
 }
 
 void ListPane::scroll_rows(std::ptrdiff_t rows) noexcept {
-    scroll_.top = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, static_cast<std::ptrdiff_t>(scroll_.top) + rows));
+    scroll_.top =
+        static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, static_cast<std::ptrdiff_t>(scroll_.top) + rows));
     limit();
 }
 
@@ -144,7 +144,8 @@ void ListPane::paint_row(Canvas& canvas, std::size_t row, bool focused, const Ic
         const int room = last ? cells_.left + view_width() - column : widths_[i] - before - 1;
         Style ink = style;
         if (!selected || !focused) {
-            ink.fore = color_of(i > 0 && i <= data.sub_items.size() ? data.sub_items[i - 1].fore_color : data.fore_color);
+            ink.fore =
+                color_of(i > 0 && i <= data.sub_items.size() ? data.sub_items[i - 1].fore_color : data.fore_color);
         }
         // Names that begin alike differ at their ends.
         canvas.text({column + before, place},

@@ -1,6 +1,9 @@
 // The terminal as a screen, by ncurses.
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <deque>
 #include <string>
@@ -9,14 +12,15 @@
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "core/runtime_error.h"
 #include "platform/native/terminal/screen.h"
-#include "platform/native/terminal/signal_watch.h"
 
 // Their macros have everyday names: nothing else is included after them.
 #define NCURSES_NOMACROS 1
@@ -41,36 +45,24 @@ constexpr wint_t kPasteEnds = KEY_MAX + 2;
 
 /// What terminals send besides their descriptions, and those that call themselves by another's name.
 constexpr std::pair<const char*, wint_t> kMoreKeys[] = {
-    {"\033[A", KEY_UP},      {"\033[B", KEY_DOWN},   {"\033[C", KEY_RIGHT},        {"\033[D", KEY_LEFT},
-    {"\033OA", KEY_UP},      {"\033OB", KEY_DOWN},   {"\033OC", KEY_RIGHT},        {"\033OD", KEY_LEFT},
-    {"\033[H", KEY_HOME},    {"\033[F", KEY_END},    {"\033OH", KEY_HOME},         {"\033OF", KEY_END},
-    {"\033[1~", KEY_HOME},   {"\033[4~", KEY_END},   {"\033[7~", KEY_HOME},        {"\033[8~", KEY_END},
-    {"\033[29~", KEY_F(16)}, {"\033OM", KEY_ENTER},  {"\033[200~", kPasteBegins},  {"\033[201~", kPasteEnds},
+    {"\033[A", KEY_UP},      {"\033[B", KEY_DOWN},  {"\033[C", KEY_RIGHT},       {"\033[D", KEY_LEFT},
+    {"\033OA", KEY_UP},      {"\033OB", KEY_DOWN},  {"\033OC", KEY_RIGHT},       {"\033OD", KEY_LEFT},
+    {"\033[H", KEY_HOME},    {"\033[F", KEY_END},   {"\033OH", KEY_HOME},        {"\033OF", KEY_END},
+    {"\033[1~", KEY_HOME},   {"\033[4~", KEY_END},  {"\033[7~", KEY_HOME},       {"\033[8~", KEY_END},
+    {"\033[29~", KEY_F(16)}, {"\033OM", KEY_ENTER}, {"\033[200~", kPasteBegins}, {"\033[201~", kPasteEnds},
 };
 
 constexpr std::pair<wint_t, Key> kKeys[] = {
-    {KEY_UP, Key::up},
-    {KEY_DOWN, Key::down},
-    {KEY_LEFT, Key::left},
-    {KEY_RIGHT, Key::right},
-    {KEY_PPAGE, Key::page_up},
-    {KEY_NPAGE, Key::page_down},
-    {KEY_HOME, Key::home},
-    {KEY_END, Key::end},
-    {KEY_BACKSPACE, Key::backspace},
-    {KEY_DC, Key::remove},
-    {KEY_BTAB, Key::back_tab},
-    {KEY_ENTER, Key::enter},
-    {KEY_F(10), Key::menu},
-    {KEY_F(16), Key::menu},  // the menu key of xterm
-    {KEY_F(22), Key::menu},  // F10 with Shift
+    {KEY_UP, Key::up},       {KEY_DOWN, Key::down},     {KEY_LEFT, Key::left},
+    {KEY_RIGHT, Key::right}, {KEY_PPAGE, Key::page_up}, {KEY_NPAGE, Key::page_down},
+    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_BACKSPACE, Key::backspace},
+    {KEY_DC, Key::remove},   {KEY_BTAB, Key::back_tab}, {KEY_ENTER, Key::enter},
+    {KEY_F(10), Key::menu},  {KEY_F(16), Key::menu},  // the menu key of xterm
+    {KEY_F(22), Key::menu},                           // F10 with Shift
 };
 
-constexpr std::pair<wint_t, Key> kControls[] = {{L'\r', Key::enter},
-                                                {L'\n', Key::enter},
-                                                {L'\t', Key::tab},
-                                                {8, Key::backspace},
-                                                {127, Key::backspace}};
+constexpr std::pair<wint_t, Key> kControls[] = {
+    {L'\r', Key::enter}, {L'\n', Key::enter}, {L'\t', Key::tab}, {8, Key::backspace}, {127, Key::backspace}};
 
 constexpr std::tuple<mmask_t, MouseAction, MouseButton> kMouse[] = {
     {BUTTON4_PRESSED, MouseAction::wheel_up, MouseButton::left},
@@ -97,26 +89,112 @@ void write_bytes(std::string_view bytes) {
     [[maybe_unused]] const auto written = write(STDOUT_FILENO, bytes.data(), bytes.size());
 }
 
-/// The process's character locale, in which ncurses writes; UTF-8 for the lifetime.
-class Utf8Locale {
-public:
-    Utf8Locale() : before_(setlocale(LC_CTYPE, nullptr)) {
-        // Where the environment says nothing, as in many containers, the terminal is most likely UTF-8.
-        if (setlocale(LC_CTYPE, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
-            setlocale(LC_CTYPE, "C.UTF-8");
-        }
+// ---- Signals ------------------------------------------------------------------------------------------
+
+constexpr std::array kEndings = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+/// What else ends a process: its own faults, and what others send it.
+constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   SIGSYS,  SIGTRAP,
+                                SIGPIPE, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGXCPU, SIGXFSZ};
+
+// A signal handler reaches nothing but static data; it is set up before the handlers and left alone after.
+struct {
+    int pipe[2] = {-1, -1};
+    bool modes_known = false;
+    termios modes{};
+    std::array<char, 256> farewell{};
+    volatile std::sig_atomic_t farewell_length = 0;
+    volatile std::sig_atomic_t asked_to_end = 0;
+} state;
+
+void restore_terminal() noexcept {
+    if (state.farewell_length > 0) {
+        [[maybe_unused]] const auto written =
+            write(STDOUT_FILENO, state.farewell.data(), static_cast<std::size_t>(state.farewell_length));
     }
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
-    ~Utf8Locale() { setlocale(LC_CTYPE, before_.c_str()); }
+    if (state.modes_known) tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
+}
+
+void die_of(int signal) {
+    restore_terminal();
+    struct sigaction standard {};
+    standard.sa_handler = SIG_DFL;
+    sigaction(signal, &standard, nullptr);
+    raise(signal);
+}
+
+void tell(char event) noexcept {
+    const int error = errno;
+    [[maybe_unused]] const auto written = write(state.pipe[1], &event, 1);
+    errno = error;
+}
+
+void on_end(int signal) {
+    if (state.asked_to_end != 0) return die_of(signal);
+    state.asked_to_end = signal;
+    tell('e');
+}
+
+void on_resize(int) { tell('r'); }
+
+/// Signals while the terminal is in use: a request to end and a new size are read like input, and whatever kills the
+/// process leaves the terminal as it was. At most one at a time; the former handlers are back after it.
+class SignalWatch {
+public:
+    SignalWatch() {
+        if (pipe2(state.pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+            throw RuntimeError(kOutOfMemory, u"The terminal's signals cannot be watched");
+        }
+        state.modes_known = tcgetattr(STDIN_FILENO, &state.modes) == 0;
+        state.asked_to_end = 0;
+        for (const int signal : kEndings) handle(signal, on_end);
+        for (const int signal : kDeaths) handle(signal, die_of);
+        handle(SIGWINCH, on_resize);
+    }
+    SignalWatch(const SignalWatch&) = delete;
+    SignalWatch& operator=(const SignalWatch&) = delete;
+    ~SignalWatch() {
+        for (const auto& [signal, action] : former_) sigaction(signal, &action, nullptr);
+        state.farewell_length = 0;
+        close(state.pipe[0]);
+        close(state.pipe[1]);
+    }
+
+    /// Bytes that bring the terminal back when a signal kills the process or asks it a second time to end. The modes
+    /// of the terminal are those of the construction.
+    void set_farewell(const std::string& bytes) noexcept {
+        state.farewell_length = static_cast<std::sig_atomic_t>(bytes.copy(state.farewell.data(), state.farewell.size()));
+    }
 
 private:
-    std::string before_;
+    void handle(int signal, void (*handler)(int)) {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        struct sigaction former {};
+        sigaction(signal, nullptr, &former);
+        // A signal that whoever started the process wants ignored stays ignored.
+        if (former.sa_handler == SIG_IGN) return;
+        sigaction(signal, &action, nullptr);
+        former_.emplace_back(signal, former);
+    }
+
+    std::vector<std::pair<int, struct sigaction>> former_;
 };
+
+// ---- The screen ---------------------------------------------------------------------------------------
+
+/// ncurses writes in the process's character locale.
+void use_utf8() {
+    // Where the environment says nothing, as in many containers, the terminal is most likely UTF-8.
+    if (setlocale(LC_CTYPE, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
+        setlocale(LC_CTYPE, "C.UTF-8");
+    }
+}
 
 class NcursesScreen final : public Screen {
 public:
-    NcursesScreen() : screen_(newterm(nullptr, stdout, stdin)) {
+    NcursesScreen() {
+        use_utf8();
+        screen_ = newterm(nullptr, stdout, stdin);
         if (screen_ == nullptr) throw RuntimeError(kCannotCreateObject, u"The terminal cannot be used");
         set_term(screen_);
         cbreak();
@@ -131,8 +209,9 @@ public:
         if ((no_color == nullptr || *no_color == '\0') && has_colors() && start_color() == OK) colors_ = COLORS;
         // A terminal with a mouse knows of pastes, too.
         if (has_mouse()) write_bytes("\033[?2004h");
-        signals_.set_farewell(capability("rmkx") + std::string(kModesOff) + "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" +
-                              capability("sgr0") + capability("cnorm") + capability("rmcup"));
+        signals_.set_farewell(capability("rmkx") + std::string(kModesOff) +
+                              "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" + capability("sgr0") +
+                              capability("cnorm") + capability("rmcup"));
     }
     NcursesScreen(const NcursesScreen&) = delete;
     NcursesScreen& operator=(const NcursesScreen&) = delete;
@@ -168,15 +247,15 @@ public:
 
     std::optional<Input> read(bool wait) override {
         while (!ended_ && inputs_.empty()) {
-            const SignalWatch::Event event = signals_.next();
-            ended_ = event == SignalWatch::Event::ended;
-            if (event == SignalWatch::Event::resized) {
+            char event = 0;
+            if (::read(state.pipe[0], &event, 1) == 1) {
+                ended_ = event == 'e';
+                if (ended_) break;
                 follow_size();
                 return Resized{};
             }
-            if (ended_) break;
             // What the library has read ahead cannot be waited for.
-            pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
+            pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {state.pipe[0], POLLIN, 0}};
             poll(sources, 2, wait && !read_ahead_ ? -1 : 0);
             const bool readable = sources[0].revents != 0;
             if (!readable && !read_ahead_) {
@@ -194,7 +273,7 @@ public:
                 ended_ = true;
             }
         }
-        if (ended_) return Ended{signals_.ending_signal()};
+        if (ended_) return Ended{state.asked_to_end};
         Input input = std::move(inputs_.front());
         inputs_.pop_front();
         return input;
@@ -226,8 +305,8 @@ private:
         std::vector<Input> events;
         MEVENT event;
         while (getmouse(&event) == OK) {
-            for (const auto& [state, action, button] : kMouse) {
-                if ((event.bstate & state) != 0) events.push_back(MouseEvent{action, button, {event.x, event.y}});
+            for (const auto& [mask, action, button] : kMouse) {
+                if ((event.bstate & mask) != 0) events.push_back(MouseEvent{action, button, {event.x, event.y}});
             }
         }
         inputs_.insert(inputs_.end(), events.rbegin(), events.rend());
@@ -301,10 +380,9 @@ private:
         return colors_ >= 256 ? kOf256[number] : colors_ >= 16 ? number : number % 8;
     }
 
-    Utf8Locale locale_;
     // Before the screen: ncurses keeps its hands off signals that are handled already.
     SignalWatch signals_;
-    SCREEN* screen_;
+    SCREEN* screen_ = nullptr;
     int colors_ = 0;
     bool ended_ = false;
     bool read_ahead_ = false;
@@ -321,7 +399,8 @@ bool find_terminal(std::ostream& notes) {
     int error = 0;
     bool described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
     if (!described) {
-        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for " << kCommon << '\n';
+        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for " << kCommon
+              << '\n';
         setenv("TERM", kCommon, 1);
         described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
     }

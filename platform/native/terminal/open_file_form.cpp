@@ -33,10 +33,6 @@ std::u16string without_trailing_separators(std::u16string path) {
     return path;
 }
 
-std::u16string size_text(std::uintmax_t bytes) {
-    return from_utf8(bytes < 10'000 ? std::to_string(bytes) + " B" : std::to_string((bytes + 1023) / 1024) + " KB");
-}
-
 /// Whether a file name fits one of the patterns, joined by ";", in any case.
 bool matches(const std::u16string& name, std::u16string_view patterns) {
     const std::size_t end = patterns.find(u';');
@@ -63,17 +59,25 @@ OpenFileForm::OpenFileForm(forms::Toolkit& toolkit, const forms::OpenFileRequest
     if (bar != request.filter.npos) {
         patterns_ = request.filter.substr(bar + 1, request.filter.find(u'|', bar + 1) - bar - 1);
     }
-    lstFiles.columns = {{u"Name", 5100}, {u"Size", 1000}};
+    lstFiles.columns = {{u"Name", 6600}};
     lay_out({
         {.control = lblFolder, .name = "lblFolder", .at = {200, 195, 1000, 195}, .text = u"Folder:"},
         {.control = lblFolderPath, .name = "lblFolderPath", .at = {1300, 195, 5500, 195}},
         {.control = lblName, .name = "lblName", .at = {200, 585, 1000, 195}, .text = u"File:"},
-        {.control = txtName, .name = "txtName", .at = {1300, 585, 5500, 195}, .tab_index = 0,
+        {.control = txtName,
+         .name = "txtName",
+         .at = {1300, 585, 5500, 195},
+         .tab_index = 0,
          .accessible_name = u"File name or path"},
-        {.control = lstFiles, .name = "lstFiles", .at = {200, 975, 6600, 1950}, .tab_index = 1,
+        {.control = lstFiles,
+         .name = "lstFiles",
+         .at = {200, 975, 6600, 1950},
+         .tab_index = 1,
          .accessible_name = u"Files and folders"},
         {.control = lblFilter, .name = "lblFilter", .at = {200, 3120, 1000, 195}, .text = u"Type:"},
-        {.control = lblFilterName, .name = "lblFilterName", .at = {1300, 3120, 3000, 195},
+        {.control = lblFilterName,
+         .name = "lblFilterName",
+         .at = {1300, 3120, 3000, 195},
          .text = std::u16string_view(request.filter).substr(0, bar)},
         {.control = cmdOpen, .name = "cmdOpen", .at = {4600, 3120, 1000, 195}, .text = u"&Open", .tab_index = 2},
         {.control = cmdCancel, .name = "cmdCancel", .at = {5800, 3120, 1000, 195}, .text = u"Cancel", .tab_index = 3},
@@ -122,7 +126,7 @@ std::optional<std::vector<OpenFileForm::Entry>> OpenFileForm::entries(const std:
         for (char16_t letter = u'A'; letter <= u'Z'; ++letter) {
             const std::u16string drive{letter, u':'};
             const std::filesystem::path root = real_path(drive + u"\\");
-            if (!root.empty() && std::filesystem::is_directory(root, error)) found.push_back({drive, true, 0});
+            if (!root.empty() && std::filesystem::is_directory(root, error)) found.push_back({drive, true});
         }
         return found;
     }
@@ -132,9 +136,8 @@ std::optional<std::vector<OpenFileForm::Entry>> OpenFileForm::entries(const std:
     std::filesystem::directory_iterator file(real, error);
     for (; !error && file != std::filesystem::directory_iterator(); file.increment(error)) {
         std::error_code unreadable;
-        Entry entry{from_utf8(file->path().filename().native()), file->is_directory(unreadable), 0};
+        Entry entry{from_utf8(file->path().filename().native()), file->is_directory(unreadable)};
         if (!entry.folder && !files().ordinary_file_exists(folder + u"\\" + entry.name)) continue;
-        if (!entry.folder) entry.size = file->file_size(unreadable);
         found.push_back(std::move(entry));
     }
     std::sort(found.begin(), found.end(), [](const Entry& left, const Entry& right) {
@@ -150,14 +153,13 @@ bool OpenFileForm::list(const std::u16string& folder, const std::u16string& name
         const bool wanted = entry.folder || matches(entry.name, patterns_) || equal_ignoring_case(entry.name, name);
         return !wanted || !begins_with(entry.name, name);
     });
-    if (!folder.empty() && name.empty()) found->insert(found->begin(), {std::u16string(kParent), true, 0});
+    if (!folder.empty() && name.empty()) found->insert(found->begin(), {std::u16string(kParent), true});
     entries_ = *std::move(found);
     listed_folder_ = folder;
     lblFolderPath.set_caption(folder.empty() ? u"all drives" : folder + u"\\");
     lstFiles.clear();
     for (const Entry& entry : entries_) {
-        const std::size_t row = lstFiles.add_row({}, entry.folder ? entry.name + u"\\" : entry.name);
-        lstFiles.set_sub_item(row, 0, entry.folder ? u"" : size_text(entry.size));
+        lstFiles.add_row({}, entry.folder ? entry.name + u"\\" : entry.name);
     }
     return true;
 }

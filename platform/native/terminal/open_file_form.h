@@ -1,7 +1,6 @@
 // The Open dialog of the terminal: a field for a name or path, and the list of what fits it.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,8 +25,6 @@ private:
     struct Entry {
         std::u16string name;
         bool folder = false;
-        /// In bytes; of files.
-        std::uintmax_t size = 0;
     };
 
     static std::optional<std::vector<Entry>> entries(const std::u16string& folder);

@@ -13,23 +13,9 @@
 namespace vex::platform::native::terminal {
 
 enum class Key {
-    character,
-    enter,
-    escape,
-    tab,
-    back_tab,
-    up,
-    down,
-    left,
-    right,
-    page_up,
-    page_down,
-    home,
-    end,
-    backspace,
-    remove,
+    character, enter, escape, tab, back_tab, up, down, left, right, page_up, page_down, home, end, backspace, remove,
     /// Asks for the context menu.
-    menu,
+    menu
 };
 
 struct KeyPress {

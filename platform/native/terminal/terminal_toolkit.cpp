@@ -1,7 +1,6 @@
 // The Toolkit on a terminal.
 #include "platform/native/terminal/terminal_toolkit.h"
 
-#include <deque>
 #include <utility>
 
 #include "platform/native/terminal/open_file_form.h"
@@ -11,115 +10,65 @@ namespace vex::platform::native::terminal {
 namespace {
 
 using forms::MessageAnswer;
+using forms::Rect;
 using forms::Twips;
 
 /// Dialogs of the toolkit's own are laid out in cells of the coarsest scale.
 constexpr Scale kCell;
 
-class MessageForm final : public forms::Form {
+/// Asks for one of several answers: a message box, or a menu, in which the answers stand below each other.
+class ChoiceForm final : public forms::Form {
 public:
-    MessageForm(forms::Toolkit& toolkit, const forms::MessageBox& box)
-        : Form(toolkit, design_for(box)),
-          question_(box.buttons == forms::MessageButtons::yes_no),
-          answer_(question_ ? MessageAnswer::no : MessageAnswer::ok) {
-        const Twips top = height() - 2 * kCell.row;
-        const Twips left = (width() - (question_ ? 2000 : 900)) / 2;
-        lay_out({
-            {.control = text_,
-             .name = "text",
-             .at = {2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row},
-             .text = box.text},
-            {.control = first_,
-             .name = "first",
-             .at = {left, top, 900, kCell.row},
-             .text = question_ ? u"&Yes" : u"OK",
-             .tab_index = 0},
-            {.control = second_,
-             .name = "second",
-             .at = {left + 1100, top, 900, kCell.row},
-             .text = u"&No",
-             .tab_index = 1,
-             .visible = question_},
-        });
-        first_.is_default = true;
-        first_.is_cancel = !question_;
-        first_.on_click = [this] { choose(question_ ? MessageAnswer::yes : MessageAnswer::ok); };
-        second_.on_click = [this] { choose(MessageAnswer::no); };
+    using Texts = std::vector<std::u16string>;
+
+    ChoiceForm(forms::Toolkit& toolkit, const std::u16string& title, const std::u16string& text, const Texts& answers,
+               bool menu)
+        : Form(toolkit, design_for(title, text, answers, menu)), closes_(menu || answers.size() == 1), buttons_(answers.size()) {
+        const Twips step = 11 * kCell.column;
+        const Twips left = (width() - step * static_cast<Twips>(answers.size()) + 2 * kCell.column) / 2;
+        const Rect text_place{2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row};
+        if (!menu) lay_out({{.control = text_, .name = "text", .at = text_place, .text = text}});
+        for (std::size_t i = 0; i < answers.size(); ++i) {
+            const auto number = static_cast<Twips>(i);
+            const Rect place = menu ? Rect{0, number * kCell.row, width(), kCell.row}
+                                    : Rect{left + number * step, height() - 2 * kCell.row, 9 * kCell.column, kCell.row};
+            lay_out({{.control = buttons_[i], .name = "answer", .at = place, .text = answers[i], .tab_index = number}});
+            buttons_[i].on_click = [this, i] {
+                answer = i;
+                hide();
+            };
+        }
+        buttons_.front().is_default = true;
+        buttons_.front().is_cancel = closes_ && !menu;
     }
 
-    /// The answer given; of a question that the end of the process closed: no.
-    MessageAnswer answer() const noexcept { return answer_; }
+    /// The one chosen; nothing when the form was closed.
+    std::optional<std::size_t> answer;
 
 protected:
     /// A question is answered, not closed.
     void Form_QueryUnload(bool& cancel, forms::UnloadMode mode) override {
-        cancel = question_ && mode == forms::UnloadMode::control_menu;
+        cancel = !closes_ && mode == forms::UnloadMode::control_menu;
     }
 
 private:
     /// As large as the text needs: a row above it, two between it and the buttons' row, one below.
-    static forms::FormDesign design_for(const forms::MessageBox& box) {
-        constexpr int kNarrowest = 28;
+    static forms::FormDesign design_for(const std::u16string& title, const std::u16string& text, const Texts& answers,
+                                        bool menu) {
         constexpr int kWidest = 66;
-        const std::u32string text = to_utf32(box.text);
-        int width = std::max(kNarrowest, text_width(to_utf32(box.title)) + 8);
-        for (const std::u32string& line : wrap(text, kWidest)) width = std::max(width, text_width(line));
-        width = std::min(width, kWidest);
-        const auto rows = static_cast<Twips>(wrap(text, width).size()) + 4;
-        return {.name = "MessageBox",
-                .caption = box.title,
-                .width = (width + 4) * kCell.column,
-                .height = rows * kCell.row};
-    }
-    void choose(MessageAnswer answer) {
-        answer_ = answer;
-        hide();
+        int width = menu ? 0 : std::clamp(text_width(to_utf32(title)) + 8, 28, kWidest);
+        for (const std::u32string& line : wrap(to_utf32(text), kWidest)) width = std::max(width, text_width(line));
+        for (const std::u16string& answer : answers) width = std::max(width, text_width(parse_caption(answer).text));
+        const std::size_t rows = menu ? answers.size() : wrap(to_utf32(text), width).size() + 4;
+        return {.name = menu ? "Menu" : "MessageBox",
+                .caption = title,
+                .width = (width + (menu ? 2 : 4)) * kCell.column,
+                .height = static_cast<Twips>(rows) * kCell.row};
     }
 
-    bool question_;
-    MessageAnswer answer_;
+    bool closes_;
     forms::Label text_;
-    forms::Button first_, second_;
-};
-
-/// A button for each item.
-class MenuForm final : public forms::Form {
-public:
-    MenuForm(forms::Toolkit& toolkit, const forms::Menu& menu)
-        : Form(toolkit, {.name = "Menu", .width = width_of(menu), .height = rows(menu.items.size())}) {
-        for (const forms::MenuItem& item : menu.items) {
-            // An item without a mnemonic has its first letter.
-            const bool marked = parse_caption(item.caption).mnemonic.has_value();
-            const auto row = static_cast<int>(buttons_.size());
-            forms::Button& button = buttons_.emplace_back();
-            captions_.push_back(marked ? item.caption : u"&" + item.caption);
-            lay_out({{.control = button,
-                      .name = item.name,
-                      .at = {0, rows(buttons_.size() - 1), width(), kCell.row},
-                      .text = captions_.back(),
-                      .tab_index = row}});
-            button.on_click = [this, &item] {
-                chosen = &item;
-                hide();
-            };
-        }
-    }
-
-    const forms::MenuItem* chosen = nullptr;
-
-private:
-    static Twips rows(std::size_t count) noexcept { return static_cast<Twips>(count) * kCell.row; }
-    static Twips width_of(const forms::Menu& menu) {
-        int width = 0;
-        for (const forms::MenuItem& item : menu.items) {
-            width = std::max(width, text_width(parse_caption(item.caption).text));
-        }
-        return (width + 2) * kCell.column;
-    }
-
-    // They stay where they are while more are added.
-    std::deque<forms::Button> buttons_;
-    std::deque<std::u16string> captions_;
+    std::vector<forms::Button> buttons_;
 };
 
 bool too_small(Size size) noexcept {
@@ -132,8 +81,7 @@ bool too_small(Size size) noexcept {
 class TerminalToolkit::ShowScope {
 public:
     ShowScope(TerminalToolkit& toolkit, forms::Form& form)
-        : toolkit_(toolkit),
-          shown_{{form, toolkit, toolkit.icons_}, std::exchange(toolkit.anchor_, std::nullopt), {}} {
+        : toolkit_(toolkit), shown_{{form, toolkit, toolkit.icons_}, std::exchange(toolkit.anchor_, std::nullopt), {}} {
         toolkit_.windows_.push_back(&shown_);
         toolkit_.stale_ = true;
     }
@@ -188,9 +136,12 @@ void TerminalToolkit::pump_messages() {
 }
 
 MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
-    MessageForm form(*this, box);
+    const bool question = box.buttons == forms::MessageButtons::yes_no;
+    ChoiceForm form(*this, box.title, box.text, question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"},
+                    false);
     form.show_modal();
-    return form.answer();
+    if (!question) return MessageAnswer::ok;
+    return form.answer == 0U ? MessageAnswer::yes : MessageAnswer::no;
 }
 
 std::optional<std::u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
@@ -203,9 +154,14 @@ void TerminalToolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
     if (windows_.empty() || menu.items.empty()) return;
     const Shown& shown = *windows_.back();
     anchor_ = Point{shown.at.column + shown.window.pointer().column, shown.at.row + shown.window.pointer().row + 1};
-    MenuForm menu_form(*this, menu);
-    menu_form.show_modal();
-    if (menu_form.chosen != nullptr && !ended_) form.raise_menu_click(*menu_form.chosen);
+    ChoiceForm::Texts items;
+    for (const forms::MenuItem& item : menu.items) {
+        // An item without a mnemonic has its first letter.
+        items.push_back(parse_caption(item.caption).mnemonic ? item.caption : u"&" + item.caption);
+    }
+    ChoiceForm choice(*this, {}, {}, items, true);
+    choice.show_modal();
+    if (choice.answer && !ended_) form.raise_menu_click(menu.items[*choice.answer]);
 }
 
 std::optional<Input> TerminalToolkit::read(bool wait) {
@@ -225,7 +181,7 @@ void TerminalToolkit::handle(const Input& input) {
     if (const auto* mouse = std::get_if<MouseEvent>(&input)) {
         MouseEvent event = *mouse;
         event.at = {mouse->at.column - shown.at.column, mouse->at.row - shown.at.row};
-        const bool outside = !shown.window.picture().canvas.area().contains(event.at);
+        const bool outside = !shown.window.picture().area().contains(event.at);
         if (outside && event.action == MouseAction::press) {
             // A press beside a menu dismisses it.
             return shown.anchor ? shown.window.form().raise_close_request() : beep();
@@ -247,14 +203,14 @@ void TerminalToolkit::draw_now() {
     for (Shown* shown : windows_) {
         const bool active = shown == windows_.back();
         // Menus are as small as they can be.
-        const FormPicture& picture = shown->window.draw(shown->anchor ? kCell : scale, active);
-        const Size frame = picture.canvas.size();
+        shown->window.draw(shown->anchor ? kCell : scale, active);
+        const Size frame = shown->window.picture().size();
         const Size room{size.columns - frame.columns, size.rows - frame.rows};
         shown->at = shown->anchor.value_or(Point{room.columns / 2, (room.rows - 1) / 2});
         shown->at = {std::clamp(shown->at.column, 0, std::max(0, room.columns)),
                      std::clamp(shown->at.row, 0, std::max(0, room.rows))};
-        canvas.paste(picture.canvas, shown->at);
-        cursor = picture.cursor;
+        canvas.paste(shown->window.picture(), shown->at);
+        cursor = shown->window.cursor();
         if (cursor) cursor = Point{cursor->column + shown->at.column, cursor->row + shown->at.row};
     }
     const Area line{0, size.rows - 1, size.columns, size.rows};
@@ -283,12 +239,6 @@ std::u32string TerminalToolkit::key_line(int width) const {
         line += key + U"   ";
     }
     return line.append(kLeave);
-}
-
-std::string picture_of(const forms::Form& form, const IconCharacters& icons) {
-    FormLook look;
-    look.focus = first_focus(form);
-    return text_picture(draw_form(form, look, icons).canvas);
 }
 
 }  // namespace vex::platform::native::terminal

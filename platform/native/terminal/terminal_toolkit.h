@@ -70,7 +70,4 @@ private:
     std::optional<Ended> ended_;
 };
 
-/// The form in its frame at the smallest terminal's scale, as it looks before the user moves in it.
-std::string picture_of(const forms::Form& form, const IconCharacters& icons);
-
 }  // namespace vex::platform::native::terminal
