@@ -119,7 +119,7 @@ void DisplayPicker::show_checks() {
     ok_button_.set_enabled(!checked_.empty());
     // Enter checks what the search has found, and then takes what is checked.
     all_button_.is_default = !search_box_.text().empty() && rows_.size() == 1 && !all_checked();
-    ok_button_.is_default = !all_button_.is_default;
+    ok_button_.is_default = !all_button_.is_default && !rows_.empty();
 }
 
 void DisplayPicker::toggle(std::size_t row) {
@@ -141,7 +141,12 @@ void DisplayPicker::check_all() {
             checked_.insert(display);
         }
     }
-    show_checks();
+    if (rows_.size() > 1 || uncheck) return show_checks();
+    // Found and checked: the next one may be looked for.
+    const std::size_t display = rows_.front();
+    search_box_.set_text({});
+    show_matches();
+    list_.select(display);
 }
 
 }  // namespace vex::sim
