@@ -370,8 +370,11 @@ void FormWindow::open_menu() {
     ListView* const list = list_with_menu();
     if (list == nullptr) return owner_.beep();
     set_focus(*list);
-    // As a right click on the selected row would.
-    const std::size_t row = list->selected().value_or(0);
+    // As a right click on the selected row would; where none is, on the first that is marked red as failed.
+    const auto& rows = list->rows();
+    const auto failed = std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
+    const auto first = failed == rows.end() ? 0 : static_cast<std::size_t>(failed - rows.begin());
+    const std::size_t row = list->selected().value_or(first);
     lists_[list].wanted = row;
     const auto pane = pane_of(*list);
     if (!pane) return;
