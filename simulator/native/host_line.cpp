@@ -58,19 +58,15 @@ std::string outcome(const terminal::TerminalToolkit& toolkit) {
                                      std::pair("NOTUPDATED", " not tried")}) {
         if (counts[icon] > 0) text += ", " + std::to_string(counts[icon]) + word;
     }
-    return counts["UPDATED"] < static_cast<int>(list.row_count()) ? text + ": F10 retries" : text;
+    return text + (counts["UPDATED"] < static_cast<int>(list.row_count()) ? ": F10 retries   " : "   ");
 }
 
 }  // namespace
 
-void draw_host_line(terminal::Canvas& canvas, const terminal::Area& line, const std::u32string& keys,
-                    const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
+std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const terminal::Area& line,
+                                             const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
+    if (!is_running(toolkit)) return wide(outcome(toolkit));
     canvas.fill(line, kLine);
-    if (!is_running(toolkit)) {
-        const std::u32string result = wide(outcome(toolkit));
-        canvas.text({line.left + 1, line.top}, result.empty() ? keys : result + U"   " + keys, kLine);
-        return;
-    }
     const std::u32string unit = wide(of("Unit", progress.unit_number(), progress.units()));
     const std::u32string display = wide(of("Display", progress.display_number(), progress.displays()));
     const std::u32string unit_percent = wide(percent(progress.unit_share()));
@@ -83,6 +79,7 @@ void draw_host_line(terminal::Canvas& canvas, const terminal::Area& line, const 
     column = canvas.text({column + 2, line.top}, display, kLine);
     column = canvas.text({column, line.top}, bar(progress.run_share(), width), kBar);
     canvas.text({column, line.top}, run_percent, kLine);
+    return std::nullopt;
 }
 
 }  // namespace vex::sim

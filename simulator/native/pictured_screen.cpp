@@ -55,7 +55,7 @@ private:
 template <class Show>
 std::string photograph(const terminal::IconCharacters& icons, Show show) {
     Photograph screen;
-    terminal::TerminalToolkit toolkit(screen, icons, [](auto&, auto&, auto&) {});
+    terminal::TerminalToolkit toolkit(screen, icons, [](auto&, auto&) { return std::nullopt; });
     show(toolkit);
     return screen.picture();
 }

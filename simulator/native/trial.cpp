@@ -52,9 +52,7 @@ public:
         : host_(host),
           progress_(host),
           toolkit_(*screen_, icon_characters(),
-                   [this](terminal::Canvas& canvas, const terminal::Area& line, const std::u32string& keys) {
-                       draw_host_line(canvas, line, keys, toolkit_, progress_);
-                   }),
+                   [this](auto& canvas, auto& line) { return draw_host_line(canvas, line, toolkit_, progress_); }),
           pace_(toolkit_, speed, [this] { return toolkit_.ended().has_value(); }) {
         host_.choose_displays = [this] { return choose_displays(); };
         host_.on_link = [this](const LinkEvent& event) {

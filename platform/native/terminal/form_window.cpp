@@ -268,7 +268,8 @@ bool FormWindow::press_mnemonic(char32_t letter) {
     for (Control* control : form_.controls()) {
         const char32_t own = mnemonic_of(*control);
         if (own == 0 || !same_letter(own, letter)) continue;
-        set_focus(*control);
+        // Who presses a button from elsewhere goes on there.
+        if (control->kind() != ControlKind::button) set_focus(*control);
         form_.raise_click(*control);
         return true;
     }

@@ -214,8 +214,8 @@ void TerminalToolkit::draw_now() {
         if (cursor) cursor = Point{cursor->column + shown->at.column, cursor->row + shown->at.row};
     }
     const Area line{0, size.rows - 1, size.columns, size.rows};
-    const std::u32string keys = key_line(size.columns - 2);
-    host_line_ ? host_line_(canvas, line, keys) : void(canvas.text({1, line.top}, keys, look::kDesktop));
+    const auto beginning = host_line_ ? host_line_(canvas, line) : std::u32string();
+    if (beginning) canvas.text({1, line.top}, key_line(*beginning, size.columns - 2), look::kDesktop);
     screen_.show(canvas, cursor);
 }
 
@@ -230,13 +230,11 @@ void TerminalToolkit::draw_too_small(Canvas& canvas) const {
     }
 }
 
-std::u32string TerminalToolkit::key_line(int width) const {
+std::u32string TerminalToolkit::key_line(std::u32string line, int width) const {
     constexpr std::u32string_view kLeave = U"Ctrl+C leave";
-    if (windows_.empty()) return {};
-    std::u32string line;
+    if (windows_.empty()) return line;
     for (const std::u32string& key : windows_.back()->window.keys()) {
-        if (text_width(line) + text_width(key) + text_width(kLeave) + 3 > width) continue;
-        line += key + U"   ";
+        if (text_width(line) + text_width(key) + text_width(kLeave) + 3 <= width) line += key + U"   ";
     }
     return line.append(kLeave);
 }

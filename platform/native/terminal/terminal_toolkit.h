@@ -15,8 +15,8 @@
 
 namespace vex::platform::native::terminal {
 
-/// Draws the host's line, the last row of the screen. `keys`: what the keys do now.
-using HostLine = std::function<void(Canvas& canvas, const Area& line, const std::u32string& keys)>;
+/// Draws the host's line, the last row of the screen; or answers what is to stand there before the keys.
+using HostLine = std::function<std::optional<std::u32string>(Canvas& canvas, const Area& line)>;
 
 /// Used on one thread. The screen must outlive it, and it every form shown on it.
 class TerminalToolkit : public forms::Toolkit, private WindowOwner {
@@ -56,7 +56,8 @@ private:
 
     void draw_now() override;
     void draw_too_small(Canvas& canvas) const;
-    std::u32string key_line(int width) const;
+    /// What the keys do now, after what `line` says already, as far as `width` goes.
+    std::u32string key_line(std::u32string line, int width) const;
     std::optional<Input> read(bool wait);
     void handle(const Input& input);
 
