@@ -1,4 +1,4 @@
-// What the units of all displays hold, as a table for people.
+// What the units of the displays hold now, as a table for people.
 #pragma once
 
 #include <ostream>
@@ -7,7 +7,8 @@
 
 namespace vex::sim {
 
-/// A line for each unit, in the host's order of the displays.
-void print_units(const Host& host, std::ostream& out);
+/// A line for each unit that does not hold what it held `before`, in the host's order of the displays; then how many
+/// still do.
+void print_changed_units(const Host& host, const Units& before, std::ostream& out);
 
 }  // namespace vex::sim

@@ -6,7 +6,7 @@
 
 namespace vex::sim {
 
-class NativeScreen final : public Screen, private forms::ScriptedUser {
+class NativeScreen : public Screen, private forms::ScriptedUser {
 public:
     NativeScreen() noexcept : toolkit_(*this) {}
 
@@ -27,6 +27,11 @@ public:
     std::u16string property(const std::u16string& name, const std::u16string& property) const override;
     std::vector<std::vector<std::u16string>> rows(const std::u16string& name) const override;
 
+protected:
+    /// The topmost dialog. Raises `std::invalid_argument` where there is none.
+    virtual forms::Form& form() const;
+    forms::Control& control(const std::u16string& name) const;
+
 private:
     void form_opened(forms::Form& form) override;
     void form_closed(forms::Form& form) override;
@@ -37,8 +42,6 @@ private:
     const forms::MenuItem* choose(const forms::Menu& menu) override;
     void beep() override;
 
-    forms::Form& form() const;
-    forms::Control& control(const std::u16string& name) const;
     forms::ListView& list(const std::u16string& name) const;
 
     ScreenUser* user_ = nullptr;

@@ -1,9 +1,7 @@
 // A screen that draws what its user sees, as text.
 #include "simulator/native/pictured_screen.h"
 
-#include "platform/native/terminal/machine_drives.h"
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "platform/native/terminal/text_picture.h"
 #include "simulator/native/icon_characters.h"
 
 namespace vex::sim {
@@ -57,9 +55,7 @@ private:
 template <class Show>
 std::string photograph(const terminal::IconCharacters& icons, Show show) {
     Photograph screen;
-    const terminal::MachineDrives drives;
-    terminal::TerminalToolkit toolkit(screen, drives, icons,
-                                      {.behind = {}, .host_line = [](terminal::Canvas&, const terminal::Area&) {}});
+    terminal::TerminalToolkit toolkit(screen, icons, [](auto&, auto&) { return std::nullopt; });
     show(toolkit);
     return screen.picture();
 }
@@ -101,7 +97,7 @@ std::optional<std::u16string> PicturedScreen::choose_file(const forms::OpenFileR
 
 void PicturedScreen::draw_dialog() {
     forms::Form* const form = screen_.top();
-    if (form != nullptr) print(terminal::text_picture(terminal::picture_of(*form, icons_).canvas));
+    if (form != nullptr) print(terminal::picture_of(*form, icons_));
 }
 
 void PicturedScreen::print(const std::string& picture) {
