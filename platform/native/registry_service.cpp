@@ -323,7 +323,7 @@ std::int32_t RegistryService::connect_registry(const char* computer, RegistryKey
         RegistryStore* store = name.empty() ? local_.get() : remote_store(name);
         if (store == nullptr) return kBadNetPath;
         store->refresh();
-        key = add_handle(*store, *store->tree().find(handle(root).key->name), kMaximumAllowed);
+        key = add_handle(*store, *store->tree().root(handle(root).key->name), kMaximumAllowed);
         return kSuccess;
     });
 }

@@ -79,11 +79,6 @@ RegistryNode* RegistryTree::root(std::u16string_view name) const {
     return equal_ignoring_case(name, u"HKEY_CLASSES_ROOT") ? classes_ : top_->keys.find(name).get();
 }
 
-RegistryNode* RegistryTree::find(std::u16string_view path) const {
-    RegistryNode* from = root(take_name(path));
-    return from == nullptr ? nullptr : from->find(path);
-}
-
 void RegistryTree::apply(std::vector<RegistrySection> sections) {
     for (RegistrySection& section : sections) {
         std::u16string_view path = section.path;

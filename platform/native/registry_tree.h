@@ -97,8 +97,6 @@ public:
 
     /// Null for what is no root's name.
     RegistryNode* root(std::u16string_view name) const;
-    /// The key at a path that begins with a root's name, or null.
-    RegistryNode* find(std::u16string_view path) const;
     /// Whether a key cannot be deleted.
     bool is_permanent(const RegistryNode& key) const { return key.parent == top_.get() || &key == classes_; }
 
