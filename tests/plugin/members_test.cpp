@@ -78,7 +78,7 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
 
         Variant early;
         // More than any result is long: what the callee does not write shows.
-        early.get().llVal = 0x7777777777777777;
+        std::memset(&early.get().dblVal, 0x77, sizeof early.get().dblVal);
         const auto call_early = [&](void* result) {
             switch (member.argument) {
                 case Takes::index: return call_slot(object.get(), member.slot, SHORT{0}, result);
@@ -86,7 +86,7 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
                 default: return call_slot(object.get(), member.slot, result);
             }
         };
-        EXPECT_EQ(call_early(&early.get().llVal), member.code);
+        EXPECT_EQ(call_early(&early.get().dblVal), member.code);
         early.get().vt = member.result;
         expect_answer(member, early.get());
         if (member.argument != Takes::object) {
