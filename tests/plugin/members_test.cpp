@@ -1,4 +1,6 @@
 // What the members of the two classes answer, called through the virtual table and late.
+#include <cstring>
+
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
