@@ -62,17 +62,6 @@ TEST_F(WindowTest, ControlsStandWhereTheTablePutsThem) {
     show();
 }
 
-TEST_F(WindowTest, ScaleRoundsEdgesToTheNearestPixel) {
-    const platform::win32::Scale scale(96, 120);
-    EXPECT_EQ(scale.x(1440), 96);
-    EXPECT_EQ(scale.y(1440), 120);
-    EXPECT_EQ(scale.x(7), 0);
-    EXPECT_EQ(scale.x(8), 1);
-    EXPECT_EQ(scale.x(-330), -22);
-    EXPECT_EQ(scale.twips_x(scale.x(225)), 225);
-    EXPECT_EQ(scale.font_height(8.25), 14);
-}
-
 TEST_F(WindowTest, LineAndLabelAreDrawnOnThePanelsColor) {
     user.then([&] {
         const HWND panel = window_of(u"panel");
