@@ -5,7 +5,7 @@
 
 #include "core/product.h"
 #include "tests/shared/error_of.h"
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 namespace vex::test {
 namespace {

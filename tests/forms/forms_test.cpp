@@ -4,7 +4,7 @@
 #include "core/runtime_error.h"
 #include "forms/common_dialog.h"
 #include "tests/shared/error_of.h"
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 namespace vex::forms {
 namespace {

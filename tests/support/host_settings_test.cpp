@@ -4,7 +4,7 @@
 #include "core/runtime_error.h"
 #include "support/mod_reg_access.h"
 #include "support/registry_routines.h"
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 namespace vex::test {
 namespace {

@@ -1,7 +1,7 @@
 // The update run: its rows, from load to the last retry, and what is refused while it works.
 #include "update/dlg_disp_updater.h"
 
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 namespace vex::test {
 namespace {

@@ -4,7 +4,7 @@
 #include "core/unicode.h"
 #include "support/mod_reg_access.h"
 #include "tests/shared/error_of.h"
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 namespace vex::test {
 namespace {

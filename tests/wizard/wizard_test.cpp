@@ -9,7 +9,7 @@
 #include "support/mod_reg_access.h"
 #include "support/registry_routines.h"
 #include "tests/shared/error_of.h"
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 namespace vex::test {
 namespace {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "com/variant.h"
+#include "core/unicode.h"
 #include "forms/form.h"
 #include "support/services.h"
 #include "tests/registry/forwarding_registry.h"
@@ -46,10 +47,16 @@ public:
     explicit Screen(Notebook& notebook) noexcept : notebook_(notebook) {}
 
     void run_modal(forms::Form& form, forms::Form* owner) override;
-    void pump_messages() override;
+    void pump_messages() override {
+        notebook_.line(top().name(), "pump");
+        if (const auto act = std::exchange(at_pump, nullptr)) act(top());
+    }
     forms::MessageAnswer message_box(const forms::MessageBox& box) override;
     std::optional<std::u16string> open_file(const forms::OpenFileRequest& request) override;
-    void pop_up_menu(forms::Form& form, forms::Menu& menu) override;
+    void pop_up_menu(forms::Form& form, forms::Menu& menu) override {
+        notebook_.line(form.name(), "menu " + menu.name + ": " + to_utf8(menu.items.at(0).caption));
+        form.raise_menu_click(menu.items[0]);
+    }
     void beep() override { notebook_.line("", "beep"); }
 
     void changed(forms::Control& control, forms::Change change) override;
@@ -139,22 +146,39 @@ private:
 /// Dialogs on a recorded screen and host, with a registry that is empty at first.
 class RecordedFixture : public ::testing::Test, public platform::Files, public platform::Processes {
 protected:
-    RecordedFixture();
-    ~RecordedFixture() override;
+    RecordedFixture() {
+        for (const std::int32_t root : {platform::kHkeyLocalMachine, platform::kHkeyCurrentUser}) {
+            for (const char* branch : {"Norvan", "Tarvex", "BrivolaLite", "Microsoft", "Values"})
+                delete_tree(platform::registry_key(root), std::string("Software\\") + branch);
+        }
+    }
+    ~RecordedFixture() override {
+        host.forget_sinks();
+        EXPECT_EQ(registry.open_keys, 0) << "a key was left open";
+        EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
+    }
 
-    bool ordinary_file_exists(const std::u16string& path) override;
-    bool start(const std::u16string& path) override;
+    bool ordinary_file_exists(const std::u16string& path) override {
+        notebook.line("", "is there " + to_utf8(path));
+        return files_exist;
+    }
+    bool start(const std::u16string& path) override {
+        notebook.line("", "start " + to_utf8(path));
+        return programs_start;
+    }
 
     /// What the display list tells of its current display.
-    void display(const std::map<std::string, std::u16string>& fields);
+    void display(const std::map<std::string, std::u16string>& fields) {
+        for (const auto& [name, text] : fields) host.answers["HostDisplayList." + name] = com::Variant::text(text);
+    }
 
-    Notebook notebook;
-    Screen screen{notebook};
-    RecordedHost host{notebook};
     static Key machine_key(const std::string& path) {
         return Key::created(platform::registry_key(platform::kHkeyLocalMachine), path);
     }
 
+    Notebook notebook;
+    Screen screen{notebook};
+    RecordedHost host{notebook};
     CountedRegistry registry;
     bool files_exist = true;
     bool programs_start = true;
@@ -162,7 +186,7 @@ protected:
     Services services{screen, registry, *this, *this, side_code_page(), module, u"C:\\Plugin"};
 };
 
-/// `{R"(` opens a line of its own in the expected text.
+/// An expected text that begins with a line break of its own, without it.
 inline std::string log(const char* text) { return text + 1; }
 
 }  // namespace vex::test

@@ -1,5 +1,5 @@
 // Writes down what dialogs do.
-#include "tests/update/notebook.h"
+#include "tests/shared/notebook.h"
 
 #include "com/class_factory.h"
 #include "core/digits.h"
@@ -86,11 +86,6 @@ void Screen::run_modal(forms::Form& form, forms::Form* owner) {
     notebook_.line(form.name(), "close " + form.name());
 }
 
-void Screen::pump_messages() {
-    notebook_.line(top().name(), "pump");
-    if (const auto act = std::exchange(at_pump, nullptr)) act(top());
-}
-
 forms::MessageAnswer Screen::message_box(const forms::MessageBox& box) {
     notebook_.line("", "ask " + in_quotes(box.title) + ' ' + in_quotes(box.text) +
                            (box.buttons == forms::MessageButtons::yes_no ? " yes/no" : " ok"));
@@ -101,11 +96,6 @@ std::optional<std::u16string> Screen::open_file(const forms::OpenFileRequest& re
     notebook_.line("", "choose file in " + in_quotes(request.initial_folder) + " named " + in_quotes(request.file_name) + ' ' +
                            in_quotes(request.filter) + ' ' + hex(request.flags));
     return file;
-}
-
-void Screen::pop_up_menu(forms::Form& form, forms::Menu& menu) {
-    notebook_.line(form.name(), "menu " + menu.name + ": " + to_utf8(menu.items.at(0).caption));
-    form.raise_menu_click(menu.items[0]);
 }
 
 void Screen::changed(forms::Control& control, forms::Change change) {
@@ -265,33 +255,6 @@ com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
         if (one.name == std::string_view(name)) return com::make_object<HostObject>(*this, one).template query<IDispatch>();
     }
     return {};
-}
-
-RecordedFixture::RecordedFixture() {
-    for (const std::int32_t root : {platform::kHkeyLocalMachine, platform::kHkeyCurrentUser}) {
-        for (const char* branch : {"Norvan", "Tarvex", "BrivolaLite", "Microsoft", "Values"})
-            delete_tree(platform::registry_key(root), std::string("Software\\") + branch);
-    }
-}
-
-RecordedFixture::~RecordedFixture() {
-    host.forget_sinks();
-    EXPECT_EQ(registry.open_keys, 0) << "a key was left open";
-    EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
-}
-
-bool RecordedFixture::ordinary_file_exists(const std::u16string& path) {
-    notebook.line("", "is there " + to_utf8(path));
-    return files_exist;
-}
-
-bool RecordedFixture::start(const std::u16string& path) {
-    notebook.line("", "start " + to_utf8(path));
-    return programs_start;
-}
-
-void RecordedFixture::display(const std::map<std::string, std::u16string>& fields) {
-    for (const auto& [name, text] : fields) host.answers["HostDisplayList." + name] = com::Variant::text(text);
 }
 
 }  // namespace vex::test
