@@ -24,8 +24,6 @@ struct Point {
 struct Size {
     int columns = 0;
     int rows = 0;
-
-    friend bool operator==(const Size&, const Size&) = default;
 };
 
 /// Cells; right and bottom are the first ones outside.
@@ -67,8 +65,6 @@ struct Style {
     bool bold = false;
     bool underline = false;
     bool standout = false;
-
-    friend bool operator==(const Style&, const Style&) = default;
 };
 
 /// What a form does not colour itself.

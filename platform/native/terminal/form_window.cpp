@@ -18,14 +18,10 @@ constexpr int kColumnStep = 8;
 constexpr int kLongestHint = 18;
 
 bool takes_keys(const Control& control) noexcept {
-    switch (control.kind()) {
-        case ControlKind::button:
-        case ControlKind::option_button:
-        case ControlKind::check_box:
-        case ControlKind::text_box:
-        case ControlKind::list_view: return control.enabled() && control.reachable();
-        default: return false;
-    }
+    const ControlKind kind = control.kind();
+    return (kind == ControlKind::button || kind == ControlKind::option_button || kind == ControlKind::check_box ||
+            kind == ControlKind::text_box || kind == ControlKind::list_view) &&
+           control.enabled() && control.reachable();
 }
 
 bool takes_focus(const Control& control) noexcept { return control.tab_index() >= 0 && takes_keys(control); }
@@ -95,11 +91,10 @@ Control* first_focus(const forms::Form& form) {
             if (parent->kind() == ControlKind::tab_pages) return stop;
         }
     }
-    const auto& all = form.controls();
-    const bool has_pages = std::any_of(
-        all.begin(), all.end(), [](const Control* control) { return control->kind() == ControlKind::tab_pages; });
-    forms::Button* const standard = button_with(form, &forms::Button::is_default);
-    if (has_pages && standard != nullptr && takes_focus(*standard)) return standard;
+    Control* const standard = button_with(form, &forms::Button::is_default);
+    for (const Control* control : form.controls()) {
+        if (control->kind() == ControlKind::tab_pages && standard != nullptr) return standard;
+    }
     return stops.empty() ? nullptr : stops.front();
 }
 
@@ -336,20 +331,14 @@ void FormWindow::move_in(ListView& list, const KeyPress& key) {
     const auto page = static_cast<std::ptrdiff_t>(pane->page());
     // Without a selection the first step forwards meets the first row.
     auto row = list.selected() ? static_cast<std::ptrdiff_t>(*list.selected()) : -1;
-    if (key.key == Key::up) {
-        row -= 1;
-    } else if (key.key == Key::down) {
-        row += 1;
-    } else if (key.key == Key::page_up) {
-        row -= page;
-    } else if (key.key == Key::page_down) {
-        row += page;
-    } else if (key.key == Key::home) {
-        row = 0;
-    } else if (key.key == Key::end) {
-        row = last;
-    } else {
-        return;
+    switch (key.key) {
+        case Key::up: row -= 1; break;
+        case Key::down: row += 1; break;
+        case Key::page_up: row -= page; break;
+        case Key::page_down: row += page; break;
+        case Key::home: row = 0; break;
+        case Key::end: row = last; break;
+        default: return;
     }
     const auto chosen = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row, 0, last));
     lists_[&list].wanted = chosen;
