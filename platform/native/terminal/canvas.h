@@ -86,7 +86,7 @@ struct Cell {
     std::uint8_t arms = 0;
     /// The right half of the wide character to the left.
     bool tail = false;
-    Style style;
+    Style style = {};
 };
 
 /// Draws only inside its clip area; places outside are allowed and not drawn.

@@ -326,7 +326,8 @@ void FormWindow::move_in(ListView& list, const KeyPress& key) {
     }
     if (list.row_count() == 0) return owner_.beep();
     // Space acts on the row, which must be one.
-    if (key.key == Key::character) return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
+    if (key.key == Key::character)
+        return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
     const auto last = static_cast<std::ptrdiff_t>(list.row_count()) - 1;
     const auto page = static_cast<std::ptrdiff_t>(pane->page());
     // Without a selection the first step forwards meets the first row.
@@ -362,14 +363,14 @@ void FormWindow::open_menu() {
     set_focus(*list);
     // As a right click on the selected row would; where none is, on the first that is marked red as failed.
     const auto& rows = list->rows();
-    const auto failed = std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
+    const auto failed =
+        std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
     const auto first = failed == rows.end() ? 0 : static_cast<std::size_t>(failed - rows.begin());
     const std::size_t row = list->selected().value_or(first);
     lists_[list].wanted = row;
     const auto pane = pane_of(*list);
     if (!pane) return;
-    mouse_press(
-        {MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
+    mouse_press({MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
 }
 
 // ---- The mouse ----------------------------------------------------------------------------------------

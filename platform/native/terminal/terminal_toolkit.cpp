@@ -24,7 +24,9 @@ public:
 
     ChoiceForm(forms::Toolkit& toolkit, const std::u16string& title, const std::u16string& text, const Texts& answers,
                bool menu)
-        : Form(toolkit, design_for(title, text, answers, menu)), closes_(menu || answers.size() == 1), buttons_(answers.size()) {
+        : Form(toolkit, design_for(title, text, answers, menu)),
+          closes_(menu || answers.size() == 1),
+          buttons_(answers.size()) {
         const Twips step = 11 * kCell.column;
         const Twips left = (width() - step * static_cast<Twips>(answers.size()) + 2 * kCell.column) / 2;
         const Rect text_place{2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row};
@@ -126,8 +128,8 @@ void TerminalToolkit::pump_messages() {
 
 MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
     const bool question = box.buttons == forms::MessageButtons::yes_no;
-    ChoiceForm form(*this, box.title, box.text, question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"},
-                    false);
+    ChoiceForm form(*this, box.title, box.text,
+                    question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"}, false);
     form.show_modal();
     if (!question) return MessageAnswer::ok;
     return form.answer == 0U ? MessageAnswer::yes : MessageAnswer::no;
