@@ -130,7 +130,8 @@ void ListPane::paint_texts(Canvas& canvas, int place, Text text, Look look) cons
         column += widths_[i];
         const int end = i + 1 == widths_.size() ? cells_.left + view_width() : column - 1;
         // Names that begin alike differ at their ends.
-        canvas.text({start, place}, shorten(to_utf32(text(i)), end - start, i == 0 ? Cut::middle : Cut::end), look(i));
+        const bool name = i == 0 && place > cells_.top;
+        canvas.text({start, place}, shorten(to_utf32(text(i)), end - start, name ? Cut::middle : Cut::end), look(i));
     }
 }
 
