@@ -114,7 +114,6 @@ TEST(TerminalScreen, TakesSequencesAsTheyAreHoweverTheyCome) {
         lines += "|\n";
         for (std::size_t start = 0; start < lines.size();) {
             const std::size_t end = lines.find('\n', start);
-            // A paste may hold line ends of its own; the report ends them all the same.
             ASSERT_EQ(process.hear(), lines.substr(start, end - start)) << testing::PrintToString(what);
             start = end + 1;
         }

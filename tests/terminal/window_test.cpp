@@ -324,17 +324,14 @@ TEST_F(OnTerminal, FollowsTheSizeAndTakesNoInputWhileItIsTooSmall) {
 }
 
 TEST_F(OnTerminal, EndOfTheProcessClosesEverything) {
-    SampleForm outer(toolkit);
-    SampleForm inner(toolkit);
-    outer.ok.on_click = [&] {
-        inner.show_modal(&outer);
+    SampleForm form(toolkit);
+    form.ok.on_click = [&] {
         EXPECT_EQ(toolkit.message_box({u"", u"", forms::MessageButtons::yes_no}), forms::MessageAnswer::no);
     };
     screen.keys({Key::enter});
-    outer.show_modal();
+    form.show_modal();
     EXPECT_TRUE(toolkit.ended());
-    EXPECT_FALSE(inner.loaded());
-    EXPECT_FALSE(outer.loaded());
+    EXPECT_FALSE(form.loaded());
 }
 
 // ---- Every size ---------------------------------------------------------------------------------------
@@ -391,9 +388,10 @@ TEST_F(OnTerminal, ControlsOfOneSizeHaveOneSizeOnEveryScreen) {
                 pages.set_tab(page);
                 ASSERT_EQ(faults_of(wizard, {columns, rows}), "") << columns << " by " << rows << ", page " << page;
             }
-            for (const forms::Form* form : {static_cast<const forms::Form*>(&run), static_cast<const forms::Form*>(&session), static_cast<const forms::Form*>(&about)}) {
-                ASSERT_EQ(faults_of(*form, {columns, rows}), "") << columns << " by " << rows;
-            }
+            ASSERT_EQ(faults_of(run, {columns, rows}) + faults_of(session, {columns, rows}) +
+                          faults_of(about, {columns, rows}),
+                      "")
+                << columns << " by " << rows;
         }
     }
 }

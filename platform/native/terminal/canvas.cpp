@@ -42,11 +42,9 @@ Color color_of(forms::Color color) noexcept {
 }
 
 Canvas::Canvas(Size size, const Style& style)
-    : size_{std::max(size.columns, 0), std::max(size.rows, 0)}, clip_{0, 0, size_.columns, size_.rows} {
-    Cell blank;
-    blank.style = style;
-    cells_.assign(static_cast<std::size_t>(size_.columns) * static_cast<std::size_t>(size_.rows), blank);
-}
+    : size_(size),
+      clip_(area()),
+      cells_(static_cast<std::size_t>(size.columns) * static_cast<std::size_t>(size.rows), Cell{.style = style}) {}
 
 Area Canvas::set_clip(const Area& area) noexcept {
     const Area before = clip_;
@@ -65,12 +63,10 @@ void Canvas::put(Point at, Cell cell) noexcept {
 }
 
 void Canvas::fill(const Area& area, const Style& style, char32_t character) noexcept {
-    Cell cell;
-    cell.character = character;
-    cell.style = style;
-    const Area target = area.meet(clip_);
-    for (int row = target.top; row < target.bottom; ++row) {
-        for (int column = target.left; column < target.right; ++column) put({column, row}, cell);
+    for (int row = area.top; row < area.bottom; ++row) {
+        for (int column = area.left; column < area.right; ++column) {
+            put({column, row}, {.character = character, .style = style});
+        }
     }
 }
 
@@ -88,16 +84,9 @@ int Canvas::text(Point at, std::u32string_view text, const Style& style) noexcep
         }
         // A wide character that the clip would cut is not drawn at all.
         const bool whole = clip_.contains({at.column + width - 1, at.row});
-        Cell cell;
-        cell.character = whole ? character : U' ';
-        cell.style = style;
-        put(at, cell);
+        put(at, {.character = whole ? character : U' ', .style = style});
         last = whole && clip_.contains(at) ? &cells_[index(at)] : nullptr;
-        if (last != nullptr && width == 2) {
-            cell.character = U' ';
-            cell.tail = true;
-            put({at.column + 1, at.row}, cell);
-        }
+        if (last != nullptr && width == 2) put({at.column + 1, at.row}, {.tail = true, .style = style});
         at.column += width;
     }
     return at.column;
@@ -112,11 +101,8 @@ void Canvas::line(Point from, Point to, Color color) noexcept {
         // A line of one cell is still a line.
         const int back = step > 0 || length == 0 ? (upright ? kUp : kLeft) : 0;
         const int forth = step < length || length == 0 ? (upright ? kDown : kRight) : 0;
-        Cell cell;
-        cell.arms = static_cast<std::uint8_t>(cells_[index(at)].arms | back | forth);
-        cell.character = kLineCharacters[cell.arms];
-        cell.style.fore = color;
-        put(at, cell);
+        const auto arms = static_cast<std::uint8_t>(cells_[index(at)].arms | back | forth);
+        put(at, {.character = kLineCharacters[arms], .arms = arms, .style = {.fore = color}});
     }
 }
 
@@ -130,10 +116,9 @@ void Canvas::frame(const Area& area, Color color) noexcept {
 }
 
 void Canvas::paste(const Canvas& other, Point at) noexcept {
-    const Area target = other.area().moved(at).meet(clip_);
-    for (int row = target.top; row < target.bottom; ++row) {
-        for (int column = target.left; column < target.right; ++column) {
-            put({column, row}, other.cell({column - at.column, row - at.row}));
+    for (int row = 0; row < other.size_.rows; ++row) {
+        for (int column = 0; column < other.size_.columns; ++column) {
+            put({at.column + column, at.row + row}, other.cell({column, row}));
         }
     }
 }

@@ -24,8 +24,6 @@ struct Point {
 struct Size {
     int columns = 0;
     int rows = 0;
-
-    friend bool operator==(const Size&, const Size&) = default;
 };
 
 /// Cells; right and bottom are the first ones outside.
@@ -67,8 +65,6 @@ struct Style {
     bool bold = false;
     bool underline = false;
     bool standout = false;
-
-    friend bool operator==(const Style&, const Style&) = default;
 };
 
 /// What a form does not colour itself.
@@ -90,7 +86,7 @@ struct Cell {
     std::uint8_t arms = 0;
     /// The right half of the wide character to the left.
     bool tail = false;
-    Style style;
+    Style style = {};
 };
 
 /// Draws only inside its clip area; places outside are allowed and not drawn.

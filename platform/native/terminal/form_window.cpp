@@ -18,14 +18,10 @@ constexpr int kColumnStep = 8;
 constexpr int kLongestHint = 18;
 
 bool takes_keys(const Control& control) noexcept {
-    switch (control.kind()) {
-        case ControlKind::button:
-        case ControlKind::option_button:
-        case ControlKind::check_box:
-        case ControlKind::text_box:
-        case ControlKind::list_view: return control.enabled() && control.reachable();
-        default: return false;
-    }
+    const ControlKind kind = control.kind();
+    return (kind == ControlKind::button || kind == ControlKind::option_button || kind == ControlKind::check_box ||
+            kind == ControlKind::text_box || kind == ControlKind::list_view) &&
+           control.enabled() && control.reachable();
 }
 
 bool takes_focus(const Control& control) noexcept { return control.tab_index() >= 0 && takes_keys(control); }
@@ -93,11 +89,10 @@ Control* first_focus(const forms::Form& form) {
             if (parent->kind() == ControlKind::tab_pages) return stop;
         }
     }
-    const auto& all = form.controls();
-    const bool has_pages = std::any_of(
-        all.begin(), all.end(), [](const Control* control) { return control->kind() == ControlKind::tab_pages; });
-    forms::Button* const standard = button_with(form, &forms::Button::is_default);
-    if (has_pages && standard != nullptr && takes_focus(*standard)) return standard;
+    Control* const standard = button_with(form, &forms::Button::is_default);
+    for (const Control* control : form.controls()) {
+        if (control->kind() == ControlKind::tab_pages && standard != nullptr) return standard;
+    }
     return stops.empty() ? nullptr : stops.front();
 }
 
@@ -329,25 +324,20 @@ void FormWindow::move_in(ListView& list, const KeyPress& key) {
     }
     if (list.row_count() == 0) return owner_.beep();
     // Space acts on the row, which must be one.
-    if (key.key == Key::character) return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
+    if (key.key == Key::character)
+        return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
     const auto last = static_cast<std::ptrdiff_t>(list.row_count()) - 1;
     const auto page = static_cast<std::ptrdiff_t>(pane->page());
     // Without a selection the first step forwards meets the first row.
     auto row = list.selected() ? static_cast<std::ptrdiff_t>(*list.selected()) : -1;
-    if (key.key == Key::up) {
-        row -= 1;
-    } else if (key.key == Key::down) {
-        row += 1;
-    } else if (key.key == Key::page_up) {
-        row -= page;
-    } else if (key.key == Key::page_down) {
-        row += page;
-    } else if (key.key == Key::home) {
-        row = 0;
-    } else if (key.key == Key::end) {
-        row = last;
-    } else {
-        return;
+    switch (key.key) {
+        case Key::up: row -= 1; break;
+        case Key::down: row += 1; break;
+        case Key::page_up: row -= page; break;
+        case Key::page_down: row += page; break;
+        case Key::home: row = 0; break;
+        case Key::end: row = last; break;
+        default: return;
     }
     const auto chosen = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row, 0, last));
     lists_[&list].wanted = chosen;
@@ -371,14 +361,14 @@ void FormWindow::open_menu() {
     set_focus(*list);
     // As a right click on the selected row would; where none is, on the first that is marked red as failed.
     const auto& rows = list->rows();
-    const auto failed = std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
+    const auto failed =
+        std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
     const auto first = failed == rows.end() ? 0 : static_cast<std::size_t>(failed - rows.begin());
     const std::size_t row = list->selected().value_or(first);
     lists_[list].wanted = row;
     const auto pane = pane_of(*list);
     if (!pane) return;
-    mouse_press(
-        {MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
+    mouse_press({MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
 }
 
 // ---- The mouse ----------------------------------------------------------------------------------------

@@ -65,102 +65,92 @@ int widest(const std::vector<std::u32string>& lines) noexcept {
     return width;
 }
 
-/// Makes room for the texts that do not fit.
-class TextFitter {
-public:
-    explicit TextFitter(std::vector<PlacedControl>& controls) noexcept : controls_(controls) {}
+using Controls = std::vector<PlacedControl>;
 
-    /// A caption does not wrap: its button grows to the right, then to the left, and those of its size with it, as
-    /// far as none of them meets another control.
-    void fit_buttons_like(const Control& control) const {
-        std::vector<PlacedControl*> alike;
-        int width = 0;
-        int limit = 10'000;
-        for (PlacedControl& placed : controls_) {
-            const Control& other = *placed.control;
-            if (other.kind() != ControlKind::button || other.place().width != control.place().width ||
-                other.place().height != control.place().height) {
-                continue;
-            }
-            alike.push_back(&placed);
-            width = std::max({width, placed.cells.width(), text_width(text_of(other)) + 2});
-            const Area room = room_for(placed, 0);
-            limit = std::min(limit, room.right - room.left);
-            // Where two would touch in their old places, both are smaller.
-            if (room.right < placed.cells.right) limit = std::min(limit, room.right - placed.cells.left);
+/// How far a control can grow without meeting others of its container, with `gap` cells between beside them.
+Area room_for(const PlacedControl& placed, const Controls& controls, int gap) noexcept {
+    Area room = placed.clip;
+    const Area& own = placed.cells;
+    for (const PlacedControl& other : controls) {
+        const Control& control = *other.control;
+        const Area& cells = other.cells;
+        if (&other == &placed || control.parent() != placed.control->parent() || control.kind() == ControlKind::line ||
+            (control.kind() == ControlKind::label && control.caption().empty())) {
+            continue;
         }
-        width = std::min(width, limit);
-        for (PlacedControl* placed : alike) {
-            const int right = std::min(placed->cells.left + width, room_for(*placed, 0).right);
-            placed->cells = {right - width, placed->cells.top, right, placed->cells.bottom};
-            placed->lines = {shorten(text_of(*placed->control), width - 2)};
+        if (cells.top < own.bottom && cells.bottom > own.top) {
+            if (cells.left > own.left) room.right = std::min(room.right, cells.left - gap);
+            if (cells.left < own.left) room.left = std::max(room.left, std::min(own.left, cells.right + gap));
+        }
+        if (cells.left < own.right && cells.right > own.left && cells.top >= own.bottom) {
+            room.bottom = std::min(room.bottom, cells.top);
         }
     }
+    return room;
+}
 
-    /// Others grow to the right, then downwards.
-    void fit_text(PlacedControl& placed) const {
-        const int adornment = adornment_width(placed.control->kind());
-        const std::u32string text = text_of(*placed.control);
-        Area& cells = placed.cells;
-        const auto wrap_at = [&](int width) { placed.lines = wrap(text, std::max(1, width - adornment)); };
-        const auto fits = [&] {
-            return static_cast<int>(placed.lines.size()) <= cells.height() &&
-                   widest(placed.lines) + adornment <= cells.width();
-        };
-        wrap_at(cells.width());
-        if (text.empty() || fits()) return;
-
-        const int wanted = cells.left + adornment + widest(wrap(text, 10'000));
-        wrap_at(std::max(cells.right, std::min(wanted, room_for(placed, 1).right)) - cells.left);
-        cells.right = std::max(cells.right, cells.left + adornment + widest(placed.lines));
-        if (fits()) return;
-
-        const int bottom = cells.top + static_cast<int>(placed.lines.size());
-        cells.bottom = std::max(cells.bottom, std::min(bottom, room_for(placed, 1).bottom));
-        const auto rows = static_cast<std::size_t>(cells.height());
-        if (placed.lines.size() <= rows) return;
-        placed.lines.resize(rows);
-        placed.lines.back() = shorten(placed.lines.back() + U"…", cells.width() - adornment);
-    }
-
-private:
-    /// How far a control can grow without meeting others of its container, with `gap` cells between beside them.
-    Area room_for(const PlacedControl& placed, int gap) const noexcept {
-        Area room = placed.clip;
-        const Area& own = placed.cells;
-        for (const PlacedControl& other : controls_) {
-            const Control& control = *other.control;
-            const Area& cells = other.cells;
-            if (&other == &placed || control.parent() != placed.control->parent() ||
-                control.kind() == ControlKind::line ||
-                (control.kind() == ControlKind::label && control.caption().empty())) {
-                continue;
-            }
-            if (cells.top < own.bottom && cells.bottom > own.top) {
-                if (cells.left > own.left) room.right = std::min(room.right, cells.left - gap);
-                if (cells.left < own.left) room.left = std::max(room.left, std::min(own.left, cells.right + gap));
-            }
-            if (cells.left < own.right && cells.right > own.left && cells.top >= own.bottom) {
-                room.bottom = std::min(room.bottom, cells.top);
-            }
+/// A caption does not wrap: its button grows to the right, then to the left, and those of its size with it, as
+/// far as none of them meets another control.
+void fit_buttons_like(const Control& control, Controls& controls) {
+    std::vector<PlacedControl*> alike;
+    int width = 0;
+    int limit = 10'000;
+    for (PlacedControl& placed : controls) {
+        const Control& other = *placed.control;
+        if (other.kind() != ControlKind::button || other.place().width != control.place().width ||
+            other.place().height != control.place().height) {
+            continue;
         }
-        return room;
+        alike.push_back(&placed);
+        width = std::max({width, placed.cells.width(), text_width(text_of(other)) + 2});
+        const Area room = room_for(placed, controls, 0);
+        limit = std::min(limit, room.right - room.left);
+        // Where two would touch in their old places, both are smaller.
+        if (room.right < placed.cells.right) limit = std::min(limit, room.right - placed.cells.left);
     }
+    width = std::min(width, limit);
+    for (PlacedControl* placed : alike) {
+        const int right = std::min(placed->cells.left + width, room_for(*placed, controls, 0).right);
+        placed->cells = {right - width, placed->cells.top, right, placed->cells.bottom};
+        placed->lines = {shorten(text_of(*placed->control), width - 2)};
+    }
+}
 
-    std::vector<PlacedControl>& controls_;
-};
+/// Others grow to the right, then downwards.
+void fit_text(PlacedControl& placed, const Controls& controls) {
+    const int adornment = adornment_width(placed.control->kind());
+    const std::u32string text = text_of(*placed.control);
+    Area& cells = placed.cells;
+    const auto wrap_at = [&](int width) { placed.lines = wrap(text, std::max(1, width - adornment)); };
+    const auto fits = [&] {
+        return static_cast<int>(placed.lines.size()) <= cells.height() &&
+               widest(placed.lines) + adornment <= cells.width();
+    };
+    wrap_at(cells.width());
+    if (text.empty() || fits()) return;
+
+    const int wanted = cells.left + adornment + widest(wrap(text, 10'000));
+    wrap_at(std::max(cells.right, std::min(wanted, room_for(placed, controls, 1).right)) - cells.left);
+    cells.right = std::max(cells.right, cells.left + adornment + widest(placed.lines));
+    if (fits()) return;
+
+    const int bottom = cells.top + static_cast<int>(placed.lines.size());
+    cells.bottom = std::max(cells.bottom, std::min(bottom, room_for(placed, controls, 1).bottom));
+    const auto rows = static_cast<std::size_t>(cells.height());
+    if (placed.lines.size() <= rows) return;
+    placed.lines.resize(rows);
+    placed.lines.back() = shorten(placed.lines.back() + U"…", cells.width() - adornment);
+}
 
 }  // namespace
 
 Scale scale_for(Size terminal) noexcept {
-    const Scale coarsest;
     // The smallest terminal leaves two columns and three rows for frames and the host's line.
-    const auto shrink = [](Twips twips, int cells, int smallest, Twips least) {
-        const int room = std::max(cells, 1);
-        return std::clamp((twips * smallest + room - 1) / room, least, twips);
-    };
-    return {shrink(coarsest.column, terminal.columns - 2, kSmallestTerminal.columns - 2, 60),
-            shrink(coarsest.row, terminal.rows - 3, kSmallestTerminal.rows - 3, 120)};
+    const int columns = std::max(terminal.columns, kSmallestTerminal.columns) - 2;
+    const int rows = std::max(terminal.rows, kSmallestTerminal.rows) - 3;
+    const auto share = [](Twips twips, int cells) { return (twips + cells - 1) / cells; };
+    return {std::max(60, share(Scale().column * (kSmallestTerminal.columns - 2), columns)),
+            std::max(120, share(Scale().row * (kSmallestTerminal.rows - 3), rows))};
 }
 
 Size client_size(const forms::Form& form, const Scale& scale) noexcept {
@@ -184,14 +174,13 @@ std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale) 
         controls.push_back(std::move(placed));
     }
     // Buttons first: their captions have no other way out.
-    const TextFitter fitter(controls);
     for (const PlacedControl& placed : controls) {
         if (placed.control->kind() == ControlKind::button && placed.lines.empty()) {
-            fitter.fit_buttons_like(*placed.control);
+            fit_buttons_like(*placed.control, controls);
         }
     }
     for (PlacedControl& placed : controls) {
-        if (wraps_text(placed.control->kind())) fitter.fit_text(placed);
+        if (wraps_text(placed.control->kind())) fit_text(placed, controls);
     }
     return controls;
 }

@@ -106,27 +106,33 @@ void ListPane::scroll_columns(int cells) noexcept {
 
 void ListPane::paint(Canvas& canvas, bool focused, const IconCharacters& icons) const {
     canvas.fill(cells_, look::kField);
-    paint_header(canvas, focused);
-    for (std::size_t line = 0; line < page_ && scroll_.top + line < list_.row_count(); ++line) {
-        paint_row(canvas, scroll_.top + line, focused, icons);
+    Style style = look::kFace;
+    style.underline = true;
+    canvas.fill({cells_.left, cells_.top, cells_.right, cells_.top + 1}, style);
+    paint_texts(
+        canvas, cells_.top, [this](std::size_t i) { return list_.columns[i].header; },
+        [style](std::size_t) { return style; });
+    int column = cells_.left - scroll_.left - 1;
+    for (std::size_t i = 0; i + 1 < widths_.size(); ++i) canvas.text({column += widths_[i], cells_.top}, U"│", style);
+    // Without a selected row the focus has no other place to be seen.
+    if (focused && !list_.selected()) canvas.text({cells_.left, cells_.top}, kFocusedMark, look::kFocus);
+    for (std::size_t row = scroll_.top; row < std::min(list_.row_count(), scroll_.top + page_); ++row) {
+        paint_row(canvas, row, focused, icons);
     }
     if (overflows()) paint_scroll_bar(canvas);
 }
 
-void ListPane::paint_header(Canvas& canvas, bool focused) const {
-    Style style = look::kFace;
-    style.underline = true;
-    canvas.fill({cells_.left, cells_.top, cells_.right, cells_.top + 1}, style);
+template <class Text, class Look>
+void ListPane::paint_texts(Canvas& canvas, int place, Text text, Look look) const {
     int column = cells_.left - scroll_.left;
     for (std::size_t i = 0; i < widths_.size(); ++i) {
-        const int before = i == 0 ? gutter() : 0;
-        canvas.text({column + before, cells_.top}, shorten(to_utf32(list_.columns[i].header), widths_[i] - before - 1),
-                    style);
+        const int start = column + (i == 0 ? gutter() : 0);
         column += widths_[i];
-        if (i + 1 < widths_.size()) canvas.text({column - 1, cells_.top}, U"│", style);
+        const int end = i + 1 == widths_.size() ? cells_.left + view_width() : column - 1;
+        // Names that begin alike differ at their ends.
+        const bool name = i == 0 && place > cells_.top;
+        canvas.text({start, place}, shorten(to_utf32(text(i)), end - start, name ? Cut::middle : Cut::end), look(i));
     }
-    // Without a selected row the focus has no other place to be seen.
-    if (focused && !list_.selected()) canvas.text({cells_.left, cells_.top}, kFocusedMark, look::kFocus);
 }
 
 void ListPane::paint_row(Canvas& canvas, std::size_t row, bool focused, const IconCharacters& icons) const {
@@ -137,25 +143,17 @@ void ListPane::paint_row(Canvas& canvas, std::size_t row, bool focused, const Ic
     style.bold = false;
     style.underline = selected && !focused;
     canvas.fill({cells_.left, place, cells_.left + view_width(), place + 1}, style);
-    int column = cells_.left - scroll_.left;
-    for (std::size_t i = 0; i < widths_.size(); ++i) {
-        const int before = i == 0 ? gutter() : 0;
-        const bool last = i + 1 == widths_.size();
-        const int room = last ? cells_.left + view_width() - column : widths_[i] - before - 1;
+    const auto style_of = [&](std::size_t i) {
         Style ink = style;
-        if (!selected || !focused) {
-            ink.fore =
-                color_of(i > 0 && i <= data.sub_items.size() ? data.sub_items[i - 1].fore_color : data.fore_color);
-        }
-        // Names that begin alike differ at their ends.
-        canvas.text({column + before, place},
-                    shorten(to_utf32(text_in(data, i)), last ? room - before : room, i == 0 ? Cut::middle : Cut::end),
-                    ink);
-        if (i == 0 && data.icon && list_.small_icons != nullptr) {
-            const char32_t icon = icon_character(list_.small_icons->images()[*data.icon], icons);
-            canvas.text({column + 1, place}, std::u32string(1, icon), ink);
-        }
-        column += widths_[i];
+        const bool own = i > 0 && i <= data.sub_items.size();
+        if (!selected || !focused) ink.fore = color_of(own ? data.sub_items[i - 1].fore_color : data.fore_color);
+        return ink;
+    };
+    paint_texts(
+        canvas, place, [&](std::size_t i) { return text_in(data, i); }, style_of);
+    if (data.icon && list_.small_icons != nullptr) {
+        const char32_t icon = icon_character(list_.small_icons->images()[*data.icon], icons);
+        canvas.text({cells_.left - scroll_.left + 1, place}, std::u32string(1, icon), style_of(0));
     }
     if (selected) canvas.text({cells_.left, place}, focused ? kFocusedMark : kIdleMark, style);
 }

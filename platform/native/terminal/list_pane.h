@@ -53,8 +53,10 @@ private:
     int total_width() const noexcept;
     /// The cells before the text of the first column: the mark of the selection and the icon.
     int gutter() const noexcept { return list_.small_icons != nullptr ? 3 : 1; }
-    void paint_header(Canvas& canvas, bool focused) const;
     void paint_row(Canvas& canvas, std::size_t row, bool focused, const IconCharacters& icons) const;
+    /// The texts of a row or of the header, each in its column and style.
+    template <class Text, class Look>
+    void paint_texts(Canvas& canvas, int place, Text text, Look look) const;
     void paint_scroll_bar(Canvas& canvas) const;
 
     const forms::ListView& list_;

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <clocale>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <deque>
 #include <string>
@@ -85,8 +86,9 @@ std::string capability(const char* name) {
     return bytes;
 }
 
-void write_bytes(std::string_view bytes) {
-    [[maybe_unused]] const auto written = write(STDOUT_FILENO, bytes.data(), bytes.size());
+void send(const char* bytes) {
+    putp(bytes);
+    std::fflush(stdout);
 }
 
 // ---- Signals ------------------------------------------------------------------------------------------
@@ -106,19 +108,13 @@ struct {
     volatile std::sig_atomic_t asked_to_end = 0;
 } state;
 
-void restore_terminal() noexcept {
+void die_of(int signal) {
     if (state.farewell_length > 0) {
         [[maybe_unused]] const auto written =
             write(STDOUT_FILENO, state.farewell.data(), static_cast<std::size_t>(state.farewell_length));
     }
     if (state.modes_known) tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
-}
-
-void die_of(int signal) {
-    restore_terminal();
-    struct sigaction standard {};
-    standard.sa_handler = SIG_DFL;
-    sigaction(signal, &standard, nullptr);
+    std::signal(signal, SIG_DFL);
     raise(signal);
 }
 
@@ -153,7 +149,7 @@ public:
     SignalWatch(const SignalWatch&) = delete;
     SignalWatch& operator=(const SignalWatch&) = delete;
     ~SignalWatch() {
-        for (const auto& [signal, action] : former_) sigaction(signal, &action, nullptr);
+        for (const auto& [signal, handler] : former_) std::signal(signal, handler);
         state.farewell_length = 0;
         close(state.pipe[0]);
         close(state.pipe[1]);
@@ -162,22 +158,18 @@ public:
     /// Bytes that bring the terminal back when a signal kills the process or asks it a second time to end. The modes
     /// of the terminal are those of the construction.
     void set_farewell(const std::string& bytes) noexcept {
-        state.farewell_length = static_cast<std::sig_atomic_t>(bytes.copy(state.farewell.data(), state.farewell.size()));
+        state.farewell_length =
+            static_cast<std::sig_atomic_t>(bytes.copy(state.farewell.data(), state.farewell.size()));
     }
 
 private:
     void handle(int signal, void (*handler)(int)) {
-        struct sigaction action {};
-        action.sa_handler = handler;
-        struct sigaction former {};
-        sigaction(signal, nullptr, &former);
+        former_.emplace_back(signal, std::signal(signal, handler));
         // A signal that whoever started the process wants ignored stays ignored.
-        if (former.sa_handler == SIG_IGN) return;
-        sigaction(signal, &action, nullptr);
-        former_.emplace_back(signal, former);
+        if (former_.back().second == SIG_IGN) std::signal(signal, SIG_IGN);
     }
 
-    std::vector<std::pair<int, struct sigaction>> former_;
+    std::vector<std::pair<int, void (*)(int)>> former_;
 };
 
 // ---- The screen ---------------------------------------------------------------------------------------
@@ -208,7 +200,7 @@ public:
         const char* no_color = std::getenv("NO_COLOR");
         if ((no_color == nullptr || *no_color == '\0') && has_colors() && start_color() == OK) colors_ = COLORS;
         // A terminal with a mouse knows of pastes, too.
-        if (has_mouse()) write_bytes("\033[?2004h");
+        if (has_mouse()) send("\033[?2004h");
         signals_.set_farewell(capability("rmkx") + std::string(kModesOff) +
                               "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" + capability("sgr0") +
                               capability("cnorm") + capability("rmcup"));
@@ -217,7 +209,7 @@ public:
     NcursesScreen& operator=(const NcursesScreen&) = delete;
     ~NcursesScreen() override {
         mousemask(0, nullptr);
-        if (has_mouse()) write_bytes(kModesOff);
+        if (has_mouse()) send(kModesOff);
         endwin();
         delscreen(screen_);
     }
@@ -282,7 +274,7 @@ public:
     void beep() override { ::beep(); }
 
 private:
-    static constexpr std::string_view kModesOff = "\033[?2004l";
+    static constexpr char kModesOff[] = "\033[?2004l";
 
     void translate(int kind, wint_t code) {
         if (kind == KEY_CODE_YES) {

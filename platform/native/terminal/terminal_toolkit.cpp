@@ -3,7 +3,8 @@
 
 #include <utility>
 
-#include "platform/native/terminal/open_file_form.h"
+#include "core/unicode.h"
+#include "platform/native/terminal/open_file.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
@@ -23,7 +24,9 @@ public:
 
     ChoiceForm(forms::Toolkit& toolkit, const std::u16string& title, const std::u16string& text, const Texts& answers,
                bool menu)
-        : Form(toolkit, design_for(title, text, answers, menu)), closes_(menu || answers.size() == 1), buttons_(answers.size()) {
+        : Form(toolkit, design_for(title, text, answers, menu)),
+          closes_(menu || answers.size() == 1),
+          buttons_(answers.size()) {
         const Twips step = 11 * kCell.column;
         const Twips left = (width() - step * static_cast<Twips>(answers.size()) + 2 * kCell.column) / 2;
         const Rect text_place{2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row};
@@ -77,26 +80,6 @@ bool too_small(Size size) noexcept {
 
 }  // namespace
 
-/// A form is on the screen.
-class TerminalToolkit::ShowScope {
-public:
-    ShowScope(TerminalToolkit& toolkit, forms::Form& form)
-        : toolkit_(toolkit), shown_{{form, toolkit, toolkit.icons_}, std::exchange(toolkit.anchor_, std::nullopt), {}} {
-        toolkit_.windows_.push_back(&shown_);
-        toolkit_.stale_ = true;
-    }
-    ShowScope(const ShowScope&) = delete;
-    ShowScope& operator=(const ShowScope&) = delete;
-    ~ShowScope() {
-        toolkit_.windows_.pop_back();
-        toolkit_.stale_ = true;
-    }
-
-private:
-    TerminalToolkit& toolkit_;
-    Shown shown_;
-};
-
 TerminalToolkit::TerminalToolkit(Screen& screen, IconCharacters icons, HostLine host_line)
     : screen_(screen), icons_(std::move(icons)), host_line_(std::move(host_line)) {}
 
@@ -115,7 +98,15 @@ forms::Form* TerminalToolkit::find(std::string_view name) const noexcept {
 
 void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
     if (ended_) return;
-    const ShowScope shown(*this, form);
+    Shown shown{{form, *this, icons_}, std::exchange(anchor_, std::nullopt), {}};
+    windows_.push_back(&shown);
+    struct Closing {
+        TerminalToolkit& toolkit;
+        ~Closing() {
+            toolkit.windows_.pop_back();
+            toolkit.stale_ = true;
+        }
+    } const closing{*this};
     draw_now();
     form.raise_activate();
     while (form.running() && !ended_) {
@@ -137,17 +128,15 @@ void TerminalToolkit::pump_messages() {
 
 MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
     const bool question = box.buttons == forms::MessageButtons::yes_no;
-    ChoiceForm form(*this, box.title, box.text, question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"},
-                    false);
+    ChoiceForm form(*this, box.title, box.text,
+                    question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"}, false);
     form.show_modal();
     if (!question) return MessageAnswer::ok;
     return form.answer == 0U ? MessageAnswer::yes : MessageAnswer::no;
 }
 
 std::optional<std::u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
-    OpenFileForm form(*this, request);
-    form.show_modal();
-    return form.chosen();
+    return ask_for_file(*this, request);
 }
 
 void TerminalToolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
@@ -195,7 +184,13 @@ void TerminalToolkit::draw_now() {
     const Size size = screen_.size();
     Canvas canvas(size, look::kDesktop);
     if (too_small(size)) {
-        draw_too_small(canvas);
+        const std::string text = "The terminal has " + std::to_string(size.columns) + " by " +
+                                 std::to_string(size.rows) +
+                                 " characters. Please enlarge it to 80 by 24, or leave with Ctrl+C.";
+        int row = 0;
+        for (const auto& line : wrap(to_utf32(from_utf8(text)), size.columns)) {
+            canvas.text({0, row++}, line, look::kDesktop);
+        }
         return screen_.show(canvas, std::nullopt);
     }
     const Scale scale = scale_for(size);
@@ -217,17 +212,6 @@ void TerminalToolkit::draw_now() {
     const auto beginning = host_line_ ? host_line_(canvas, line) : std::u32string();
     if (beginning) canvas.text({1, line.top}, key_line(*beginning, size.columns - 2), look::kDesktop);
     screen_.show(canvas, cursor);
-}
-
-void TerminalToolkit::draw_too_small(Canvas& canvas) const {
-    const Size size = canvas.size();
-    const std::string text = "The terminal has " + std::to_string(size.columns) + " by " + std::to_string(size.rows) +
-                             " characters. Please enlarge it to " + std::to_string(kSmallestTerminal.columns) + " by " +
-                             std::to_string(kSmallestTerminal.rows) + ", or leave with Ctrl+C.";
-    int row = 0;
-    for (const std::u32string& line : wrap(std::u32string(text.begin(), text.end()), size.columns)) {
-        canvas.text({0, row++}, line, look::kDesktop);
-    }
 }
 
 std::u32string TerminalToolkit::key_line(std::u32string line, int width) const {

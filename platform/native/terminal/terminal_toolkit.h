@@ -52,10 +52,8 @@ private:
         /// The left top corner on the screen.
         Point at;
     };
-    class ShowScope;
 
     void draw_now() override;
-    void draw_too_small(Canvas& canvas) const;
     /// What the keys do now, after what `line` says already, as far as `width` goes.
     std::u32string key_line(std::u32string line, int width) const;
     std::optional<Input> read(bool wait);

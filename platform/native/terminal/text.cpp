@@ -9,20 +9,9 @@
 namespace vex::platform::native::terminal {
 namespace {
 
-/// The C library's widths of Unicode characters, whatever the locale of the process.
-int library_width(char32_t character) noexcept {
-    static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    if (utf8 == nullptr) return 1;
-    const locale_t before = uselocale(utf8);
-    const int width = wcwidth(static_cast<wchar_t>(character));
-    uselocale(before);
-    return width;
-}
-
-bool is_line_end(char32_t character) noexcept { return character == U'\n' || character == U'\r'; }
-
-/// One line without line ends.
+/// One line; without a carriage return at its end.
 void wrap_line(std::u32string_view line, int width, std::vector<std::u32string>& lines) {
+    if (line.ends_with(U'\r')) line.remove_suffix(1);
     const std::size_t first = lines.size();
     while (true) {
         std::u32string_view part = beginning(line, width);
@@ -47,7 +36,6 @@ void wrap_line(std::u32string_view line, int width, std::vector<std::u32string>&
 
 std::u32string to_utf32(std::u16string_view text) {
     std::u32string characters;
-    characters.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char32_t unit = text[i];
         const bool high = unit >= 0xD800 && unit < 0xDC00;
@@ -62,7 +50,6 @@ std::u32string to_utf32(std::u16string_view text) {
 
 std::u16string to_utf16(std::u32string_view text) {
     std::u16string units;
-    units.reserve(text.size());
     for (const char32_t character : text) {
         if (character < 0x10000) {
             units.push_back(static_cast<char16_t>(character));
@@ -77,8 +64,12 @@ std::u16string to_utf16(std::u32string_view text) {
 std::string to_utf8(std::u32string_view text) { return vex::to_utf8(to_utf16(text)); }
 
 int character_width(char32_t character) noexcept {
-    if (character < 0x7F) return 1;
-    const int width = library_width(character);
+    // The C library's widths of Unicode characters, whatever the locale of the process.
+    static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (character < 0x7F || utf8 == nullptr) return 1;
+    const locale_t before = uselocale(utf8);
+    const int width = wcwidth(static_cast<wchar_t>(character));
+    uselocale(before);
     return width < 0 ? 1 : width;
 }
 
@@ -89,13 +80,8 @@ int text_width(std::u32string_view text) noexcept {
 }
 
 std::u32string_view beginning(std::u32string_view text, int width) noexcept {
-    int used = 0;
     std::size_t length = 0;
-    while (length < text.size()) {
-        used += character_width(text[length]);
-        if (used > width) break;
-        ++length;
-    }
+    while (length < text.size() && (width -= character_width(text[length])) >= 0) ++length;
     return text.substr(0, length);
 }
 
@@ -104,10 +90,7 @@ std::u32string shorten(std::u32string_view text, int width, Cut cut) {
     if (width <= 0) return {};
     const int tail = cut == Cut::end ? 0 : cut == Cut::start ? width - 1 : (width - 1) / 2;
     std::size_t start = text.size();
-    for (int used = 0; start > 0; --start) {
-        used += character_width(text[start - 1]);
-        if (used > tail) break;
-    }
+    for (int left = tail; (left -= character_width(text[start - 1])) >= 0;) --start;
     return std::u32string(beginning(text, width - 1 - tail)).append(U"…").append(text.substr(start));
 }
 
@@ -121,12 +104,9 @@ std::size_t first_seen(std::u32string_view text, std::size_t at, int width) noex
 
 std::vector<std::u32string> wrap(std::u32string_view text, int width) {
     std::vector<std::u32string> lines;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i <= text.size(); ++i) {
-        if (i < text.size() && !is_line_end(text[i])) continue;
-        wrap_line(text.substr(start, i - start), width, lines);
-        if (i + 1 < text.size() && text[i] == U'\r' && text[i + 1] == U'\n') ++i;
-        start = i + 1;
+    for (std::size_t end = 0; end != text.npos; text.remove_prefix(end == text.npos ? 0 : end + 1)) {
+        end = text.find(U'\n');
+        wrap_line(text.substr(0, end), width, lines);
     }
     return lines;
 }
@@ -145,10 +125,7 @@ Caption parse_caption(std::u16string_view caption) {
 }
 
 bool same_letter(char32_t left, char32_t right) noexcept {
-    const auto upper = [](char32_t character) {
-        return character < 0x10000 ? static_cast<char32_t>(vex::to_upper(static_cast<char16_t>(character))) : character;
-    };
-    return upper(left) == upper(right);
+    return equal_ignoring_case(to_utf16({&left, 1}), to_utf16({&right, 1}));
 }
 
 }  // namespace vex::platform::native::terminal
