@@ -19,21 +19,31 @@ inline constexpr std::size_t kMostArguments = 3;
 /// The argument types of a member, in the order in which they are written; VT_EMPTY ends them.
 using ArgumentTypes = std::array<VARTYPE, kMostArguments>;
 
-/// The arguments of one call, converted to the member's types, in the order in which they are written.
+inline constexpr VARTYPE kTextReference = VT_BYREF | VT_BSTR;
+inline constexpr VARTYPE kObjectReference = VT_BYREF | VT_DISPATCH;
+
+/// The arguments of one call, in the order in which they are written. They are taken as they are declared:
+/// a real host may convert, and a caller that counts on it finds out here.
 class Arguments {
 public:
-    /// Follows references and converts. Raises the automation error that a caller of a wrong number or type
-    /// of arguments gets.
-    Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types);
+    /// `parameters` outlives it. Raises 13 for an argument that is missing or of another kind than declared,
+    /// naming its place, which `wrong` gets as automation counts (from the last, 0), too; 450 for one too many.
+    Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong);
 
-    std::u16string text(std::size_t index) const { return std::u16string(com::view(values_.at(index).get().bstrVal)); }
-    std::int16_t int16(std::size_t index) const { return values_.at(index).get().iVal; }
-    std::int32_t int32(std::size_t index) const { return values_.at(index).get().lVal; }
-    double real(std::size_t index) const { return values_.at(index).get().dblVal; }
-    IDispatch* object(std::size_t index) const { return values_.at(index).get().pdispVal; }
+    std::u16string text(std::size_t index) const;
+    std::int16_t int16(std::size_t index) const { return at(index).iVal; }
+    std::int32_t int32(std::size_t index) const { return at(index).lVal; }
+    double real(std::size_t index) const { return at(index).dblVal; }
+    /// The caller's place of an object: what is in it belongs to the caller, also where it was replaced.
+    IDispatch** object_place(std::size_t index) const { return at(index).ppdispVal; }
+    /// Each as the trace shows it, with a blank before it; objects are left out.
+    std::u16string shown() const;
 
 private:
-    std::array<com::Variant, kMostArguments> values_;
+    // Last argument first, as automation passes them.
+    const VARIANTARG& at(std::size_t index) const { return parameters_.rgvarg[parameters_.cArgs - 1 - index]; }
+
+    const DISPPARAMS& parameters_;
 };
 
 /// A member of the automation class `Object`.
@@ -47,12 +57,24 @@ struct Member {
     ArgumentTypes types = {};
 };
 
+/// How the trace begins to tell of a call: "call OBJECT.MEMBER ARGUMENTS", "put OBJECT.MEMBER = VALUE" or
+/// "get OBJECT.MEMBER".
+template <class Object>
+std::u16string shown_call(std::u16string_view object, const Member<Object>& member, const Arguments& arguments) {
+    const bool puts = member.kind == DISPATCH_PROPERTYPUT;
+    std::u16string line = puts ? u"put " : member.kind == DISPATCH_METHOD ? u"call " : u"get ";
+    return line.append(object).append(u".").append(member.name).append(puts ? u" =" : u"") + arguments.shown();
+}
+
+/// Whether the one named argument is the value of a property.
+bool puts_one_value(const DISPPARAMS& parameters) noexcept;
 bool is_name(LPCOLESTR text, std::u16string_view name);
 /// Names the simulated host as the source of the error.
 void set_error_source(EXCEPINFO* exception) noexcept;
 
 /// Base of the host's automation objects: `Derived::members()` answers their table. The interface named first
-/// derives from IDispatch and adds no methods.
+/// derives from IDispatch and adds no methods. `Derived::on_call`, where there is one, is told of each call first
+/// and may raise an error in place of it.
 template <class Derived, class First, class... More>
 class AutomationObject : public com::Object<Derived, First, More...> {
 public:
@@ -79,8 +101,7 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
-                                     VARIANT* result, EXCEPINFO* exception,
-                                     UINT* /*argument_error*/) noexcept override {
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         if (result != nullptr) VariantInit(result);
         if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (parameters == nullptr) return E_INVALIDARG;
@@ -89,10 +110,13 @@ public:
             return candidate.id == id && (candidate.kind & flags) != 0;
         });
         if (member == members.end()) return DISP_E_MEMBERNOTFOUND;
+        if ((member->kind == DISPATCH_PROPERTYPUT) != puts_one_value(*parameters)) return DISP_E_PARAMNOTFOUND;
         // Called back in the middle of a call, the object may lose its last other reference.
         const com::ComPtr<Derived> alive(static_cast<Derived*>(this));
         const HRESULT outcome = guarded_invoke(exception, [&] {
-            com::Variant value = member->call(*alive, Arguments(*parameters, member->types));
+            const Arguments arguments(*parameters, member->types, member->name, argument_error);
+            if constexpr (requires { alive->on_call(*member, arguments); }) alive->on_call(*member, arguments);
+            com::Variant value = member->call(*alive, arguments);
             if (result != nullptr) *result = value.detach();
         });
         if (outcome == DISP_E_EXCEPTION) set_error_source(exception);

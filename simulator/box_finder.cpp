@@ -14,12 +14,6 @@ namespace {
 constexpr std::u16string_view kName = u"FindXPort";
 constexpr double kHighestHost = 255;
 
-/// A whole number without a point, as callers pass them; others in the shortest form.
-std::u16string shown_number(double number) {
-    if (std::abs(number) < 1e9 && number == std::floor(number)) return decimal_text(static_cast<std::int32_t>(number));
-    return from_utf8(std::to_string(number));
-}
-
 }  // namespace
 
 std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
@@ -27,12 +21,8 @@ std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
         {u"SearchTimeout",
          dispatch_id(0x68030001),
          DISPATCH_PROPERTYPUT,
-         [](BoxFinder& finder, const Arguments& arguments) {
-             // A simulated search takes no time.
-             finder.host_.trace.line(std::u16string(u"put ").append(kName) + u".SearchTimeout = " +
-                                     decimal_text(arguments.int16(0)));
-             return com::Variant();
-         },
+         // A simulated search takes no time.
+         [](BoxFinder&, const Arguments&) { return com::Variant(); },
          {VT_I2}},
         {u"FindBoxes",
          dispatch_id(0x6003000A),
@@ -46,9 +36,13 @@ std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
     return kMembers;
 }
 
+void BoxFinder::on_call(const Member<BoxFinder>& member, const Arguments& arguments) {
+    const std::u16string shown = shown_call(kName, member, arguments);
+    host_.begin({host_.display_asked_about, 0, parse_operation(member.name)}, shown);
+    host_.trace.line(shown);
+}
+
 void BoxFinder::find_boxes(const std::u16string& address, double first, double last) {
-    host_.trace.line(std::u16string(u"call ").append(kName) + u".FindBoxes " + in_quotes(address) + u" " +
-                     shown_number(first) + u" " + shown_number(last));
     const std::size_t point = address.rfind(u'.');
     if (point == address.npos) {
         if (first <= 0 && last >= 0) report(address);
@@ -57,7 +51,8 @@ void BoxFinder::find_boxes(const std::u16string& address, double first, double l
     const std::u16string network = address.substr(0, point + 1);
     const double end = std::min(last, kHighestHost);
     const double start = std::max(first, 0.0);
-    for (int step = 0; start + step <= end; ++step) report(network + shown_number(start + step));
+    for (double host = std::ceil(start); host <= end; ++host)
+        report(network + decimal_text(static_cast<std::int32_t>(host)));
 }
 
 void BoxFinder::report(const std::u16string& address) {

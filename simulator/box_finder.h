@@ -18,6 +18,7 @@ public:
     explicit BoxFinder(Host& host) : EventfulControl(host.lifetime), host_(host) {}
 
     static std::span<const Member<BoxFinder>> members() noexcept;
+    void on_call(const Member<BoxFinder>& member, const Arguments& arguments);
 
 private:
     /// Searches the hosts `first` to `last` of the network that `address` lies in. An address without a "."

@@ -50,16 +50,27 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
              list.open(arguments.text(0));
              return nothing();
          },
-         {VT_BSTR}},
+         {kTextReference}},
         {u"FindDisplay",
          11,
          DISPATCH_METHOD,
          [](List& list, const Arguments& arguments) { return com::Variant::int32(list.find(arguments.text(0))); },
-         {VT_BSTR}},
+         {kTextReference}},
         {u"DisplayTypeName", 12, kGet, &get<&Display::type>},
         {u"FirmwareVersion", 13, kGet, &get<&Display::version>},
     };
     return kMembers;
+}
+
+void HostDisplayList::on_call(const Member<HostDisplayList>& member, const Arguments& arguments) {
+    const Operation operation = parse_operation(member.name);
+    std::u16string about = current_ < displays_.size() ? displays_.at(current_).name : u"";
+    if (operation == Operation::FindDisplay) about = arguments.text(0);
+    if (operation == Operation::SelectDisplay && is_handle(arguments.int32(0)))
+        about = displays_.at(static_cast<std::size_t>(arguments.int32(0)) - 1).name;
+    const std::u16string shown = shown_call(u"HostDisplayList", member, arguments);
+    host_.begin({about, 0, operation}, shown);
+    if (member.kind == DISPATCH_METHOD) host_.trace.line(shown);
 }
 
 void HostDisplayList::open(const std::u16string& file_name) {
@@ -68,7 +79,7 @@ void HostDisplayList::open(const std::u16string& file_name) {
         throw RuntimeError(kFileNotFound, u"File not found: " + file_name);
     }
     try {
-        displays_ = Displays::load(host_.display_file);
+        displays_ = Displays::parse(to_utf8(Host::kDisplayFile), read_file(host_.display_file));
         current_ = 0;
     } catch (const TextError& error) {
         throw RuntimeError(kInvalidFileFormat, from_utf8(error.what()));
@@ -81,8 +92,8 @@ std::int32_t HostDisplayList::find(const std::u16string& name) const {
 }
 
 void HostDisplayList::select(std::int32_t handle) {
-    if (handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size())
-        current_ = static_cast<std::size_t>(handle) - 1;
+    if (is_handle(handle)) current_ = static_cast<std::size_t>(handle) - 1;
+    if (current_ < displays_.size()) host_.display_asked_about = displays_.at(current_).name;
 }
 
 const Display& HostDisplayList::current() const {

@@ -19,6 +19,7 @@ public:
     explicit HostDisplayList(Host& host) noexcept : AutomationObject(host.lifetime), host_(host) {}
 
     static std::span<const Member<HostDisplayList>> members() noexcept;
+    void on_call(const Member<HostDisplayList>& member, const Arguments& arguments);
 
 private:
     /// Reads the file anew. Raises 53 for any other file and a missing one, 321 for a damaged one.
@@ -27,6 +28,9 @@ private:
     std::int32_t find(const std::u16string& name) const;
     /// An unknown handle leaves the current display as it is.
     void select(std::int32_t handle);
+    bool is_handle(std::int32_t handle) const noexcept {
+        return handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size();
+    }
     const Display& current() const;
     com::Variant text(std::u16string Display::*field) const { return com::Variant::text(current().*field); }
 
@@ -81,7 +85,8 @@ namespace vex::sim {
 
 class HostConnection final : public AutomationObject<HostConnection, IDispatch, IConnectionSettings> {
 public:
-    explicit HostConnection(Host& host) noexcept : AutomationObject(host.lifetime) {}
+    explicit HostConnection(Host& host, ConnectionSettings settings = {}) noexcept
+        : AutomationObject(host.lifetime), settings_(std::move(settings)) {}
 
     static std::span<const Member<HostConnection>> members() noexcept;
     const ConnectionSettings& STDMETHODCALLTYPE settings() noexcept override { return settings_; }

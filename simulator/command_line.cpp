@@ -25,7 +25,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& word = arguments[i];
         const auto value = [&]() -> const std::string& {
-            if (i + 1 == arguments.size()) throw std::invalid_argument(word + " needs a value");
+            if (i + 1 == arguments.size() || arguments[i + 1].empty()) throw std::invalid_argument(word + " needs a value");
             return arguments[++i];
         };
         if (word == "--help" || word == "-h") {

@@ -128,10 +128,10 @@ void Displays::move_entry(Index& index, std::size_t position, const std::u16stri
     positions.insert(std::lower_bound(positions.begin(), positions.end(), position), position);
 }
 
-Displays Displays::load(const std::filesystem::path& path) { return parse(path.filename().string(), read_file(path)); }
+Displays Displays::load(const std::filesystem::path& path) { return parse(path.string(), read_file(path)); }
 
 Displays Displays::parse(const std::string& file, std::string_view text) {
-    const std::vector<std::u16string> lines = split_lines(text);
+    const std::vector<std::u16string> lines = split_lines(file, text);
     if (lines.empty() || lines.front() != kHeader) {
         throw TextError(file, 1, "expected the line " + to_utf8(kHeader));
     }

@@ -3,7 +3,17 @@
 
 #include <utility>
 
+#include "core/runtime_error.h"
+#include "support/text.h"
+
 namespace vex::sim {
+
+ScriptedCall Host::begin(const Call& call, const std::u16string& shown) {
+    ScriptedCall scripted = links.next(call);
+    if (scripted.fault != FaultKind::raise) return scripted;
+    trace.line(shown + u" -> error " + decimal_text(kAutomationError));
+    throw RuntimeError(kAutomationError, std::u16string(name_of(call.operation)) + u" failed");
+}
 
 void Host::put_display(Display display) {
     units.clear_hardware(display.name);

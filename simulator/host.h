@@ -18,6 +18,9 @@ namespace vex::sim {
 
 /// One per run; outlives the objects made from it. Used on the host's thread only.
 struct Host {
+    /// Where the displays lie on the computer's own drive.
+    static constexpr char16_t kDisplayFile[] = u"C:\\Brivola\\Displays.dat";
+
     Host(Trace& shown_trace, Computer& own_computer) noexcept : trace(shown_trace), computer(own_computer) {}
 
     Trace& trace;
@@ -43,6 +46,9 @@ struct Host {
     /// The status messages that are being shown, the innermost last.
     std::vector<ScriptedMessage> messages_shown;
 
+    /// Takes what the script has for a call. Raises the error that it has; `shown` begins the line of the trace that
+    /// tells of that.
+    ScriptedCall begin(const Call& call, const std::u16string& shown);
     /// Adds or replaces a display, without slaves and device servers; what its units hold stays.
     void put_display(Display display);
     /// Writes the file where a display has changed since. Raises `TextError` or `filesystem_error`.

@@ -38,13 +38,17 @@ constexpr HostClass kClasses[] = {
 
 class Factory final : public com::Object<Factory, IClassFactory> {
 public:
-    Factory(Host& host, Maker maker) noexcept : Object(host.lifetime), host_(host), make_(maker) {}
+    Factory(Host& host, std::u16string_view name, Maker maker) noexcept
+        : Object(host.lifetime), host_(host), name_(name.substr(name.find(u'.') + 1)), make_(maker) {}
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        return guarded_method(IID_IClassFactory, [&] { return make_(host_)->QueryInterface(iid, object); });
+        return guarded_method(IID_IClassFactory, [&] {
+            host_.begin({host_.display_asked_about, 0, parse_operation(name_)}, u"new " + std::u16string(name_));
+            return make_(host_)->QueryInterface(iid, object);
+        });
     }
 
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
@@ -54,6 +58,7 @@ public:
 
 private:
     Host& host_;
+    std::u16string_view name_;
     Maker make_;
 };
 
@@ -78,7 +83,7 @@ HostClasses::HostClasses(Host& host) {
     RegistryStore registry(host.computer.registry(), host.computer.code_page());
     for (const HostClass& entry : kClasses) {
         register_names(registry, entry);
-        const auto factory = com::make_object<Factory>(host, entry.make);
+        const auto factory = com::make_object<Factory>(host, entry.programmatic_id, entry.make);
         DWORD cookie = 0;
         const HRESULT result =
             CoRegisterClassObject(entry.clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);

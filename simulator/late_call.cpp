@@ -2,7 +2,6 @@
 #include "simulator/late_call.h"
 
 #include <iterator>
-#include <vector>
 
 #include "core/runtime_error.h"
 
@@ -40,22 +39,25 @@ com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {
     return object;
 }
 
-com::Variant call_late(IDispatch& object, const std::u16string& name, std::initializer_list<com::Variant> arguments) {
+com::Variant call_late(IDispatch& object, const std::u16string& name, const std::vector<com::Variant>& arguments,
+                       WORD flags) {
     DISPID member = DISPID_UNKNOWN;
     auto* text = const_cast<OLECHAR*>(com::ole_text(name));
     if (FAILED(object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member))) {
         throw RuntimeError(kMemberNotSupported, name + u" is not offered");
     }
-    // Last argument first. The values stay the initializer list's.
+    // Last argument first. The values stay the caller's.
     std::vector<VARIANT> values;
     for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument) {
         values.push_back(argument->get());
     }
-    DISPPARAMS parameters = {values.data(), nullptr, static_cast<UINT>(values.size()), 0};
+    DISPID put = DISPID_PROPERTYPUT;
+    const bool puts = flags == DISPATCH_PROPERTYPUT;
+    DISPPARAMS parameters = {values.data(), puts ? &put : nullptr, static_cast<UINT>(values.size()), puts ? 1U : 0U};
     com::Variant result;
     EXCEPINFO exception = {};
-    const HRESULT outcome = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                                          &parameters, result.put(), &exception, nullptr);
+    const HRESULT outcome = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result.put(),
+                                          &exception, nullptr);
     if (outcome == DISP_E_EXCEPTION) throw to_error(exception);
     if (FAILED(outcome)) throw RuntimeError(number_of(outcome), name + u" failed");
     return result;

@@ -1,7 +1,7 @@
 // What a scenario lets happen on the links to the displays.
 #include "simulator/link_script.h"
 
-#include <array>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -10,7 +10,7 @@
 namespace vex::sim {
 namespace {
 
-constexpr std::array<std::u16string_view, 9> kOperations = {
+constexpr std::u16string_view kOperations[] = {
     u"OpenConnection",
     u"SignID",
     u"GetSignInfo",
@@ -20,7 +20,29 @@ constexpr std::array<std::u16string_view, 9> kOperations = {
     u"DownloadFirmwareWithLoader",
     u"CloseConnection",
     u"CancelTransmission",
+    u"SearchTimeout",
+    u"FindBoxes",
+    u"OpenDisplayFile",
+    u"FindDisplay",
+    u"SelectDisplay",
+    u"ComPort",
+    u"ComBaud",
+    u"SignTypeCode",
+    u"ConnectionType",
+    u"NetworkAddress",
+    u"PhoneNumber",
+    u"SignIDs",
+    u"DisplayName",
+    u"DisplayTypeName",
+    u"FirmwareVersion",
+    u"vexDispTrans",
+    u"vexLANBoxFinder2",
+    u"HostDisplayList",
+    u"HostDisplayPicker",
+    u"HostConnection",
+    u"HostSignInfo",
 };
+static_assert(std::size(kOperations) == static_cast<std::size_t>(Operation::HostSignInfo) + 1);
 
 }  // namespace
 
@@ -28,7 +50,7 @@ std::u16string_view name_of(Operation operation) noexcept { return kOperations[s
 
 Operation parse_operation(std::u16string_view name) {
     std::string names;
-    for (std::size_t i = 0; i < kOperations.size(); ++i) {
+    for (std::size_t i = 0; i < std::size(kOperations); ++i) {
         if (kOperations[i] == name) return static_cast<Operation>(i);
         names += (i == 0 ? "" : ", ") + to_utf8(kOperations[i]);
     }

@@ -11,7 +11,8 @@
 
 namespace vex::sim {
 
-/// The members of the transmission control, in the order in which a session first uses them.
+/// What a scenario can disturb: the members of the transmission control, in the order in which a session first
+/// uses them, those of the finder and of the display list, and the creation of an object, by its class.
 enum class Operation {
     OpenConnection,
     SignID,
@@ -22,7 +23,35 @@ enum class Operation {
     DownloadFirmwareWithLoader,
     CloseConnection,
     CancelTransmission,
+    SearchTimeout,
+    FindBoxes,
+    OpenDisplayFile,
+    FindDisplay,
+    SelectDisplay,
+    ComPort,
+    ComBaud,
+    SignTypeCode,
+    ConnectionType,
+    NetworkAddress,
+    PhoneNumber,
+    SignIDs,
+    DisplayName,
+    DisplayTypeName,
+    FirmwareVersion,
+    vexDispTrans,
+    vexLANBoxFinder2,
+    HostDisplayList,
+    HostDisplayPicker,
+    HostConnection,
+    HostSignInfo,
 };
+
+/// Whether the operation is the transmission control's, which can speak meanwhile.
+constexpr bool speaks(Operation operation) noexcept { return operation <= Operation::CancelTransmission; }
+/// Whether it answers its success, and so can fail without an error.
+constexpr bool answers_success(Operation operation) noexcept {
+    return speaks(operation) && operation != Operation::SignID;
+}
 
 std::u16string_view name_of(Operation operation) noexcept;
 /// Raises `std::invalid_argument` naming the operations.
@@ -37,7 +66,8 @@ struct CallPattern {
     std::int64_t at = 0;
 };
 
-/// One call of the transmission control. The display is empty where no display answers on the line.
+/// One call. The display is empty where no display answers on the line, or none was asked about; the ID is 0 where
+/// none is addressed.
 struct Call {
     std::u16string display;
     std::int16_t id = 0;
@@ -65,7 +95,8 @@ struct LinkEvent {
     bool succeeded = false;
 };
 
-enum class FaultKind { none, fail, raise };
+/// `replace`: the call succeeds and puts another object in the place of the one that it was given.
+enum class FaultKind { none, fail, raise, replace };
 
 /// A status message that the control says during a call, and what the user does while he sees it.
 struct ScriptedMessage {
@@ -78,6 +109,8 @@ struct ScriptedMessage {
 struct ScriptedCall {
     FaultKind fault = FaultKind::none;
     std::vector<ScriptedMessage> messages;
+
+    bool fails() const noexcept { return fault == FaultKind::fail; }
 };
 
 class LinkScript {

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "core/runtime_error.h"
+#include "core/unicode.h"
 #include "simulator/host.h"
 #include "simulator/host_classes.h"
 #include "simulator/plugin_host.h"
@@ -12,11 +13,10 @@
 namespace vex::sim {
 namespace {
 
-constexpr char16_t kDisplayFile[] = u"C:\\Brivola\\Displays.dat";
 constexpr char kUnitFile[] = "Units.dat";
 
 void load(Host& host, const std::filesystem::path& unit_file) {
-    host.display_file = host.computer.writable_path(kDisplayFile);
+    host.display_file = host.computer.writable_path(Host::kDisplayFile);
     if (std::filesystem::exists(host.display_file)) {
         host.displays = Displays::load(host.display_file);
     } else {
@@ -26,6 +26,14 @@ void load(Host& host, const std::filesystem::path& unit_file) {
 }
 
 }  // namespace
+
+std::string message_of(const std::exception& error) {
+    const auto* const known = dynamic_cast<const RuntimeError*>(&error);
+    if (known == nullptr) return error.what();
+    // The number of what simply went wrong says nothing more.
+    const std::string text = to_utf8(known->description());
+    return known->number() == kAutomationError ? text : text + " (error " + std::to_string(known->number()) + ")";
+}
 
 ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work) {
@@ -46,7 +54,7 @@ ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, s
             left_behind = true;
         }
     } catch (const std::exception& error) {
-        errors << error.what() << '\n';
+        errors << message_of(error) << '\n';
         return kBadUsage;
     }
     if (host.lifetime.objects() != 0) {
@@ -59,7 +67,10 @@ ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, s
 ExitStatus run_scenario(const Scenario& scenario, Computer& computer, Screen& screen, const RunFolders& folders,
                         bool quiet, std::ostream& out, std::ostream& errors) {
     return run_host(computer, folders, quiet, out, errors, [&](Host& host, PluginHost& plugin) {
-        return ScenarioPlayer(scenario, host, screen, plugin, errors, folders.scenario).play();
+        const ExitStatus status = ScenarioPlayer(scenario, host, screen, plugin, errors, folders.scenario).play();
+        if (out.flush()) return status;
+        errors << "the trace cannot be written\n";
+        return status == kPassed ? kFailed : status;
     });
 }
 

@@ -1,9 +1,11 @@
 // One run of the simulated host, from its data to the last look at what is left.
 #pragma once
 
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <ostream>
+#include <string>
 
 #include "simulator/computer.h"
 #include "simulator/scenario.h"
@@ -20,6 +22,9 @@ struct RunFolders {
     /// Relative files of the scenario.
     std::filesystem::path scenario;
 };
+
+/// What a user is told of an error.
+std::string message_of(const std::exception& error);
 
 /// Loads what the host kept, registers the host's classes, loads the plug-in, does the `work`, keeps what the
 /// units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment. The trace

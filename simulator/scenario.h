@@ -33,7 +33,7 @@ struct Scenario {
 /// The text of a file that a scenario includes. Raises `std::exception` where there is none.
 using ReadIncluded = std::function<std::string(const std::u16string& name)>;
 
-/// `file`: the scenario's name in messages. Raises `TextError` for the first line that is no statement.
+/// `file`: the scenario's name in messages; included files are named by its folder. Raises `TextError` for the first line that is no statement.
 Scenario parse_scenario(const std::string& file, std::string_view text, const ReadIncluded& read_included);
 
 /// A line for each statement: how it is written.

@@ -1,6 +1,7 @@
 // The statements of a scenario by table: how each is written, and who reads it.
 #include "simulator/statements.h"
 
+#include <filesystem>
 #include <limits>
 #include <stdexcept>
 
@@ -36,7 +37,8 @@ constexpr StatementType kStatementTypes[] = {
     {u"copy", "copy SOURCE PATH", 3, 3, &read_copy},
     {u"lines", "lines PATH LINE...", 3, kAnyNumber, &read_lines},
     {u"image", "image PATH BYTES", 3, 3, &read_image},
-    {u"fault", "fault NAME ID MEMBER fail|raise [at=N]", 5, 6, &read_fault},
+    {u"loader", "loader PATH line|server", 3, 3, &read_loader},
+    {u"fault", "fault NAME ID MEMBER fail|raise|replace [at=N]", 5, 6, &read_fault},
     {u"say", "say NAME ID MEMBER TEXT [CONTROL] [at=N]", 5, 7, &read_say},
     {u"during", "during NAME ID MEMBER TEXT STATEMENT...", 6, kAnyNumber, &read_during},
     {u"answer", "answer picker TEXT | answer openfile PATH|cancel | answer msgbox yes|no|ok", 3, 3, &read_answer},
@@ -68,11 +70,12 @@ const StatementType& type_of(const Words& words) {
 /// Reads a scenario and the files that it includes, statement by statement.
 struct Parser {
     Scenario& scenario;
+    const std::filesystem::path folder;
     const ReadIncluded& read_included;
 
     void read(const std::string& file, std::string_view text, int depth) {
         const auto name = std::make_shared<const std::string>(file);
-        const std::vector<std::u16string> lines = split_lines(text);
+        const std::vector<std::u16string> lines = split_lines(file, text);
         for (std::size_t i = 0; i < lines.size(); ++i) {
             const Place place{name, i + 1};
             try {
@@ -102,7 +105,7 @@ private:
         } catch (const std::exception& error) {
             throw std::invalid_argument(error.what());
         }
-        read(to_utf8(words[1]), text, depth + 1);
+        read((folder / std::filesystem::path(words[1])).string(), text, depth + 1);
     }
 
     static std::u16string control_of(const Words& words) {
@@ -133,7 +136,7 @@ Action read_statement(const Words& words) { return type_of(words).read(words); }
 
 Scenario parse_scenario(const std::string& file, std::string_view text, const ReadIncluded& read_included) {
     Scenario scenario;
-    Parser{scenario, read_included}.read(file, text, 0);
+    Parser{scenario, std::filesystem::path(file).parent_path(), read_included}.read(file, text, 0);
     return scenario;
 }
 

@@ -28,6 +28,7 @@ Action read_file_statement(const Words& words);
 Action read_copy(const Words& words);
 Action read_lines(const Words& words);
 Action read_image(const Words& words);
+Action read_loader(const Words& words);
 Action read_fault(const Words& given);
 Action read_say(const Words& given);
 Action read_during(const Words& words);

@@ -60,4 +60,12 @@ Action read_image(const Words& words) {
     };
 }
 
+Action read_loader(const Words& words) {
+    const bool line = words[2] == u"line";
+    if (!line && words[2] != u"server") refuse("neither line nor server", words[2]);
+    return [path = words[1], kind = line ? LoaderKind::line : LoaderKind::server](ScenarioPlayer& player) {
+        replace_file(player.target_file(path), make_loader_image(kind));
+    };
+}
+
 }  // namespace vex::sim

@@ -1,6 +1,8 @@
 // The statements of a scenario about the host: its displays, and what happens on the links to them.
 #include "simulator/statements.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -36,6 +38,13 @@ std::int64_t take_at(Words& words, std::size_t fewest_words) {
     if (!at) return 0;
     words.pop_back();
     return static_cast<std::int64_t>(read_count(*at, std::numeric_limits<std::int32_t>::max()));
+}
+
+/// The same for a call during which the control can speak.
+CallPattern read_speaking_pattern(const Words& words) {
+    CallPattern pattern = read_pattern(words);
+    if (!speaks(pattern.operation)) refuse("no member of the transmission control", words[3]);
+    return pattern;
 }
 
 void check_display(ScenarioPlayer& player, const CallPattern& pattern) {
@@ -95,19 +104,22 @@ Action read_fault(const Words& given) {
     CallPattern pattern = read_pattern(words);
     pattern.at = take_at(words, 5);
     if (words.size() != 5) refuse("not at=N", words.back());
-    const bool raises = words[4] == u"raise";
-    if (!raises && words[4] != u"fail") refuse("neither fail nor raise", words[4]);
-    if (!raises && pattern.operation == Operation::SignID)
-        refuse("no answer of SignID, which answers nothing", words[4]);
-    return [pattern, raises](ScenarioPlayer& player) {
+    constexpr std::pair<std::u16string_view, FaultKind> kKinds[] = {
+        {u"fail", FaultKind::fail}, {u"raise", FaultKind::raise}, {u"replace", FaultKind::replace}};
+    const auto* const kind = std::ranges::find(kKinds, words[4], &std::pair<std::u16string_view, FaultKind>::first);
+    if (kind == std::end(kKinds)) refuse("none of fail, raise, replace", words[4]);
+    if ((kind->second == FaultKind::fail && !answers_success(pattern.operation)) ||
+        (kind->second == FaultKind::replace && pattern.operation != Operation::OpenConnection))
+        refuse("nothing that " + to_utf8(words[3]) + " does", words[4]);
+    return [pattern, fault = kind->second](ScenarioPlayer& player) {
         check_display(player, pattern);
-        player.host().links.add_fault(pattern, raises ? FaultKind::raise : FaultKind::fail);
+        player.host().links.add_fault(pattern, fault);
     };
 }
 
 Action read_say(const Words& given) {
     Words words = given;
-    CallPattern pattern = read_pattern(words);
+    CallPattern pattern = read_speaking_pattern(words);
     pattern.at = take_at(words, 5);
     if (words.size() > 6) refuse("not at=N", words.back());
     const Action reaction = words.size() == 6 ? read_click({u"click", words[5]}) : Action();
@@ -118,7 +130,7 @@ Action read_say(const Words& given) {
 }
 
 Action read_during(const Words& words) {
-    const CallPattern pattern = read_pattern(words);
+    const CallPattern pattern = read_speaking_pattern(words);
     if (words[5] == words[0]) refuse("no statement for the middle of a call", words[5]);
     Action action = read_statement(Words(words.begin() + 5, words.end()));
     return [pattern, text = words[4], action](ScenarioPlayer& player) {

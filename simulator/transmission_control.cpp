@@ -12,8 +12,9 @@ namespace {
 
 constexpr std::u16string_view kName = u"vexDispTrans1";
 
-/// A download tells its progress this often.
+/// A download goes over the link in parts of this size, and the control says how far it is at each quarter.
 constexpr int kPercentStep = 5;
+constexpr int kPercentSaid = 25;
 /// Where the script's messages and faults come in a download: the unit holds half a program then.
 constexpr int kScriptedPercent = 50;
 
@@ -45,14 +46,14 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
          dispatch_id(0x60030065),
          DISPATCH_METHOD,
          [](Control& control, const Arguments& arguments) { return control.open_connection(arguments); },
-         {VT_DISPATCH}},
+         {kObjectReference}},
         {u"CloseConnection", dispatch_id(0x60030066), DISPATCH_METHOD,
          [](Control& control, const Arguments&) { return control.close_connection(); }},
         {u"DownloadFirmware",
          dispatch_id(0x60030067),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) { return control.download_firmware(arguments.text(0)); },
-         {VT_BSTR}},
+         [](Control& control, const Arguments& arguments) { return control.download_firmware(arguments); },
+         {kTextReference}},
         {u"ResetAndClear", dispatch_id(0x60030068), DISPATCH_METHOD,
          [](Control& control, const Arguments&) { return control.reset_and_clear(); }},
         {u"CancelTransmission", dispatch_id(0x60030069), DISPATCH_METHOD,
@@ -64,10 +65,8 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
         {u"DownloadFirmwareWithLoader",
          dispatch_id(0x600300B2),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) {
-             return control.download_firmware_with_loader(arguments.text(0), arguments.text(1));
-         },
-         {VT_BSTR, VT_BSTR}},
+         [](Control& control, const Arguments& arguments) { return control.download_firmware_with_loader(arguments); },
+         {kTextReference, VT_BSTR}},
         {u"SignID",
          dispatch_id(0x68030001),
          DISPATCH_PROPERTYPUT,
@@ -80,8 +79,9 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
 // ---- The connection -----------------------------------------------------------------------------------
 
 com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
-    const auto object = com::ComPtr<IDispatch>(arguments.object(0)).query<IConnectionSettings>();
-    if (!object) throw RuntimeError(kTypeMismatch);
+    IDispatch** const place = arguments.object_place(0);
+    const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
+    if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
     const ConnectionSettings settings = object->settings();
     const std::int16_t id = settings.sign_id.value_or(0);
     const auto answering = host_.display_on_line(settings.line());
@@ -95,27 +95,29 @@ com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
         if (!goes_on(scripted, call.operation)) return false;
         if (!answering) return refuse(u"No display answers");
         display_ = answering;
+        if (scripted.fault == FaultKind::replace)
+            com::ComPtr<IDispatch>::adopt(std::exchange(*place, com::make_object<HostConnection>(host_, settings).detach()));
         return true;
     });
 }
 
 com::Variant TransmissionControl::close_connection() {
     const std::u16string shown = shown_call(Operation::CloseConnection);
-    const ScriptedCall scripted = begin(call_of(Operation::CloseConnection), shown);
+    const ScriptedCall scripted = host_.begin(call_of(Operation::CloseConnection), shown);
     host_.trace.line(shown);
     tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CloseConnection)});
     if (busy_) interrupted_ = true;
     display_.reset();
     for (const ScriptedMessage& message : scripted.messages) say(message);
-    return com::Variant::boolean(scripted.fault == FaultKind::none);
+    return com::Variant::boolean(!scripted.fails());
 }
 
 com::Variant TransmissionControl::cancel_transmission() {
     const std::u16string shown = shown_call(Operation::CancelTransmission);
-    const ScriptedCall scripted = begin(call_of(Operation::CancelTransmission), shown);
+    const ScriptedCall scripted = host_.begin(call_of(Operation::CancelTransmission), shown);
     host_.trace.line(shown);
     tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CancelTransmission)});
-    const bool cancels = scripted.fault == FaultKind::none;
+    const bool cancels = !scripted.fails();
     if (busy_ && cancels) interrupted_ = true;
     for (const ScriptedMessage& message : scripted.messages) say(message);
     return com::Variant::boolean(cancels);
@@ -128,7 +130,7 @@ com::Variant TransmissionControl::put_sign_id(std::int16_t id) {
     Call call = call_of(Operation::SignID);
     call.id = id;
     const std::u16string shown = std::u16string(u"put ").append(kName).append(u".SignID").append(value);
-    const ScriptedCall scripted = begin(call, shown);
+    const ScriptedCall scripted = host_.begin(call, shown);
     host_.trace.line(shown);
     sign_id_ = id;
     for (const ScriptedMessage& message : scripted.messages) say(message);
@@ -138,7 +140,7 @@ com::Variant TransmissionControl::put_sign_id(std::int16_t id) {
 com::Variant TransmissionControl::get_sign_info() {
     const Call call = call_of(Operation::GetSignInfo);
     const std::u16string shown = shown_call(call.operation);
-    const ScriptedCall scripted = begin(call, shown);
+    const ScriptedCall scripted = host_.begin(call, shown);
     tell({.kind = LinkEvent::Kind::begins, .call = call});
     // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
     // nobody answers and no slaves are known.
@@ -146,7 +148,7 @@ com::Variant TransmissionControl::get_sign_info() {
     if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_))
         slaves = host_.units.slaves(call.display, sign_id_);
     for (const ScriptedMessage& message : scripted.messages) say(message);
-    if (scripted.fault == FaultKind::fail) {
+    if (scripted.fails()) {
         host_.trace.line(shown + u" -> " + shown_boolean(false));
         return com::Variant::boolean(false);
     }
@@ -156,7 +158,7 @@ com::Variant TransmissionControl::get_sign_info() {
 }
 
 com::Variant TransmissionControl::reset_and_clear() {
-    return operate_unit(Operation::ResetAndClear, [this](const Display& display, const ScriptedCall& scripted) {
+    return operate_unit(Operation::ResetAndClear, u"", [this](const Display& display, const ScriptedCall& scripted) {
         say({unit(u": resetting and clearing"), {}});
         if (!goes_on(scripted, Operation::ResetAndClear)) return false;
         host_.units.store(display.name, sign_id_, {Content::State::empty, {}});
@@ -165,15 +167,16 @@ com::Variant TransmissionControl::reset_and_clear() {
 }
 
 com::Variant TransmissionControl::prepare_for_firmware() {
-    return operate_unit(Operation::PrepareForFirmware, [this](const Display&, const ScriptedCall& scripted) {
+    return operate_unit(Operation::PrepareForFirmware, u"", [this](const Display&, const ScriptedCall& scripted) {
         say({unit(u": preparing for firmware"), {}});
         return goes_on(scripted, Operation::PrepareForFirmware);
     });
 }
 
-com::Variant TransmissionControl::download_firmware(const std::u16string& file) {
+com::Variant TransmissionControl::download_firmware(const Arguments& arguments) {
     constexpr Operation kOperation = Operation::DownloadFirmware;
-    return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
+    const std::u16string file = arguments.text(0);
+    return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
             return transfer(display, read_motorola_image(host_.computer.real_path(file), file), scripted, kOperation);
         } catch (const ImageError& error) {
@@ -182,15 +185,14 @@ com::Variant TransmissionControl::download_firmware(const std::u16string& file) 
     });
 }
 
-com::Variant TransmissionControl::download_firmware_with_loader(const std::u16string& file,
-                                                                const std::u16string& loader) {
+com::Variant TransmissionControl::download_firmware_with_loader(const Arguments& arguments) {
     constexpr Operation kOperation = Operation::DownloadFirmwareWithLoader;
-    return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
+    const std::u16string file = arguments.text(0);
+    const std::u16string loader = arguments.text(1);
+    return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
             const Firmware firmware = read_rabbit_image(host_.computer.real_path(file), file);
-            if (!std::filesystem::is_regular_file(host_.computer.real_path(loader))) {
-                throw ImageError(loader + u" is no file");
-            }
+            read_loader_image(host_.computer.real_path(loader), loader);
             return transfer(display, firmware, scripted, kOperation);
         } catch (const ImageError& error) {
             return goes_on(scripted, kOperation) && refuse(error.reason());
@@ -208,7 +210,7 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
               .call = call_of(operation),
               .percent = percent,
               .bytes = static_cast<std::size_t>(firmware.size) * kPercentStep / 100});
-        say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}});
+        if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}});
         if (interrupted_) return refuse(u"Transmission cancelled");
         if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
     }
@@ -218,17 +220,8 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
 
 // ---- What all calls share -----------------------------------------------------------------------------
 
-ScriptedCall TransmissionControl::begin(const Call& call, const std::u16string& shown) {
-    ScriptedCall scripted = host_.links.next(call);
-    if (scripted.fault == FaultKind::raise) {
-        host_.trace.line(shown + u" -> error " + decimal_text(kAutomationError));
-        throw RuntimeError(kAutomationError, std::u16string(name_of(call.operation)) + u": the control failed");
-    }
-    return scripted;
-}
-
 com::Variant TransmissionControl::operate(const Call& call, const std::u16string& shown, const Work& work) {
-    const ScriptedCall scripted = begin(call, shown);
+    const ScriptedCall scripted = host_.begin(call, shown);
     bool done = false;
     if (busy_) {
         refuse(u"A transmission is in progress");
@@ -243,9 +236,10 @@ com::Variant TransmissionControl::operate(const Call& call, const std::u16string
     return com::Variant::boolean(done);
 }
 
-com::Variant TransmissionControl::operate_unit(Operation operation, const UnitWork& work) {
+com::Variant TransmissionControl::operate_unit(Operation operation, const std::u16string& arguments,
+                                              const UnitWork& work) {
     const Call call = call_of(operation);
-    return operate(call, shown_call(operation), [&](const ScriptedCall& scripted) {
+    return operate(call, shown_call(operation) + arguments, [&](const ScriptedCall& scripted) {
         if (!display_) return goes_on(scripted, operation) && refuse(u"No connection is open");
         // By value: what a user does meanwhile may change the host's displays.
         const Display display = host_.displays.at(*display_);
@@ -261,7 +255,7 @@ bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operat
         say(message);
         if (interrupted_) return refuse(u"Transmission cancelled");
     }
-    if (scripted.fault == FaultKind::none) return true;
+    if (!scripted.fails()) return true;
     // A message of the script's own explains the failure where it has one.
     return scripted.messages.empty()
                ? refuse(unit(u": the line is disturbed, ").append(name_of(operation)) + u" failed")

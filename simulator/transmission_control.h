@@ -30,20 +30,17 @@ private:
     com::Variant get_sign_info();
     com::Variant reset_and_clear();
     com::Variant prepare_for_firmware();
-    com::Variant download_firmware(const std::u16string& file);
-    com::Variant download_firmware_with_loader(const std::u16string& file, const std::u16string& loader);
+    com::Variant download_firmware(const Arguments& arguments);
+    com::Variant download_firmware_with_loader(const Arguments& arguments);
 
     /// Work on the connection or a unit; answers its success.
     using Work = std::function<bool(const ScriptedCall& scripted)>;
     using UnitWork = std::function<bool(const Display& display, const ScriptedCall& scripted)>;
 
-    /// Counts the call and takes what the script has for it. Raises the error that it has; `shown` begins the
-    /// line of the trace that tells of that.
-    ScriptedCall begin(const Call& call, const std::u16string& shown);
     /// A call that answers its success: traced, and refused while another one is in progress.
     com::Variant operate(const Call& call, const std::u16string& shown, const Work& work);
-    /// The same for the selected unit, which must be connected and answer.
-    com::Variant operate_unit(Operation operation, const UnitWork& work);
+    /// The same for the selected unit, which must be connected and answer. `arguments`: as the trace shows them.
+    com::Variant operate_unit(Operation operation, const std::u16string& arguments, const UnitWork& work);
     /// Says what the script has for the call. False when it cannot go on: cancelled, or a fault.
     bool goes_on(const ScriptedCall& scripted, Operation operation);
     /// Writes firmware into the selected unit.

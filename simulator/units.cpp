@@ -190,10 +190,10 @@ void Units::read(const Words& words) {
     }
 }
 
-Units Units::load(const std::filesystem::path& path) { return parse(path.filename().string(), read_file(path)); }
+Units Units::load(const std::filesystem::path& path) { return parse(path.string(), read_file(path)); }
 
 Units Units::parse(const std::string& file, std::string_view text) {
-    const std::vector<std::u16string> lines = split_lines(text);
+    const std::vector<std::u16string> lines = split_lines(file, text);
     if (lines.empty() || lines.front() != kHeader) throw TextError(file, 1, "expected the line " + to_utf8(kHeader));
     Units units;
     for (std::size_t i = 1; i < lines.size(); ++i) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <istream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,9 +38,13 @@ std::u16string as_word(std::u16string_view text);
 /// A decimal number that fills the whole word and lies in the range.
 std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) noexcept;
 
-/// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark.
-std::vector<std::u16string> split_lines(std::string_view bytes);
+/// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark. Raises `TextError`
+/// for a byte that is no UTF-8; `file`: how messages name the text.
+std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes);
 
+/// All that a stream has. Raises `TextError` without a line where it cannot be read, or is larger than anything that
+/// belongs here.
+std::string read_stream(const std::string& name, std::istream& stream);
 /// A whole file. Raises `TextError` without a line.
 std::string read_file(const std::filesystem::path& path);
 /// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.

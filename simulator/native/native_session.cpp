@@ -2,7 +2,6 @@
 #include "simulator/native/native_session.h"
 
 #include <iostream>
-#include <iterator>
 #include <utility>
 
 #include "com/com.h"
@@ -39,7 +38,7 @@ NativeSession::~NativeSession() {
 
 ExitStatus NativeSession::play(const std::string& file, std::ostream& out, std::ostream& errors) {
     if (file == kStandardInput) {
-        return play_text("standard input", std::string{std::istreambuf_iterator<char>(std::cin), {}}, {}, out, errors);
+        return play_text("standard input", read_stream("standard input", std::cin), {}, out, errors);
     }
     return play_text(file, read_file(file), std::filesystem::path(file).parent_path(), out, errors);
 }

@@ -18,8 +18,8 @@ int main() {
         return kBadUsage;
     }
     if (options.help) {
-        std::cout << usage();
-        return kPassed;
+        std::cout << usage() << std::flush;
+        return std::cout ? kPassed : kFailed;
     }
     try {
         Win32Session session(options);
@@ -27,7 +27,7 @@ int main() {
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {
-        std::cerr << "brivola-sim: " << error.what() << '\n';
+        std::cerr << "brivola-sim: " << message_of(error) << '\n';
     }
     return kBadUsage;
 }

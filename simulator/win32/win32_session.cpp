@@ -2,7 +2,6 @@
 #include "simulator/win32/win32_session.h"
 
 #include <iostream>
-#include <iterator>
 #include <utility>
 
 #include "com/com.h"
@@ -63,7 +62,7 @@ Win32Session::~Win32Session() {
 ExitStatus Win32Session::play(const std::string& file, std::ostream& out, std::ostream& errors) {
     const bool standard_input = file == kStandardInput;
     const std::string text =
-        standard_input ? std::string{std::istreambuf_iterator<char>(std::cin), {}} : read_file(file);
+        standard_input ? read_stream("standard input", std::cin) : read_file(file);
     const std::filesystem::path folder =
         standard_input ? std::filesystem::path() : std::filesystem::path(file).parent_path();
     const Scenario scenario = parse(standard_input ? "standard input" : file, text, folder);

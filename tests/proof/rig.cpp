@@ -10,6 +10,7 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/native/machine.h"
+#include "simulator/firmware_image.h"
 #include "simulator/host_classes.h"
 #include "simulator/native/native_computer.h"
 #include "support/mod_reg_access.h"
@@ -146,10 +147,15 @@ void equip(sim::Host& host, const Plan& plan) {
         display.port = u"COM" + number;
         display.version = u"1.50";
         display.ids = i % 3 == 0 ? u"1,20" : u"7";
+        if (i % 3 == 1) {
+            display.connection = sim::kNetwork;
+            display.address = u"10.0.0.7";
+        }
         const std::u16string name = display.name;
         names += (i == 0 ? u"" : u",") + name;
         host.put_display(std::move(display));
         if (i % 3 == 0) host.units.set_slaves(name, 1, {0, 2});
+        if (i % 3 == 1) host.units.add_box(name, u"UDS-10");
     }
     host.choose_displays = [names] { return names; };
 }
@@ -184,7 +190,7 @@ Computer::Computer() {
     for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_.path() / drive);
     write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
     write_file(u"D:\\fw\\new.BIN", "image");
-    write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", "loader");
+    write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image(sim::LoaderKind::line));
     write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }

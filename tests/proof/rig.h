@@ -38,7 +38,7 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
 
 struct Plan {
     Mode mode = Mode::reset;
-    /// 1 to 3 for the interruption tests; each third one has slaves.
+    /// 1 to 3 for the interruption tests; the first of three has slaves, the second is on the network.
     std::size_t displays = 1;
     Judge judge;
     /// Until the run is over.

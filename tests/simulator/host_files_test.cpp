@@ -64,7 +64,7 @@ TEST(HostFiles, NameTheDamagedLine) {
         {header + "display A\ndisplay A\n", "F:3: display A stands here twice"},
         {header + "display \"A\n", "F:2: a quote is not closed"},
         {header + std::string("display A\0B", 11), "F:2: a control character"},
-        {header + "display A port=\xFF\xFE x\n", "F:2: x is no KEY=VALUE"},
+        {header + "display A port=\xFF\xFE x\n", "F:2: byte 16 of the line is no UTF-8"},
     };
     for (const auto& [text, message] : displays) EXPECT_THAT(damage_of<Displays>(text), StartsWith(message)) << text;
 

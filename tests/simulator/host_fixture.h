@@ -46,6 +46,21 @@ protected:
     std::optional<HostClasses> classes_;
 };
 
+/// A text by reference; its owner.
+class Text {
+public:
+    explicit Text(std::u16string_view text) : text_(text) {}
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    operator com::Variant() const { return com::Variant::text_reference(text_.put_reference()); }
+
+private:
+    mutable com::Bstr text_;
+};
+
+inline void put(IDispatch& object, const std::u16string& name, const com::Variant& value) {
+    call_late(object, name, {value}, DISPATCH_PROPERTYPUT);
+}
+
 /// The text of a result.
 inline std::u16string text_of(const com::Variant& value) {
     EXPECT_EQ(value.type(), VT_BSTR);

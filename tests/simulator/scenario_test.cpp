@@ -51,10 +51,15 @@ TEST(Scenario, RefusesWhatIsNoStatement) {
         {"registry HKLM b sz c", "a.scn:1: \"HKLM\" is no ROOT\\KEY"},
         {"file C:\\a secret", "a.scn:1: \"secret\" is neither hidden nor folder"},
         {"fault A 1 Reset fail", "a.scn:1: \"Reset\" is none of OpenConnection"},
-        {"fault A 1 ResetAndClear break", "a.scn:1: \"break\" is neither fail nor raise"},
+        {"fault A 1 ResetAndClear break", "a.scn:1: \"break\" is none of fail, raise, replace"},
         {"fault A 1 ResetAndClear fail at=0", "a.scn:1: \"0\" is no number from 1"},
         {"fault A 1 ResetAndClear fail once", "a.scn:1: \"once\" is not at=N"},
-        {"fault A 1 SignID fail", "a.scn:1: \"fail\" is no answer of SignID"},
+        {"fault A 1 SignID fail", "a.scn:1: \"fail\" is nothing that SignID does"},
+        {"fault A * FindBoxes fail", "a.scn:1: \"fail\" is nothing that FindBoxes does"},
+        {"fault A 1 ResetAndClear replace", "a.scn:1: \"replace\" is nothing that ResetAndClear does"},
+        {"say A * FindBoxes x", "a.scn:1: \"FindBoxes\" is no member of the transmission control"},
+        {"loader C:\\a both", "a.scn:1: \"both\" is neither line nor server"},
+        {"display A\n# \xC3\xA4 \xE4 \n", "a.scn:2: byte 6 of the line is no UTF-8"},
         {"say A 1 ResetAndClear", "a.scn:1: expected say NAME"},
         {"say A 1 ResetAndClear x cmdCancel y", "a.scn:1: \"y\" is not at=N"},
         {"during A 1 ResetAndClear x clik cmdCancel", "a.scn:1: \"clik\" is no statement"},
@@ -81,6 +86,12 @@ TEST(Scenario, NamesThePlaceInAnIncludedFile) {
     EXPECT_EQ(complaint("\ninclude b.scn"), "a.scn:2: b.scn: does not exist");
     EXPECT_THAT(complaint("include b.scn", {{u"b.scn", "include b.scn"}}),
                 StartsWith("b.scn:1: files include each other too deeply"));
+    try {
+        parse_scenario("folder/a.scn", "include b.scn", [](const std::u16string&) { return "x"; });
+        ADD_FAILURE();
+    } catch (const TextError& error) {
+        EXPECT_STREQ(error.what(), "folder/b.scn:1: \"x\" is no statement");
+    }
 }
 
 TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
@@ -111,7 +122,7 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
 
 TEST(CommandLine, RefusesTheRest) {
     const std::vector<std::string> lines[] = {
-        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--loud"}, {"run", "run", "a"},
+        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--data", ""}, {"run", "a.scn", "--loud"}, {"run", "run", "a"},
         {""}};
     for (const std::vector<std::string>& words : lines) {
         EXPECT_THROW(command_line(words), std::invalid_argument);
@@ -158,8 +169,8 @@ TEST(ParseNumber, TakesTheWholeWordAndTheRange) {
 }
 
 TEST(SplitLines, TakesEitherEndAndAByteOrderMark) {
-    EXPECT_THAT(split_lines("\xEF\xBB\xBFone\r\ntwo\n\nfour"), ElementsAre(u"one", u"two", u"", u"four"));
-    EXPECT_THAT(split_lines(""), IsEmpty());
+    EXPECT_THAT(split_lines("a", "\xEF\xBB\xBFone\r\ntwo\n\nfour"), ElementsAre(u"one", u"two", u"", u"four"));
+    EXPECT_THAT(split_lines("a", ""), IsEmpty());
 }
 
 // ---- Which calls a fault or a message is about
