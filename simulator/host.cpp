@@ -15,6 +15,11 @@ ScriptedCall Host::begin(const Call& call, const std::u16string& shown) {
     throw RuntimeError(kAutomationError, std::u16string(name_of(call.operation)) + u" failed");
 }
 
+ScriptedMessage* Host::read_message(const std::u16string& shown) {
+    if (messages_said.empty() || messages_said.back().text != shown) return nullptr;
+    return std::exchange(messages_said.back().was_read, true) ? nullptr : &messages_said.back();
+}
+
 void Host::put_display(Display display) {
     units.clear_hardware(display.name);
     displays.put(std::move(display));

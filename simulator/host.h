@@ -43,12 +43,15 @@ struct Host {
 
     /// The display that a caller asked about last. Where several displays share one line, it is meant.
     std::u16string display_asked_about;
-    /// The status messages that are being shown, the innermost last.
-    std::vector<ScriptedMessage> messages_shown;
+    /// The status messages that the control is saying, the innermost last.
+    std::vector<ScriptedMessage> messages_said;
 
     /// Takes what the script has for a call. Raises the error that it has; `shown` begins the line of the trace that
     /// tells of that.
     ScriptedCall begin(const Call& call, const std::u16string& shown);
+    /// The message that is being said, the first time that it can be read: `shown` is what a user sees on the session's
+    /// status line. Null for other texts, and for a message that was read. Its reaction is the caller's to take.
+    ScriptedMessage* read_message(const std::u16string& shown);
     /// Adds or replaces a display, without slaves and device servers; what its units hold stays.
     void put_display(Display display);
     /// Writes the file where a display has changed since. Raises `TextError` or `filesystem_error`.

@@ -103,6 +103,7 @@ struct ScriptedMessage {
     std::u16string text;
     /// Empty: he only reads it.
     std::function<void()> reaction;
+    bool was_read = false;
 };
 
 /// What the script has for one call.

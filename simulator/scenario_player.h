@@ -65,16 +65,13 @@ private:
     void run(const Place& place, const std::function<void(ScenarioPlayer&)>& action) noexcept;
     void report(const Place& place, const std::string& text);
 
-    void dialog_opened(const std::string& name) noexcept override;
-    void dialog_closed(const std::string& name) noexcept override;
+    void form_opened(const std::u16string& name) noexcept override;
+    void form_closed(const std::u16string& name) noexcept override;
     bool act() noexcept override;
     void messages_handled() noexcept override;
     forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override;
     std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept override;
     void beeped() noexcept override;
-
-    /// Whether the innermost status message can be read on the topmost dialog.
-    bool message_is_shown() const;
 
     const Scenario& scenario_;
     Host& host_;
@@ -89,6 +86,8 @@ private:
     Place place_;
     bool stopped_ = false;
     bool failed_ = false;
+    /// The topmost dialog has been looked at while it was at work.
+    bool seen_at_work_ = false;
 
     std::deque<std::u16string> picker_;
     std::deque<std::optional<std::u16string>> files_;

@@ -159,7 +159,7 @@ com::Variant TransmissionControl::get_sign_info() {
 
 com::Variant TransmissionControl::reset_and_clear() {
     return operate_unit(Operation::ResetAndClear, u"", [this](const Display& display, const ScriptedCall& scripted) {
-        say({unit(u": resetting and clearing"), {}});
+        say({unit(u": resetting and clearing"), {}, false});
         if (!goes_on(scripted, Operation::ResetAndClear)) return false;
         host_.units.store(display.name, sign_id_, {Content::State::empty, {}});
         return true;
@@ -168,7 +168,7 @@ com::Variant TransmissionControl::reset_and_clear() {
 
 com::Variant TransmissionControl::prepare_for_firmware() {
     return operate_unit(Operation::PrepareForFirmware, u"", [this](const Display&, const ScriptedCall& scripted) {
-        say({unit(u": preparing for firmware"), {}});
+        say({unit(u": preparing for firmware"), {}, false});
         return goes_on(scripted, Operation::PrepareForFirmware);
     });
 }
@@ -210,7 +210,7 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
               .call = call_of(operation),
               .percent = percent,
               .bytes = static_cast<std::size_t>(firmware.size) * kPercentStep / 100});
-        if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}});
+        if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}, false});
         if (interrupted_) return refuse(u"Transmission cancelled");
         if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
     }
@@ -263,17 +263,17 @@ bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operat
 }
 
 bool TransmissionControl::refuse(const std::u16string& text) {
-    say({text, {}});
+    say({text, {}, false});
     return false;
 }
 
 void TransmissionControl::say(ScriptedMessage message) {
     host_.trace.line(std::u16string(u"event ").append(kName).append(u".StatusMessage ") + in_quotes(message.text));
     com::Bstr text(message.text);
-    host_.messages_shown.push_back(std::move(message));
+    host_.messages_said.push_back(std::move(message));
     VARIANT argument = com::Variant::text_reference(text.put_reference()).detach();
     events().raise_event(kHandledEvent, {&argument, 1});
-    host_.messages_shown.pop_back();
+    host_.messages_said.pop_back();
     if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
 }
 

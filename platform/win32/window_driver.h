@@ -7,28 +7,15 @@
 #include <string_view>
 #include <vector>
 
-#include "forms/toolkit.h"
+#include "forms/screen_user.h"
 #include "platform/win32/import_hook.h"
 #include "platform/win32/window_reader.h"
 
 namespace vex::platform::win32 {
 
-/// Called on the windows' thread, in the middle of the module's loops.
-class WindowUser {
-public:
-    virtual ~WindowUser() = default;
-    virtual void form_opened(const std::u16string& name) noexcept = 0;
-    virtual void form_closed(const std::u16string& name) noexcept = 0;
-    /// The topmost form waits for input. False: there is nothing left to do; its close box is pressed then.
-    virtual bool act() noexcept = 0;
-    /// The messages that waited have been handled in the midst of some work.
-    virtual void messages_handled() noexcept = 0;
-    virtual forms::MessageAnswer answer(const forms::MessageBox& box) noexcept = 0;
-    /// Asked in place of the system's Open dialog, whose windows do not show what it was given. The path
-    /// chosen, or nothing to cancel.
-    virtual std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept = 0;
-    virtual void beeped() noexcept = 0;
-};
+/// Called on the windows' thread, in the middle of the module's loops. The system's Open dialog is not shown: its
+/// windows do not show what it was given.
+using WindowUser = forms::ScreenUser;
 
 /// One at a time on a thread.
 class WindowDriver {

@@ -46,10 +46,9 @@ ExitStatus NativeSession::play(const std::string& file, std::ostream& out, std::
 ExitStatus NativeSession::play_text(const std::string& name, const std::string& text,
                                     const std::filesystem::path& folder, std::ostream& out, std::ostream& errors) {
     const Scenario scenario = parse(name, text, folder);
-    PicturedScreen pictured(screen_, out);
-    Screen* screen = &screen_;
-    if (options_.pictures) screen = &pictured;
-    return run_scenario(scenario, computer_, *screen, folders(folder), options_.quiet, out, errors);
+    Pictures pictures(out);
+    screen_.set_onlooker(options_.pictures ? &pictures : nullptr);
+    return run_scenario(scenario, computer_, screen_, folders(folder), options_.quiet, out, errors);
 }
 
 RunFolders NativeSession::folders(const std::filesystem::path& scenario) const {

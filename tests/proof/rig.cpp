@@ -70,10 +70,10 @@ public:
     }
 
     void pumped(forms::Form& form) override {
-        if (host_.messages_shown.empty()) return;
-        const auto reaction = std::exchange(host_.messages_shown.back().reaction, nullptr);
-        if (!reaction) return;
-        if (plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
+        const forms::Control* const status = form.find("lblStatus");
+        const sim::ScriptedMessage* const message =
+            status == nullptr ? nullptr : host_.read_message(status->caption());
+        if (message != nullptr && message->reaction && plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
     }
 
     forms::MessageAnswer answer(const forms::MessageBox&) override {
@@ -232,7 +232,7 @@ Outcome play(const Plan& plan) {
         }
         if (plan.moment) {
             host.links.add_message({std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
-                                   {u"Just a moment", [] {}});
+                                   {u"Just a moment", [] {}, false});
         }
         const Interposer interposer(host, meddling);
         const sim::HostClasses classes(host);

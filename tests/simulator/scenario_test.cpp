@@ -194,8 +194,8 @@ TEST(LinkScript, MatchesDisplayUnitMemberAndCount) {
 
 TEST(LinkScript, KeepsTheOrderOfMessagesAndTheFirstFault) {
     LinkScript script;
-    script.add_message({u"A", 1, Operation::ResetAndClear}, {u"one", {}});
-    script.add_message({{}, {}, Operation::ResetAndClear}, {u"two", {}});
+    script.add_message({u"A", 1, Operation::ResetAndClear}, {u"one", {}, false});
+    script.add_message({{}, {}, Operation::ResetAndClear}, {u"two", {}, false});
     script.add_fault({u"A", 1, Operation::ResetAndClear}, FaultKind::raise);
     script.add_fault({u"A", 1, Operation::ResetAndClear, 1}, FaultKind::fail);
     const ScriptedCall call = script.next(kReset);
