@@ -10,14 +10,12 @@
 
 #include "simulator/host.h"
 #include "simulator/plugin_host.h"
+#include "simulator/program.h"
 #include "simulator/registry_store.h"
 #include "simulator/scenario.h"
 #include "simulator/screen.h"
 
 namespace vex::sim {
-
-/// How a run ended; the program's exit status.
-enum ExitStatus { kPassed = 0, kFailed = 1, kBadUsage = 2 };
 
 /// What a user does about one message box.
 struct MessageChoice {

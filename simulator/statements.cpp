@@ -70,8 +70,7 @@ const StatementType& type_of(const Words& words) {
 /// Reads a scenario and the files that it includes, statement by statement.
 struct Parser {
     Scenario& scenario;
-    const std::filesystem::path folder;
-    const ReadIncluded& read_included;
+    const std::filesystem::path& folder;
 
     void read(const std::string& file, std::string_view text, int depth) {
         const auto name = std::make_shared<const std::string>(file);
@@ -99,13 +98,14 @@ private:
         constexpr int kDeepest = 8;
         if (words.size() != 2) throw std::invalid_argument(std::string("expected ") + kIncludeUsage);
         if (depth == kDeepest) throw std::invalid_argument("files include each other too deeply");
+        const std::filesystem::path included = folder / std::filesystem::path(words[1]);
         std::string text;
         try {
-            text = read_included(words[1]);
+            text = read_file(included);
         } catch (const std::exception& error) {
             throw std::invalid_argument(error.what());
         }
-        read((folder / std::filesystem::path(words[1])).string(), text, depth + 1);
+        read(included.string(), text, depth + 1);
     }
 
     static std::u16string control_of(const Words& words) {
@@ -134,9 +134,9 @@ std::optional<std::u16string> value_of(std::u16string_view key, const std::u16st
 
 Action read_statement(const Words& words) { return type_of(words).read(words); }
 
-Scenario parse_scenario(const std::string& file, std::string_view text, const ReadIncluded& read_included) {
+Scenario parse_scenario(const std::string& file, std::string_view text, const std::filesystem::path& folder) {
     Scenario scenario;
-    Parser{scenario, std::filesystem::path(file).parent_path(), read_included}.read(file, text, 0);
+    Parser{scenario, folder}.read(file, text, 0);
     return scenario;
 }
 

@@ -3,36 +3,19 @@
 
 #include <iostream>
 
-#include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/win32/system.h"
 #include "simulator/display_picker.h"
 #include "simulator/pace.h"
 #include "simulator/unit_table.h"
-#include "simulator/words.h"
 
 namespace vex::sim {
 namespace {
 
-constexpr char kSampleScenario[] = "trial.scn";
 constexpr char16_t kFirmwareSettings[] = u"Software\\Norvan\\Brivola3\\Firmware";
 
-/// Puts the sample displays into a host that has none.
-ExitStatus install_samples(Win32Session& session, Host& host, PluginHost& plugin) {
-    const std::filesystem::path samples = Win32Session::samples_folder();
-    const Scenario sample = Win32Session::read_scenario(samples / kSampleScenario);
-    const ExitStatus status = ScenarioPlayer(sample, host, session.screen(), plugin, std::cerr, samples).play();
-    // The Open dialog shows the real disks, so it begins where the sample firmware really is.
-    RegistryStore registry(host.computer.registry(), host.computer.code_page());
-    registry.write_text(kHkeyLocalMachine, kFirmwareSettings, u"LastFilePath", samples.u16string());
-    return status;
-}
-
 /// The host in front of its user.
-ExitStatus play(Win32Session& session, const CommandLine& options, Host& host, PluginHost& plugin) {
-    if (host.displays.size() == 0) {
-        if (const ExitStatus installed = install_samples(session, host, plugin); installed != kPassed) return installed;
-    }
+ExitStatus play(const CommandLine& options, Host& host, PluginHost& plugin) {
     forms::Toolkit& desktop = platform::win32::desktop();
     host.choose_displays = [&] {
         DisplayPicker picker(desktop, host.displays);
@@ -47,13 +30,7 @@ ExitStatus play(Win32Session& session, const CommandLine& options, Host& host, P
     host.computer.on_program_started([](const std::u16string& path) {
         std::cout << "not started, since this is a simulation: " << to_utf8(path) << '\n';
     });
-    ExitStatus status = kPassed;
-    try {
-        plugin.start(StartMember::StartPlugin, nullptr);
-    } catch (const RuntimeError& error) {
-        std::cerr << "the plug-in raised error " << error.number() << ": " << error.what() << '\n';
-        status = kFailed;
-    }
+    const ExitStatus status = Session::start(plugin, std::cerr);
     host.computer.on_program_started(nullptr);
     host.on_link = nullptr;
     host.choose_displays = nullptr;
@@ -65,9 +42,15 @@ ExitStatus play(Win32Session& session, const CommandLine& options, Host& host, P
 
 ExitStatus run_trial(Win32Session& session, const CommandLine& options) {
     session.computer().show_real_disks();
-    std::ostream no_trace(nullptr);
-    return run_host(session.computer(), session.folders(Win32Session::samples_folder()), true, no_trace, std::cerr,
-                    [&](Host& host, PluginHost& plugin) { return play(session, options, host, plugin); });
+    return session.try_out(std::cerr, [&](Host& host, PluginHost& plugin, bool fresh) {
+        // The Open dialog shows the real disks, so it begins where the sample firmware really is.
+        if (fresh) {
+            RegistryStore registry(host.computer.registry(), host.computer.code_page());
+            registry.write_text(kHkeyLocalMachine, kFirmwareSettings, u"LastFilePath",
+                                session.samples_folder().u16string());
+        }
+        return play(options, host, plugin);
+    });
 }
 
 }  // namespace vex::sim

@@ -4,13 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <stdexcept>
 
 #include "core/unicode.h"
-#include "simulator/command_line.h"
+#include "simulator/program.h"
 #include "simulator/link_script.h"
 #include "simulator/words.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
@@ -20,13 +20,9 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 /// The first complaint about a scenario; empty: none.
-std::string complaint(const std::string& text, const std::map<std::u16string, std::string>& files = {}) {
+std::string complaint(const std::string& text, const std::filesystem::path& folder = {}) {
     try {
-        parse_scenario("a.scn", text, [&files](const std::u16string& name) {
-            const auto file = files.find(name);
-            if (file == files.end()) throw std::invalid_argument(to_utf8(name) + ": does not exist");
-            return file->second;
-        });
+        parse_scenario("a.scn", text, folder);
     } catch (const TextError& error) {
         return error.what();
     }
@@ -80,25 +76,20 @@ TEST(Scenario, RefusesWhatIsNoStatement) {
 }
 
 TEST(Scenario, NamesThePlaceInAnIncludedFile) {
-    EXPECT_EQ(complaint("include b.scn", {{u"b.scn", "display A"}}), "");
-    EXPECT_THAT(complaint("\ninclude b.scn", {{u"b.scn", "display A\nunits 1"}}),
-                StartsWith("b.scn:2: expected units"));
-    EXPECT_EQ(complaint("\ninclude b.scn"), "a.scn:2: b.scn: does not exist");
-    EXPECT_THAT(complaint("include b.scn", {{u"b.scn", "include b.scn"}}),
-                StartsWith("b.scn:1: files include each other too deeply"));
-    try {
-        parse_scenario("folder/a.scn", "include b.scn", [](const std::u16string&) { return "x"; });
-        ADD_FAILURE();
-    } catch (const TextError& error) {
-        EXPECT_STREQ(error.what(), "folder/b.scn:1: \"x\" is no statement");
-    }
+    const test::TemporaryFolder folder;
+    const std::string file = folder.write("b.scn", "display A\n").string();
+    EXPECT_EQ(complaint("include b.scn", folder.path()), "");
+    EXPECT_EQ(complaint("\ninclude c.scn", folder.path()), "a.scn:2: " + (folder / "c.scn").string() + ": does not exist");
+    folder.write("b.scn", "display A\nunits 1");
+    EXPECT_THAT(complaint("\ninclude b.scn", folder.path()), StartsWith(file + ":2: expected units"));
+    folder.write("b.scn", "include b.scn");
+    EXPECT_EQ(complaint("include b.scn", folder.path()), file + ":1: files include each other too deeply");
 }
 
 TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
     const Scenario scenario = parse_scenario("a",
                                              "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
-                                             "expect lstv.Row1.ForeColor 0",
-                                             {});
+                                             "expect lstv.Row1.ForeColor 0");
     ASSERT_EQ(scenario.statements.size(), 5U);
     EXPECT_EQ(scenario.statements[0].control, u"cmdNext");
     EXPECT_EQ(scenario.statements[1].control, u"");

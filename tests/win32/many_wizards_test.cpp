@@ -8,7 +8,7 @@
 #include "platform/win32/system.h"
 #include "platform/win32/window_reader.h"
 #include "simulator/private_folder.h"
-#include "simulator/run.h"
+#include "simulator/session.h"
 #include "simulator/win32/win32_computer.h"
 #include "tests/win32/handle_counts.h"
 
