@@ -1,7 +1,9 @@
-// Automation objects by table.
+// Automation objects by table, their events, and calls by name.
 #include "simulator/automation.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
@@ -9,7 +11,6 @@
 #include "support/text.h"
 
 namespace vex::sim {
-
 namespace {
 
 std::u16string name_of_type(VARTYPE type) {
@@ -29,9 +30,28 @@ std::u16string shown_number(double number) {
     return from_utf8(std::to_string(number));
 }
 
+/// Error numbers travel in result codes of this facility.
+constexpr std::uint32_t kNumberFacility = 0x800AU;
+
+std::int32_t number_of(HRESULT result) noexcept {
+    const auto code = static_cast<std::uint32_t>(result);
+    return code >> 16U == kNumberFacility ? static_cast<std::int32_t>(code & 0xFFFFU)
+                                          : static_cast<std::int32_t>(result);
+}
+
+/// The exception that an object filled in; its strings are ours.
+RuntimeError to_error(EXCEPINFO& exception) {
+    if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
+    com::Bstr source, description, help_file;
+    *source.put() = exception.bstrSource;
+    *description.put() = exception.bstrDescription;
+    *help_file.put() = exception.bstrHelpFile;
+    return {exception.wCode != 0 ? exception.wCode : number_of(exception.scode), description.str()};
+}
+
 }  // namespace
 
-Arguments::Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong)
+CallArguments::CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong)
     : parameters_(parameters) {
     const auto end = std::find(types.begin(), types.end(), VARTYPE{VT_EMPTY});
     const auto count = static_cast<UINT>(end - types.begin());
@@ -46,12 +66,12 @@ Arguments::Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types, s
     }
 }
 
-std::u16string Arguments::text(std::size_t index) const {
+std::u16string CallArguments::text(std::size_t index) const {
     const VARIANTARG& given = at(index);
     return std::u16string(com::view(given.vt == kTextReference ? *given.pbstrVal : given.bstrVal));
 }
 
-std::u16string Arguments::shown() const {
+std::u16string CallArguments::shown() const {
     std::u16string line;
     for (std::size_t i = 0; i < parameters_.cArgs; ++i) {
         switch (at(i).vt) {
@@ -79,6 +99,88 @@ void set_error_source(EXCEPINFO* exception) noexcept {
     if (exception == nullptr) return;
     SysFreeString(exception->bstrSource);
     exception->bstrSource = SysAllocString(reinterpret_cast<const OLECHAR*>(u"Brivola"));
+}
+
+void EventPoint::raise_event(DISPID event, std::span<VARIANT> arguments) {
+    // A sink may connect or disconnect anybody while it is called.
+    const std::vector<Connection> connections = connections_;
+    for (const Connection& connection : connections) {
+        DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+        connection.sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                                nullptr);
+    }
+}
+
+HRESULT EventPoint::GetConnectionInterface(IID* iid) noexcept {
+    if (iid == nullptr) return E_POINTER;
+    *iid = source_;
+    return S_OK;
+}
+
+HRESULT EventPoint::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
+    if (container == nullptr) return E_POINTER;
+    *container = com::ComPtr<IConnectionPointContainer>(control_).detach();
+    return control_ == nullptr ? E_UNEXPECTED : S_OK;
+}
+
+HRESULT EventPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
+    if (sink == nullptr || cookie == nullptr) return E_POINTER;
+    *cookie = 0;
+    return guarded_method(IID_IConnectionPoint, [&] {
+        com::ComPtr<IDispatch> target;
+        if (FAILED(sink->QueryInterface(source_, target.put_void()))) return CONNECT_E_CANNOTCONNECT;
+        connections_.push_back({last_cookie_ + 1, std::move(target)});
+        *cookie = ++last_cookie_;
+        return S_OK;
+    });
+}
+
+HRESULT EventPoint::Unadvise(DWORD cookie) noexcept {
+    const auto entry = std::find_if(connections_.begin(), connections_.end(),
+                                    [cookie](const Connection& connection) { return connection.cookie == cookie; });
+    if (entry == connections_.end()) return CONNECT_E_NOCONNECTION;
+    const Connection released = std::move(*entry);
+    connections_.erase(entry);
+    return S_OK;
+}
+
+HRESULT EventPoint::EnumConnections(IEnumConnections** connections) noexcept {
+    if (connections != nullptr) *connections = nullptr;
+    return E_NOTIMPL;
+}
+
+com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {
+    CLSID clsid = GUID_NULL;
+    HRESULT result = CLSIDFromProgID(com::ole_text(programmatic_id), &clsid);
+    com::ComPtr<IDispatch> object;
+    if (SUCCEEDED(result))
+        result = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
+    if (FAILED(result)) throw RuntimeError(kCannotCreateObject, programmatic_id + u" cannot be created");
+    return object;
+}
+
+com::Variant call_late(IDispatch& object, const std::u16string& name, const std::vector<com::Variant>& arguments,
+                       WORD flags) {
+    DISPID member = DISPID_UNKNOWN;
+    auto* text = const_cast<OLECHAR*>(com::ole_text(name));
+    if (FAILED(object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member))) {
+        throw RuntimeError(kMemberNotSupported, name + u" is not offered");
+    }
+    // Last argument first. The values stay the caller's.
+    std::vector<VARIANT> values;
+    for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument) {
+        values.push_back(argument->get());
+    }
+    DISPID put = DISPID_PROPERTYPUT;
+    const bool puts = flags == DISPATCH_PROPERTYPUT;
+    DISPPARAMS parameters = {values.data(), puts ? &put : nullptr, static_cast<UINT>(values.size()), puts ? 1U : 0U};
+    com::Variant result;
+    EXCEPINFO exception = {};
+    const HRESULT outcome = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result.put(),
+                                          &exception, nullptr);
+    if (outcome == DISP_E_EXCEPTION) throw to_error(exception);
+    if (FAILED(outcome)) throw RuntimeError(number_of(outcome), name + u" failed");
+    return result;
 }
 
 }  // namespace vex::sim

@@ -1,9 +1,14 @@
-// The simulated host's class library.
+// The simulated host's class library, and its classes.
 #include "simulator/class_library.h"
+
+#include <string>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "simulator/controls.h"
+#include "simulator/registry_editor.h"
 #include "simulator/screen.h"
+#include "support/boundary.h"
 
 namespace vex::sim {
 namespace {
@@ -18,19 +23,82 @@ std::u16string decimal(std::int16_t number) { return from_utf8(std::to_string(nu
 
 com::Variant nothing() noexcept { return {}; }
 
+using Maker = com::ComPtr<IDispatch> (*)(Host& host);
+
+template <class Class>
+com::ComPtr<IDispatch> make(Host& host) {
+    return com::make_object<Class>(host).template query<IDispatch>();
+}
+
+struct HostClass {
+    const CLSID& clsid;
+    std::u16string_view programmatic_id;
+    Maker make;
+};
+
+constexpr HostClass kClasses[] = {
+    {kHostDisplayListClass, u"vexBrivolaClasses4.HostDisplayList", &make<DisplayListObject>},
+    {kHostDisplayPickerClass, u"vexBrivolaClasses4.HostDisplayPicker", &make<DisplayPickerObject>},
+    {kHostConnectionClass, u"vexBrivolaClasses4.HostConnection", &make<ConnectionObject>},
+    {kHostSignInfoClass, u"vexBrivolaClasses4.HostSignInfo", &make<SignInfoObject>},
+    {kTransmissionControlClass, u"vexDTCon4.vexDispTrans", &make<TransmissionControl>},
+    {kBoxFinderClass, u"vexLantronixControls2.vexLANBoxFinder2", &make<BoxFinder>},
+};
+
+class Factory final : public com::Object<Factory, IClassFactory> {
+public:
+    Factory(Host& host, std::u16string_view name, Maker maker) noexcept
+        : Object(host.lifetime), host_(host), name_(name.substr(name.find(u'.') + 1)), make_(maker) {}
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
+        if (object == nullptr) return E_POINTER;
+        *object = nullptr;
+        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+        return guarded_method(IID_IClassFactory, [&] {
+            host_.begin({host_.display_asked_about, 0, Operation{name_}}, u"new " + std::u16string(name_));
+            return make_(host_)->QueryInterface(iid, object);
+        });
+    }
+
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
+        lock != FALSE ? module().add_lock() : module().remove_lock();
+        return S_OK;
+    }
+
+private:
+    Host& host_;
+    std::u16string_view name_;
+    Maker make_;
+};
+
+std::u16string text_of(REFCLSID clsid) {
+    OLECHAR text[39];
+    StringFromGUID2(clsid, text, 39);
+    return reinterpret_cast<const char16_t*>(text);
+}
+
+void register_names(RegistryEditor& registry, const HostClass& entry) {
+    const std::u16string name(entry.programmatic_id);
+    const std::u16string clsid = text_of(entry.clsid);
+    registry.write_text(kHkeyClassesRoot, name, u"", name);
+    registry.write_text(kHkeyClassesRoot, name + u"\\CLSID", u"", clsid);
+    registry.write_text(kHkeyClassesRoot, u"CLSID\\" + clsid, u"", name);
+    registry.write_text(kHkeyClassesRoot, u"CLSID\\" + clsid + u"\\ProgID", u"", name);
+}
+
 }  // namespace
 
 // ---- Display list -------------------------------------------------------------------------------------
 
-std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
-    using List = HostDisplayList;
+std::span<const Member<DisplayListObject>> DisplayListObject::members() noexcept {
+    using List = DisplayListObject;
     constexpr WORD kGet = DISPATCH_PROPERTYGET;
     static constexpr Member<List> kMembers[] = {
         {u"ComPort", 1, kGet, &get<&Display::port>},
         {u"ComBaud", 2, kGet, &get<&Display::baud>},
         {u"SignTypeCode", 3, kGet, &get<&Display::code>},
         {u"ConnectionType", 4, kGet,
-         [](List& list, const Arguments&) { return com::Variant::int16(list.current().connection); }},
+         [](List& list, const CallArguments&) { return com::Variant::int16(list.current().connection); }},
         {u"NetworkAddress", 5, kGet, &get<&Display::address>},
         {u"PhoneNumber", 6, kGet, &get<&Display::phone>},
         {u"SignIDs", 7, kGet, &get<&Display::ids>},
@@ -38,7 +106,7 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
         {u"SelectDisplay",
          9,
          DISPATCH_METHOD,
-         [](List& list, const Arguments& arguments) {
+         [](List& list, const CallArguments& arguments) {
              list.select(arguments.int32(0));
              return nothing();
          },
@@ -46,7 +114,7 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
         {u"OpenDisplayFile",
          10,
          DISPATCH_METHOD,
-         [](List& list, const Arguments& arguments) {
+         [](List& list, const CallArguments& arguments) {
              list.open(arguments.text(0));
              return nothing();
          },
@@ -54,7 +122,7 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
         {u"FindDisplay",
          11,
          DISPATCH_METHOD,
-         [](List& list, const Arguments& arguments) { return com::Variant::int32(list.find(arguments.text(0))); },
+         [](List& list, const CallArguments& arguments) { return com::Variant::int32(list.find(arguments.text(0))); },
          {kTextReference}},
         {u"DisplayTypeName", 12, kGet, &get<&Display::type>},
         {u"FirmwareVersion", 13, kGet, &get<&Display::version>},
@@ -62,18 +130,17 @@ std::span<const Member<HostDisplayList>> HostDisplayList::members() noexcept {
     return kMembers;
 }
 
-void HostDisplayList::on_call(const Member<HostDisplayList>& member, const Arguments& arguments) {
-    const Operation operation = parse_operation(member.name);
+void DisplayListObject::on_call(const Member<DisplayListObject>& member, const CallArguments& arguments) {
     std::u16string about = current_ < displays_.size() ? displays_.at(current_).name : u"";
-    if (operation == Operation::FindDisplay) about = arguments.text(0);
-    if (operation == Operation::SelectDisplay && is_handle(arguments.int32(0)))
+    if (member.name == u"FindDisplay") about = arguments.text(0);
+    if (member.name == u"SelectDisplay" && is_handle(arguments.int32(0)))
         about = displays_.at(static_cast<std::size_t>(arguments.int32(0)) - 1).name;
     const std::u16string shown = shown_call(u"HostDisplayList", member, arguments);
-    host_.begin({about, 0, operation}, shown);
+    host_.begin({about, 0, Operation{member.name}}, shown);
     if (member.kind == DISPATCH_METHOD) host_.trace.line(shown);
 }
 
-void HostDisplayList::open(const std::u16string& file_name) {
+void DisplayListObject::open(const std::u16string& file_name) {
     host_.save_displays();
     if (!equal_ignoring_case(file_name, kDisplayFile) || !std::filesystem::exists(host_.display_file)) {
         throw RuntimeError(kFileNotFound, u"File not found: " + file_name);
@@ -86,17 +153,17 @@ void HostDisplayList::open(const std::u16string& file_name) {
     }
 }
 
-std::int32_t HostDisplayList::find(const std::u16string& name) const {
+std::int32_t DisplayListObject::find(const std::u16string& name) const {
     const auto index = displays_.find(name);
     return index ? static_cast<std::int32_t>(*index) + 1 : 0;
 }
 
-void HostDisplayList::select(std::int32_t handle) {
+void DisplayListObject::select(std::int32_t handle) {
     if (is_handle(handle)) current_ = static_cast<std::size_t>(handle) - 1;
     if (current_ < displays_.size()) host_.display_asked_about = displays_.at(current_).name;
 }
 
-const Display& HostDisplayList::current() const {
+const Display& DisplayListObject::current() const {
     static const Display kNone{
         .name{}, .type{}, .code{}, .port{}, .baud{}, .phone{}, .connection = 0, .address{}, .ids{}, .version{}};
     if (current_ >= displays_.size()) return kNone;
@@ -107,10 +174,10 @@ const Display& HostDisplayList::current() const {
 
 // ---- Display picker -----------------------------------------------------------------------------------
 
-std::span<const Member<HostDisplayPicker>> HostDisplayPicker::members() noexcept {
-    static constexpr Member<HostDisplayPicker> kMembers[] = {
+std::span<const Member<DisplayPickerObject>> DisplayPickerObject::members() noexcept {
+    static constexpr Member<DisplayPickerObject> kMembers[] = {
         {u"ShowDisplayPicker", 1, DISPATCH_METHOD,
-         [](HostDisplayPicker& picker, const Arguments&) {
+         [](DisplayPickerObject& picker, const CallArguments&) {
              return com::Variant::text(picker.host_.choose_displays());
          }},
     };
@@ -119,9 +186,9 @@ std::span<const Member<HostDisplayPicker>> HostDisplayPicker::members() noexcept
 
 // ---- Connection settings ------------------------------------------------------------------------------
 
-std::span<const Member<HostConnection>> HostConnection::members() noexcept {
+std::span<const Member<ConnectionObject>> ConnectionObject::members() noexcept {
     constexpr WORD kPut = DISPATCH_PROPERTYPUT;
-    static constexpr Member<HostConnection> kMembers[] = {
+    static constexpr Member<ConnectionObject> kMembers[] = {
         {u"ConnectionType", 1, kPut, &put_number<&ConnectionSettings::connection_type>, {VT_I2}},
         {u"ComPort", 2, kPut, &put_text<&ConnectionSettings::com_port>, {VT_BSTR}},
         {u"PhoneNumber", 3, kPut, &put_text<&ConnectionSettings::phone_number>, {VT_BSTR}},
@@ -153,24 +220,48 @@ std::u16string ConnectionSettings::line() const {
 
 // ---- Sign information ---------------------------------------------------------------------------------
 
-std::span<const Member<HostSignInfo>> HostSignInfo::members() noexcept {
-    using Info = HostSignInfo;
+std::span<const Member<SignInfoObject>> SignInfoObject::members() noexcept {
+    using Info = SignInfoObject;
     constexpr WORD kGet = DISPATCH_PROPERTYGET;
     static constexpr Member<Info> kMembers[] = {
         {u"HasSlaves", 1, kGet,
-         [](Info& info, const Arguments&) { return com::Variant::boolean(info.slaves_.has_value()); }},
+         [](Info& info, const CallArguments&) { return com::Variant::boolean(info.slaves_.has_value()); }},
         {u"SlaveCountY", 2, kGet,
-         [](Info& info, const Arguments&) { return com::Variant::int16(info.slaves_.value_or(SlaveCounts()).y); }},
+         [](Info& info, const CallArguments&) { return com::Variant::int16(info.slaves_.value_or(SlaveCounts()).y); }},
         {u"SlaveCountX", 3, kGet,
-         [](Info& info, const Arguments&) { return com::Variant::int16(info.slaves_.value_or(SlaveCounts()).x); }},
+         [](Info& info, const CallArguments&) { return com::Variant::int16(info.slaves_.value_or(SlaveCounts()).x); }},
     };
     return kMembers;
 }
 
-std::u16string HostSignInfo::describe() const {
+std::u16string SignInfoObject::describe() const {
     const SlaveCounts counts = slaves_.value_or(SlaveCounts());
     return u"HasSlaves=" + shown_boolean(slaves_.has_value()) + u" SlaveCountY=" + decimal(counts.y) +
            u" SlaveCountX=" + decimal(counts.x);
+}
+
+HostClasses::HostClasses(Host& host) {
+    RegistryEditor registry(host.machine.registry(), host.machine.code_page());
+    for (const HostClass& entry : kClasses) {
+        register_names(registry, entry);
+        const auto factory = com::make_object<Factory>(host, entry.programmatic_id, entry.make);
+        DWORD cookie = 0;
+        const HRESULT result =
+            CoRegisterClassObject(entry.clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+        if (FAILED(result))
+            throw RuntimeError(result, u"the class " + std::u16string(entry.programmatic_id) + u" is refused");
+        cookies_.push_back(cookie);
+    }
+}
+
+std::vector<std::u16string_view> host_class_names() {
+    std::vector<std::u16string_view> names;
+    for (const HostClass& entry : kClasses) names.push_back(entry.programmatic_id);
+    return names;
+}
+
+HostClasses::~HostClasses() {
+    for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);
 }
 
 }  // namespace vex::sim

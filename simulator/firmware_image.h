@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/units.h"
+#include "simulator/displays.h"
 
 namespace vex::sim {
 

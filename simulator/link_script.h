@@ -11,57 +11,33 @@
 
 namespace vex::sim {
 
-/// What a scenario can disturb: the members of the transmission control, in the order in which a session first
-/// uses them, those of the finder and of the display list, and the creation of an object, by its class.
-enum class Operation {
-    OpenConnection,
-    SignID,
-    GetSignInfo,
-    ResetAndClear,
-    DownloadFirmware,
-    PrepareForFirmware,
-    DownloadFirmwareWithLoader,
-    CloseConnection,
-    CancelTransmission,
-    SearchTimeout,
-    FindBoxes,
-    OpenDisplayFile,
-    FindDisplay,
-    SelectDisplay,
-    ComPort,
-    ComBaud,
-    SignTypeCode,
-    ConnectionType,
-    NetworkAddress,
-    PhoneNumber,
-    SignIDs,
-    DisplayName,
-    DisplayTypeName,
-    FirmwareVersion,
-    vexDispTrans,
-    vexLANBoxFinder2,
-    HostDisplayList,
-    HostDisplayPicker,
-    HostConnection,
-    HostSignInfo,
+/// What a scenario can disturb, by its name: a member of the transmission control, of the finder or of the display
+/// list, or the creation of an object, by its class.
+struct Operation {
+    /// Of static life.
+    std::u16string_view name;
+
+    friend constexpr bool operator==(Operation left, Operation right) noexcept { return left.name == right.name; }
+
+    static const Operation OpenConnection, SignID, GetSignInfo, ResetAndClear, DownloadFirmware, PrepareForFirmware,
+        DownloadFirmwareWithLoader, CloseConnection, CancelTransmission;
 };
 
-/// Whether the operation is the transmission control's, which can speak meanwhile.
-constexpr bool speaks(Operation operation) noexcept { return operation <= Operation::CancelTransmission; }
-/// Whether it answers its success, and so can fail without an error.
-constexpr bool answers_success(Operation operation) noexcept {
-    return speaks(operation) && operation != Operation::SignID;
-}
-
-std::u16string_view name_of(Operation operation) noexcept;
-/// Raises `std::invalid_argument` naming the operations.
-Operation parse_operation(std::u16string_view name);
+inline constexpr Operation Operation::OpenConnection{u"OpenConnection"};
+inline constexpr Operation Operation::SignID{u"SignID"};
+inline constexpr Operation Operation::GetSignInfo{u"GetSignInfo"};
+inline constexpr Operation Operation::ResetAndClear{u"ResetAndClear"};
+inline constexpr Operation Operation::DownloadFirmware{u"DownloadFirmware"};
+inline constexpr Operation Operation::PrepareForFirmware{u"PrepareForFirmware"};
+inline constexpr Operation Operation::DownloadFirmwareWithLoader{u"DownloadFirmwareWithLoader"};
+inline constexpr Operation Operation::CloseConnection{u"CloseConnection"};
+inline constexpr Operation Operation::CancelTransmission{u"CancelTransmission"};
 
 /// Which calls something is about; what is not given matches any.
 struct CallPattern {
     std::optional<std::u16string> display;
     std::optional<std::int16_t> id;
-    Operation operation = Operation::OpenConnection;
+    Operation operation;
     /// Only the N-th matching call, from 1; 0: each.
     std::int64_t at = 0;
 };
@@ -71,7 +47,7 @@ struct CallPattern {
 struct Call {
     std::u16string display;
     std::int16_t id = 0;
-    Operation operation = Operation::OpenConnection;
+    Operation operation;
 };
 
 /// Something on a link, while it happens.

@@ -58,16 +58,16 @@ ScenarioPlayer::ScenarioPlayer(const Scenario& scenario, Host& host, Screen& scr
       plugin_(plugin),
       errors_(errors),
       folder_(std::move(folder)),
-      registry_(host.computer.registry(), host.computer.code_page()) {
+      registry_(host.machine.registry(), host.machine.code_page()) {
     host_.choose_displays = [this] { return take(picker_).value_or(u""); };
-    host_.computer.on_program_started(
+    host_.machine.on_program_started(
         [this](const std::u16string& path) { trace().line(u"program " + in_quotes(path)); });
     screen_.set_user(this);
 }
 
 ScenarioPlayer::~ScenarioPlayer() {
     screen_.set_user(nullptr);
-    host_.computer.on_program_started(nullptr);
+    host_.machine.on_program_started(nullptr);
     host_.choose_displays = nullptr;
 }
 
@@ -111,7 +111,7 @@ const Display& ScenarioPlayer::display(const std::u16string& name) const {
 
 std::filesystem::path ScenarioPlayer::target_file(const std::u16string& path) {
     host_.save_displays();
-    std::filesystem::path real = host_.computer.writable_path(path);
+    std::filesystem::path real = host_.machine.writable_path(path);
     std::filesystem::create_directories(real.parent_path());
     return real;
 }
@@ -142,7 +142,7 @@ void ScenarioPlayer::start(StartMember member) {
     if (screen_.any_dialog()) throw std::invalid_argument("a dialog is still open");
     const std::u16string name(name_of(member));
     try {
-        const auto frame = com::make_object<HostSignInfo>(host_);
+        const auto frame = com::make_object<SignInfoObject>(host_);
         plugin_.start(member, frame.get());
         trace().line(u"return " + name);
     } catch (const RuntimeError& error) {

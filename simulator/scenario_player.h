@@ -11,7 +11,7 @@
 #include "simulator/host.h"
 #include "simulator/plugin_host.h"
 #include "simulator/program.h"
-#include "simulator/registry_store.h"
+#include "simulator/registry_editor.h"
 #include "simulator/scenario.h"
 #include "simulator/screen.h"
 
@@ -38,7 +38,7 @@ public:
 
     Host& host() noexcept { return host_; }
     Screen& screen() noexcept { return screen_; }
-    RegistryStore& registry() noexcept { return registry_; }
+    RegistryEditor& registry() noexcept { return registry_; }
     Trace& trace() noexcept { return host_.trace; }
     /// The file that a statement means. Raises `std::invalid_argument` when there is none.
     std::filesystem::path source_file(const std::u16string& name) const;
@@ -77,7 +77,7 @@ private:
     PluginHost& plugin_;
     std::ostream& errors_;
     std::filesystem::path folder_;
-    RegistryStore registry_;
+    RegistryEditor registry_;
 
     std::size_t next_ = 0;
     /// Of the statement that runs, or ran last.

@@ -6,7 +6,7 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/host.h"
-#include "simulator/host_classes.h"
+#include "simulator/class_library.h"
 #include "simulator/plugin_host.h"
 #include "simulator/words.h"
 
@@ -18,7 +18,7 @@ constexpr char kUnitFile[] = "Units.dat";
 constexpr char kSampleScenario[] = "trial.scn";
 
 void load(Host& host, const std::filesystem::path& unit_file) {
-    host.display_file = host.computer.writable_path(Host::kDisplayFile);
+    host.display_file = host.machine.writable_path(Host::kDisplayFile);
     if (std::filesystem::exists(host.display_file)) {
         host.displays = Displays::load(host.display_file);
     } else {
@@ -37,10 +37,10 @@ std::string message_of(const std::exception& error) {
     return known->number() == kAutomationError ? text : text + " (error " + std::to_string(known->number()) + ")";
 }
 
-ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work) {
     Trace trace(out, quiet);
-    Host host(trace, computer);
+    Host host(trace, machine);
     const std::filesystem::path unit_file = folders.data / kUnitFile;
     ExitStatus status = kBadUsage;
     bool left_behind = false;
@@ -84,7 +84,7 @@ ExitStatus Session::play_text(const std::string& name, const std::string& text, 
                               std::ostream& out, std::ostream& errors) {
     const Scenario scenario = parse_scenario(name, text, folder);
     prepare(out);
-    return run_host(computer(), folders(folder), options_.quiet, out, errors, [&](Host& host, PluginHost& plugin) {
+    return run_host(machine(), folders(folder), options_.quiet, out, errors, [&](Host& host, PluginHost& plugin) {
         const ExitStatus status = ScenarioPlayer(scenario, host, screen(), plugin, errors, folder).play();
         if (out.flush()) return status;
         errors << "the trace cannot be written\n";
@@ -95,7 +95,7 @@ ExitStatus Session::play_text(const std::string& name, const std::string& text, 
 ExitStatus Session::try_out(std::ostream& errors,
                             const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work) {
     std::ostream no_trace(nullptr);
-    return run_host(computer(), folders(samples_), true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
+    return run_host(machine(), folders(samples_), true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
         const bool fresh = host.displays.size() == 0;
         if (fresh) {
             const std::filesystem::path file = samples_ / kSampleScenario;

@@ -19,7 +19,7 @@ std::string message_of(const std::exception& error);
 
 /// Where a run's parts lie.
 struct RunFolders {
-    /// The host's units; its displays lie on the computer's own drive.
+    /// The host's units; its displays lie on the machine's own drive.
     std::filesystem::path data;
     std::filesystem::path plugin_library;
     /// Relative files of the scenario.
@@ -29,10 +29,10 @@ struct RunFolders {
 /// Loads what the host kept, registers the host's classes, loads the plug-in, does the `work`, keeps what the
 /// units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment. The trace
 /// goes to `out`, everything else to `errors`.
-ExitStatus run_host(Computer& computer, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work);
 
-/// What a program of either side is made of: its folders, and what is played there on the side's computer and screen.
+/// What a program of either side is made of: its folders, and what is played there on the side's machine and screen.
 /// One per process. Used on the thread that made it.
 class Session {
 public:
@@ -58,7 +58,7 @@ protected:
     Session(const CommandLine& options, const std::filesystem::path& program_folder, const char* plugin_file);
     ~Session() = default;
 
-    virtual Computer& computer() = 0;
+    virtual Machine& machine() = 0;
     virtual Screen& screen() = 0;
     const CommandLine& options() const noexcept { return options_; }
     const std::filesystem::path& data() const noexcept { return data_; }

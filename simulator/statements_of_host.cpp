@@ -1,12 +1,13 @@
-// The statements of a scenario about the host: its displays, and what happens on the links to them.
-#include "simulator/statements.h"
-
+// The statements of a scenario about the host and its machine: displays, links, settings, files.
 #include <algorithm>
 #include <iterator>
 #include <limits>
 #include <utility>
 
 #include "core/unicode.h"
+#include "simulator/controls.h"
+#include "simulator/firmware_image.h"
+#include "simulator/statements.h"
 
 namespace vex::sim {
 namespace {
@@ -51,7 +52,7 @@ void check_display(ScenarioPlayer& player, const CallPattern& pattern) {
     if (pattern.display) static_cast<void>(player.display(*pattern.display));
 }
 
-}  // namespace
+constexpr char16_t kSettingsRoot[] = u"Software\\Norvan\\";
 
 // ---- Displays -----------------------------------------------------------------------------------------
 
@@ -122,7 +123,7 @@ Action read_say(const Words& given) {
     CallPattern pattern = read_speaking_pattern(words);
     pattern.at = take_at(words, 5);
     if (words.size() > 6) refuse("not at=N", words.back());
-    const Action reaction = words.size() == 6 ? read_click({u"click", words[5]}) : Action();
+    const Action reaction = words.size() == 6 ? read_statement({u"click", words[5]}) : Action();
     return [pattern, text = words[4], reaction](ScenarioPlayer& player) {
         check_display(player, pattern);
         player.say(pattern, text, reaction);
@@ -138,5 +139,85 @@ Action read_during(const Words& words) {
         player.say(pattern, text, action);
     };
 }
+
+// ---- The machine --------------------------------------------------------------------------------------
+
+Action read_setting(const Words& words) {
+    return [words](ScenarioPlayer& player) {
+        player.registry().write_text(kHkeyLocalMachine, kSettingsRoot + words[1] + u"\\" + words[2], words[3],
+                                     words[4]);
+    };
+}
+
+Action read_registry(const Words& words) {
+    return [path = parse_registry_path(words[1]), words](ScenarioPlayer& player) {
+        RegistryEditor& registry = player.registry();
+        registry.write(path.root, path.key, words[2], registry.parse(words[3], words[4]));
+    };
+}
+
+Action read_file_statement(const Words& words) {
+    const std::u16string kind = words.size() > 2 ? words[2] : u"";
+    if (!kind.empty() && kind != u"hidden" && kind != u"folder") refuse("neither hidden nor folder", kind);
+    return [path = words[1], kind](ScenarioPlayer& player) {
+        const std::filesystem::path real = player.target_file(path);
+        if (kind == u"folder") {
+            std::filesystem::create_directories(real);
+        } else {
+            replace_file(real, "");
+        }
+        if (kind == u"hidden") player.host().machine.hide(path);
+    };
+}
+
+Action read_copy(const Words& words) {
+    return [source = words[1], path = words[2]](ScenarioPlayer& player) {
+        const std::filesystem::path from = player.source_file(source);
+        replace_file(player.target_file(path), read_file(from));
+    };
+}
+
+Action read_lines(const Words& words) {
+    std::string text;
+    for (std::size_t i = 2; i < words.size(); ++i) text += to_utf8(words[i]) + "\n";
+    return [path = words[1], text](ScenarioPlayer& player) { replace_file(player.target_file(path), text); };
+}
+
+Action read_image(const Words& words) {
+    constexpr std::int64_t kLargestImage = 1 << 20;
+    const std::size_t size = read_count(words[2], kLargestImage);
+    return [path = words[1], size](ScenarioPlayer& player) {
+        replace_file(player.target_file(path), make_motorola_image(size));
+    };
+}
+
+Action read_loader(const Words& words) {
+    const bool line = words[2] == u"line";
+    if (!line && words[2] != u"server") refuse("neither line nor server", words[2]);
+    return [path = words[1], kind = line ? LoaderKind::line : LoaderKind::server](ScenarioPlayer& player) {
+        replace_file(player.target_file(path), make_loader_image(kind));
+    };
+}
+
+constexpr StatementType kStatements[] = {
+    {u"display", "display NAME [KEY=VALUE]...", 2, kAnyNumber, &read_display},
+    {u"displays", "displays COUNT PREFIX [KEY=VALUE]...", 3, kAnyNumber, &read_displays},
+    {u"unit", "unit NAME ID slaves=YxX|absent", 4, 4, &read_unit},
+    {u"box", "box NAME TEXT", 3, 3, &read_box},
+    {u"setting", "setting APPLICATION SECTION KEY VALUE", 5, 5, &read_setting},
+    {u"registry", "registry ROOT\\KEY NAME TYPE VALUE", 5, 5, &read_registry},
+    {u"file", "file PATH [hidden|folder]", 2, 3, &read_file_statement},
+    {u"copy", "copy SOURCE PATH", 3, 3, &read_copy},
+    {u"lines", "lines PATH LINE...", 3, kAnyNumber, &read_lines},
+    {u"image", "image PATH BYTES", 3, 3, &read_image},
+    {u"loader", "loader PATH line|server", 3, 3, &read_loader},
+    {u"fault", "fault NAME ID MEMBER fail|raise|replace [at=N]", 5, 6, &read_fault},
+    {u"say", "say NAME ID MEMBER TEXT [CONTROL] [at=N]", 5, 7, &read_say},
+    {u"during", "during NAME ID MEMBER TEXT STATEMENT...", 6, kAnyNumber, &read_during},
+};
+
+}  // namespace
+
+std::span<const StatementType> statements_of_host() noexcept { return kStatements; }
 
 }  // namespace vex::sim

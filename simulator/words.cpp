@@ -112,6 +112,23 @@ std::vector<std::u16string> split_lines(const std::string& file, std::string_vie
     return lines;
 }
 
+void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
+                const std::function<void(const Words& words, std::size_t line)>& read) {
+    const std::vector<std::u16string> lines = split_lines(file, text);
+    if (!header.empty() && (lines.empty() || lines.front() != header))
+        throw TextError(file, 1, "expected the line " + to_utf8(header));
+    for (std::size_t i = header.empty() ? 0 : 1; i < lines.size(); ++i) {
+        try {
+            const Words words = split_words(lines[i]);
+            if (!words.empty()) read(words, i + 1);
+        } catch (const TextError&) {
+            throw;
+        } catch (const std::exception& error) {
+            throw TextError(file, i + 1, error.what());
+        }
+    }
+}
+
 std::string read_stream(const std::string& name, std::istream& stream) {
     constexpr std::size_t kLargest = 64U << 20U;
     constexpr std::size_t kPiece = 1U << 16U;

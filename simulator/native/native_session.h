@@ -1,9 +1,9 @@
-// The native program's composition: a simulated computer, a screen, COM, and what is played on them.
+// The native program's composition: a simulated machine, a screen, COM, and what is played on them.
 #pragma once
 
 #include <optional>
 
-#include "simulator/native/native_computer.h"
+#include "simulator/native/native_machine.h"
 #include "simulator/native/native_screen.h"
 #include "simulator/native/pictured_screen.h"
 #include "simulator/session.h"
@@ -19,10 +19,10 @@ public:
     NativeScreen& screen() noexcept override { return screen_; }
 
 private:
-    Computer& computer() noexcept override { return computer_; }
+    Machine& machine() noexcept override { return machine_; }
     void prepare(std::ostream& out) override;
 
-    NativeComputer computer_;
+    NativeMachine machine_;
     NativeScreen screen_;
     std::optional<Pictures> pictures_;
 };

@@ -13,7 +13,7 @@
 #include "simulator/native/icon_characters.h"
 #include "simulator/pace.h"
 #include "simulator/run_progress.h"
-#include "simulator/unit_table.h"
+#include "simulator/host.h"
 #include "support/text.h"
 
 namespace vex::sim {

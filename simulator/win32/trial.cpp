@@ -7,7 +7,7 @@
 #include "platform/win32/system.h"
 #include "simulator/display_picker.h"
 #include "simulator/pace.h"
-#include "simulator/unit_table.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 namespace {
@@ -27,11 +27,11 @@ ExitStatus play(const CommandLine& options, Host& host, PluginHost& plugin) {
         pace.follow(event);
         return true;
     };
-    host.computer.on_program_started([](const std::u16string& path) {
+    host.machine.on_program_started([](const std::u16string& path) {
         std::cout << "not started, since this is a simulation: " << to_utf8(path) << '\n';
     });
     const ExitStatus status = Session::start(plugin, std::cerr);
-    host.computer.on_program_started(nullptr);
+    host.machine.on_program_started(nullptr);
     host.on_link = nullptr;
     host.choose_displays = nullptr;
     print_units(host, std::cout);
@@ -41,11 +41,11 @@ ExitStatus play(const CommandLine& options, Host& host, PluginHost& plugin) {
 }  // namespace
 
 ExitStatus run_trial(Win32Session& session, const CommandLine& options) {
-    session.computer().show_real_disks();
+    session.machine().show_real_disks();
     return session.try_out(std::cerr, [&](Host& host, PluginHost& plugin, bool fresh) {
         // The Open dialog shows the real disks, so it begins where the sample firmware really is.
         if (fresh) {
-            RegistryStore registry(host.computer.registry(), host.computer.code_page());
+            RegistryEditor registry(host.machine.registry(), host.machine.code_page());
             registry.write_text(kHkeyLocalMachine, kFirmwareSettings, u"LastFilePath",
                                 session.samples_folder().u16string());
         }

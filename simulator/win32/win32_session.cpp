@@ -6,7 +6,7 @@
 #include "platform/library.h"
 #include "platform/win32/class_registration.h"
 #include "platform/win32/system.h"
-#include "simulator/host_classes.h"
+#include "simulator/class_library.h"
 
 namespace vex::sim {
 namespace {
@@ -16,7 +16,7 @@ using UnregisterServer = HRESULT(STDAPICALLTYPE*)();
 void refuse_beside_a_real_host() {
     for (const std::u16string& name : host_class_names()) {
         if (!platform::win32::class_has_server(name)) continue;
-        throw RuntimeError(kAutomationError, u"the class " + name + u" of a real host is registered on this computer");
+        throw RuntimeError(kAutomationError, u"the class " + name + u" of a real host is registered on this machine");
     }
 }
 
@@ -27,13 +27,13 @@ Win32Session::Win32Session(const CommandLine& options)
     refuse_beside_a_real_host();
     std::filesystem::create_directories(data());
     OleInitialize(nullptr);
-    computer_.emplace(plugin().filename().u16string(), data(), options.data.has_value());
+    machine_.emplace(plugin().filename().u16string(), data(), options.data.has_value());
     screen_.emplace(plugin().filename().u16string());
 }
 
 Win32Session::~Win32Session() {
     screen_.reset();
-    computer_.reset();
+    machine_.reset();
     for (const std::u16string& name : host_class_names()) platform::win32::remove_class(name);
     try {
         platform::Library(plugin()).function<UnregisterServer>("DllUnregisterServer")();

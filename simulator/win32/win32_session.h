@@ -1,10 +1,10 @@
-// The Windows program's composition: real COM, real windows, and a computer of its own for the plug-in.
+// The Windows program's composition: real COM, real windows, and a machine of its own for the plug-in.
 #pragma once
 
 #include <optional>
 
 #include "simulator/session.h"
-#include "simulator/win32/win32_computer.h"
+#include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
 
 namespace vex::sim {
@@ -12,16 +12,16 @@ namespace vex::sim {
 class Win32Session final : public Session {
 public:
     /// Raises `RuntimeError` or `filesystem_error` when the data folder cannot be used, or when the classes of
-    /// a real host are registered on this computer.
+    /// a real host are registered on this machine.
     explicit Win32Session(const CommandLine& options);
     ~Win32Session();
 
-    Win32Computer& computer() noexcept override { return *computer_; }
+    Win32Machine& machine() noexcept override { return *machine_; }
 
 private:
     Screen& screen() noexcept override { return *screen_; }
 
-    std::optional<Win32Computer> computer_;
+    std::optional<Win32Machine> machine_;
     std::optional<Win32Screen> screen_;
 };
 

@@ -11,8 +11,8 @@
 #include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "simulator/firmware_image.h"
-#include "simulator/host_classes.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/controls.h"
+#include "simulator/native/native_machine.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"
@@ -185,7 +185,7 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
     return result;
 }
 
-Computer::Computer() {
+Machine::Machine() {
     platform::native::use_machine_folder(folder_.path());
     for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_.path() / drive);
     write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
@@ -195,16 +195,16 @@ Computer::Computer() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
 
-Computer::~Computer() { CoUninitialize(); }
+Machine::~Machine() { CoUninitialize(); }
 
 Outcome play(const Plan& plan) {
     Outcome outcome;
     std::ostringstream shown;
     sim::Trace trace(shown, true);
     com::ModuleLifetime module;
-    sim::NativeComputer computer;
+    sim::NativeMachine machine;
     {
-        sim::Host host(trace, computer);
+        sim::Host host(trace, machine);
         host.display_file = real_path(u"C:\\Brivola\\Displays.dat");
         std::filesystem::create_directories(host.display_file.parent_path());
         equip(host, plan);

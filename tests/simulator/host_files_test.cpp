@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/units.h"
 #include "simulator/words.h"
 #include "tests/shared/temporary_folder.h"
 
@@ -80,33 +79,6 @@ TEST(HostFiles, NameTheDamagedLine) {
         {units_header + "\nbox A\n", "F:3: expected slaves NAME"},
     };
     for (const auto& [text, message] : units) EXPECT_THAT(damage_of<Units>(text), StartsWith(message)) << text;
-}
-
-TEST(Displays, AreFoundOnTheirLineAlsoAfterAChange) {
-    Displays displays;
-    for (const char16_t* name : {u"A", u"B", u"C"}) {
-        Display display;
-        display.name = name;
-        display.address = u"10.0.0.1";
-        displays.put(display);
-    }
-    const std::u16string line = displays.at(0).line();
-    EXPECT_EQ(displays.first_on_line(line), 0U);
-
-    Display moved = displays.at(0);
-    moved.port = u"COM7";
-    moved.address = u"10.0.0.2";
-    displays.put(moved);
-    EXPECT_EQ(displays.size(), 3U);
-    EXPECT_EQ(displays.first_on_line(line), 1U);
-    EXPECT_EQ(displays.first_on_line(moved.line()), 0U);
-    EXPECT_THAT(displays.at_address(u"10.0.0.1"), ElementsAre(1, 2));
-    EXPECT_THAT(displays.at_address(u"10.0.0.2"), ElementsAre(0));
-
-    moved.address = u"10.0.0.1";
-    displays.put(moved);
-    EXPECT_THAT(displays.at_address(u"10.0.0.1"), ElementsAre(0, 1, 2));
-    EXPECT_THAT(displays.at_address(u"10.0.0.2"), IsEmpty());
 }
 
 TEST(Displays, ShareALineByWhatTheirConnectionUses) {

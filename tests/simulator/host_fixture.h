@@ -9,9 +9,9 @@
 #include "com/com.h"
 #include "platform/native/machine.h"
 #include "simulator/host.h"
-#include "simulator/host_classes.h"
-#include "simulator/late_call.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/class_library.h"
+#include "simulator/automation.h"
+#include "simulator/native/native_machine.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
@@ -41,8 +41,8 @@ protected:
     test::TemporaryFolder folder_;
     std::ostringstream out_;
     Trace trace_{out_, false};
-    NativeComputer computer_;
-    Host host_{trace_, computer_};
+    NativeMachine machine_;
+    Host host_{trace_, machine_};
     std::optional<HostClasses> classes_;
 };
 

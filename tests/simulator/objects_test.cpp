@@ -3,7 +3,7 @@
 
 #include "core/unicode.h"
 
-#include "simulator/class_library.h"
+#include "simulator/controls.h"
 #include "tests/shared/error_of.h"
 #include "tests/simulator/host_fixture.h"
 

@@ -8,7 +8,7 @@
 
 #include "core/unicode.h"
 #include "simulator/program.h"
-#include "simulator/link_script.h"
+#include "simulator/controls.h"
 #include "simulator/words.h"
 #include "tests/shared/temporary_folder.h"
 
@@ -194,13 +194,6 @@ TEST(LinkScript, KeepsTheOrderOfMessagesAndTheFirstFault) {
     EXPECT_EQ(call.messages[0].text, u"one");
     EXPECT_EQ(call.messages[1].text, u"two");
     EXPECT_EQ(call.fault, FaultKind::raise);
-}
-
-TEST(LinkScript, KnowsTheMembersByName) {
-    for (const auto operation : {Operation::OpenConnection, Operation::SignID, Operation::CancelTransmission}) {
-        EXPECT_EQ(parse_operation(name_of(operation)), operation);
-    }
-    EXPECT_THROW(parse_operation(u"resetandclear"), std::invalid_argument);
 }
 
 }  // namespace

@@ -7,9 +7,9 @@
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "simulator/event_point.h"
+#include "simulator/automation.h"
 #include "simulator/firmware_image.h"
-#include "simulator/host_identities.h"
+#include "simulator/class_library.h"
 #include "tests/shared/late_object.h"
 #include "tests/simulator/host_fixture.h"
 

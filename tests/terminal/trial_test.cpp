@@ -9,7 +9,7 @@
 #include "platform/native/terminal/terminal_toolkit.h"
 #include "simulator/display_picker.h"
 #include "simulator/native/icon_characters.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/native/native_machine.h"
 #include "simulator/pace.h"
 #include "simulator/run_progress.h"
 #include "tests/terminal/fake_screen.h"
@@ -119,7 +119,7 @@ protected:
 
     std::ostream nowhere{nullptr};
     Trace trace{nowhere, true};
-    NativeComputer computer;
+    NativeMachine computer;
     Host host{trace, computer};
     RunProgress progress{host};
 };

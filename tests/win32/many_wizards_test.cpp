@@ -9,7 +9,7 @@
 #include "platform/win32/window_reader.h"
 #include "simulator/private_folder.h"
 #include "simulator/session.h"
-#include "simulator/win32/win32_computer.h"
+#include "simulator/win32/win32_machine.h"
 #include "tests/win32/handle_counts.h"
 
 namespace vex::test {
@@ -33,7 +33,7 @@ void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
 TEST(ManyWizards, LeaveTheCountsOfHandlesWhereTheyWere) {
     OleInitialize(nullptr);
     const sim::PrivateFolder folder;
-    sim::Win32Computer computer(kPlugin, folder.path(), false);
+    sim::Win32Machine computer(kPlugin, folder.path(), false);
     const auto plugin = std::filesystem::path(platform::win32::module_path()).parent_path() / kPlugin;
     std::ostringstream ignored;
     const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, close_top_form);

@@ -1,10 +1,14 @@
-// The simulated host's transmission control.
-#include "simulator/transmission_control.h"
+// The simulated host's two controls.
+#include "simulator/controls.h"
+
+#include <algorithm>
+#include <cmath>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/firmware_image.h"
 #include "simulator/screen.h"
+#include "simulator/words.h"
 #include "support/text.h"
 
 namespace vex::sim {
@@ -19,7 +23,7 @@ constexpr int kPercentSaid = 25;
 constexpr int kScriptedPercent = 50;
 
 std::u16string shown_call(Operation operation) {
-    return std::u16string(u"call ").append(kName).append(u".").append(name_of(operation));
+    return std::u16string(u"call ").append(kName).append(u".").append(operation.name);
 }
 
 /// Marks an operation as in progress.
@@ -37,6 +41,9 @@ private:
     bool& busy_;
 };
 
+constexpr std::u16string_view kFinderName = u"FindXPort";
+constexpr double kHighestHost = 255;
+
 }  // namespace
 
 std::span<const Member<TransmissionControl>> TransmissionControl::members() noexcept {
@@ -45,32 +52,32 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
         {u"OpenConnection",
          dispatch_id(0x60030065),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) { return control.open_connection(arguments); },
+         [](Control& control, const CallArguments& arguments) { return control.open_connection(arguments); },
          {kObjectReference}},
         {u"CloseConnection", dispatch_id(0x60030066), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.close_connection(); }},
+         [](Control& control, const CallArguments&) { return control.close_connection(); }},
         {u"DownloadFirmware",
          dispatch_id(0x60030067),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) { return control.download_firmware(arguments); },
+         [](Control& control, const CallArguments& arguments) { return control.download_firmware(arguments); },
          {kTextReference}},
         {u"ResetAndClear", dispatch_id(0x60030068), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.reset_and_clear(); }},
+         [](Control& control, const CallArguments&) { return control.reset_and_clear(); }},
         {u"CancelTransmission", dispatch_id(0x60030069), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.cancel_transmission(); }},
+         [](Control& control, const CallArguments&) { return control.cancel_transmission(); }},
         {u"PrepareForFirmware", dispatch_id(0x6003004E), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.prepare_for_firmware(); }},
+         [](Control& control, const CallArguments&) { return control.prepare_for_firmware(); }},
         {u"GetSignInfo", dispatch_id(0x60030053), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.get_sign_info(); }},
+         [](Control& control, const CallArguments&) { return control.get_sign_info(); }},
         {u"DownloadFirmwareWithLoader",
          dispatch_id(0x600300B2),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) { return control.download_firmware_with_loader(arguments); },
+         [](Control& control, const CallArguments& arguments) { return control.download_firmware_with_loader(arguments); },
          {kTextReference, VT_BSTR}},
         {u"SignID",
          dispatch_id(0x68030001),
          DISPATCH_PROPERTYPUT,
-         [](Control& control, const Arguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
+         [](Control& control, const CallArguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
          {VT_I2}},
     };
     return kMembers;
@@ -78,7 +85,7 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
 
 // ---- The connection -----------------------------------------------------------------------------------
 
-com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
+com::Variant TransmissionControl::open_connection(const CallArguments& arguments) {
     IDispatch** const place = arguments.object_place(0);
     const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
     if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
@@ -96,7 +103,7 @@ com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
         if (!answering) return refuse(u"No display answers");
         display_ = answering;
         if (scripted.fault == FaultKind::replace)
-            com::ComPtr<IDispatch>::adopt(std::exchange(*place, com::make_object<HostConnection>(host_, settings).detach()));
+            com::ComPtr<IDispatch>::adopt(std::exchange(*place, com::make_object<ConnectionObject>(host_, settings).detach()));
         return true;
     });
 }
@@ -152,7 +159,7 @@ com::Variant TransmissionControl::get_sign_info() {
         host_.trace.line(shown + u" -> " + shown_boolean(false));
         return com::Variant::boolean(false);
     }
-    const auto info = com::make_object<HostSignInfo>(host_, slaves);
+    const auto info = com::make_object<SignInfoObject>(host_, slaves);
     host_.trace.line(shown + u" -> " + info->describe());
     return com::Variant::object(info.get());
 }
@@ -173,26 +180,26 @@ com::Variant TransmissionControl::prepare_for_firmware() {
     });
 }
 
-com::Variant TransmissionControl::download_firmware(const Arguments& arguments) {
+com::Variant TransmissionControl::download_firmware(const CallArguments& arguments) {
     constexpr Operation kOperation = Operation::DownloadFirmware;
     const std::u16string file = arguments.text(0);
     return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
-            return transfer(display, read_motorola_image(host_.computer.real_path(file), file), scripted, kOperation);
+            return transfer(display, read_motorola_image(host_.machine.real_path(file), file), scripted, kOperation);
         } catch (const ImageError& error) {
             return goes_on(scripted, kOperation) && refuse(error.reason());
         }
     });
 }
 
-com::Variant TransmissionControl::download_firmware_with_loader(const Arguments& arguments) {
+com::Variant TransmissionControl::download_firmware_with_loader(const CallArguments& arguments) {
     constexpr Operation kOperation = Operation::DownloadFirmwareWithLoader;
     const std::u16string file = arguments.text(0);
     const std::u16string loader = arguments.text(1);
     return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
-            const Firmware firmware = read_rabbit_image(host_.computer.real_path(file), file);
-            read_loader_image(host_.computer.real_path(loader), loader);
+            const Firmware firmware = read_rabbit_image(host_.machine.real_path(file), file);
+            read_loader_image(host_.machine.real_path(loader), loader);
             return transfer(display, firmware, scripted, kOperation);
         } catch (const ImageError& error) {
             return goes_on(scripted, kOperation) && refuse(error.reason());
@@ -258,7 +265,7 @@ bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operat
     if (!scripted.fails()) return true;
     // A message of the script's own explains the failure where it has one.
     return scripted.messages.empty()
-               ? refuse(unit(u": the line is disturbed, ").append(name_of(operation)) + u" failed")
+               ? refuse(unit(u": the line is disturbed, ").append(operation.name) + u" failed")
                : false;
 }
 
@@ -285,6 +292,83 @@ Call TransmissionControl::call_of(Operation operation) const { return {called_di
 
 std::u16string TransmissionControl::unit(std::u16string_view text) const {
     return (u"Unit " + decimal_text(sign_id_)).append(text);
+}
+
+// ---- The finder ---------------------------------------------------------------------------------------
+
+std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
+    static constexpr Member<BoxFinder> kMembers[] = {
+        {u"SearchTimeout",
+         dispatch_id(0x68030001),
+         DISPATCH_PROPERTYPUT,
+         // A simulated search takes no time.
+         [](BoxFinder&, const CallArguments&) { return com::Variant(); },
+         {VT_I2}},
+        {u"FindBoxes",
+         dispatch_id(0x6003000A),
+         DISPATCH_METHOD,
+         [](BoxFinder& finder, const CallArguments& arguments) {
+             finder.find_boxes(arguments.text(0), arguments.real(1), arguments.real(2));
+             return com::Variant();
+         },
+         {VT_BSTR, VT_R8, VT_R8}},
+    };
+    return kMembers;
+}
+
+void BoxFinder::on_call(const Member<BoxFinder>& member, const CallArguments& arguments) {
+    const std::u16string shown = shown_call(kFinderName, member, arguments);
+    host_.begin({host_.display_asked_about, 0, Operation{member.name}}, shown);
+    host_.trace.line(shown);
+}
+
+void BoxFinder::find_boxes(const std::u16string& address, double first, double last) {
+    const std::size_t point = address.rfind(u'.');
+    if (point == address.npos) {
+        if (first <= 0 && last >= 0) report(address);
+        return;
+    }
+    const std::u16string network = address.substr(0, point + 1);
+    const double end = std::min(last, kHighestHost);
+    const double start = std::max(first, 0.0);
+    for (double host = std::ceil(start); host <= end; ++host)
+        report(network + decimal_text(static_cast<std::int32_t>(host)));
+}
+
+void BoxFinder::report(const std::u16string& address) {
+    for (const std::size_t index : host_.displays.at_address(address)) {
+        for (const std::u16string& description : host_.units.boxes(host_.displays.at(index).name)) {
+            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
+            com::Bstr text(description);
+            com::Bstr where(address);
+            // Last argument first.
+            VARIANT arguments[] = {com::Variant::text_reference(text.put_reference()).detach(),
+                                   com::Variant::text_reference(where.put_reference()).detach()};
+            events().raise_event(kHandledEvent, arguments);
+        }
+    }
+}
+
+// ---- Operations by name -------------------------------------------------------------------------------
+
+bool speaks(Operation operation) noexcept {
+    const auto members = TransmissionControl::members();
+    return std::ranges::find(members, operation.name, &Member<TransmissionControl>::name) != members.end();
+}
+
+bool answers_success(Operation operation) noexcept { return speaks(operation) && operation != Operation::SignID; }
+
+Operation parse_operation(std::u16string_view name) {
+    std::vector<std::u16string_view> names;
+    for (const auto& member : TransmissionControl::members()) names.push_back(member.name);
+    for (const auto& member : BoxFinder::members()) names.push_back(member.name);
+    for (const auto& member : DisplayListObject::members()) names.push_back(member.name);
+    for (const std::u16string_view id : host_class_names()) names.push_back(id.substr(id.find(u'.') + 1));
+    const auto found = std::ranges::find(names, name);
+    if (found != names.end()) return {*found};
+    std::string all;
+    for (const std::u16string_view known : names) all += (all.empty() ? "" : ", ") + to_utf8(known);
+    throw std::invalid_argument("\"" + to_utf8(name) + "\" is none of " + all);
 }
 
 }  // namespace vex::sim

@@ -1,5 +1,5 @@
-// The computer of the Windows side.
-#include "simulator/win32/win32_computer.h"
+// The machine of the Windows side.
+#include "simulator/win32/win32_machine.h"
 
 #include <stdexcept>
 
@@ -8,11 +8,11 @@
 
 namespace vex::sim {
 
-platform::Registry& Win32Computer::registry() { return platform::win32::registry(); }
+platform::Registry& Win32Machine::registry() { return platform::win32::registry(); }
 
-const platform::CodePage& Win32Computer::code_page() { return platform::win32::code_page(); }
+const platform::CodePage& Win32Machine::code_page() { return platform::win32::code_page(); }
 
-std::filesystem::path Win32Computer::writable_path(const std::u16string& path) {
+std::filesystem::path Win32Machine::writable_path(const std::u16string& path) {
     // Z: is the real disk on the other side, and no scenario may depend on the side.
     const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
     if (path.size() < 4 || drive < u'A' || drive >= u'Z' || path[1] != u':' || path[2] != u'\\') {
@@ -22,7 +22,7 @@ std::filesystem::path Win32Computer::writable_path(const std::u16string& path) {
     return real_path(path);
 }
 
-void Win32Computer::on_program_started(std::function<void(const std::u16string&)> listener) {
+void Win32Machine::on_program_started(std::function<void(const std::u16string&)> listener) {
     machine_.unwatch();
     machine_.on_program_started = std::move(listener);
     if (machine_.on_program_started) machine_.watch(module_);

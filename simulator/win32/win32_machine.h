@@ -1,16 +1,16 @@
-// The computer of the Windows side, as the simulated host needs it.
+// The machine of the Windows side, as the simulated host needs it.
 #pragma once
 
 #include "platform/win32/private_machine.h"
-#include "simulator/computer.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
-class Win32Computer final : public Computer {
+class Win32Machine final : public Machine {
 public:
     /// `module`: the file name of the plug-in's library. Settings and drives lie in `folder`; `keep`: also
     /// afterwards. Raises `RuntimeError`.
-    Win32Computer(std::u16string module, const std::filesystem::path& folder, bool keep)
+    Win32Machine(std::u16string module, const std::filesystem::path& folder, bool keep)
         : module_(std::move(module)), machine_(folder, keep) {}
 
     platform::Registry& registry() override;

@@ -1,4 +1,5 @@
-// The simulated host's transmission control: one connection to a display, and the work on its units.
+// The simulated host's two controls: the transmission control, which has one connection to a display and works on its
+// units, and the finder of LAN device servers.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +9,7 @@
 #include <string>
 
 #include "simulator/class_library.h"
-#include "simulator/event_point.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
@@ -23,15 +24,15 @@ public:
     static std::span<const Member<TransmissionControl>> members() noexcept;
 
 private:
-    com::Variant open_connection(const Arguments& arguments);
+    com::Variant open_connection(const CallArguments& arguments);
     com::Variant close_connection();
     com::Variant cancel_transmission();
     com::Variant put_sign_id(std::int16_t id);
     com::Variant get_sign_info();
     com::Variant reset_and_clear();
     com::Variant prepare_for_firmware();
-    com::Variant download_firmware(const Arguments& arguments);
-    com::Variant download_firmware_with_loader(const Arguments& arguments);
+    com::Variant download_firmware(const CallArguments& arguments);
+    com::Variant download_firmware_with_loader(const CallArguments& arguments);
 
     /// Work on the connection or a unit; answers its success.
     using Work = std::function<bool(const ScriptedCall& scripted)>;
@@ -66,5 +67,31 @@ private:
     /// The operation in progress was cancelled or lost its connection.
     bool interrupted_ = false;
 };
+
+/// Reports the device servers in front of the displays at the addresses that it searches.
+class BoxFinder final : public EventfulControl<BoxFinder> {
+public:
+    static constexpr const IID& kSourceInterface = kBoxFinderEvents;
+
+    explicit BoxFinder(Host& host) : EventfulControl(host.lifetime), host_(host) {}
+
+    static std::span<const Member<BoxFinder>> members() noexcept;
+    void on_call(const Member<BoxFinder>& member, const CallArguments& arguments);
+
+private:
+    /// Searches the hosts `first` to `last` of the network that `address` lies in. An address without a "."
+    /// has no host number: it stands for itself, as host 0.
+    void find_boxes(const std::u16string& address, double first, double last);
+    void report(const std::u16string& address);
+
+    Host& host_;
+};
+
+/// Whether the transmission control can speak during the operation, which is one of its own.
+bool speaks(Operation operation) noexcept;
+/// Whether the operation answers its success, and so can fail without an error.
+bool answers_success(Operation operation) noexcept;
+/// The operation of that name. Raises `std::invalid_argument` naming all.
+Operation parse_operation(std::u16string_view name);
 
 }  // namespace vex::sim
