@@ -39,48 +39,6 @@ TEST(Displays, SurviveTheirFile) {
     EXPECT_EQ(read.find(u""), 1U);
 }
 
-/// What is wrong with a text as the host's file.
-template <class File>
-std::string damage_of(const std::string& text) {
-    try {
-        File::parse("F", text);
-    } catch (const TextError& error) {
-        return error.what();
-    }
-    return "nothing";
-}
-
-TEST(HostFiles, NameTheDamagedLine) {
-    const std::string header = "# Brivola displays, version 1\n";
-    const std::pair<std::string, const char*> displays[] = {
-        {"", "F:1: expected the line # Brivola"},
-        {"display A\n", "F:1: expected the line # Brivola"},
-        {header + "\n# note\ndisplay\n", "F:4: expected display NAME"},
-        {header + "sign A\n", "F:2: expected display NAME"},
-        {header + "display A\ndisplay B color=red\n", "F:3: color=red is no KEY=VALUE"},
-        {header + "display A port\n", "F:2: port is no KEY=VALUE"},
-        {header + "display A connection=two\n", "F:2: connection=two needs a number"},
-        {header + "display A\ndisplay A\n", "F:3: display A stands here twice"},
-        {header + "display \"A\n", "F:2: a quote is not closed"},
-        {header + std::string("display A\0B", 11), "F:2: a control character"},
-        {header + "display A port=\xFF\xFE x\n", "F:2: byte 16 of the line is no UTF-8"},
-    };
-    for (const auto& [text, message] : displays) EXPECT_THAT(damage_of<Displays>(text), StartsWith(message)) << text;
-
-    const std::string units_header = "# Brivola units, version 1\n";
-    const std::pair<std::string, const char*> units[] = {
-        {"holds A 1 empty\n", "F:1: expected the line # Brivola"},
-        {units_header + "holds A one empty\n", "F:2: \"one\" is no display ID"},
-        {units_header + "holds A 1 full\n", "F:2: \"full\" is nothing that a unit holds"},
-        {units_header + "holds A 1 a.SHX many 0\n", "F:2: expected a size"},
-        {units_header + "holds A 1 a.SHX 1 XYZ\n", "F:2: expected a checksum"},
-        {units_header + "slaves A 1 3\n", "F:2: \"3\" is no grid"},
-        {units_header + "slaves A 1 1x2x3\n", "F:2: \"1x2x3\" is no grid"},
-        {units_header + "\nbox A\n", "F:3: expected slaves NAME"},
-    };
-    for (const auto& [text, message] : units) EXPECT_THAT(damage_of<Units>(text), StartsWith(message)) << text;
-}
-
 TEST(Displays, ShareALineByWhatTheirConnectionUses) {
     Display cable;
     Display network = cable;

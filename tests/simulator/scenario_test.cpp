@@ -19,73 +19,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-/// The first complaint about a scenario; empty: none.
-std::string complaint(const std::string& text, const std::filesystem::path& folder = {}) {
-    try {
-        parse_scenario("a.scn", text, folder);
-    } catch (const TextError& error) {
-        return error.what();
-    }
-    return {};
-}
-
-TEST(Scenario, RefusesWhatIsNoStatement) {
-    const struct {
-        const char* text;
-        const char* message;
-    } cases[] = {
-        {"# fine\n\ndisplay A\nclik cmdNext\n", "a.scn:4: \"clik\" is no statement"},
-        {"display", "a.scn:1: expected display NAME"},
-        {"units now", "a.scn:1: expected units"},
-        {"display A porch=COM1", "a.scn:1: porch=COM1 is no KEY=VALUE"},
-        {"display A connection=x", "a.scn:1: connection=x needs a number"},
-        {"displays 0 Gate", "a.scn:1: \"0\" is no number from 1"},
-        {"unit A 1 slaves=2", "a.scn:1: \"2\" is no grid"},
-        {"unit A one slaves=1x1", "a.scn:1: \"one\" is no display ID"},
-        {"unit A 1 grid=1x1", "a.scn:1: \"grid=1x1\" is neither slaves=YxX nor absent"},
-        {"registry HKXX\\a b sz c", "a.scn:1: \"HKXX\\a\" is no ROOT\\KEY"},
-        {"registry HKLM b sz c", "a.scn:1: \"HKLM\" is no ROOT\\KEY"},
-        {"file C:\\a secret", "a.scn:1: \"secret\" is neither hidden nor folder"},
-        {"fault A 1 Reset fail", "a.scn:1: \"Reset\" is none of OpenConnection"},
-        {"fault A 1 ResetAndClear break", "a.scn:1: \"break\" is none of fail, raise, replace"},
-        {"fault A 1 ResetAndClear fail at=0", "a.scn:1: \"0\" is no number from 1"},
-        {"fault A 1 ResetAndClear fail once", "a.scn:1: \"once\" is not at=N"},
-        {"fault A 1 SignID fail", "a.scn:1: \"fail\" is nothing that SignID does"},
-        {"fault A * FindBoxes fail", "a.scn:1: \"fail\" is nothing that FindBoxes does"},
-        {"fault A 1 ResetAndClear replace", "a.scn:1: \"replace\" is nothing that ResetAndClear does"},
-        {"say A * FindBoxes x", "a.scn:1: \"FindBoxes\" is no member of the transmission control"},
-        {"loader C:\\a both", "a.scn:1: \"both\" is neither line nor server"},
-        {"display A\n# \xC3\xA4 \xE4 \n", "a.scn:2: byte 6 of the line is no UTF-8"},
-        {"say A 1 ResetAndClear", "a.scn:1: expected say NAME"},
-        {"say A 1 ResetAndClear x cmdCancel y", "a.scn:1: \"y\" is not at=N"},
-        {"during A 1 ResetAndClear x clik cmdCancel", "a.scn:1: \"clik\" is no statement"},
-        {"during A 1 ResetAndClear x during A 1 ResetAndClear y close", "a.scn:1: \"during\" is no statement for"},
-        {"answer phone yes", "a.scn:1: \"phone\" is none of picker, openfile, msgbox"},
-        {"answer msgbox maybe", "a.scn:1: \"maybe\" is none of yes, no, ok"},
-        {"start window", "a.scn:1: \"window\" is not frame"},
-        {"press picNavTree 1 2.5x", "a.scn:1: \"2.5x\" is no number of twips"},
-        {"press picNavTree 1 2 middle", "a.scn:1: \"middle\" is neither left nor right"},
-        {"retry 0", "a.scn:1: \"0\" is no number from 1"},
-        {"show cmdNext", "a.scn:1: \"cmdNext\" is no CONTROL.PROPERTY"},
-        {"show .Caption", "a.scn:1: \".Caption\" is no CONTROL.PROPERTY"},
-        {"expect cmdNext.Enabled", "a.scn:1: expected expect CONTROL.PROPERTY"},
-        {"say \"A 1 ResetAndClear x", "a.scn:1: a quote is not closed"},
-        {"include", "a.scn:1: expected include FILE"},
-    };
-    for (const auto& bad : cases) EXPECT_THAT(complaint(bad.text), StartsWith(bad.message)) << bad.text;
-}
-
-TEST(Scenario, NamesThePlaceInAnIncludedFile) {
-    const test::TemporaryFolder folder;
-    const std::string file = folder.write("b.scn", "display A\n").string();
-    EXPECT_EQ(complaint("include b.scn", folder.path()), "");
-    EXPECT_EQ(complaint("\ninclude c.scn", folder.path()), "a.scn:2: " + (folder / "c.scn").string() + ": does not exist");
-    folder.write("b.scn", "display A\nunits 1");
-    EXPECT_THAT(complaint("\ninclude b.scn", folder.path()), StartsWith(file + ":2: expected units"));
-    folder.write("b.scn", "include b.scn");
-    EXPECT_EQ(complaint("include b.scn", folder.path()), file + ":1: files include each other too deeply");
-}
-
 TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
     const Scenario scenario = parse_scenario("a",
                                              "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
@@ -111,15 +44,6 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
     EXPECT_TRUE(command_line({"run", "--help"}).help);
 }
 
-TEST(CommandLine, RefusesTheRest) {
-    const std::vector<std::string> lines[] = {
-        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--data", ""}, {"run", "a.scn", "--loud"}, {"run", "run", "a"},
-        {""}};
-    for (const std::vector<std::string>& words : lines) {
-        EXPECT_THROW(command_line(words), std::invalid_argument);
-    }
-}
-
 // ---- Words
 
 TEST(SplitWords, QuotesAndComments) {
@@ -131,14 +55,6 @@ TEST(SplitWords, QuotesAndComments) {
     EXPECT_THAT(split_words(u"\"say \"\"no\"\"\" \"\" \"\"\"\""), ElementsAre(u"say \"no\"", u"", u"\""));
     // Quotes may begin in the middle of a word, as values do.
     EXPECT_THAT(split_words(u"type=\"a b\" phone=\"\" x\"y\"z"), ElementsAre(u"type=a b", u"phone=", u"xyz"));
-}
-
-TEST(SplitWords, RefusesWhatCouldNotBeWrittenBack) {
-    EXPECT_THROW(split_words(u"a \x1B[2J"), std::invalid_argument);
-    EXPECT_THROW(split_words(u"\"a\rb\""), std::invalid_argument);
-    EXPECT_THROW(split_words(std::u16string_view(u"a\0b", 3)), std::invalid_argument);
-    EXPECT_THROW(split_words(u"a \"b"), std::invalid_argument);
-    EXPECT_THROW(split_words(u"\"a\"\""), std::invalid_argument);
 }
 
 TEST(AsWord, IsReadBack) {
@@ -181,19 +97,6 @@ TEST(LinkScript, MatchesDisplayUnitMemberAndCount) {
                                                 {{u"", -5, Operation::PrepareForFirmware}, FaultKind::raise},
                                                 {{u"A", 1, Operation::PrepareForFirmware}, FaultKind::raise}};
     for (const auto& [call, fault] : calls) EXPECT_EQ(script.next(call).fault, fault);
-}
-
-TEST(LinkScript, KeepsTheOrderOfMessagesAndTheFirstFault) {
-    LinkScript script;
-    script.add_message({u"A", 1, Operation::ResetAndClear}, {u"one", {}, false});
-    script.add_message({{}, {}, Operation::ResetAndClear}, {u"two", {}, false});
-    script.add_fault({u"A", 1, Operation::ResetAndClear}, FaultKind::raise);
-    script.add_fault({u"A", 1, Operation::ResetAndClear, 1}, FaultKind::fail);
-    const ScriptedCall call = script.next(kReset);
-    ASSERT_EQ(call.messages.size(), 2U);
-    EXPECT_EQ(call.messages[0].text, u"one");
-    EXPECT_EQ(call.messages[1].text, u"two");
-    EXPECT_EQ(call.fault, FaultKind::raise);
 }
 
 }  // namespace
