@@ -1,7 +1,7 @@
 // The name of the company under whose label the host is sold.
 #include "about/cls_dynamic_labeling.h"
 
-#include "support/product.h"
+#include "core/product.h"
 
 namespace vex {
 
@@ -15,7 +15,8 @@ const std::u16string& clsDynamicLabeling::CompanyName() {
     registry.set_hKey(platform::kHkeyLocalMachine);
     registry.set_KeyRoot(u"Software");
     registry.set_Subkey(u"BrivolaLite");
-    company_name_ = registry.GetRegistryValue(u"Private Label Company", product::kCompanyName).to_text();
+    const std::u16string maker = product::kCompanyName;
+    company_name_ = registry.GetRegistryValue(u"Private Label Company", maker).text_or(maker);
     return company_name_;
 }
 

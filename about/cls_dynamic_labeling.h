@@ -14,8 +14,8 @@ public:
     clsDynamicLabeling(platform::Registry& registry, const platform::CodePage& code_page) noexcept
         : registry_(registry), code_page_(code_page) {}
 
-    /// The private label's company, or the maker's name where the host has no private label. Read afresh at
-    /// every call. Raises kTypeMismatch for a label that is no text.
+    /// The private label's company, or the maker's name where the host has no private label or one that is no
+    /// text. Read afresh at every call.
     const std::u16string& CompanyName();
 
 private:

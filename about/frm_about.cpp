@@ -7,18 +7,17 @@
 #include <string_view>
 #include <system_error>
 
+#include "core/digits.h"
+#include "core/product.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "support/open_registry_key.h"
-#include "support/product.h"
 
 namespace vex {
 namespace {
 
 constexpr forms::FormDesign kDesign{.name = "frmAbout", .caption = u"About", .width = 5700, .height = 3525};
 constexpr char16_t kDescriptionDesignText[] = u"";
-
-std::u16string decimal_text(int number) { return from_utf8(std::to_string(number)); }
 
 std::string_view without_final_null(std::string_view data) {
     if (!data.empty() && data.back() == '\0') data.remove_suffix(1);
@@ -29,12 +28,8 @@ std::string_view without_final_null(std::string_view data) {
 /// 0x10 that has higher ones above it gives too few digits; kept, as what is shown depends on it.
 std::u16string digits_of_bytes(std::string_view data) {
     std::u16string digits;
-    for (auto byte = data.rbegin(); byte != data.rend(); ++byte) {
-        char text[2];
-        const auto [end, error] =
-            std::to_chars(std::begin(text), std::end(text), static_cast<unsigned char>(*byte), 16);
-        digits += to_upper(std::u16string(std::begin(text), end));
-    }
+    for (auto byte = data.rbegin(); byte != data.rend(); ++byte)
+        digits += digits_of(static_cast<unsigned char>(*byte), 16);
     return digits;
 }
 
@@ -46,7 +41,7 @@ std::u16string decimal_of_hexadecimal(const std::u16string& digits) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
     if (error == std::errc::result_out_of_range) throw RuntimeError(kOverflow);
     if (error != std::errc() || end != text.data() + text.size()) throw RuntimeError(kTypeMismatch);
-    return from_utf8(std::to_string(static_cast<std::int32_t>(number)));
+    return decimal_text(static_cast<std::int32_t>(number));
 }
 
 }  // namespace

@@ -6,7 +6,8 @@
 function(vex_build_tool name)
   if(NOT CMAKE_CROSSCOMPILING)
     add_executable(${name} ${ARGN})
-    target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/com/native")
+    target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/com/native"
+                               "${CMAKE_BINARY_DIR}/generated")
     set(${name}_command $<TARGET_FILE:${name}> PARENT_SCOPE)
     set(${name}_depends ${name} PARENT_SCOPE)
     return()
@@ -16,7 +17,7 @@ function(vex_build_tool name)
   set(program "${CMAKE_CURRENT_BINARY_DIR}/${name}")
   add_custom_command(OUTPUT "${program}"
     COMMAND "${VEX_BUILD_CXX}" -std=c++20 -O1 -I "${CMAKE_SOURCE_DIR}" -I "${CMAKE_SOURCE_DIR}/com/native"
-            -MD -MF "${program}.d" ${sources} -o "${program}"
+            -I "${CMAKE_BINARY_DIR}/generated" -MD -MF "${program}.d" ${sources} -o "${program}"
     DEPENDS ${sources}
     DEPFILE "${program}.d"
     COMMENT "Building ${name} for this machine" VERBATIM)

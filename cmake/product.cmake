@@ -1,9 +1,8 @@
-# What the product calls itself, in one place: the version resource, the About box and the registration all
-# take it from here. The version is the project's own.
+# What the product calls itself, in one place: the version resource, the dialogs, the registration and the type
+# library all take it from here. The version, and the name of the library file, are the project's own.
 
 set(VEX_PROJECT_NAME "vexFirmWarePlugin")
 set(VEX_PROJECT_DESCRIPTION "vexFirmwarePlugin")
-set(VEX_FILE_NAME "vexFirmwarePlugin")
 set(VEX_COMPANY_NAME "Norvan")
 set(VEX_TRADEMARKS "28")
 
@@ -14,6 +13,6 @@ else()
   set(VEX_VERSION_TEXT "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 endif()
 
-configure_file("${CMAKE_SOURCE_DIR}/cmake/product.h.in" "${CMAKE_BINARY_DIR}/generated/support/product.h" @ONLY)
+configure_file("${CMAKE_SOURCE_DIR}/cmake/product.h.in" "${CMAKE_BINARY_DIR}/generated/core/product.h" @ONLY)
 add_library(vex_product INTERFACE)
 target_include_directories(vex_product INTERFACE "${CMAKE_BINARY_DIR}/generated")

@@ -1,12 +1,54 @@
-// An owning reference to a COM object.
+// An owning reference to a COM object, and the identities of interfaces for asking by type.
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
-#include "com/interface_id.h"
+#include "com/com.h"
 
 namespace vex::com {
+
+/// Specialised for every interface in use: `id()` is its identity, `Base` the interface it derives from.
+template <class Interface>
+struct InterfaceTraits;
+
+template <>
+struct InterfaceTraits<IUnknown> {
+    using Base = void;
+    static const IID& id() noexcept { return IID_IUnknown; }
+};
+
+/// Declares, at namespace vex::com, that `Interface` has the identity `Iid` and derives from `Parent`.
+#define VEX_INTERFACE(Interface, Parent, Iid)           \
+    template <>                                         \
+    struct InterfaceTraits<Interface> {                 \
+        using Base = Parent;                            \
+        static const IID& id() noexcept { return Iid; } \
+    }
+
+VEX_INTERFACE(IClassFactory, IUnknown, IID_IClassFactory);
+VEX_INTERFACE(IDispatch, IUnknown, IID_IDispatch);
+VEX_INTERFACE(IErrorInfo, IUnknown, IID_IErrorInfo);
+VEX_INTERFACE(ICreateErrorInfo, IUnknown, IID_ICreateErrorInfo);
+VEX_INTERFACE(ISupportErrorInfo, IUnknown, IID_ISupportErrorInfo);
+VEX_INTERFACE(IConnectionPointContainer, IUnknown, IID_IConnectionPointContainer);
+VEX_INTERFACE(IConnectionPoint, IUnknown, IID_IConnectionPoint);
+VEX_INTERFACE(IProvideClassInfo, IUnknown, IID_IProvideClassInfo);
+VEX_INTERFACE(IProvideClassInfo2, IProvideClassInfo, IID_IProvideClassInfo2);
+VEX_INTERFACE(IPicture, IUnknown, IID_IPicture);
+VEX_INTERFACE(IPictureDisp, IDispatch, IID_IPictureDisp);
+
+/// Whether `iid` names `Interface` or one that it derives from.
+template <class Interface>
+bool interface_matches(REFIID iid) noexcept {
+    if constexpr (std::is_void_v<Interface>) {
+        return false;
+    } else {
+        return IsEqualGUID(iid, InterfaceTraits<Interface>::id()) ||
+               interface_matches<typename InterfaceTraits<Interface>::Base>(iid);
+    }
+}
 
 /// Owns one reference to an object, or nothing. Copying adds a reference, the destructor releases it.
 template <class Interface>
@@ -55,8 +97,7 @@ public:
     template <class Other>
     ComPtr<Other> query() const noexcept {
         ComPtr<Other> result;
-        if (object_ == nullptr ||
-            FAILED(object_->QueryInterface(InterfaceTraits<Other>::id(), result.put_void()))) {
+        if (object_ == nullptr || FAILED(object_->QueryInterface(InterfaceTraits<Other>::id(), result.put_void()))) {
             return {};
         }
         return result;

@@ -1,5 +1,5 @@
-// What every COM object of ours shares: the reference count, QueryInterface by a list of interfaces, and
-// the module's count of living objects.
+// What COM objects of ours share: the reference count, QueryInterface by a list of interfaces, the module's count
+// of living objects, and what IDispatch answers where there is no type information.
 #pragma once
 
 #include <atomic>
@@ -14,7 +14,12 @@ public:
     void add_object() noexcept { ++objects_; }
     void remove_object() noexcept { --objects_; }
     void add_lock() noexcept { ++locks_; }
-    void remove_lock() noexcept { --locks_; }
+    /// Does nothing where no lock is left: clients are not trusted to count theirs.
+    void remove_lock() noexcept {
+        long locks = locks_;
+        while (locks > 0 && !locks_.compare_exchange_weak(locks, locks - 1)) {
+        }
+    }
     /// True while no object is alive and no factory is locked.
     bool can_unload() const noexcept { return objects_ == 0 && locks_ == 0; }
     long objects() const noexcept { return objects_; }
@@ -64,6 +69,29 @@ private:
     std::atomic<ULONG> references_{1};
     ModuleLifetime& module_;
 };
+
+/// Stands for `Dispatch`, IDispatch or an interface that adds no methods to it, in an object without type
+/// information. Where a derived class says nothing else, its members have ids and no names.
+template <class Dispatch>
+class Untyped : public Dispatch {
+public:
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
+        if (count == nullptr) return E_POINTER;
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) noexcept override {
+        if (info != nullptr) *info = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* /*names*/, UINT /*count*/, LCID /*locale*/,
+                                            DISPID* /*ids*/) noexcept override {
+        return DISP_E_UNKNOWNNAME;
+    }
+};
+
+template <class Dispatch>
+struct InterfaceTraits<Untyped<Dispatch>> : InterfaceTraits<Dispatch> {};
 
 /// Makes an object and owns its first reference.
 template <class Derived, class... Arguments>

@@ -1,5 +1,5 @@
 // Dialog controls as plain data: place, texts, colours, state, and the events that their dialog handles.
-// No control knows a window; whoever shows the form is told of changes through the form.
+// Controls hold no window handle; changes reach the screen through the view of their form.
 #pragma once
 
 #include <cstddef>
@@ -89,7 +89,7 @@ public:
     std::optional<Color> back_color() const noexcept { return back_color_; }
     /// Position in the keyboard order; -1: takes no focus.
     int tab_index() const noexcept { return tab_index_; }
-    /// What a program without eyes calls the control, where its caption does not say.
+    /// The name for screen readers of a control whose caption does not say what it is.
     std::u16string_view accessible_name() const noexcept { return accessible_name_; }
 
     /// The caption; of a text box its text. "&" marks the mnemonic of buttons.
@@ -268,8 +268,8 @@ public:
     }
 
     void clear();
-    /// Adds a row at the end and answers its position. A non-empty key must be new (exact comparison):
-    /// raises 35602. `icon`: a key of the small-icon list or empty; raises 35601 when it is unknown.
+    /// Adds a row at the end and answers its position. An empty key is none; any other must be new (exact
+    /// comparison): raises 35602. `icon`: a key of the small-icon list or empty; raises 35601 when it is unknown.
     std::size_t add_row(std::u16string key, std::u16string text, std::u16string_view icon = {});
     void set_sub_item(std::size_t row, std::size_t index, std::u16string text);
     void set_tag(std::size_t row, std::u16string tag);

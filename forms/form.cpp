@@ -1,6 +1,8 @@
 // A dialog as data with events.
 #include "forms/form.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace vex::forms {
@@ -42,6 +44,43 @@ Control* Form::find(std::string_view name) const noexcept {
     return nullptr;
 }
 
+std::vector<Control*> Form::keyboard_order() const {
+    std::vector<Control*> order;
+    add_in_keyboard_order(nullptr, order);
+    return order;
+}
+
+void Form::add_in_keyboard_order(const Control* container, std::vector<Control*>& order) const {
+    std::vector<Control*> inside;
+    std::copy_if(controls_.begin(), controls_.end(), std::back_inserter(inside),
+                 [container](const Control* control) { return control->parent() == container; });
+    std::stable_sort(inside.begin(), inside.end(), [this](const Control* left, const Control* right) {
+        return std::pair(left->page(), keyboard_position(*left)) < std::pair(right->page(), keyboard_position(*right));
+    });
+    for (Control* control : inside) {
+        order.push_back(control);
+        add_in_keyboard_order(control, order);
+    }
+}
+
+int Form::keyboard_position(const Control& control) const noexcept {
+    if (control.tab_index() >= 0) return control.tab_index();
+    int position = std::numeric_limits<int>::max();
+    if (control.kind() == ControlKind::panel || control.kind() == ControlKind::tab_pages) {
+        // A container without a place of its own stands where its first control does.
+        for (const Control* other : controls_) {
+            if (other->parent() == &control) position = std::min(position, keyboard_position(*other));
+        }
+        return position;
+    }
+    // What takes no focus stands before the next control that does: a label before its field.
+    const auto here = std::find(controls_.begin(), controls_.end(), &control);
+    const auto next = std::find_if(here, controls_.end(), [&control](const Control* other) {
+        return other->parent() == control.parent() && other->page() == control.page() && other->tab_index() >= 0;
+    });
+    return next == controls_.end() ? position : (*next)->tab_index();
+}
+
 void Form::show_modal(Form* owner) {
     try {
         if (!loaded_) {
@@ -74,6 +113,12 @@ bool Form::unload_as(UnloadMode mode) {
     loaded_ = false;
     Form_Unload();
     return true;
+}
+
+bool Form::may_unload(UnloadMode mode) noexcept {
+    bool cancel = false;
+    guarded([this, &cancel, mode] { Form_QueryUnload(cancel, mode); });
+    return !cancel;
 }
 
 void Form::Form_QueryUnload(bool& /*cancel*/, UnloadMode /*mode*/) {}

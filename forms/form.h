@@ -1,4 +1,4 @@
-// A dialog as data with events: its frame, its controls by table, its life from load to unload.
+// A dialog as data with events: its frame, its controls by table, from load to unload.
 #pragma once
 
 #include <exception>
@@ -73,6 +73,9 @@ public:
     /// In table order: later ones lie above earlier ones.
     const std::vector<Control*>& controls() const noexcept { return controls_; }
     Control* find(std::string_view name) const noexcept;
+    /// All controls in the order of the keyboard: what lies in a container where the container stands, a label before
+    /// what comes next in the table. Of two with one tab index the earlier in the table comes first.
+    std::vector<Control*> keyboard_order() const;
     bool loaded() const noexcept { return loaded_; }
     /// Whether the modal display goes on.
     bool running() const noexcept { return shown_ && fault_ == nullptr; }
@@ -84,6 +87,8 @@ public:
     void hide() noexcept { shown_ = false; }
     /// Unloads by program; false when the dialog refused. Nothing happens when it is not loaded.
     bool unload();
+    /// Whether the form agrees to be unloaded for that reason. Only asks: nothing is unloaded.
+    bool may_unload(UnloadMode mode) noexcept;
 
     // For the toolkit: what the user did. Errors of the handlers are kept, see above.
 
@@ -119,6 +124,8 @@ private:
     friend class Control;
     friend class OptionButton;
 
+    void add_in_keyboard_order(const Control* container, std::vector<Control*>& order) const;
+    int keyboard_position(const Control& control) const noexcept;
     void guarded(const std::function<void()>& handler) noexcept;
     bool unload_as(UnloadMode mode);
     void changed(Control& control, Change change);

@@ -2,78 +2,17 @@
 #include "host/dispatch_object.h"
 
 #include <algorithm>
-#include <iterator>
 
+#include "com/late_call.h"
 #include "core/runtime_error.h"
 
 namespace vex::host {
 namespace {
 
-/// Result codes that have an automation error number of their own.
-struct NumberOfResult {
-    HRESULT result;
-    ErrorNumber number;
-};
-
-constexpr NumberOfResult kNumbers[] = {
-    {DISP_E_MEMBERNOTFOUND, kMemberNotSupported}, {DISP_E_UNKNOWNNAME, kMemberNotSupported},
-    {DISP_E_TYPEMISMATCH, kTypeMismatch},         {DISP_E_BADVARTYPE, kTypeMismatch},
-    {DISP_E_OVERFLOW, kOverflow},                 {DISP_E_BADPARAMCOUNT, kWrongArgumentCount},
-    {DISP_E_BADINDEX, kSubscriptOutOfRange},      {E_OUTOFMEMORY, kOutOfMemory},
-};
-
-/// Automation error numbers travel in result codes of this facility.
-constexpr std::uint32_t kControlFacility = 0x800A0000U;
-
-std::int32_t error_number(HRESULT result) {
-    const auto code = static_cast<std::uint32_t>(result);
-    if ((code & 0xFFFF0000U) == kControlFacility) return static_cast<std::int32_t>(code & 0xFFFFU);
-    for (const NumberOfResult& entry : kNumbers) {
-        if (entry.result == result) return entry.number;
-    }
-    return result;
-}
-
-[[noreturn]] void raise(HRESULT result, std::u16string description = {}) {
-    const std::int32_t number = error_number(result);
-    if (!description.empty()) throw RuntimeError(number, std::move(description));
-    if (number > 0) throw RuntimeError(static_cast<ErrorNumber>(number));
-    throw RuntimeError(number, u"Automation error");
-}
-
-/// The texts of an exception that an object raised; owned here.
-class Exception {
-public:
-    Exception() noexcept = default;
-    Exception(const Exception&) = delete;
-    Exception& operator=(const Exception&) = delete;
-    ~Exception() {
-        SysFreeString(info_.bstrSource);
-        SysFreeString(info_.bstrDescription);
-        SysFreeString(info_.bstrHelpFile);
-    }
-
-    EXCEPINFO* put() noexcept { return &info_; }
-
-    [[noreturn]] void raise_it() {
-        if (info_.pfnDeferredFillIn != nullptr) info_.pfnDeferredFillIn(&info_);
-        std::u16string description(com::view(info_.bstrDescription));
-        if (info_.wCode != 0) {
-            if (description.empty()) throw RuntimeError(static_cast<ErrorNumber>(info_.wCode));
-            throw RuntimeError(info_.wCode, std::move(description));
-        }
-        // cppcheck-suppress accessMoved ; the throw above it does not come back here
-        raise(FAILED(info_.scode) ? info_.scode : DISP_E_EXCEPTION, std::move(description));
-    }
-
-private:
-    EXCEPINFO info_ = {};
-};
-
 com::Variant converted(const com::Variant& value, VARTYPE type) {
     com::Variant result;
     const HRESULT outcome = VariantChangeType(result.put(), &value.get(), 0, type);
-    if (FAILED(outcome)) raise(outcome);
+    if (FAILED(outcome)) throw com::error_of(outcome);
     return result;
 }
 
@@ -150,26 +89,7 @@ DISPID DispatchObject::member_id(const char16_t* name) const {
 
 com::Variant DispatchObject::invoke(DISPID member, WORD flags, std::initializer_list<com::Variant> arguments) const {
     if (!object_) throw RuntimeError(kObjectVariableNotSet);
-    // Last argument first, as automation passes them. The values stay the initializer list's.
-    std::vector<VARIANT> values;
-    values.reserve(arguments.size());
-    std::transform(std::rbegin(arguments), std::rend(arguments), std::back_inserter(values),
-                   [](const com::Variant& argument) { return argument.get(); });
-    DISPID put = DISPID_PROPERTYPUT;
-    DISPPARAMS parameters = {values.data(), nullptr, static_cast<UINT>(values.size()), 0};
-    const bool puts = flags == DISPATCH_PROPERTYPUT;
-    if (puts) {
-        parameters.rgdispidNamedArgs = &put;
-        parameters.cNamedArgs = 1;
-    }
-    com::Variant result;
-    Exception exception;
-    UINT argument_error = 0;
-    const HRESULT outcome = object_->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                            puts ? nullptr : result.put(), exception.put(), &argument_error);
-    if (outcome == DISP_E_EXCEPTION) exception.raise_it();
-    if (FAILED(outcome)) raise(outcome);
-    return result;
+    return com::invoke(*object_, member, flags, arguments);
 }
 
 }  // namespace vex::host

@@ -30,7 +30,8 @@ constexpr DISPID kEventPosition = 9;
 
 DisplayTransmission::DisplayTransmission(com::ModuleLifetime& module, EventConnection::Handler on_status_message)
     : control_(create_object(u"vexDTCon4.vexDispTrans")),
-      status_(*control_.get(), u"StatusMessage", kEventPosition, module, std::move(on_status_message)) {}
+      status_(std::make_unique<EventConnection>(*control_.get(), u"StatusMessage", kEventPosition, module,
+                                                std::move(on_status_message))) {}
 
 bool DisplayTransmission::OpenConnection(HostConnection& connection) {
     IDispatch* object = connection.get();

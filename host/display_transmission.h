@@ -3,8 +3,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "host/class_library.h"
 #include "host/event_sink.h"
@@ -32,9 +33,12 @@ public:
     /// Makes the operation in progress return false.
     void CancelTransmission();
 
+    /// Gives away the connection to the status event, which lasts as long as the new owner keeps it.
+    std::unique_ptr<EventConnection> take_status_event() noexcept { return std::move(status_); }
+
 private:
     DispatchObject control_;
-    EventConnection status_;
+    std::unique_ptr<EventConnection> status_;
 };
 
 /// The host's finder of LAN device servers.

@@ -3,15 +3,15 @@
 
 #include <utility>
 
+#include "com/boundary.h"
 #include "core/runtime_error.h"
 #include "host/dispatch_object.h"
 #include "platform/event_source.h"
-#include "support/boundary.h"
 
 namespace vex::host {
 
 /// What the control calls. Answers to the source interface that it was connected through.
-class EventConnection::Sink final : public com::Object<Sink, IDispatch> {
+class EventConnection::Sink final : public com::Object<Sink, com::Untyped<IDispatch>> {
 public:
     Sink(com::ModuleLifetime& module, const IID& source, DISPID member, Handler handler)
         : Object(module), source_(source), member_(member), handler_(std::move(handler)) {}
@@ -22,19 +22,6 @@ public:
         return Object::QueryInterface(IsEqualGUID(iid, source_) ? IID_IDispatch : iid, object);
     }
 
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) noexcept override {
-        if (info != nullptr) *info = nullptr;
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* /*names*/, UINT /*count*/, LCID /*locale*/,
-                                            DISPID* /*ids*/) noexcept override {
-        return E_NOTIMPL;
-    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID /*reserved*/, LCID /*locale*/, WORD /*flags*/,
                                      DISPPARAMS* parameters, VARIANT* /*result*/, EXCEPINFO* exception,
                                      UINT* /*argument_error*/) noexcept override {

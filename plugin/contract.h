@@ -1,13 +1,14 @@
-// The contract that hosts rely on: identities, classes, interfaces and their members, as tables. They are
-// the only source of names, dispatch ids and types for GetIDsOfNames, Invoke, the registration and the type
-// library, whose writer runs on the build machine; hence the plain data.
+// The contract that hosts rely on: identities, classes, interfaces and their members, each with its call. These
+// tables are the only source of names, dispatch ids and types for late calls, the registration and the type library,
+// whose writer runs on the build machine; hence plain data that needs nothing to link with.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <string_view>
 
-#include "com/com.h"
+#include "com/com_ptr.h"
+#include "core/product.h"
 
 namespace vex::plugin {
 
@@ -38,14 +39,27 @@ struct Parameter {
     Passing passing;
 };
 
+/// The argument of a late call, in the field of its parameter's type.
+struct Argument {
+    SHORT int16 = 0;
+    /// Where the object stands.
+    IDispatch** object = nullptr;
+};
+
+/// Calls a member of `object`, which has the member's interface. The result goes into the field of `result` that
+/// fits its type.
+using MemberCall = HRESULT (*)(IDispatch& object, const Argument& argument, VARIANT& result);
+
 enum class MemberKind { property_get, method };
 
 struct Member {
     std::string_view name;
     DISPID id;
     MemberKind kind;
-    std::span<const Parameter> parameters;
+    /// Null for none; no member has more than one.
+    const Parameter* parameter;
     ValueType result;
+    MemberCall call;
 };
 
 /// A dual interface derived from IDispatch; its members stand in the order of the virtual table.
@@ -70,17 +84,71 @@ struct Library {
     std::span<const Class> classes;
 };
 
-// ---- The catalogue: what the library contributes --------------------------------------------------------
+// ---- Calls, made of the interfaces' methods
 
-inline constexpr Parameter kIndexParameter[] = {{"iIndex", ValueType::int16, Passing::by_value}};
+/// A method's parameter as late calls have it: the argument, or the place of the result.
+template <class Type>
+Type passed(const Argument& argument, VARIANT& result);
+
+template <>
+inline SHORT passed(const Argument& argument, VARIANT& /*result*/) {
+    return argument.int16;
+}
+template <>
+inline IDispatch** passed(const Argument& argument, VARIANT& /*result*/) {
+    return argument.object;
+}
+/// Of numbers and truth values, which are one type to C++ and share their place.
+template <>
+inline SHORT* passed(const Argument& /*argument*/, VARIANT& result) {
+    return &result.iVal;
+}
+template <>
+inline BSTR* passed(const Argument& /*argument*/, VARIANT& result) {
+    return &result.bstrVal;
+}
+template <>
+inline IPictureDisp** passed(const Argument& /*argument*/, VARIANT& result) {
+    return reinterpret_cast<IPictureDisp**>(&result.pdispVal);
+}
+
+template <class Target, class... Types>
+HRESULT call_method(HRESULT (STDMETHODCALLTYPE Target::*method)(Types...), IDispatch& object, const Argument& argument,
+                    VARIANT& result) {
+    return (static_cast<Target&>(object).*method)(passed<Types>(argument, result)...);
+}
+
+/// The call of a method.
+template <auto method>
+HRESULT call(IDispatch& object, const Argument& argument, VARIANT& result) {
+    return call_method(method, object, argument, result);
+}
+
+// ---- The catalogue: what the library contributes
+
+/// `_PluginData`. The order of the methods is the binary contract. Every result is nulled on failure; pictures and
+/// strings are the caller's.
+struct IPluginData : IDispatch {
+    virtual HRESULT STDMETHODCALLTYPE get_TotalPlugins(SHORT* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_PluginNames(SHORT iIndex, BSTR* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_PluginDescription(SHORT iIndex, BSTR* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_PluginPic(SHORT iIndex, IPictureDisp** result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE get_PluginDescriptiveName(SHORT iIndex, BSTR* result) = 0;
+};
+
+inline constexpr Parameter kIndex = {"iIndex", ValueType::int16, Passing::by_value};
 
 // The ids run downwards in member order; hosts that call by id depend on it.
 inline constexpr Member kPluginDataMembers[] = {
-    {"TotalPlugins", 0x68030004, MemberKind::property_get, {}, ValueType::int16},
-    {"PluginNames", 0x68030003, MemberKind::property_get, kIndexParameter, ValueType::text},
-    {"PluginDescription", 0x68030002, MemberKind::property_get, kIndexParameter, ValueType::text},
-    {"PluginPic", 0x68030001, MemberKind::property_get, kIndexParameter, ValueType::picture},
-    {"PluginDescriptiveName", 0x68030000, MemberKind::property_get, kIndexParameter, ValueType::text},
+    {"TotalPlugins", 0x68030004, MemberKind::property_get, nullptr, ValueType::int16,
+     call<&IPluginData::get_TotalPlugins>},
+    {"PluginNames", 0x68030003, MemberKind::property_get, &kIndex, ValueType::text,
+     call<&IPluginData::get_PluginNames>},
+    {"PluginDescription", 0x68030002, MemberKind::property_get, &kIndex, ValueType::text,
+     call<&IPluginData::get_PluginDescription>},
+    {"PluginPic", 0x68030001, MemberKind::property_get, &kIndex, ValueType::picture, call<&IPluginData::get_PluginPic>},
+    {"PluginDescriptiveName", 0x68030000, MemberKind::property_get, &kIndex, ValueType::text,
+     call<&IPluginData::get_PluginDescriptiveName>},
 };
 
 inline constexpr Interface kPluginDataInterface = {
@@ -89,22 +157,42 @@ inline constexpr Interface kPluginDataInterface = {
     kPluginDataMembers,
 };
 
-// ---- The entry class: what the host calls to start the feature ------------------------------------------
+// ---- The entry class: what the host calls to start the feature
 
-inline constexpr Parameter kActiveParameter[] = {{"bActive", ValueType::object, Passing::optional_by_reference}};
-inline constexpr Parameter kFrameParameter[] = {{"fMyFrm", ValueType::object, Passing::by_reference}};
-inline constexpr Parameter kObjectParameter[] = {{"vexObject", ValueType::object, Passing::by_reference}};
+/// `_vexFirmWareUtil`. The order of the methods is the binary contract.
+struct IvexFirmWareUtil : IDispatch {
+    virtual HRESULT STDMETHODCALLTYPE StartPlugin(IDispatch** bActive) = 0;
+    virtual HRESULT STDMETHODCALLTYPE DoesFrameEdit(VARIANT_BOOL* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE StartFrameFeature(IDispatch** fMyFrm) = 0;
+    virtual HRESULT STDMETHODCALLTYPE DoesPreTransmit(VARIANT_BOOL* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE StartPreTransmit(IDispatch** vexObject) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetMyName(BSTR* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetMyDescription(BSTR* result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetMyPicture(IPictureDisp** result) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetMyDescriptiveName(BSTR* result) = 0;
+};
+
+inline constexpr Parameter kActive = {"bActive", ValueType::object, Passing::optional_by_reference};
+inline constexpr Parameter kFrame = {"fMyFrm", ValueType::object, Passing::by_reference};
+inline constexpr Parameter kObject = {"vexObject", ValueType::object, Passing::by_reference};
 
 inline constexpr Member kFirmWareUtilMembers[] = {
-    {"StartPlugin", 0x60030000, MemberKind::method, kActiveParameter, ValueType::nothing},
-    {"DoesFrameEdit", 0x60030001, MemberKind::method, {}, ValueType::boolean},
-    {"StartFrameFeature", 0x60030002, MemberKind::method, kFrameParameter, ValueType::nothing},
-    {"DoesPreTransmit", 0x60030003, MemberKind::method, {}, ValueType::boolean},
-    {"StartPreTransmit", 0x60030004, MemberKind::method, kObjectParameter, ValueType::nothing},
-    {"GetMyName", 0x60030005, MemberKind::method, {}, ValueType::text},
-    {"GetMyDescription", 0x60030006, MemberKind::method, {}, ValueType::text},
-    {"GetMyPicture", 0x60030007, MemberKind::method, {}, ValueType::picture},
-    {"GetMyDescriptiveName", 0x60030008, MemberKind::method, {}, ValueType::text},
+    {"StartPlugin", 0x60030000, MemberKind::method, &kActive, ValueType::nothing, call<&IvexFirmWareUtil::StartPlugin>},
+    {"DoesFrameEdit", 0x60030001, MemberKind::method, nullptr, ValueType::boolean,
+     call<&IvexFirmWareUtil::DoesFrameEdit>},
+    {"StartFrameFeature", 0x60030002, MemberKind::method, &kFrame, ValueType::nothing,
+     call<&IvexFirmWareUtil::StartFrameFeature>},
+    {"DoesPreTransmit", 0x60030003, MemberKind::method, nullptr, ValueType::boolean,
+     call<&IvexFirmWareUtil::DoesPreTransmit>},
+    {"StartPreTransmit", 0x60030004, MemberKind::method, &kObject, ValueType::nothing,
+     call<&IvexFirmWareUtil::StartPreTransmit>},
+    {"GetMyName", 0x60030005, MemberKind::method, nullptr, ValueType::text, call<&IvexFirmWareUtil::GetMyName>},
+    {"GetMyDescription", 0x60030006, MemberKind::method, nullptr, ValueType::text,
+     call<&IvexFirmWareUtil::GetMyDescription>},
+    {"GetMyPicture", 0x60030007, MemberKind::method, nullptr, ValueType::picture,
+     call<&IvexFirmWareUtil::GetMyPicture>},
+    {"GetMyDescriptiveName", 0x60030008, MemberKind::method, nullptr, ValueType::text,
+     call<&IvexFirmWareUtil::GetMyDescriptiveName>},
 };
 
 inline constexpr Interface kFirmWareUtilInterface = {
@@ -113,7 +201,7 @@ inline constexpr Interface kFirmWareUtilInterface = {
     kFirmWareUtilMembers,
 };
 
-// ---- The library ----------------------------------------------------------------------------------------
+// ---- The library
 
 inline constexpr Class kClasses[] = {
     {"PluginData",
@@ -127,7 +215,18 @@ inline constexpr const Class& kPluginDataClass = kClasses[0];
 inline constexpr const Class& kFirmWareUtilClass = kClasses[1];
 
 inline constexpr Library kLibrary = {
-    "vexFirmWarePlugin", {0x2D044802, 0x8D89, 0x4ECD, {0x8C, 0x1F, 0xF3, 0x52, 0x91, 0x43, 0xED, 0xDE}}, 1, 0, kClasses,
+    product::kProjectName,
+    {0x2D044802, 0x8D89, 0x4ECD, {0x8C, 0x1F, 0xF3, 0x52, 0x91, 0x43, 0xED, 0xDE}},
+    1,
+    0,
+    kClasses,
 };
 
 }  // namespace vex::plugin
+
+namespace vex::com {
+
+VEX_INTERFACE(plugin::IPluginData, IDispatch, plugin::kPluginDataInterface.id);
+VEX_INTERFACE(plugin::IvexFirmWareUtil, IDispatch, plugin::kFirmWareUtilInterface.id);
+
+}  // namespace vex::com

@@ -1,10 +1,9 @@
 // Late-bound calls, driven by the contract's tables.
 #include "plugin/dispatch.h"
 
-#include <optional>
-#include <string>
+#include <algorithm>
 
-#include "core/unicode.h"
+#include "com/variant.h"
 
 namespace vex::plugin {
 namespace {
@@ -18,14 +17,6 @@ bool same_name(std::string_view name, const OLECHAR* text) noexcept {
         ++text;
     }
     return *text == 0;
-}
-
-/// The position of the parameter of that name, or nothing.
-std::optional<std::size_t> find_parameter(const Member& member, const OLECHAR* name) noexcept {
-    for (std::size_t i = 0; i < member.parameters.size(); ++i) {
-        if (same_name(member.parameters[i].name, name)) return i;
-    }
-    return std::nullopt;
 }
 
 /// The value itself where an argument is a reference to a whole value, as a caller passes its own variables on.
@@ -44,8 +35,58 @@ bool refers_to_nothing(const VARIANT& argument) noexcept {
     return (argument.vt & VT_BYREF) != 0 && argument.byref == nullptr;
 }
 
-HRESULT fault_at(UINT index, HRESULT result, UINT* error_index) noexcept {
-    if (error_index != nullptr) *error_index = index;
+/// The automation type of a value in a VARIANT.
+VARTYPE variant_type(ValueType type) noexcept {
+    switch (type) {
+        case ValueType::int16: return VT_I2;
+        case ValueType::text: return VT_BSTR;
+        case ValueType::boolean: return VT_BOOL;
+        case ValueType::object:
+        case ValueType::picture: return VT_DISPATCH;
+        case ValueType::nothing: break;
+    }
+    return VT_EMPTY;
+}
+
+/// Takes an argument in the type of its parameter. `converted` holds what the caller's own value would not do for.
+HRESULT convert(const Parameter& parameter, VARIANT& given, com::Variant& converted, Argument& argument) {
+    VARIANT& source = behind_reference(given);
+    if (refers_to_nothing(given) || refers_to_nothing(source)) return DISP_E_TYPEMISMATCH;
+    if (parameter.type == ValueType::object) {
+        // A reference of the right type goes through, so that the member sees the caller's own variable.
+        if (&source != &given && source.vt == VT_DISPATCH) argument.object = &source.pdispVal;
+        if (source.vt == (VT_BYREF | VT_DISPATCH)) argument.object = source.ppdispVal;
+        if (argument.object != nullptr) return S_OK;
+    }
+    const HRESULT result = VariantChangeType(&converted.get(), &given, 0, variant_type(parameter.type));
+    if (FAILED(result)) return result == DISP_E_OVERFLOW ? result : DISP_E_TYPEMISMATCH;
+    argument = {converted.get().iVal, &converted.get().pdispVal};
+    return S_OK;
+}
+
+/// Finds the argument of `member` among a call's, where it may be named or missing, and converts it. Answers the
+/// standard results; a faulty argument's place is always 0, as there is but one.
+HRESULT take(const Member& member, const DISPPARAMS& parameters, com::Variant& converted, Argument& argument,
+             UINT* argument_error) {
+    const UINT given = parameters.cArgs;
+    const UINT named = parameters.cNamedArgs;
+    if (named > given || (given > 0 && parameters.rgvarg == nullptr)) return E_INVALIDARG;
+    if (named > 0 && parameters.rgdispidNamedArgs == nullptr) return E_INVALIDARG;
+    if (member.parameter == nullptr && named > 0) return DISP_E_NONAMEDARGS;
+    const bool is_optional = member.parameter == nullptr || member.parameter->passing == Passing::optional_by_reference;
+    if (given > (member.parameter == nullptr ? 0U : 1U) || (given == 0 && !is_optional)) return DISP_E_BADPARAMCOUNT;
+
+    HRESULT result = S_OK;
+    if (named > 0 && parameters.rgdispidNamedArgs[0] != 0) {
+        result = DISP_E_PARAMNOTFOUND;
+    } else if (given > 0 && !is_missing(parameters.rgvarg[0])) {
+        result = convert(*member.parameter, parameters.rgvarg[0], converted, argument);
+    } else if (is_optional) {
+        argument.object = &converted.get().pdispVal;
+    } else {
+        result = DISP_E_PARAMNOTOPTIONAL;
+    }
+    if (FAILED(result) && argument_error != nullptr) *argument_error = 0;
     return result;
 }
 
@@ -63,9 +104,8 @@ HRESULT find_ids(const Interface& description, REFIID reserved, LPOLESTR* names,
         HRESULT result = S_OK;
         ids[0] = member.id;
         for (UINT i = 1; i < count; ++i) {
-            const auto position = find_parameter(member, names[i]);
-            if (position) {
-                ids[i] = static_cast<DISPID>(*position);
+            if (member.parameter != nullptr && same_name(member.parameter->name, names[i])) {
+                ids[i] = 0;
             } else {
                 result = DISP_E_UNKNOWNNAME;
             }
@@ -75,74 +115,29 @@ HRESULT find_ids(const Interface& description, REFIID reserved, LPOLESTR* names,
     return DISP_E_UNKNOWNNAME;
 }
 
-int find_member(const Interface& description, DISPID id, WORD flags) noexcept {
-    for (std::size_t i = 0; i < description.members.size(); ++i) {
-        const Member& member = description.members[i];
-        const WORD kind = member.kind == MemberKind::method ? DISPATCH_METHOD : DISPATCH_PROPERTYGET;
-        if (member.id == id) return (flags & kind) != 0 ? static_cast<int>(i) : -1;
-    }
-    return -1;
-}
-
-VARTYPE variant_type(ValueType type) noexcept {
-    switch (type) {
-        case ValueType::int16: return VT_I2;
-        case ValueType::text: return VT_BSTR;
-        case ValueType::boolean: return VT_BOOL;
-        case ValueType::object:
-        case ValueType::picture: return VT_DISPATCH;
-        case ValueType::nothing: break;
-    }
-    return VT_EMPTY;
-}
-
-HRESULT Arguments::take(const Member& member, const DISPPARAMS& parameters, UINT* error_index) {
-    const std::size_t expected = member.parameters.size();
-    if (parameters.cNamedArgs > parameters.cArgs) return E_INVALIDARG;
-    if (expected == 0 && parameters.cNamedArgs != 0) return DISP_E_NONAMEDARGS;
-    if (parameters.cArgs > expected) return DISP_E_BADPARAMCOUNT;
-
-    // Where each parameter's argument stands: named ones come first, the others behind them in reverse order.
-    std::vector<std::optional<UINT>> places(expected);
-    const UINT positional = parameters.cArgs - parameters.cNamedArgs;
-    for (UINT i = 0; i < positional; ++i) places[i] = parameters.cArgs - 1 - i;
-    for (UINT i = 0; i < parameters.cNamedArgs; ++i) {
-        const auto position = static_cast<std::uint32_t>(parameters.rgdispidNamedArgs[i]);
-        if (position >= expected || places[position]) return fault_at(i, DISP_E_PARAMNOTFOUND, error_index);
-        places[position] = i;
-    }
-
-    values_ = std::vector<Value>(expected);
-    for (std::size_t i = 0; i < expected; ++i) {
-        const Parameter& parameter = member.parameters[i];
-        const bool given = places[i] && !is_missing(parameters.rgvarg[*places[i]]);
-        if (given) {
-            const HRESULT result = convert(parameter, parameters.rgvarg[*places[i]], values_[i]);
-            if (FAILED(result)) return fault_at(*places[i], result, error_index);
-        } else if (parameter.passing == Passing::optional_by_reference) {
-            values_[i].object = &values_[i].value.get().pdispVal;
-        } else if (places[i]) {
-            return fault_at(*places[i], DISP_E_PARAMNOTOPTIONAL, error_index);
-        } else {
-            return parameters.cNamedArgs == 0 ? DISP_E_BADPARAMCOUNT : DISP_E_PARAMNOTOPTIONAL;
-        }
-    }
-    return S_OK;
-}
-
-HRESULT Arguments::convert(const Parameter& parameter, VARIANT& argument, Value& place) {
-    VARIANT& source = behind_reference(argument);
-    if (refers_to_nothing(argument) || refers_to_nothing(source)) return DISP_E_TYPEMISMATCH;
-    if (parameter.type == ValueType::object) {
-        // A reference of the right type goes through, so that the member sees the caller's own variable.
-        if (&source != &argument && source.vt == VT_DISPATCH) place.object = &source.pdispVal;
-        if (source.vt == (VT_BYREF | VT_DISPATCH)) place.object = source.ppdispVal;
-        if (place.object != nullptr) return S_OK;
-    }
-    const HRESULT result = VariantChangeType(&place.value.get(), &argument, 0, variant_type(parameter.type));
-    if (FAILED(result)) return result == DISP_E_OVERFLOW ? result : DISP_E_TYPEMISMATCH;
-    if (parameter.type == ValueType::object) place.object = &place.value.get().pdispVal;
-    return S_OK;
+HRESULT invoke(const Interface& description, IDispatch& object, DISPID member, REFIID reserved, WORD flags,
+               const DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept {
+    if (result != nullptr) VariantInit(result);
+    if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+    if (parameters == nullptr) return E_INVALIDARG;
+    return guarded_invoke(exception, [&] {
+        const auto called = std::ranges::find(description.members, member, &Member::id);
+        if (called == description.members.end()) return DISP_E_MEMBERNOTFOUND;
+        const WORD kind = called->kind == MemberKind::method ? DISPATCH_METHOD : DISPATCH_PROPERTYGET;
+        if ((flags & kind) == 0) return DISP_E_MEMBERNOTFOUND;
+        com::Variant converted;
+        Argument argument;
+        HRESULT outcome = take(*called, *parameters, converted, argument, argument_error);
+        if (FAILED(outcome)) return outcome;
+        // The caller may release the object while the member runs.
+        const com::ComPtr<IDispatch> alive(&object);
+        com::Variant value;
+        outcome = called->call(object, argument, value.get());
+        if (FAILED(outcome)) return exception_from_error_info(outcome, exception);
+        value.get().vt = variant_type(called->result);
+        if (result != nullptr) *result = value.detach();
+        return outcome;
+    });
 }
 
 }  // namespace vex::plugin

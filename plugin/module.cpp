@@ -1,7 +1,7 @@
 // The plug-in's module.
 #include "plugin/module.h"
 
-#include "plugin/composition.h"
+#include <memory>
 
 namespace vex::plugin {
 namespace {
@@ -34,7 +34,7 @@ ModuleData& module_data() {
 
 const Services& services() {
     ModuleData& data = module_data();
-    if (!data.services) data.services.emplace(make_services(module_lifetime()));
+    if (!data.services) data.services.emplace(make_services());
     return *data.services;
 }
 

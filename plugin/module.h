@@ -1,8 +1,9 @@
-// The plug-in's module: what keeps it loaded, and the data that every apartment has of its own.
+// The plug-in's module: what keeps it loaded, what it takes from its side of the platform, and the data that every
+// apartment has of its own.
 #pragma once
 
 #include <array>
-#include <memory>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,26 @@ namespace vex::plugin {
 
 /// Counts the objects and locks that keep the library loaded. Process-wide.
 com::ModuleLifetime& module_lifetime() noexcept;
+
+// ---- What each side of the platform answers in a source of its own; the build picks.
+
+/// The full path of the plug-in's own library file.
+std::u16string module_path();
+
+/// What the registry calls the platform of the type library in this library file: win32 or win64.
+extern const char16_t* const kTypeLibraryPlatform;
+
+/// The icon of the first feature; further features would have the numbers that follow. No other icon of the
+/// library has a number, so that an index without a feature finds no picture.
+constexpr std::int16_t kFirstIcon = 101;
+
+/// The library's icon of that number. Raises an error when there is none.
+com::ComPtr<IPictureDisp> load_icon(std::int16_t id);
+
+/// The calling thread's services, made anew. Raises when the thread has no windowing system.
+Services make_services();
+
+// ---- Apartments
 
 /// The data of one apartment, used on its thread only.
 struct ModuleData {

@@ -2,12 +2,10 @@
 #include "plugin/plugin_data.h"
 
 #include <exception>
-#include <iterator>
 
+#include "com/bstr.h"
 #include "core/narrow.h"
 #include "core/runtime_error.h"
-#include "plugin/composition.h"
-#include "plugin/features.h"
 #include "plugin/module.h"
 
 namespace vex::plugin {
@@ -29,28 +27,9 @@ HRESULT give_element(const ModuleData::Table ModuleData::*table, SHORT index, BS
                           [&] { *result = com::allocate_bstr(element(module_data().*table, index)); });
 }
 
-constexpr MemberCall<IPluginData> kCalls[] = {
-    [](IPluginData& object, const Arguments&, VARIANT& result) { return object.get_TotalPlugins(&result.iVal); },
-    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
-        return object.get_PluginNames(arguments.int16(0), &result.bstrVal);
-    },
-    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
-        return object.get_PluginDescription(arguments.int16(0), &result.bstrVal);
-    },
-    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
-        return object.get_PluginPic(arguments.int16(0), reinterpret_cast<IPictureDisp**>(&result.pdispVal));
-    },
-    [](IPluginData& object, const Arguments& arguments, VARIANT& result) {
-        return object.get_PluginDescriptiveName(arguments.int16(0), &result.bstrVal);
-    },
-};
-static_assert(std::size(kCalls) == std::size(kPluginDataMembers));
-
 }  // namespace
 
 PluginData::PluginData() : AutomationObject(module_lifetime()) {}
-
-std::span<const MemberCall<IPluginData>> PluginData::calls() noexcept { return kCalls; }
 
 HRESULT PluginData::get_TotalPlugins(SHORT* result) noexcept {
     if (result == nullptr) return E_POINTER;
@@ -75,7 +54,7 @@ HRESULT PluginData::get_PluginPic(SHORT iIndex, IPictureDisp** result) noexcept 
     *result = nullptr;
     return guarded_method(kPluginDataInterface.id, [&] {
         try {
-            *result = pictures().load_icon(icon_of(iIndex)).detach();
+            *result = load_icon(icon_of(iIndex)).detach();
         } catch (const std::exception&) {
             // No picture, and no error: the contract of this property.
         }

@@ -2,16 +2,12 @@
 #pragma once
 
 #include "plugin/dispatch.h"
-#include "plugin/interfaces.h"
 
 namespace vex::plugin {
 
-class PluginData final : public AutomationObject<PluginData, IPluginData> {
+class PluginData final : public AutomationObject<PluginData, IPluginData, kPluginDataInterface> {
 public:
     PluginData();
-
-    static const Interface& description() noexcept { return kPluginDataInterface; }
-    static std::span<const MemberCall<IPluginData>> calls() noexcept;
 
     HRESULT STDMETHODCALLTYPE get_TotalPlugins(SHORT* result) noexcept override;
     // The three texts: an index other than 0 raises 9.

@@ -1,127 +1,96 @@
-// Writing and removing the registration.
+// The registration as a table, and its writing and removing.
 #include "plugin/registration.h"
 
-#include <algorithm>
-#include <array>
-#include <optional>
-#include <set>
-
 #include "core/unicode.h"
-#include "support/open_registry_key.h"
+#include "platform/class_keys.h"
+#include "plugin/contract.h"
+#include "core/product.h"
 
 namespace vex::plugin {
 namespace {
 
-using platform::kSuccess;
+/// The system's marshaller for automation interfaces, which works from the type library.
+constexpr GUID kAutomationMarshaller = {0x00020424, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-constexpr platform::RegistryKey kRoot = platform::registry_key(platform::kHkeyClassesRoot);
-
-std::string key_path(const RegistrationBranch& branch, const std::string& path) {
-    return path.empty() ? branch.key : branch.key + "\\" + path;
+std::u16string text_of(REFGUID guid) {
+    OLECHAR text[39];
+    StringFromGUID2(guid, text, 39);
+    return reinterpret_cast<const char16_t*>(text);
 }
 
-/// All keys of a branch, those further down first.
-std::vector<std::string> keys_of(const RegistrationBranch& branch) {
-    std::set<std::string> keys{branch.key};
-    for (const RegistrationValue& value : branch.values) {
-        for (std::string key = key_path(branch, value.path); key.size() > branch.key.size();
-             key.resize(key.find_last_of('\\'))) {
-            keys.insert(key);
-        }
-    }
-    // A key sorts before what stands below it.
-    return {keys.rbegin(), keys.rend()};
-}
-
-bool write_value(platform::Registry& registry, const std::string& path, const RegistrationValue& value) {
-    OpenRegistryKey key(registry);
-    if (registry.create_key(kRoot, path.c_str(), "", platform::kKeyWrite, {}, key.receive()) != kSuccess) return false;
-    return registry.set_value(key.get(), value.name.c_str(), platform::kRegSz,
-                              reinterpret_cast<const std::uint8_t*>(value.data.c_str()),
-                              static_cast<std::uint32_t>(value.data.size() + 1)) == kSuccess;
-}
-
-void delete_value(platform::Registry& registry, const std::string& path, const std::string& name) {
-    OpenRegistryKey key(registry);
-    if (key.open(kRoot, path, platform::kKeyWrite) == kSuccess) registry.delete_value(key.get(), name.c_str());
-}
-
-bool exists(platform::Registry& registry, const std::string& path) {
-    OpenRegistryKey key(registry);
-    return key.open(kRoot, path, platform::kKeyRead) == kSuccess;
-}
-
-/// Whether a key that exists holds neither values nor keys.
-bool is_empty(platform::Registry& registry, const std::string& path) {
-    OpenRegistryKey key(registry);
-    if (key.open(kRoot, path, platform::kKeyRead) != kSuccess) return false;
-    std::array<char, 260> name{};
-    auto length = static_cast<std::uint32_t>(name.size());
-    if (registry.enum_key(key.get(), 0, name.data(), length) != platform::kNoMoreItems) return false;
-    std::uint32_t type = 0;
-    std::uint32_t size = 0;
-    length = static_cast<std::uint32_t>(name.size());
-    return registry.enum_value(key.get(), 0, name.data(), length, type, nullptr, size) == platform::kNoMoreItems;
-}
-
-/// The text of a key's default value; nothing when there is no such value, and the empty text when it is no text
-/// or longer than an identity or a path.
-std::optional<std::string> default_text(platform::Registry& registry, const std::string& path) {
-    OpenRegistryKey key(registry);
-    if (key.open(kRoot, path, platform::kKeyRead) != kSuccess) return std::nullopt;
-    std::array<char, 1024> text{};
-    auto size = static_cast<std::uint32_t>(text.size() - 1);
-    std::uint32_t type = 0;
-    const auto result = registry.query_value(key.get(), "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
-    if (result == platform::kFileNotFound) return std::nullopt;
-    return result == kSuccess && type == platform::kRegSz ? std::string(text.data()) : std::string();
-}
-
-/// Whether someone else has made this branch theirs.
-bool is_foreign(platform::Registry& registry, const RegistrationBranch& branch) {
-    if (branch.owner_path.empty()) return false;
-    const auto owner = default_text(registry, key_path(branch, branch.owner_path));
-    return owner && !equal_ignoring_case(from_utf8(*owner), from_utf8(branch.owner));
+std::u16string parent_of(const std::u16string& path) {
+    const std::size_t end = path.find_last_of(u'\\');
+    return end == std::u16string::npos ? std::u16string() : path.substr(0, end);
 }
 
 }  // namespace
 
-std::vector<RegistrationBranch> Registration::branches() const {
-    return registration_branches(code_page_.to_ansi(module_path_), type_library_platform_);
-}
-
-bool Registration::belongs_to_another_copy() const {
-    const auto names_another = [this](const std::string& key) {
-        const std::u16string path = code_page_.from_ansi(default_text(registry_, key).value_or(std::string()));
-        return !equal_ignoring_case(path, module_path_) && files_.ordinary_file_exists(path);
+std::vector<RegistrationEntry> registration_entries(const std::u16string& module_path,
+                                                    const std::u16string& type_library_platform) {
+    const std::u16string library = text_of(kLibrary.id);
+    const std::u16string version =
+        from_utf8(std::to_string(kLibrary.major_version) + "." + std::to_string(kLibrary.minor_version));
+    std::vector<RegistrationEntry> entries;
+    std::u16string shared;
+    std::u16string own;
+    HRESULT failure = SELFREG_E_TYPELIB;
+    const auto branch = [&](const char16_t* shared_key, const std::u16string& own_key, HRESULT result) {
+        shared = shared_key;
+        own = shared.empty() ? own_key : shared + u"\\" + own_key;
+        failure = result;
     };
-    const std::vector<std::string> keys = server_keys();
-    return std::any_of(keys.begin(), keys.end(), names_another);
+    const auto entry = [&](const std::u16string& path, const char16_t* name, const std::u16string& text) {
+        entries.push_back({shared, path.empty() ? own : own + u"\\" + path, name, text, failure});
+    };
+
+    branch(u"TypeLib", library, SELFREG_E_TYPELIB);
+    entry(version, u"", from_utf8(product::kProjectDescription));
+    // Locale 0: neutral.
+    entry(version + u"\\0\\" + type_library_platform, u"", module_path);
+    entry(version + u"\\FLAGS", u"", u"0");
+    entry(version + u"\\HELPDIR", u"", parent_of(module_path));
+
+    for (const Class& type : kLibrary.classes) {
+        const std::u16string programmatic_id = from_utf8(kLibrary.name) + u"." + from_utf8(type.name);
+        branch(u"CLSID", text_of(type.id), SELFREG_E_CLASS);
+        entry(u"", u"", programmatic_id);
+        entry(u"InprocServer32", u"", module_path);
+        entry(u"InprocServer32", u"ThreadingModel", u"Apartment");
+        entry(u"ProgID", u"", programmatic_id);
+        entry(u"TypeLib", u"", library);
+        entry(u"VERSION", u"", version);
+
+        branch(u"", programmatic_id, SELFREG_E_CLASS);
+        entry(u"", u"", programmatic_id);
+        entry(u"CLSID", u"", text_of(type.id));
+
+        branch(u"Interface", text_of(type.default_interface.id), SELFREG_E_TYPELIB);
+        entry(u"", u"", from_utf8(type.default_interface.name));
+        entry(u"ProxyStubClsid32", u"", text_of(kAutomationMarshaller));
+        entry(u"TypeLib", u"", library);
+        entry(u"TypeLib", u"Version", version);
+    }
+    return entries;
 }
 
-HRESULT Registration::write() const {
-    for (const RegistrationBranch& branch : branches()) {
-        for (const RegistrationValue& value : branch.values) {
-            if (!write_value(registry_, key_path(branch, value.path), value)) return branch.failure;
-        }
+HRESULT write_registration(std::span<const RegistrationEntry> entries) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const RegistrationEntry& entry = entries[i];
+        if (platform::write_class_text(entry.key, entry.name, entry.text)) continue;
+        // The failed one too: its key may have been made.
+        remove_registration(entries.first(i + 1));
+        return entry.failure;
     }
     return S_OK;
 }
 
-HRESULT Registration::remove() const {
-    if (belongs_to_another_copy()) return SELFREG_E_CLASS;
+HRESULT remove_registration(std::span<const RegistrationEntry> entries) {
     HRESULT result = S_OK;
-    for (const RegistrationBranch& branch : branches()) {
-        if (!is_foreign(registry_, branch)) {
-            for (const RegistrationValue& value : branch.values) {
-                delete_value(registry_, key_path(branch, value.path), value.name);
-            }
-            for (const std::string& key : keys_of(branch)) {
-                if (is_empty(registry_, key)) registry_.delete_key(kRoot, key.c_str());
-            }
+    for (const RegistrationEntry& entry : entries) {
+        if (!platform::remove_class_text(entry.key, entry.name) && result == S_OK) result = entry.failure;
+        for (std::u16string key = entry.key; key != entry.shared_key; key = parent_of(key)) {
+            platform::remove_empty_class_key(key);
         }
-        // The first failure is told, as the caller can be given only one.
-        if (result == S_OK && exists(registry_, branch.key)) result = branch.failure;
     }
     return result;
 }

@@ -1,10 +1,7 @@
 // The entry class.
 #include "plugin/vex_firm_ware_util.h"
 
-#include <iterator>
-
-#include "plugin/composition.h"
-#include "plugin/features.h"
+#include "com/bstr.h"
 #include "plugin/module.h"
 #include "wizard/dlg_firmware_wizard.h"
 
@@ -24,28 +21,9 @@ HRESULT give_false(VARIANT_BOOL* result) noexcept {
     return S_OK;
 }
 
-using Target = IvexFirmWareUtil;
-
-constexpr MemberCall<Target> kCalls[] = {
-    [](Target& object, const Arguments& arguments, VARIANT&) { return object.StartPlugin(arguments.object(0)); },
-    [](Target& object, const Arguments&, VARIANT& result) { return object.DoesFrameEdit(&result.boolVal); },
-    [](Target& object, const Arguments& arguments, VARIANT&) { return object.StartFrameFeature(arguments.object(0)); },
-    [](Target& object, const Arguments&, VARIANT& result) { return object.DoesPreTransmit(&result.boolVal); },
-    [](Target& object, const Arguments& arguments, VARIANT&) { return object.StartPreTransmit(arguments.object(0)); },
-    [](Target& object, const Arguments&, VARIANT& result) { return object.GetMyName(&result.bstrVal); },
-    [](Target& object, const Arguments&, VARIANT& result) { return object.GetMyDescription(&result.bstrVal); },
-    [](Target& object, const Arguments&, VARIANT& result) {
-        return object.GetMyPicture(reinterpret_cast<IPictureDisp**>(&result.pdispVal));
-    },
-    [](Target& object, const Arguments&, VARIANT& result) { return object.GetMyDescriptiveName(&result.bstrVal); },
-};
-static_assert(std::size(kCalls) == std::size(kFirmWareUtilMembers));
-
 }  // namespace
 
 vexFirmWareUtil::vexFirmWareUtil() : AutomationObject(module_lifetime()) {}
-
-std::span<const MemberCall<IvexFirmWareUtil>> vexFirmWareUtil::calls() noexcept { return kCalls; }
 
 HRESULT vexFirmWareUtil::run_wizard() noexcept {
     // The host may release the object while the wizard is open; the library must stay all the same.
@@ -79,7 +57,7 @@ HRESULT vexFirmWareUtil::GetMyDescriptiveName(BSTR* result) noexcept {
 HRESULT vexFirmWareUtil::GetMyPicture(IPictureDisp** result) noexcept {
     if (result == nullptr) return E_POINTER;
     *result = nullptr;
-    return guarded_method(kFirmWareUtilInterface.id, [result] { *result = pictures().load_icon(kFirstIcon).detach(); });
+    return guarded_method(kFirmWareUtilInterface.id, [result] { *result = load_icon(kFirstIcon).detach(); });
 }
 
 }  // namespace vex::plugin

@@ -2,17 +2,13 @@
 #pragma once
 
 #include "plugin/dispatch.h"
-#include "plugin/interfaces.h"
 
 namespace vex::plugin {
 
 /// The object parameters are accepted and left alone; null is fine for each.
-class vexFirmWareUtil final : public AutomationObject<vexFirmWareUtil, IvexFirmWareUtil> {
+class vexFirmWareUtil final : public AutomationObject<vexFirmWareUtil, IvexFirmWareUtil, kFirmWareUtilInterface> {
 public:
     vexFirmWareUtil();
-
-    static const Interface& description() noexcept { return kFirmWareUtilInterface; }
-    static std::span<const MemberCall<IvexFirmWareUtil>> calls() noexcept;
 
     /// Opens a new wizard and returns when it closes. Raises what was raised in there.
     HRESULT STDMETHODCALLTYPE StartPlugin(IDispatch** bActive) noexcept override;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "com/late_call.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/words.h"
@@ -28,25 +29,6 @@ std::u16string name_of_type(VARTYPE type) {
 std::u16string shown_number(double number) {
     if (std::abs(number) < 1e9 && number == std::floor(number)) return decimal_text(static_cast<std::int32_t>(number));
     return from_utf8(std::to_string(number));
-}
-
-/// Error numbers travel in result codes of this facility.
-constexpr std::uint32_t kNumberFacility = 0x800AU;
-
-std::int32_t number_of(HRESULT result) noexcept {
-    const auto code = static_cast<std::uint32_t>(result);
-    return code >> 16U == kNumberFacility ? static_cast<std::int32_t>(code & 0xFFFFU)
-                                          : static_cast<std::int32_t>(result);
-}
-
-/// The exception that an object filled in; its strings are ours.
-RuntimeError to_error(EXCEPINFO& exception) {
-    if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
-    com::Bstr source, description, help_file;
-    *source.put() = exception.bstrSource;
-    *description.put() = exception.bstrDescription;
-    *help_file.put() = exception.bstrHelpFile;
-    return {exception.wCode != 0 ? exception.wCode : number_of(exception.scode), description.str()};
 }
 
 }  // namespace
@@ -159,28 +141,14 @@ com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {
     return object;
 }
 
-com::Variant call_late(IDispatch& object, const std::u16string& name, const std::vector<com::Variant>& arguments,
+com::Variant call_late(IDispatch& object, const std::u16string& name, std::initializer_list<com::Variant> arguments,
                        WORD flags) {
     DISPID member = DISPID_UNKNOWN;
     auto* text = const_cast<OLECHAR*>(com::ole_text(name));
     if (FAILED(object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member))) {
         throw RuntimeError(kMemberNotSupported, name + u" is not offered");
     }
-    // Last argument first. The values stay the caller's.
-    std::vector<VARIANT> values;
-    for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument) {
-        values.push_back(argument->get());
-    }
-    DISPID put = DISPID_PROPERTYPUT;
-    const bool puts = flags == DISPATCH_PROPERTYPUT;
-    DISPPARAMS parameters = {values.data(), puts ? &put : nullptr, static_cast<UINT>(values.size()), puts ? 1U : 0U};
-    com::Variant result;
-    EXCEPINFO exception = {};
-    const HRESULT outcome = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result.put(),
-                                          &exception, nullptr);
-    if (outcome == DISP_E_EXCEPTION) throw to_error(exception);
-    if (FAILED(outcome)) throw RuntimeError(number_of(outcome), name + u" failed");
-    return result;
+    return com::invoke(object, member, flags, arguments);
 }
 
 }  // namespace vex::sim

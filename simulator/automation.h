@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "com/boundary.h"
 #include "com/object.h"
 #include "com/variant.h"
-#include "support/boundary.h"
 
 namespace vex::sim {
 
@@ -78,19 +78,8 @@ void set_error_source(EXCEPINFO* exception) noexcept;
 /// derives from IDispatch and adds no methods. `Derived::on_call`, where there is one, is told of each call first
 /// and may raise an error in place of it.
 template <class Derived, class First, class... More>
-class AutomationObject : public com::Object<Derived, First, More...> {
+class AutomationObject : public com::Object<Derived, com::Untyped<First>, More...> {
 public:
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
-
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) noexcept override {
-        if (info != nullptr) *info = nullptr;
-        return E_NOTIMPL;
-    }
-
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                             DISPID* ids) noexcept override {
         if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
@@ -126,7 +115,7 @@ public:
     }
 
 protected:
-    using com::Object<Derived, First, More...>::Object;
+    using com::Object<Derived, com::Untyped<First>, More...>::Object;
 };
 
 /// The connection point of a control's one source interface. May outlive its control.
@@ -206,7 +195,8 @@ com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id);
 
 /// Calls a method or reads a property; `flags` say where it is something else. Raises `RuntimeError` with the number
 /// and the text that the object answers, or the result code of a call that did not come about.
-com::Variant call_late(IDispatch& object, const std::u16string& name, const std::vector<com::Variant>& arguments = {},
+com::Variant call_late(IDispatch& object, const std::u16string& name,
+                       std::initializer_list<com::Variant> arguments = {},
                        WORD flags = DISPATCH_METHOD | DISPATCH_PROPERTYGET);
 
 }  // namespace vex::sim

@@ -3,12 +3,12 @@
 
 #include <string>
 
+#include "com/class_factory.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/controls.h"
 #include "simulator/registry_editor.h"
 #include "simulator/screen.h"
-#include "support/boundary.h"
 
 namespace vex::sim {
 namespace {
@@ -43,32 +43,6 @@ constexpr HostClass kClasses[] = {
     {kHostSignInfoClass, u"vexBrivolaClasses4.HostSignInfo", &make<SignInfoObject>},
     {kTransmissionControlClass, u"vexDTCon4.vexDispTrans", &make<TransmissionControl>},
     {kBoxFinderClass, u"vexLantronixControls2.vexLANBoxFinder2", &make<BoxFinder>},
-};
-
-class Factory final : public com::Object<Factory, IClassFactory> {
-public:
-    Factory(Host& host, std::u16string_view name, Maker maker) noexcept
-        : Object(host.lifetime), host_(host), name_(name.substr(name.find(u'.') + 1)), make_(maker) {}
-
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        return guarded_method(IID_IClassFactory, [&] {
-            host_.begin({host_.display_asked_about, 0, Operation{name_}}, u"new " + std::u16string(name_));
-            return make_(host_)->QueryInterface(iid, object);
-        });
-    }
-
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
-        lock != FALSE ? module().add_lock() : module().remove_lock();
-        return S_OK;
-    }
-
-private:
-    Host& host_;
-    std::u16string_view name_;
-    Maker make_;
 };
 
 std::u16string text_of(REFCLSID clsid) {
@@ -244,13 +218,11 @@ HostClasses::HostClasses(Host& host) {
     RegistryEditor registry(host.machine.registry(), host.machine.code_page());
     for (const HostClass& entry : kClasses) {
         register_names(registry, entry);
-        const auto factory = com::make_object<Factory>(host, entry.programmatic_id, entry.make);
-        DWORD cookie = 0;
-        const HRESULT result =
-            CoRegisterClassObject(entry.clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
-        if (FAILED(result))
-            throw RuntimeError(result, u"the class " + std::u16string(entry.programmatic_id) + u" is refused");
-        cookies_.push_back(cookie);
+        cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
+            const std::u16string_view name = entry.programmatic_id.substr(entry.programmatic_id.find(u'.') + 1);
+            host.begin({host.display_asked_about, 0, Operation{name}}, u"new " + std::u16string(name));
+            return entry.make(host);
+        }));
     }
 }
 

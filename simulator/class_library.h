@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "com/com.h"
-#include "com/interface_id.h"
 #include "simulator/automation.h"
 #include "simulator/host.h"
 

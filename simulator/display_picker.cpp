@@ -26,10 +26,13 @@ bool matches(const Display& display, const std::u16string& wanted) {
 
 }  // namespace
 
-DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
+DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays, const std::u16string& chosen)
     : Form(shown_on, {.name = "DisplayPicker", .caption = u"Brivola - Choose Displays", .width = 7200, .height = 3705}),
       displays_(displays),
       images_{{kChecked, "MARKED"}, {kUnchecked, "UNMARKED"}} {
+    for (const std::u16string& name : split(chosen, u',')) {
+        if (const auto display = displays_.find(name)) checked_.insert(*display);
+    }
     list_.columns = {{u"Display", 2500}, {u"Type", 1900}, {u"Port", 800}, {u"Address", 1400}};
     list_.small_icons = &images_;
     lay_out({
@@ -44,10 +47,14 @@ DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
          .at = {200, 585, 6800, 2340},
          .tab_index = 1,
          .accessible_name = u"Displays"},
-        {.control = count_label_, .name = "count_label", .at = {200, 3120, 2600, 195}},
+        {.control = none_label_,
+         .name = "none_label",
+         .at = {400, 975, 6400, 195},
+         .text = u"No display has this in its name, type, port or address."},
+        {.control = count_label_, .name = "count_label", .at = {200, 3120, 2400, 195}},
         {.control = all_button_,
          .name = "all_button",
-         .at = {3000, 3060, 1300, 330},
+         .at = {2600, 3060, 2000, 330},
          .text = u"Check &All",
          .tab_index = 2},
         {.control = ok_button_, .name = "ok_button", .at = {4700, 3060, 1000, 330}, .text = u"OK", .tab_index = 3},
@@ -57,7 +64,6 @@ DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays)
          .text = u"Cancel",
          .tab_index = 4},
     });
-    ok_button_.is_default = true;
     cancel_button_.is_cancel = true;
     search_box_.on_change = [this] { show_matches(); };
     list_.on_click = [this] {
@@ -97,36 +103,50 @@ void DisplayPicker::show_matches() {
         list_.set_sub_item(row, 2, address_of(display));
     }
     if (!rows_.empty()) list_.select(0);
-    show_count();
+    none_label_.set_visible(rows_.empty());
+    show_checks();
 }
 
-void DisplayPicker::show_check(std::size_t row) {
-    list_.set_icon(row, checked_.contains(rows_.at(row)) ? kChecked : kUnchecked);
-}
-
-void DisplayPicker::show_count() {
-    count_label_.set_caption(decimal_text(static_cast<std::int32_t>(checked_.size())) + u" of " +
-                             decimal_text(static_cast<std::int32_t>(displays_.size())) + u" checked");
+void DisplayPicker::show_checks() {
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        const auto key = checked_.contains(rows_[row]) ? kChecked : kUnchecked;
+        if (list_.rows()[row].icon != images_.find(key)) list_.set_icon(row, key);
+    }
+    const auto number = [](std::size_t count) { return decimal_text(static_cast<std::int32_t>(count)); };
+    count_label_.set_caption(number(checked_.size()) + u" of " + number(displays_.size()) + u" checked");
+    all_button_.set_caption((all_checked() ? u"Uncheck &All " : u"Check &All ") + number(rows_.size()));
+    all_button_.set_enabled(!rows_.empty());
+    ok_button_.set_enabled(!checked_.empty());
+    // Enter checks what the search has found, and then takes what is checked.
+    all_button_.is_default = !search_box_.text().empty() && rows_.size() == 1 && !all_checked();
+    ok_button_.is_default = !all_button_.is_default && !rows_.empty();
 }
 
 void DisplayPicker::toggle(std::size_t row) {
     if (!checked_.insert(rows_.at(row)).second) checked_.erase(rows_.at(row));
-    show_check(row);
-    show_count();
+    show_checks();
+}
+
+bool DisplayPicker::all_checked() const {
+    return !rows_.empty() &&
+           std::all_of(rows_.begin(), rows_.end(), [this](std::size_t display) { return checked_.contains(display); });
 }
 
 void DisplayPicker::check_all() {
-    const bool all =
-        std::all_of(rows_.begin(), rows_.end(), [this](std::size_t display) { return checked_.contains(display); });
-    for (std::size_t row = 0; row < rows_.size(); ++row) {
-        if (all) {
-            checked_.erase(rows_[row]);
+    const bool uncheck = all_checked();
+    for (const std::size_t display : rows_) {
+        if (uncheck) {
+            checked_.erase(display);
         } else {
-            checked_.insert(rows_[row]);
+            checked_.insert(display);
         }
-        show_check(row);
     }
-    show_count();
+    if (rows_.size() > 1 || uncheck) return show_checks();
+    // Found and checked: the next one may be looked for.
+    const std::size_t display = rows_.front();
+    search_box_.set_text({});
+    show_matches();
+    list_.select(display);
 }
 
 }  // namespace vex::sim

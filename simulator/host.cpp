@@ -54,14 +54,21 @@ std::optional<std::size_t> Host::display_on_line(const std::u16string& line) con
     return asked && displays.at(*asked).line() == line ? asked : displays.first_on_line(line);
 }
 
-void print_units(const Host& host, std::ostream& out) {
-    std::vector<Line> lines{{u"Display", u"Unit", u"Holds"}};
+void print_changed_units(const Host& host, const Units& before, std::ostream& out) {
+    std::vector<Line> lines{{u"Display", u"Unit", u"Holds now"}};
+    int unchanged = 0;
     for (std::size_t i = 0; i < host.displays.size(); ++i) {
         const Display& display = host.displays.at(i);
         for (const std::int16_t id : host.units.ids(display)) {
-            lines.push_back({display.name, decimal_text(id), describe(host.units.content(display.name, id))});
+            const std::u16string content = describe(host.units.content(display.name, id));
+            if (content == describe(before.content(display.name, id))) {
+                ++unchanged;
+            } else {
+                lines.push_back({display.name, decimal_text(id), content});
+            }
         }
     }
+    if (lines.size() == 1) lines.clear();
     std::array<std::size_t, 2> widths{};
     for (const Line& line : lines) {
         for (std::size_t column = 0; column < widths.size(); ++column) {
@@ -73,6 +80,7 @@ void print_units(const Host& host, std::ostream& out) {
         out << to_utf8(line[0]) << blanks(0) << "  " << blanks(1) << to_utf8(line[1]) << "  " << to_utf8(line[2])
             << '\n';
     }
+    if (unchanged > 0) out << unchanged << (unchanged == 1 ? " unit has" : " units have") << " not changed\n";
 }
 
 }  // namespace vex::sim

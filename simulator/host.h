@@ -97,7 +97,8 @@ struct Host {
     std::optional<std::size_t> display_on_line(const std::u16string& line) const;
 };
 
-/// A line for each unit, in the host's order of the displays.
-void print_units(const Host& host, std::ostream& out);
+/// A line for each unit that does not hold what it held `before`, in the host's order of the displays; then how many
+/// still do.
+void print_changed_units(const Host& host, const Units& before, std::ostream& out);
 
 }  // namespace vex::sim

@@ -16,7 +16,6 @@ bool is_unit_work(Operation operation) noexcept {
 
 void RunProgress::begin_run(std::vector<std::u16string> displays) {
     chosen_ = std::move(displays);
-    working_ = false;
     display_number_ = 0;
 }
 
@@ -38,21 +37,20 @@ void RunProgress::follow(const LinkEvent& event) {
             break;
         case LinkEvent::Kind::ends:
             if (is_unit_work(operation) && event.succeeded) unit_share_ = 1;
-            // Without a connection nothing more comes for this display.
-            if (operation == Operation::OpenConnection && !event.succeeded) working_ = false;
             break;
     }
-    // Said before it happens: closing is all that is left to do.
-    if (event.kind == LinkEvent::Kind::begins && operation == Operation::CloseConnection) working_ = false;
 }
 
 void RunProgress::begin_display(const std::u16string& name) {
-    const auto found = std::find(chosen_.begin(), chosen_.end(), name);
+    auto found = std::find(chosen_.begin(), chosen_.end(), name);
+    if (found != chosen_.end() && found < chosen_.begin() + static_cast<std::ptrdiff_t>(display_number_)) {
+        // Done again, it is a run of its own.
+        chosen_ = {name};
+        found = chosen_.begin();
+    }
     // A display that nobody picked comes by itself, or nobody answers for it.
     display_number_ = found != chosen_.end() ? static_cast<std::size_t>(found - chosen_.begin()) + 1
                                              : std::min(display_number_ + 1, displays());
-    working_ = true;
-    display_ = name;
     unit_number_ = 0;
     unit_share_ = 0;
     const auto known = host_.displays.find(name);

@@ -19,9 +19,6 @@ public:
     void begin_run(std::vector<std::u16string> displays);
     void follow(const LinkEvent& event);
 
-    /// Whether a display is being worked on.
-    bool working() const noexcept { return working_; }
-    const std::u16string& display() const noexcept { return display_; }
     /// From 1, of `displays`.
     std::size_t display_number() const noexcept { return display_number_; }
     std::size_t displays() const noexcept;
@@ -38,8 +35,6 @@ private:
 
     const Host& host_;
     std::vector<std::u16string> chosen_;
-    bool working_ = false;
-    std::u16string display_;
     std::size_t display_number_ = 0;
     std::size_t unit_number_ = 0;
     std::size_t units_ = 1;

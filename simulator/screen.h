@@ -7,11 +7,28 @@
 #include <string>
 #include <vector>
 
-#include "forms/screen_user.h"
+#include "forms/toolkit.h"
 
 namespace vex::sim {
 
-using forms::ScreenUser;
+/// The user in front of a screen. Called on the thread that shows the forms, in the midst of their modal loops.
+/// Nothing may be thrown at the screen.
+class ScreenUser {
+public:
+    virtual ~ScreenUser() = default;
+
+    virtual void form_opened(const std::u16string& name) noexcept = 0;
+    virtual void form_closed(const std::u16string& name) noexcept = 0;
+    /// The topmost form waits for input: do the next thing. False: there is nothing left to do; the screen then
+    /// closes the form by its close box.
+    virtual bool act() noexcept = 0;
+    /// The messages that waited have been handled in the midst of some work of the topmost form.
+    virtual void messages_handled() noexcept = 0;
+    virtual forms::MessageAnswer answer(const forms::MessageBox& box) noexcept = 0;
+    /// Asked in place of the Open dialog. The path chosen, or nothing to cancel.
+    virtual std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept = 0;
+    virtual void beeped() noexcept = 0;
+};
 
 /// Where an action went. A user may well press a button that is disabled; it does nothing.
 enum class ActionResult { done, not_possible };
@@ -53,14 +70,14 @@ public:
     /// The topmost dialog is what its user looks at now.
     virtual void look() {}
 
-    ActionResult click(const std::u16string& control);
+    virtual ActionResult click(const std::u16string& control);
     /// x and y in twips of the control.
-    ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y);
+    virtual ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y);
     /// The text of a text box; "on" or "off" of an option button or a check box. Raises
     /// `std::invalid_argument` for other controls and values.
-    ActionResult set(const std::u16string& control, const std::u16string& value);
+    virtual ActionResult set(const std::u16string& control, const std::u16string& value);
     /// Right press on a row (from 1), then the item of the menu that pops up, by its caption.
-    ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item);
+    virtual ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item);
     /// The close box of the topmost dialog, which may refuse.
     virtual void close() = 0;
     /// The topmost dialog is brought to the front again.

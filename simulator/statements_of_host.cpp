@@ -4,13 +4,17 @@
 #include <limits>
 #include <utility>
 
+#include "core/narrow.h"
 #include "core/unicode.h"
+#include "platform/native/registry_text.h"
 #include "simulator/controls.h"
 #include "simulator/firmware_image.h"
 #include "simulator/statements.h"
 
 namespace vex::sim {
 namespace {
+
+namespace native = platform::native;
 
 constexpr char16_t kAny[] = u"*";
 
@@ -156,6 +160,66 @@ Action read_registry(const Words& words) {
     };
 }
 
+/// The path of an exported key where a 32-bit program finds it: 64-bit Windows keeps such keys in a branch of their
+/// own.
+std::u16string path_of_32_bits(std::u16string_view path) {
+    std::u16string_view rest = path;
+    const std::u16string_view first = native::take_name(rest);
+    const std::u16string_view second = native::take_name(rest);
+    const bool own_branch = equal_ignoring_case(first, u"Software") && equal_ignoring_case(second, u"WOW6432Node");
+    return own_branch ? std::u16string(first) + u'\\' + std::u16string(rest) : std::u16string(path);
+}
+
+/// Raises `std::runtime_error`.
+void import_section(Machine& machine, const native::RegistrySection& section) {
+    std::u16string_view path = section.path;
+    const std::u16string_view root = native::take_name(path);
+    const bool of_machine = equal_ignoring_case(root, u"HKEY_LOCAL_MACHINE");
+    if (section.deleted || (!of_machine && !equal_ignoring_case(root, u"HKEY_CURRENT_USER"))) {
+        throw std::runtime_error(
+            "only keys of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER are imported, and none deleted");
+    }
+    platform::Registry& registry = machine.registry();
+    const auto narrow = [&](std::u16string_view text) { return machine.code_page().to_ansi(text); };
+    platform::RegistryKey key = 0;
+    std::int32_t result =
+        registry.create_key(platform::registry_key(of_machine ? kHkeyLocalMachine : platform::kHkeyCurrentUser),
+                            narrow(path_of_32_bits(path)).c_str(), "", platform::kKeyWrite, {}, key);
+    for (const auto& [value, deleted] : section.entries) {
+        if (result != platform::kSuccess) break;
+        const std::string name = narrow(value.name);
+        if (deleted) {
+            registry.delete_value(key, name.c_str());
+            continue;
+        }
+        const std::string data = native::is_string(value.type) ? narrow(native::text_of(value.data))
+                                                               : std::string(value.data.begin(), value.data.end());
+        result = registry.set_value(key, name.c_str(), value.type, reinterpret_cast<const std::uint8_t*>(data.data()),
+                                    narrowed<std::uint32_t>(data.size()));
+    }
+    registry.close_key(key);
+    if (result != platform::kSuccess) {
+        throw std::runtime_error("the registry refuses this key (result " + std::to_string(result) + ")");
+    }
+}
+
+Action read_import(const Words& words) {
+    return [name = words[1]](ScenarioPlayer& player) {
+        const std::string bytes = read_file(player.source_file(name));
+        std::size_t line = 0;
+        try {
+            for (const auto& section : native::read_registry(bytes)) {
+                line = section.line;
+                import_section(player.host().machine, section);
+            }
+        } catch (const native::RegistryDamage& damage) {
+            throw TextError(to_utf8(name), damage.line(), damage.what());
+        } catch (const std::runtime_error& error) {
+            throw TextError(to_utf8(name), line, error.what());
+        }
+    };
+}
+
 Action read_file_statement(const Words& words) {
     const std::u16string kind = words.size() > 2 ? words[2] : u"";
     if (!kind.empty() && kind != u"hidden" && kind != u"folder") refuse("neither hidden nor folder", kind);
@@ -206,6 +270,7 @@ constexpr StatementType kStatements[] = {
     {u"box", "box NAME TEXT", 3, 3, &read_box},
     {u"setting", "setting APPLICATION SECTION KEY VALUE", 5, 5, &read_setting},
     {u"registry", "registry ROOT\\KEY NAME TYPE VALUE", 5, 5, &read_registry},
+    {u"import", "import FILE", 2, 2, &read_import},
     {u"file", "file PATH [hidden|folder]", 2, 3, &read_file_statement},
     {u"copy", "copy SOURCE PATH", 3, 3, &read_copy},
     {u"lines", "lines PATH LINE...", 3, kAnyNumber, &read_lines},

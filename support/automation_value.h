@@ -1,9 +1,8 @@
-// The values that registry operations take and yield, and the rules that turn texts into numbers.
+// The values that registry operations take and yield.
 #pragma once
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -30,7 +29,9 @@ public:
 
     /// Empty becomes the empty text, a number its decimal digits. Bytes are no text.
     std::u16string to_text() const;
-    /// Empty becomes 0; a text must be a decimal number and is rounded, a half to the even neighbour.
+    /// The same, but for bytes `otherwise`.
+    std::u16string text_or(const std::u16string& otherwise) const;
+    /// Empty becomes 0; a text as `vex::to_int32` reads it.
     std::int32_t to_int32() const;
     /// The bytes; anything else is a type mismatch.
     const Bytes& bytes() const;
@@ -40,14 +41,5 @@ public:
 private:
     std::variant<std::monostate, std::u16string, std::int32_t, Bytes> value_;
 };
-
-/// A text that must be a whole number within 16 bits. Blanks around it, a sign, a fraction that is zero and
-/// an exponent are fine. Raises kTypeMismatch for a text that is no number or not whole, kOverflow beyond
-/// the range.
-std::int16_t to_int16(std::u16string_view text);
-
-/// The number that a text begins with: decimal digits with one decimal point from the very first character,
-/// up to the first other one. 0 when there is none.
-double leading_number(std::u16string_view text);
 
 }  // namespace vex

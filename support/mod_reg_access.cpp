@@ -16,7 +16,7 @@ std::u16string ReadHostSetting(const Services& services, const std::u16string& a
     RegistryRoutines registry(services.registry, services.code_page);
     registry.set_hKey(platform::kHkeyLocalMachine);
     registry.set_KeyRoot(kVendorPrefix + application + u'\\' + section);
-    return registry.GetRegistryValue(key, default_value).to_text();
+    return registry.GetRegistryValue(key, default_value).text_or(default_value);
 }
 
 void WriteHostSetting(const Services& services, const std::u16string& application, const std::u16string& section,
@@ -27,6 +27,12 @@ void WriteHostSetting(const Services& services, const std::u16string& applicatio
     registry.CreateKey(section);
     registry.set_KeyRoot(kVendorPrefix + application + u'\\' + section);
     registry.SetRegistryValue(key, value, platform::kRegSz);
+}
+
+std::u16string host_installation_folder(const Services& services) {
+    std::u16string folder = ReadHostSetting(services, u"Brivola3", u"Settings", u"AppPath", services.module_folder);
+    if (!folder.ends_with(u'\\')) folder += u'\\';
+    return folder;
 }
 
 }  // namespace vex

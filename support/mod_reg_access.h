@@ -8,8 +8,8 @@
 namespace vex {
 
 /// The setting `key` of a section of one of the host's applications, or `default_value` when it cannot be
-/// read. Settings live under HKEY_LOCAL_MACHINE only. A number comes back as its decimal text; a value that
-/// is no text raises what the registry access class raises.
+/// read or holds bytes. Settings live under HKEY_LOCAL_MACHINE only. A number comes back as its decimal text.
+/// Raises what the registry access class raises for data that it cannot convert at all, as binary data of no bytes.
 std::u16string ReadHostSetting(const Services& services, const std::u16string& application,
                                const std::u16string& section, const std::u16string& key,
                                const std::u16string& default_value);
@@ -18,5 +18,8 @@ std::u16string ReadHostSetting(const Services& services, const std::u16string& a
 /// answers the default again.
 void WriteHostSetting(const Services& services, const std::u16string& application, const std::u16string& section,
                       const std::u16string& key, const std::u16string& value);
+
+/// The host's installation folder, ending in a backslash: its setting, else the plug-in's own folder.
+std::u16string host_installation_folder(const Services& services);
 
 }  // namespace vex

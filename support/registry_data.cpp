@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/digits.h"
 #include "core/narrow.h"
 #include "core/runtime_error.h"
 
@@ -33,9 +34,7 @@ std::u16string multiple_string(const RegistryData& data, const RegistryTexts& te
 /// Two digits below ten ("07"), but single letters for ten to fifteen ("C"): the digits pass through a
 /// number format that leaves letters alone. Readers of the texts know them so; kept.
 std::u16string hexadecimal(std::uint8_t byte) {
-    constexpr char16_t kDigits[] = u"0123456789ABCDEF";
-    if (byte >= 10 && byte <= 15) return {kDigits[byte]};
-    return {kDigits[byte >> 4], kDigits[byte & 15]};
+    return digits_of(byte, 16, byte >= 10 && byte <= 15 ? 1 : 2);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "com/object.h"
+#include "core/product.h"
 #include "forms/toolkit.h"
 #include "platform/code_page.h"
 #include "platform/files.h"
@@ -11,9 +12,6 @@
 #include "platform/registry.h"
 
 namespace vex {
-
-/// The plug-in's title: of its message boxes and of the About box.
-inline constexpr char16_t kApplicationTitle[] = u"vexFirmWarePlugin";
 
 /// One per apartment; outlives every dialog and is used on the apartment's thread only.
 struct Services {

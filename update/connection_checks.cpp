@@ -1,7 +1,6 @@
 // What a display can take, and which units stand behind it.
 #include "core/narrow.h"
 #include "core/unicode.h"
-#include "support/automation_value.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "update/display_facts.h"

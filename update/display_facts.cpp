@@ -3,7 +3,7 @@
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "support/automation_value.h"
+#include "support/text.h"
 
 namespace vex {
 

@@ -2,7 +2,6 @@
 #include "update/dlg_handle_sign_option.h"
 
 #include "core/runtime_error.h"
-#include "support/automation_value.h"
 #include "support/text.h"
 
 namespace vex {
@@ -51,6 +50,9 @@ void dlgHandleSignOption::Form_Load() {
 void dlgHandleSignOption::Form_Activate() {
     if (started_ > 0) return;
     started_ = 10;
+    // Hiding the dialog closes the control, which may raise its event once more; that must not replace the last
+    // status of the work. So the event is disconnected at the end of this scope, also when an error ends it.
+    const auto status_event = transmission_->take_status_event();
     HandleSignOptionRoutine();
     hide();
 }

@@ -1,5 +1,5 @@
 // The work steps of a session: resetting and clearing, and the ways of loading firmware.
-#include "support/host_folder.h"
+#include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "update/dlg_handle_sign_option.h"
 

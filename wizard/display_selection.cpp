@@ -1,6 +1,5 @@
 // Step 3 of the wizard: which displays, and what the selection allows to do next.
 #include "core/runtime_error.h"
-#include "support/automation_value.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"
@@ -32,10 +31,10 @@ void dlgFirmwareWizard::ChooseDisplays() {
 
 void dlgFirmwareWizard::AddDisplayRow(const std::u16string& name, const host::HostDisplayList& displays) {
     const std::size_t row = lstvDisplays.add_row(name, name);
-    lstvDisplays.set_sub_item(row, 0, displays.DisplayTypeName());
-    lstvDisplays.set_sub_item(row, 1, displays.ComPort());
-    lstvDisplays.set_sub_item(row, 2, displays.ComBaud());
-    lstvDisplays.set_sub_item(row, 3, displays.PhoneNumber());
+    lstvDisplays.set_sub_item(row, kTypeColumn, displays.DisplayTypeName());
+    lstvDisplays.set_sub_item(row, kPortColumn, displays.ComPort());
+    lstvDisplays.set_sub_item(row, kBaudColumn, displays.ComBaud());
+    lstvDisplays.set_sub_item(row, kPhoneColumn, displays.PhoneNumber());
 }
 
 void dlgFirmwareWizard::UpdateStepButtons(std::int32_t step) {

@@ -1,6 +1,7 @@
 // The firmware update wizard: five steps that collect what to do, which displays and which firmware file.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -27,6 +28,9 @@ public:
     std::u16string SelectedDisplays;
 
 private:
+    /// The sub-items of `lstvDisplays`.
+    enum DisplayColumn : std::size_t { kTypeColumn, kPortColumn, kBaudColumn, kPhoneColumn };
+
     /// What one step of the wizard needs to know of itself.
     struct Step {
         std::int32_t number;
@@ -52,6 +56,7 @@ private:
     void UpdateStepButtons(std::int32_t step);
     bool CanEnterStep(std::int32_t step);
     void PreselectRecentDisplay(const host::HostDisplayList& displays);
+    /// Raises 35602 for a name that is listed already. An empty name is listed as often as it comes.
     void AddDisplayRow(const std::u16string& name, const host::HostDisplayList& displays);
 
     // Firmware file selection.

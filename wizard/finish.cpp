@@ -1,19 +1,11 @@
 // The end of the wizard: the external download tool's settings, and the hand-over to the update run.
-#include "support/automation_value.h"
-#include "support/host_folder.h"
+#include "support/mod_reg_access.h"
 #include "support/registry_routines.h"
+#include "support/text.h"
 #include "update/dlg_disp_updater.h"
 #include "wizard/dlg_firmware_wizard.h"
 
 namespace vex {
-namespace {
-
-// Sub-items of the display list.
-constexpr std::size_t kPortColumn = 1;
-constexpr std::size_t kBaudColumn = 2;
-constexpr std::size_t kPhoneColumn = 3;
-
-}  // namespace
 
 void dlgFirmwareWizard::FinishWizard() {
     // Whatever the options: also when only resetting, and when the tool was not asked for.

@@ -4,16 +4,11 @@
 #include "wizard/mod_sign_type.h"
 
 namespace vex {
-namespace {
-
-constexpr std::size_t kDisplayTypeColumn = 0;
-
-}  // namespace
 
 bool dlgFirmwareWizard::IsFirstDisplayTQ1() const {
     if (lstvDisplays.row_count() == 0) return false;
-    // The first row speaks for all.
-    return is_tq1_type_text(lstvDisplays.sub_item(0, kDisplayTypeColumn));
+    // Only the first row counts, however many there are.
+    return is_tq1_type_text(lstvDisplays.sub_item(0, kTypeColumn));
 }
 
 bool dlgFirmwareWizard::CheckSignTypes() {
@@ -31,7 +26,7 @@ bool dlgFirmwareWizard::CheckSignTypes() {
     // The whole type text counts, not only the board family.
     bool mismatch = false;
     for (std::size_t row = 1; row < lstvDisplays.row_count() && !mismatch; ++row) {
-        mismatch = lstvDisplays.sub_item(row - 1, kDisplayTypeColumn) != lstvDisplays.sub_item(row, kDisplayTypeColumn);
+        mismatch = lstvDisplays.sub_item(row - 1, kTypeColumn) != lstvDisplays.sub_item(row, kTypeColumn);
     }
     lblSignMismatchWarning.set_visible(mismatch);
     return mismatch;

@@ -15,10 +15,10 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/library.h"
-#include "platform/win32/class_registration.h"
-#include "platform/win32/late_library.h"
+#include "platform/win32/windows_api.h"
 #include "plugin/contract.h"
-#include "plugin/registration_entries.h"
+#include "plugin/registration.h"
+#include "simulator/win32/program.h"
 
 namespace vex::bench {
 namespace {
@@ -54,9 +54,7 @@ struct Server {
     std::size_t registry_keys;
     std::optional<Library> library = std::nullopt;
 
-    void call(const char* name) const {
-        check(library->function<HRESULT(STDAPICALLTYPE*)()>(name)(), name);
-    }
+    void call(const char* name) const { check(library->function<HRESULT(STDAPICALLTYPE*)()>(name)(), name); }
     com::ComPtr<IDispatch> create() const {
         const auto get_class_object = library->function<decltype(&DllGetClassObject)>("DllGetClassObject");
         com::ComPtr<IClassFactory> factory;
@@ -168,14 +166,12 @@ void measure_objects(Servers& servers) {
 }
 
 void measure(const std::filesystem::path& folder) {
-    std::size_t values = 0;
-    std::set<std::string> keys;
-    for (const plugin::RegistrationBranch& branch : plugin::registration_branches("", "")) {
-        values += branch.values.size();
-        for (const plugin::RegistrationValue& value : branch.values) keys.insert(branch.key + "\\" + value.path);
-    }
-    Servers servers{Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, values, keys.size()},
-                    Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
+    const auto entries = plugin::registration_entries(u"", u"");
+    std::set<std::u16string> keys;
+    for (const plugin::RegistrationEntry& entry : entries) keys.insert(entry.key);
+    Servers servers{
+        Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, entries.size(), keys.size()},
+        Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
     const auto size = [](const Server& server) { return static_cast<unsigned long>(file_size(server.file)); };
     std::printf(
         "server: product %lu bytes, minimal server %lu bytes, %d bits; at most %.1f times its costs are allowed\n",
@@ -206,7 +202,7 @@ void measure(const std::filesystem::path& folder) {
 
 int main() {
     using namespace vex;
-    if (platform::win32::class_has_server(u"vexFirmWarePlugin.vexFirmWareUtil")) {
+    if (sim::class_has_server(u"vexFirmWarePlugin.vexFirmWareUtil")) {
         std::fputs("the plug-in is installed here; its registration would not survive\n", stderr);
         return 1;
     }

@@ -1,11 +1,100 @@
-// The substitute for COM and OLE automation where the system has none: types, identities, interfaces in
-// the binary order of the originals, and the functions that the native runtime implements.
+// The substitute for COM and OLE automation where the system has none: the types, identities and result codes in
+// use, the interfaces in the binary order of the originals, and the functions that the native runtime implements.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "com_types.h"
+// ---- Plain types ------------------------------------------------------------------------------------
+
+using WORD = std::uint16_t;
+using DWORD = std::uint32_t;
+using SHORT = std::int16_t;
+using USHORT = std::uint16_t;
+using UINT = std::uint32_t;
+using LONG = std::int32_t;
+using ULONG = std::uint32_t;
+using BOOL = std::int32_t;
+using DOUBLE = double;
+using LCID = std::uint32_t;
+using HRESULT = std::int32_t;
+using SCODE = std::int32_t;
+using OLECHAR = char16_t;
+using LPOLESTR = OLECHAR*;
+using LPCOLESTR = const OLECHAR*;
+using BSTR = OLECHAR*;
+using VARTYPE = std::uint16_t;
+using VARIANT_BOOL = std::int16_t;
+using DISPID = std::int32_t;
+using LPVOID = void*;
+
+struct GUID {
+    std::uint32_t Data1;
+    std::uint16_t Data2;
+    std::uint16_t Data3;
+    std::uint8_t Data4[8];
+
+    friend bool operator==(const GUID&, const GUID&) = default;
+};
+using IID = GUID;
+using CLSID = GUID;
+using REFGUID = const GUID&;
+using REFIID = const IID&;
+using REFCLSID = const CLSID&;
+
+inline bool IsEqualGUID(REFGUID left, REFGUID right) noexcept { return left == right; }
+
+#define STDMETHODCALLTYPE
+#define STDAPICALLTYPE
+
+constexpr VARIANT_BOOL VARIANT_TRUE = -1;
+constexpr VARIANT_BOOL VARIANT_FALSE = 0;
+#ifndef TRUE
+#define TRUE 1
+#define FALSE 0
+#endif
+
+// ---- Results ----------------------------------------------------------------------------------------
+
+constexpr bool SUCCEEDED(HRESULT result) noexcept { return result >= 0; }
+constexpr bool FAILED(HRESULT result) noexcept { return result < 0; }
+
+/// A failure by its unsigned spelling.
+constexpr HRESULT vex_failure(std::uint32_t code) noexcept { return static_cast<HRESULT>(code); }
+
+constexpr HRESULT S_OK = 0;
+constexpr HRESULT S_FALSE = 1;
+constexpr HRESULT E_NOTIMPL = vex_failure(0x80004001U);
+constexpr HRESULT E_NOINTERFACE = vex_failure(0x80004002U);
+constexpr HRESULT E_POINTER = vex_failure(0x80004003U);
+constexpr HRESULT E_FAIL = vex_failure(0x80004005U);
+constexpr HRESULT E_UNEXPECTED = vex_failure(0x8000FFFFU);
+constexpr HRESULT E_OUTOFMEMORY = vex_failure(0x8007000EU);
+constexpr HRESULT E_INVALIDARG = vex_failure(0x80070057U);
+constexpr HRESULT E_ACCESSDENIED = vex_failure(0x80070005U);
+constexpr HRESULT CLASS_E_NOAGGREGATION = vex_failure(0x80040110U);
+constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = vex_failure(0x80040111U);
+constexpr HRESULT REGDB_E_CLASSNOTREG = vex_failure(0x80040154U);
+constexpr HRESULT CO_E_NOTINITIALIZED = vex_failure(0x800401F0U);
+constexpr HRESULT CO_E_CLASSSTRING = vex_failure(0x800401F3U);
+constexpr HRESULT CO_E_DLLNOTFOUND = vex_failure(0x800401F8U);
+constexpr HRESULT CO_E_ERRORINDLL = vex_failure(0x800401F9U);
+constexpr HRESULT CONNECT_E_NOCONNECTION = vex_failure(0x80040200U);
+constexpr HRESULT CONNECT_E_CANNOTCONNECT = vex_failure(0x80040202U);
+constexpr HRESULT SELFREG_E_TYPELIB = vex_failure(0x80040200U);
+constexpr HRESULT SELFREG_E_CLASS = vex_failure(0x80040201U);
+constexpr HRESULT DISP_E_UNKNOWNINTERFACE = vex_failure(0x80020001U);
+constexpr HRESULT DISP_E_MEMBERNOTFOUND = vex_failure(0x80020003U);
+constexpr HRESULT DISP_E_PARAMNOTFOUND = vex_failure(0x80020004U);
+constexpr HRESULT DISP_E_TYPEMISMATCH = vex_failure(0x80020005U);
+constexpr HRESULT DISP_E_UNKNOWNNAME = vex_failure(0x80020006U);
+constexpr HRESULT DISP_E_NONAMEDARGS = vex_failure(0x80020007U);
+constexpr HRESULT DISP_E_BADVARTYPE = vex_failure(0x80020008U);
+constexpr HRESULT DISP_E_EXCEPTION = vex_failure(0x80020009U);
+constexpr HRESULT DISP_E_OVERFLOW = vex_failure(0x8002000AU);
+constexpr HRESULT DISP_E_BADINDEX = vex_failure(0x8002000BU);
+constexpr HRESULT DISP_E_BADPARAMCOUNT = vex_failure(0x8002000EU);
+constexpr HRESULT DISP_E_PARAMNOTOPTIONAL = vex_failure(0x8002000FU);
 
 // ---- Automation values ------------------------------------------------------------------------------
 
@@ -14,30 +103,18 @@ enum VARENUM : VARTYPE {
     VT_NULL = 1,
     VT_I2 = 2,
     VT_I4 = 3,
-    VT_R4 = 4,
     VT_R8 = 5,
-    VT_CY = 6,
-    VT_DATE = 7,
     VT_BSTR = 8,
     VT_DISPATCH = 9,
     VT_ERROR = 10,
     VT_BOOL = 11,
     VT_VARIANT = 12,
     VT_UNKNOWN = 13,
-    VT_DECIMAL = 14,
-    VT_I1 = 16,
-    VT_UI1 = 17,
-    VT_UI2 = 18,
-    VT_UI4 = 19,
-    VT_I8 = 20,
-    VT_UI8 = 21,
-    VT_INT = 22,
-    VT_UINT = 23,
+    // In type descriptions only.
     VT_VOID = 24,
     VT_HRESULT = 25,
     VT_PTR = 26,
     VT_USERDEFINED = 29,
-    VT_ARRAY = 0x2000,
     VT_BYREF = 0x4000,
     VT_TYPEMASK = 0x0FFF,
 };
@@ -54,38 +131,18 @@ struct VARIANT {
     WORD wReserved2;
     WORD wReserved3;
     union {
-        LONGLONG llVal;
-        ULONGLONG ullVal;
         LONG lVal;
-        ULONG ulVal;
-        INT intVal;
-        UINT uintVal;
         SHORT iVal;
-        USHORT uiVal;
-        signed char cVal;
-        BYTE bVal;
-        FLOAT fltVal;
         DOUBLE dblVal;
         VARIANT_BOOL boolVal;
         SCODE scode;
-        CY cyVal;
-        DATE date;
         BSTR bstrVal;
         IUnknown* punkVal;
         IDispatch* pdispVal;
         void* byref;
-        BYTE* pbVal;
         SHORT* piVal;
-        USHORT* puiVal;
         LONG* plVal;
-        ULONG* pulVal;
-        LONGLONG* pllVal;
-        FLOAT* pfltVal;
         DOUBLE* pdblVal;
-        VARIANT_BOOL* pboolVal;
-        SCODE* pscode;
-        CY* pcyVal;
-        DATE* pdate;
         BSTR* pbstrVal;
         IUnknown** ppunkVal;
         IDispatch** ppdispVal;
@@ -120,11 +177,8 @@ constexpr DISPID DISPID_PROPERTYPUT = -3;
 constexpr WORD DISPATCH_METHOD = 1;
 constexpr WORD DISPATCH_PROPERTYGET = 2;
 constexpr WORD DISPATCH_PROPERTYPUT = 4;
-constexpr WORD DISPATCH_PROPERTYPUTREF = 8;
 
-constexpr LCID LOCALE_NEUTRAL = 0;
 constexpr LCID LOCALE_USER_DEFAULT = 0x0400;
-constexpr WORD VARIANT_ALPHABOOL = 2;
 
 // ---- Interfaces: no virtual destructors, and the order of the methods is the binary contract ----------
 
@@ -161,11 +215,11 @@ struct IClassFactory : IUnknown {
 struct IDispatch : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) = 0;
-    virtual HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count,
-                                                    LCID locale, DISPID* ids) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
+                                                    DISPID* ids) = 0;
     virtual HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID reserved, LCID locale, WORD flags,
-                                             DISPPARAMS* parameters, VARIANT* result,
-                                             EXCEPINFO* exception, UINT* argument_error) = 0;
+                                             DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                             UINT* argument_error) = 0;
 };
 
 /// Type descriptions exist only on Windows; elsewhere the pointer type is all there is.
@@ -221,14 +275,7 @@ struct IProvideClassInfo2 : IProvideClassInfo {
 using OLE_HANDLE = std::uint32_t;
 using OLE_XSIZE_HIMETRIC = LONG;
 using OLE_YSIZE_HIMETRIC = LONG;
-constexpr SHORT PICTYPE_UNINITIALIZED = -1;
-constexpr SHORT PICTYPE_NONE = 0;
-constexpr SHORT PICTYPE_BITMAP = 1;
 constexpr SHORT PICTYPE_ICON = 3;
-constexpr DISPID DISPID_PICT_HANDLE = 0;
-constexpr DISPID DISPID_PICT_TYPE = 3;
-constexpr DISPID DISPID_PICT_WIDTH = 4;
-constexpr DISPID DISPID_PICT_HEIGHT = 5;
 
 /// The part of the picture interface that the project reads; sizes in HIMETRIC (1/100 millimetre).
 struct IPicture : IUnknown {
@@ -244,7 +291,6 @@ struct IPictureDisp : IDispatch {};
 // ---- Functions of the native runtime ------------------------------------------------------------------
 
 constexpr DWORD CLSCTX_INPROC_SERVER = 1;
-constexpr DWORD CLSCTX_LOCAL_SERVER = 4;
 constexpr DWORD CLSCTX_ALL = 0x17;
 constexpr DWORD REGCLS_MULTIPLEUSE = 1;
 constexpr DWORD COINIT_APARTMENTTHREADED = 2;
@@ -268,7 +314,6 @@ HRESULT CoInitializeEx(LPVOID reserved, DWORD concurrency) noexcept;
 void CoUninitialize() noexcept;
 /// Creates an object: registered class objects first, then the in-process server that the registry names.
 HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid, LPVOID* object) noexcept;
-HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, LPVOID reserved, REFIID iid, LPVOID* object) noexcept;
 HRESULT CoRegisterClassObject(REFCLSID clsid, IUnknown* factory, DWORD context, DWORD flags, DWORD* cookie) noexcept;
 HRESULT CoRevokeClassObject(DWORD cookie) noexcept;
 /// Unloads the in-process servers whose DllCanUnloadNow agrees.
@@ -276,8 +321,6 @@ void CoFreeUnusedLibraries() noexcept;
 HRESULT CLSIDFromProgID(LPCOLESTR programmatic_id, CLSID* clsid) noexcept;
 HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) noexcept;
 int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) noexcept;
-void* CoTaskMemAlloc(std::size_t size) noexcept;
-void CoTaskMemFree(void* memory) noexcept;
 
 HRESULT CreateErrorInfo(ICreateErrorInfo** info) noexcept;
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) noexcept;

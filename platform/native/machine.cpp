@@ -5,8 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "core/runtime_error.h"
@@ -40,10 +38,6 @@ Machine& machine() {
     throw RuntimeError(kAutomationError, from_utf8(path.native() + ": " + reason));
 }
 
-[[noreturn]] void fail(const fs::path& file, const RegistryDamage& damage) {
-    fail(file, "line " + std::to_string(damage.line()) + ": " + damage.what());
-}
-
 /// Makes a folder for its owner alone, and the missing ones above it. One that is there is taken only where
 /// nobody else can put files: the registry names libraries that are loaded.
 void use_private_folder(const fs::path& folder) {
@@ -70,7 +64,7 @@ void use_machine_folder(const fs::path& folder) {
     try {
         machine().registry.use_folder(whole);
     } catch (const RegistryDamage& damage) {
-        fail(whole / "registry", damage);
+        fail(whole / "registry", "line " + std::to_string(damage.line()) + ": " + damage.what());
     } catch (const std::system_error& error) {
         fail(whole / "registry", error.code().message());
     }
@@ -79,19 +73,6 @@ void use_machine_folder(const fs::path& folder) {
 }
 
 const fs::path& machine_folder() { return machine().folder; }
-
-void import_registry(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream) fail(file, "cannot be read");
-    try {
-        machine().registry.import(text);
-    } catch (const RegistryDamage& damage) {
-        fail(file, damage);
-    } catch (const std::system_error& error) {
-        fail(file, error.code().message());
-    }
-}
 
 Registry& registry() { return machine().registry; }
 Files& files() { return machine().files; }

@@ -24,10 +24,6 @@ namespace vex::platform::native {
 VEX_RUNTIME_API void use_machine_folder(const std::filesystem::path& folder);
 VEX_RUNTIME_API const std::filesystem::path& machine_folder();
 
-/// Merges a registry text into the computer's registry: an export of the real one, or one written by hand.
-/// Throws RuntimeError naming the file, and the line when it is damaged; then nothing is changed.
-VEX_RUNTIME_API void import_registry(const std::filesystem::path& file);
-
 /// Any thread. Until `use_machine_folder`, an empty registry in memory.
 VEX_RUNTIME_API Registry& registry();
 VEX_RUNTIME_API Files& files();

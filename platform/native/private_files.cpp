@@ -10,7 +10,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/native/write_all.h"
+#include "platform/native/descriptor.h"
 
 namespace vex::platform {
 namespace {
@@ -32,7 +32,8 @@ void replace_private_file(const std::filesystem::path& path, std::string_view by
     std::string fresh = path.native() + ".XXXXXX";
     const int descriptor = ::mkostemp(fresh.data(), O_CLOEXEC);
     if (descriptor < 0) fail(errno, path.native());
-    int reason = native::write_all(descriptor, bytes) ? 0 : errno;
+    const bool written = native::write_all(descriptor, bytes) && ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
+    int reason = written ? 0 : errno;
     if (::close(descriptor) != 0 && reason == 0) reason = errno;
     if (reason == 0 && ::rename(fresh.c_str(), path.c_str()) != 0) reason = errno;
     if (reason == 0) return;

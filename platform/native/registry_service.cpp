@@ -1,16 +1,18 @@
-// The registry seam on the native side: handles, access rights and result codes over the stores.
+// The registry seam on the native side: handles, rights and result codes over the stores.
 #include "platform/native/registry_service.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <limits>
 #include <new>
+#include <optional>
 #include <system_error>
 
 #include "core/narrow.h"
 #include "core/unicode.h"
-#include "platform/native/registry_environment.h"
 
 namespace vex::platform::native {
 namespace {
@@ -22,53 +24,15 @@ constexpr std::uint32_t kEnumerateSubKeys = 0x8;
 /// Setting values, creating sub-keys and links, deleting, changing security.
 constexpr std::uint32_t kWritingRights = 0xD0026;
 
+/// Whatever the store allows.
 constexpr std::uint32_t kMaximumAllowed = 0x02000000;
-constexpr std::uint32_t kGenericAll = 0x10000000;
-constexpr std::uint32_t kGenericWrite = 0x40000000;
-constexpr std::uint32_t kGenericRead = 0x80000000;
 
-// As on Windows.
-constexpr std::size_t kLongestKeyName = 255;
 constexpr std::size_t kLongestValueName = 16383;
 
-std::uint32_t specific_rights(std::uint32_t access, bool writable) {
-    if (access & kMaximumAllowed) access |= writable ? kKeyAllAccess : kKeyRead;
-    if (access & kGenericAll) access |= kKeyAllAccess;
-    if (access & kGenericWrite) access |= kKeyWrite;
-    if (access & kGenericRead) access |= kKeyRead;
-    return access & kKeyAllAccess;
-}
-
-bool is_string(std::uint32_t type) { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
-
-std::u16string utf16_of(const std::vector<std::uint8_t>& data) {
-    std::u16string text(data.size() / 2, u'\0');
-    for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char16_t>(data[2 * i] | data[2 * i + 1] << 8);
-    return text;
-}
-
-std::vector<std::uint8_t> bytes_of(std::u16string_view text) {
-    std::vector<std::uint8_t> data;
-    data.reserve(text.size() * 2);
-    for (const char16_t c : text) {
-        data.push_back(static_cast<std::uint8_t>(c));
-        data.push_back(static_cast<std::uint8_t>(c >> 8));
-    }
-    return data;
-}
-
-/// Whether every name of a path can be created below a key of this depth.
-bool can_be_created(std::u16string_view path, std::size_t depth) {
-    while (!path.empty()) {
-        const std::u16string_view name = take_name(path);
-        // A key's name stands on one line of the file, between brackets.
-        const bool one_line = std::none_of(name.begin(), name.end(), [](char16_t c) { return c < u' '; });
-        if (name.size() > kLongestKeyName || !one_line || ++depth > kMaxKeyDepth) return false;
-    }
-    return true;
-}
-
-std::size_t depth_of(const RegistryNode& node) { return node.parent == nullptr ? 0 : depth_of(*node.parent) + 1; }
+/// An operation's end with a result code.
+struct Failure {
+    std::int32_t result;
+};
 
 /// The answer of an operation that returns a name: kMoreData leaves everything as it was.
 std::int32_t answer_name(const std::string& name, char* target, std::uint32_t& length) {
@@ -88,17 +52,34 @@ std::int32_t result_of(const std::system_error& error) {
     return kRegistryIoFailed;
 }
 
+/// The value of a variable of the process's environment; its name is found without regard to case.
+std::optional<std::u16string> variable(std::u16string_view name) {
+    if (name.empty()) return std::nullopt;
+    for (char** each = environ; each != nullptr && *each != nullptr; ++each) {
+        const std::string_view entry = *each;
+        const std::size_t equals = entry.find('=');
+        if (equals == entry.npos || !equal_ignoring_case(from_utf8(entry.substr(0, equals)), name)) continue;
+        return from_utf8(entry.substr(equals + 1));
+    }
+    return std::nullopt;
+}
+
+/// What is no variable stays as it is.
+std::u16string expanded(std::u16string_view text) {
+    std::u16string result;
+    for (;;) {
+        const std::size_t start = text.find(u'%');
+        const std::size_t end = start == text.npos ? start : text.find(u'%', start + 1);
+        if (end == text.npos) return result.append(text);
+        result += text.substr(0, start);
+        const auto value = variable(text.substr(start + 1, end - start - 1));
+        // The sign that ends an unknown name may begin another.
+        result += value ? *value : text.substr(start, end - start);
+        text.remove_prefix(value ? end + 1 : end);
+    }
+}
+
 }  // namespace
-
-/// An operation's end with a result code.
-class RegistryService::Failure : public std::exception {
-public:
-    explicit Failure(std::int32_t result) noexcept : result_(result) {}
-    std::int32_t result() const noexcept { return result_; }
-
-private:
-    std::int32_t result_;
-};
 
 template <class Operation>
 std::int32_t RegistryService::answered(Operation operation) noexcept {
@@ -106,7 +87,7 @@ std::int32_t RegistryService::answered(Operation operation) noexcept {
         const std::lock_guard lock(mutex_);
         return operation();
     } catch (const Failure& failure) {
-        return failure.result();
+        return failure.result;
     } catch (const RegistryDamage&) {
         return kRegistryCorrupt;
     } catch (const std::system_error& error) {
@@ -118,73 +99,59 @@ std::int32_t RegistryService::answered(Operation operation) noexcept {
     }
 }
 
-RegistryService::RegistryService(const CodePage& code_page) : code_page_(code_page), local_(make_store({})) {}
-
-RegistryService::~RegistryService() = default;
-
-std::unique_ptr<RegistryStore> RegistryService::make_store(const std::filesystem::path& file) {
-    // Open handles lead to the same keys of the tree that was read anew; those that are not in it any more
-    // are left with the old ones, which are deleted with their tree.
-    return std::make_unique<RegistryStore>(file, [this](RegistryStore& store, RegistryTree& fresh) {
-        for (auto& [key, handle] : handles_) {
-            if (handle.store != &store || handle.node->deleted) continue;
-            if (RegistryNode* node = fresh.find(handle.node->path())) handle.node = node->shared_from_this();
-        }
-    });
+RegistryService::RegistryService(const CodePage& code_page)
+    : code_page_(code_page), local_(std::make_unique<RegistryStore>()) {
+    add_predefined_handles();
 }
 
 void RegistryService::use_folder(const std::filesystem::path& folder) {
-    auto store = make_store(folder / "registry");
-    static_cast<void>(store->current_tree());
+    auto store = std::make_unique<RegistryStore>(folder / "registry");
+    store->refresh();
     const std::lock_guard lock(mutex_);
     handles_.clear();
     remotes_.clear();
     local_ = std::move(store);
     folder_ = folder;
+    add_predefined_handles();
 }
 
-void RegistryService::import(const std::string& text) {
-    const std::lock_guard lock(mutex_);
-    local_->import(text);
+void RegistryService::add_predefined_handles() {
+    for (const RegistryRoot& root : kRegistryRoots) {
+        RegistryNode& key = *local_->tree().root(root.name);
+        handles_[registry_key(root.handle)] = {local_.get(), key.shared_from_this(), kKeyAllAccess};
+    }
 }
 
 std::u16string RegistryService::wide(const char* text) const {
     return text == nullptr ? std::u16string() : code_page_.from_ansi(text);
 }
 
-RegistryService::Handle RegistryService::known(RegistryKey key, std::uint32_t rights) const {
+const RegistryService::Handle& RegistryService::handle(RegistryKey key, std::uint32_t rights) const {
     const auto found = handles_.find(key);
-    if (found != handles_.end()) {
-        const Handle& handle = found->second;
-        if (handle.node->deleted) throw Failure(kKeyDeleted);
-        if ((handle.access & rights) != rights) throw Failure(kAccessDenied);
-        return handle;
-    }
-    const auto predefined = static_cast<std::int32_t>(key);
-    RegistryNode* root = key == registry_key(predefined) ? local_->known_tree().root(predefined) : nullptr;
-    if (root == nullptr) throw Failure(kInvalidHandle);
-    return {local_.get(), root->shared_from_this(), kKeyAllAccess};
+    if (found == handles_.end()) throw Failure{kInvalidHandle};
+    if ((found->second.access & rights) != rights) throw Failure{kAccessDenied};
+    return found->second;
 }
 
-RegistryService::Handle RegistryService::current(RegistryKey key, std::uint32_t rights) {
-    const auto found = handles_.find(key);
-    RegistryStore& store = found == handles_.end() ? *local_ : *found->second.store;
-    static_cast<void>(store.current_tree());
-    return known(key, rights);
+RegistryNode& RegistryService::key_of(const Handle& handle) {
+    if (handle.key->is_deleted()) throw Failure{kKeyDeleted};
+    return *handle.key;
 }
 
-RegistryKey RegistryService::add_handle(RegistryStore& store, RegistryNode& node, std::uint32_t access) {
-    const std::uint32_t rights = specific_rights(access, true);
-    std::uint32_t granted = rights;
-    if ((rights & kWritingRights) != 0 && !store.is_writable()) {
-        granted = specific_rights(access, false);
-        if ((granted & kWritingRights) != 0) throw Failure(kAccessDenied);
-    }
+RegistryNode& RegistryService::current(const Handle& handle) {
+    handle.store->refresh();
+    return key_of(handle);
+}
+
+RegistryKey RegistryService::add_handle(RegistryStore& store, RegistryNode& key, std::uint32_t access) {
+    const bool writable = (access & (kMaximumAllowed | kWritingRights)) == 0 || store.is_writable();
+    if (access == kMaximumAllowed) access = writable ? kKeyAllAccess : kKeyRead;
+    if (!writable && (access & kWritingRights) != 0) throw Failure{kAccessDenied};
     // Handles are positive 32-bit numbers, as callers keep them in such.
     do {
         last_handle_ = last_handle_ > std::numeric_limits<std::int32_t>::max() - 4 ? 4 : last_handle_ + 4;
     } while (handles_.contains(last_handle_));
-    handles_.emplace(last_handle_, Handle{&store, node.shared_from_this(), granted});
+    handles_[last_handle_] = {&store, key.shared_from_this(), access};
     return last_handle_;
 }
 
@@ -192,10 +159,10 @@ std::int32_t RegistryService::open_key(RegistryKey parent, const char* path, std
                                        RegistryKey& key) noexcept {
     key = 0;
     return answered([&] {
-        const Handle handle = current(parent);
-        RegistryNode* node = handle.node->find(wide(path));
-        if (node == nullptr) return kFileNotFound;
-        key = add_handle(*handle.store, *node, access);
+        const Handle& above = handle(parent);
+        RegistryNode* found = current(above).find(wide(path));
+        if (found == nullptr) return kFileNotFound;
+        key = add_handle(*above.store, *found, access);
         return kSuccess;
     });
 }
@@ -204,84 +171,82 @@ std::int32_t RegistryService::create_key(RegistryKey parent, const char* path, c
                                          std::uint32_t access, const SecurityAttributes& /*attributes*/,
                                          RegistryKey& key) noexcept {
     key = 0;
-    return answered([&]() -> std::int32_t {
+    return answered([&] {
+        const Handle& above = handle(parent);
         const std::u16string below = wide(path);
-        if (const Handle above = current(parent); above.node->find(below) == nullptr) {
-            const std::int32_t result = above.store->update([&](RegistryTree&, RegistryWriter& writer) -> std::int32_t {
-                const RegistryNode& from = *known(parent).node;
-                if (!can_be_created(below, depth_of(from))) return kInvalidParameter;
-                writer.key(from.path() + u'\\' + below);
-                return kSuccess;
+        RegistryNode* found = current(above).find(below);
+        if (found == nullptr) {
+            above.store->update([&] {
+                RegistryNode& from = key_of(above);
+                if (fault_of_path(below, from.depth()) != nullptr) throw Failure{kInvalidParameter};
+                found = &from.create(below);
+                return true;
             });
-            if (result != kSuccess) return result;
         }
-        const Handle handle = known(parent);
-        RegistryNode* node = handle.node->find(below);
-        if (node == nullptr) return kRegistryIoFailed;
-        key = add_handle(*handle.store, *node, access);
+        key = add_handle(*above.store, *found, access);
         return kSuccess;
     });
 }
 
 std::int32_t RegistryService::close_key(RegistryKey key) noexcept {
     return answered([&] {
-        if (handles_.erase(key) > 0) return kSuccess;
-        const auto predefined = static_cast<std::int32_t>(key);
-        const bool is_root = key == registry_key(predefined) && local_->known_tree().root(predefined) != nullptr;
-        return is_root ? kSuccess : kInvalidHandle;
+        static_cast<void>(handle(key));
+        // The predefined ones, which are negative, never really close.
+        if (key > 0) handles_.erase(key);
+        return kSuccess;
     });
 }
 
 std::int32_t RegistryService::delete_key(RegistryKey parent, const char* path) noexcept {
-    return answered([&]() -> std::int32_t {
+    return answered([&] {
         if (path == nullptr) return kInvalidParameter;
-        return current(parent).store->update([&](RegistryTree& tree, RegistryWriter& writer) -> std::int32_t {
-            const RegistryNode* node = known(parent).node->find(wide(path));
-            if (node == nullptr) return kFileNotFound;
-            if (tree.is_permanent(*node) || node->subkeys.size() > 0) return kAccessDenied;
-            writer.key_deleted(node->path());
-            return kSuccess;
+        const Handle& above = handle(parent);
+        above.store->update([&] {
+            RegistryNode* found = key_of(above).find(wide(path));
+            if (found == nullptr) throw Failure{kFileNotFound};
+            if (above.store->tree().is_permanent(*found) || found->keys.size() > 0) throw Failure{kAccessDenied};
+            found->remove();
+            return true;
         });
+        return kSuccess;
     });
 }
 
 std::int32_t RegistryService::delete_value(RegistryKey key, const char* name) noexcept {
     return answered([&] {
-        return current(key, kSetValue).store->update([&](RegistryTree&, RegistryWriter& writer) -> std::int32_t {
-            const RegistryNode& node = *known(key).node;
-            const RegistryValue* value = node.values.find(wide(name));
-            if (value == nullptr) return kFileNotFound;
-            writer.key(node.path());
-            writer.value_deleted(value->name);
-            return kSuccess;
+        const Handle& holder = handle(key, kSetValue);
+        holder.store->update([&] {
+            if (!key_of(holder).values.remove(wide(name))) throw Failure{kFileNotFound};
+            return true;
         });
+        return kSuccess;
     });
 }
 
 std::int32_t RegistryService::enum_key(RegistryKey key, std::uint32_t index, char* name,
                                        std::uint32_t& name_length) noexcept {
     return answered([&]() -> std::int32_t {
-        const auto& subkeys = current(key, kEnumerateSubKeys).node->subkeys;
-        if (index >= subkeys.size()) return kNoMoreItems;
-        return answer_name(code_page_.to_ansi(subkeys[index]->name), name, name_length);
+        const auto& keys = current(handle(key, kEnumerateSubKeys)).keys;
+        if (index >= keys.size()) return kNoMoreItems;
+        return answer_name(code_page_.to_ansi(keys[index].name), name, name_length);
     });
 }
 
 std::int32_t RegistryService::enum_value(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length,
                                          std::uint32_t& type, std::uint8_t* data, std::uint32_t& data_size) noexcept {
     return answered([&]() -> std::int32_t {
-        const auto& values = current(key, kQueryValue).node->values;
+        const auto& values = current(handle(key, kQueryValue)).values;
         if (index >= values.size()) return kNoMoreItems;
-        const std::int32_t result = answer_data(*values[index], type, data, data_size);
+        const std::int32_t result = answer_data(values[index], type, data, data_size);
         if (result != kSuccess) return result;
-        return answer_name(code_page_.to_ansi(values[index]->name), name, name_length);
+        return answer_name(code_page_.to_ansi(values[index].name), name, name_length);
     });
 }
 
 std::int32_t RegistryService::query_value(RegistryKey key, const char* name, std::uint32_t& type, std::uint8_t* data,
                                           std::uint32_t& data_size) noexcept {
     return answered([&]() -> std::int32_t {
-        const RegistryValue* value = current(key, kQueryValue).node->values.find(wide(name));
+        const auto value = current(handle(key, kQueryValue)).values.find(wide(name));
         return value == nullptr ? kFileNotFound : answer_data(*value, type, data, data_size);
     });
 }
@@ -298,7 +263,7 @@ std::int32_t RegistryService::answer_data(const RegistryValue& value, std::uint3
         return kSuccess;
     };
     if (!is_string(value.type)) return answer(value.data.data(), value.data.size());
-    const std::string text = code_page_.to_ansi(utf16_of(value.data));
+    const std::string text = code_page_.to_ansi(text_of(value.data));
     const std::int32_t result = answer(text.data(), text.size());
     // As on Windows, a text without its null gets one where there is room, and it does not count.
     const bool terminated = text.empty() || text.back() == '\0';
@@ -313,19 +278,22 @@ std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::
         RegistryValue value{wide(name), type, {}};
         if (value.name.size() > kLongestValueName) return kInvalidParameter;
         if (is_string(type)) {
-            value.data = bytes_of(code_page_.from_ansi({reinterpret_cast<const char*>(data), data_size}));
+            value.data = data_of(code_page_.from_ansi({reinterpret_cast<const char*>(data), data_size}));
         } else {
             value.data.assign(data, data + data_size);
         }
-        return current(key, kSetValue).store->update([&](RegistryTree&, RegistryWriter& writer) {
-            const RegistryNode& node = *known(key).node;
-            const RegistryValue* old = node.values.find(value.name);
+        const Handle& holder = handle(key, kSetValue);
+        holder.store->update([&] {
+            NameList<RegistryValue>& values = key_of(holder).values;
+            const auto old = values.find(value.name);
             // The file already tells what it holds.
-            if (old != nullptr && old->type == type && old->data == value.data) return kSuccess;
-            writer.key(node.path());
-            writer.value(std::move(value));
-            return kSuccess;
+            if (old != nullptr && old->type == type && old->data == value.data) return false;
+            RegistryValue& kept = values.at(value.name);
+            kept.type = type;
+            kept.data = std::move(value.data);
+            return true;
         });
+        return kSuccess;
     });
 }
 
@@ -338,7 +306,7 @@ RegistryStore* RegistryService::remote_store(std::string_view computer) {
     for (std::filesystem::directory_iterator it(folder_ / "remote", error), end; !error && it != end;
          it.increment(error)) {
         if (to_upper(from_utf8(it->path().filename().native())) != name) continue;
-        return remotes_.emplace(name, make_store(it->path() / "registry")).first->second.get();
+        return remotes_.emplace(name, std::make_unique<RegistryStore>(it->path() / "registry")).first->second.get();
     }
     return nullptr;
 }
@@ -346,16 +314,16 @@ RegistryStore* RegistryService::remote_store(std::string_view computer) {
 std::int32_t RegistryService::connect_registry(const char* computer, RegistryKey root, RegistryKey& key) noexcept {
     key = 0;
     return answered([&]() -> std::int32_t {
-        const auto predefined = static_cast<std::int32_t>(root);
-        if (root != registry_key(predefined) || local_->known_tree().root(predefined) == nullptr) return kInvalidHandle;
+        if (root >= 0 || handles_.find(root) == handles_.end()) return kInvalidHandle;
         std::string_view name = computer == nullptr ? std::string_view() : std::string_view(computer);
         name.remove_prefix(std::min(name.size(), name.find_first_not_of('\\')));
         // Another computer's current user, and so its classes, would be nobody's.
-        const bool can_be_remote = predefined == kHkeyLocalMachine || predefined == kHkeyUsers;
+        const bool can_be_remote = root == registry_key(kHkeyLocalMachine) || root == registry_key(kHkeyUsers);
         if (!name.empty() && !can_be_remote) return kInvalidHandle;
         RegistryStore* store = name.empty() ? local_.get() : remote_store(name);
         if (store == nullptr) return kBadNetPath;
-        key = add_handle(*store, *store->current_tree().root(predefined), kMaximumAllowed);
+        store->refresh();
+        key = add_handle(*store, *store->tree().find(handle(root).key->name), kMaximumAllowed);
         return kSuccess;
     });
 }
@@ -363,9 +331,9 @@ std::int32_t RegistryService::connect_registry(const char* computer, RegistryKey
 std::uint32_t RegistryService::expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept {
     std::uint32_t length = 0;
     const std::int32_t result = answered([&] {
-        const std::string expanded = code_page_.to_ansi(native::expand_environment(wide(source)));
-        length = narrowed<std::uint32_t>(expanded.size() + 1);
-        if (length <= capacity) std::memcpy(target, expanded.c_str(), length);
+        const std::string text = code_page_.to_ansi(expanded(wide(source)));
+        length = narrowed<std::uint32_t>(text.size() + 1);
+        if (length <= capacity) std::memcpy(target, text.c_str(), length);
         return kSuccess;
     });
     return result == kSuccess ? length : 0;

@@ -1,4 +1,4 @@
-// The registry seam on the native side: handles, access rights and result codes over the stores.
+// The registry seam on the native side: handles, rights and result codes over the stores.
 #pragma once
 
 #include <filesystem>
@@ -21,13 +21,10 @@ class RegistryService final : public Registry {
 public:
     /// An empty registry in memory, and no other computer. The code page outlives the object.
     explicit RegistryService(const CodePage& code_page);
-    ~RegistryService() override;
 
-    /// Changes to the registry in `folder`. All handles become invalid. Raises RegistryDamage, with the
-    /// registry before still in place.
+    /// Changes to the registry in `folder`. All handles become invalid. Raises RegistryDamage or std::system_error,
+    /// with the registry before still in place.
     void use_folder(const std::filesystem::path& folder);
-    /// Changes the registry by a registry text, in either encoding. Raises RegistryDamage.
-    void import(const std::string& text);
 
     std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
                           RegistryKey& key) noexcept override;
@@ -48,22 +45,23 @@ public:
     std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept override;
 
 private:
+    /// An open or predefined key.
     struct Handle {
         RegistryStore* store;
-        std::shared_ptr<RegistryNode> node;
+        std::shared_ptr<RegistryNode> key;
         std::uint32_t access;
     };
-    class Failure;
 
     template <class Operation>
     std::int32_t answered(Operation operation) noexcept;
-    std::unique_ptr<RegistryStore> make_store(const std::filesystem::path& file);
-    /// What a handle leads to as far as is known. Raises Failure with kInvalidHandle or kKeyDeleted, or with
-    /// kAccessDenied when it lacks a right.
-    Handle known(RegistryKey key, std::uint32_t rights = 0) const;
+    /// Fails with kInvalidHandle, or with kAccessDenied when it lacks a right.
+    const Handle& handle(RegistryKey key, std::uint32_t rights = 0) const;
+    /// The key of a handle as far as it was read. Fails with kKeyDeleted.
+    static RegistryNode& key_of(const Handle& handle);
     /// The same after reading what other processes have changed.
-    Handle current(RegistryKey key, std::uint32_t rights = 0);
-    RegistryKey add_handle(RegistryStore& store, RegistryNode& node, std::uint32_t access);
+    static RegistryNode& current(const Handle& handle);
+    void add_predefined_handles();
+    RegistryKey add_handle(RegistryStore& store, RegistryNode& key, std::uint32_t access);
     /// Null when there is no such computer.
     RegistryStore* remote_store(std::string_view computer);
     std::int32_t answer_data(const RegistryValue& value, std::uint32_t& type, std::uint8_t* data,

@@ -1,76 +1,58 @@
 // A registry in memory and in its file, kept the same.
 #pragma once
 
-#include <cstdint>
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
-#include <string>
+#include <tuple>
 #include <utility>
 
-#include "platform/native/registry_file.h"
-#include "platform/native/registry_text.h"
+#include "platform/native/descriptor.h"
 #include "platform/native/registry_tree.h"
-#include "platform/registry.h"
 
 namespace vex::platform::native {
 
-/// A store that many processes may use at once. A change is one write behind the end of the file, made under
-/// a lock and after reading what others wrote before; it is there for good once `update` has returned, also
-/// when the process is killed right then. A last line without its line break belongs to a change that was
-/// never finished, and is dropped.
+/// A store that many processes may use at once. A change is made under the lock on a file beside the store's, to what
+/// the file holds by then, and puts a whole new file in the place of the old one. It is there for good once `update`
+/// has returned, also when the process is killed right then: a kill leaves the old file or the new one. A power cut is
+/// another matter: nothing waits for the disk, and the last changes, or the whole file, may be lost.
 ///
-/// A file that holds anything else than a registry is refused, with RegistryDamage, and left as it is until
-/// someone repairs it. Other failures of the system are raised as std::system_error. Not for several threads.
+/// A file that holds anything else than a registry is refused with RegistryDamage and left as it is until someone
+/// repairs it. Other failures of the system are raised as std::system_error; a link in place of the file is one.
+/// Not for several threads.
 class RegistryStore {
 public:
-    /// Told when the tree has been read anew, which happens when the file did not just grow. The tree before
-    /// is still there then, and nothing holds on to it afterwards.
-    using ReloadListener = std::function<void(RegistryStore& store, RegistryTree& fresh)>;
-
     /// `file`: empty for a store in memory only. Nothing is read yet.
-    RegistryStore(const std::filesystem::path& file, ReloadListener on_reload);
+    explicit RegistryStore(std::filesystem::path file = {}) : file_(std::move(file)) {}
     RegistryStore(const RegistryStore&) = delete;
     RegistryStore& operator=(const RegistryStore&) = delete;
 
-    /// Everything up to now, others' changes included. Valid until the next call.
-    RegistryTree& current_tree();
-    /// Everything up to the last call.
-    RegistryTree& known_tree() const noexcept { return *tree_; }
-    bool is_writable() const { return !file_ || file_->is_writable(); }
-
-    /// Makes a change. `work` looks at the tree, which nobody else changes meanwhile, writes what is to change
-    /// and answers the operation's result; the change is made when that is kSuccess.
-    std::int32_t update(const std::function<std::int32_t(RegistryTree&, RegistryWriter&)>& work);
-
-    /// Changes the store by a whole registry text, in either encoding: all of it, or nothing when it is
-    /// damaged.
-    void import(const std::string& bytes);
+    /// What was last read or written. Its keys stay the same objects as long as they are there.
+    RegistryTree& tree() noexcept { return tree_; }
+    /// Reads the file again if it has changed.
+    void refresh();
+    /// Makes a change that `change` makes to the tree, which nobody else changes meanwhile; it answers whether there
+    /// is one. Where the file cannot be written, the tree is read again, so that nothing is changed; only handles of
+    /// a key that should have been deleted take it for deleted.
+    void update(const std::function<bool()>& change);
+    bool is_writable() const;
 
 private:
-    void catch_up();
-    bool has_grown(const FileStamp& stamp) const;
+    /// What tells whether a file is the one that was read: device, inode, size, time of change in seconds and
+    /// nanoseconds. All zero: there is none.
+    using Stamp = std::tuple<dev_t, ino_t, off_t, time_t, long>;
+    static Stamp stamp_of(const struct ::stat& status) noexcept;
     void load();
-    void read_whole_lines(std::string_view text);
-    void append(const std::string& text);
-    void rewrite();
-    bool pays_to_rewrite() const;
+    void save();
 
-    std::optional<RegistryFile> file_;
-    ReloadListener on_reload_;
-    std::unique_ptr<RegistryTree> tree_;
-    std::unique_ptr<RegistryReader> reader_;
-    /// What keeps the file from being read; told again until the file has changed.
-    std::optional<RegistryDamage> damage_;
-    FileStamp stamp_;
-    /// Where the last whole line ends, and the text before it, by which growth is told from other changes.
-    std::uint64_t end_ = 0;
-    std::string tail_;
-    /// A text as Windows exports it, which cannot be appended to.
-    bool foreign_ = false;
-    /// How much of the superseded text a failed rewriting leaves for the next attempt to wait for.
-    std::size_t rewriting_waits_for_ = 0;
+    const std::filesystem::path file_;
+    RegistryTree tree_;
+    /// Of what the tree holds; nothing when that is not known to be in the file.
+    std::optional<Stamp> stamp_;
+    /// The file of that stamp, kept open so that no later file gets its inode.
+    Descriptor held_;
 };
 
 }  // namespace vex::platform::native

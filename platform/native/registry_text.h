@@ -1,22 +1,45 @@
-// A registry as text: the format in which Windows exports it.
+// A registry as text, in the format in which Windows exports it. Knows no system: the simulated host reads exports
+// with it on every one.
 #pragma once
 
 #include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "platform/native/registry_changes.h"
+#include "platform/registry.h"
 
 namespace vex::platform::native {
 
-/// The first line of every registry text, with its line break.
-inline constexpr std::string_view kRegistryHeader = "Windows Registry Editor Version 5.00\n";
+/// A value as the registry keeps it: texts are UTF-16, little end first, with their terminating nulls.
+struct RegistryValue {
+    std::u16string name;
+    std::uint32_t type = kRegNone;
+    std::vector<std::uint8_t> data;
+};
 
-/// What a text is told that does not begin with it.
-inline constexpr char kNoHeader[] = "the first line of a registry is missing";
+bool is_string(std::uint32_t type) noexcept;
+std::u16string text_of(const std::vector<std::uint8_t>& data);
+std::vector<std::uint8_t> data_of(std::u16string_view text);
 
-/// A text that is not what it should be. `line` counts from 1.
+/// What a text says of a key, from the key's line to the next key's.
+struct RegistrySection {
+    struct Entry {
+        RegistryValue value;
+        /// There is no value of that name.
+        bool deleted = false;
+    };
+
+    std::size_t line = 0;
+    /// Begins with the name of a root.
+    std::u16string path;
+    /// The key and everything below it does not exist.
+    bool deleted = false;
+    std::vector<Entry> entries;
+};
+
+/// A text that is not what it should be: what() says what is expected. `line` counts from 1.
 class RegistryDamage : public std::runtime_error {
 public:
     RegistryDamage(std::size_t line, const std::string& reason) : std::runtime_error(reason), line_(line) {}
@@ -26,53 +49,40 @@ private:
     std::size_t line_;
 };
 
-/// Reads a registry text in UTF-8, with either kind of line breaks, from its first line on and in as many
-/// pieces as it comes in.
-class RegistryReader {
-public:
-    /// `changes` is told what is read; it outlives the reader.
-    explicit RegistryReader(RegistryChanges& changes) : changes_(changes) {}
+/// The first line of every registry text, with its line break.
+inline constexpr std::string_view kRegistryHeader = "Windows Registry Editor Version 5.00\n";
 
-    /// Reads the next whole lines. Raises RegistryDamage at the first that does not belong; what stood before
-    /// it has been told.
-    void read(std::string_view text);
+/// Reads a whole text, in UTF-8 or as Windows exports it in UTF-16, with either kind of line breaks and also without
+/// the last one. Later sections and entries win over earlier ones. Raises RegistryDamage.
+std::vector<RegistrySection> read_registry(std::string_view bytes);
 
-    /// The key whose values the next lines would tell; empty for none.
-    const std::u16string& current_key() const noexcept { return current_key_; }
+// Writing, in UTF-8: the header, and then each key before its values.
 
-private:
-    RegistryChanges& changes_;
-    std::size_t line_ = 1;
-    bool header_seen_ = false;
-    std::u16string current_key_;
+void append_key(std::string& text, std::u16string_view path);
+void append_value(std::string& text, const RegistryValue& value);
+
+// The paths of keys: names between backslashes, which do not count at both ends.
+
+struct RegistryRoot {
+    std::int32_t handle;
+    std::u16string_view name;
 };
-
-/// Writes a registry text without its header, each value and key on one line of its own.
-class RegistryWriter final : public RegistryChanges {
-public:
-    /// `current_key`: the key whose values the text before tells.
-    explicit RegistryWriter(std::u16string current_key = {}) : current_key_(std::move(current_key)) {}
-
-    void key(std::u16string_view path) override;
-    void key_deleted(std::u16string_view path) override;
-    void value(RegistryValue value) override;
-    void value_deleted(std::u16string_view name) override;
-
-    /// Everything that another writer wrote from the start of a text.
-    void append(const RegistryWriter& other);
-
-    const std::string& text() const noexcept { return text_; }
-
-private:
-    void put_name(std::u16string_view name);
-
-    std::u16string current_key_;
-    std::string text_;
+inline constexpr RegistryRoot kRegistryRoots[] = {
+    {kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"},
+    {kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
+    {kHkeyUsers, u"HKEY_USERS"},
+    {static_cast<std::int32_t>(0x80000005U), u"HKEY_CURRENT_CONFIG"},
+    {kHkeyClassesRoot, u"HKEY_CLASSES_ROOT"},
 };
+/// What HKEY_CLASSES_ROOT is another name for.
+inline constexpr std::u16string_view kClassesPath = u"HKEY_LOCAL_MACHINE\\Software\\Classes";
 
-/// Whether a file's bytes are in UTF-16, as Windows exports a registry.
-bool is_utf16_registry(std::string_view bytes);
-/// Such bytes in UTF-8.
-std::string registry_from_utf16(std::string_view bytes);
+/// As on Windows. Deeper keys are neither created nor read.
+constexpr std::size_t kMaxKeyDepth = 512;
+
+/// The first name of a path, which is cut off it together with the separators around it; empty at its end.
+std::u16string_view take_name(std::u16string_view& path);
+/// What is wrong with a path below a key that lies `depth` keys below its root; null when it can be created.
+const char* fault_of_path(std::u16string_view path, std::size_t depth);
 
 }  // namespace vex::platform::native

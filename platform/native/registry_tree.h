@@ -1,127 +1,119 @@
 // The keys and values of a registry in memory.
 #pragma once
 
-#include <cstdint>
+#include <algorithm>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "core/unicode.h"
-#include "platform/native/registry_changes.h"
+#include "platform/native/registry_text.h"
 
 namespace vex::platform::native {
 
-/// Elements in the order in which they came, found by name without regard to case in constant time.
-/// `Owner` is a smart pointer to something that has a `name`.
-template <class Owner>
+/// Whether a name stands before another. Case does not count.
+bool name_precedes(std::u16string_view left, std::u16string_view right) noexcept;
+
+/// What has a `name`, in the order of the names. Only adding and removing take time in proportion to the size, and
+/// adding at the end does not.
+template <class Element>
 class NameList {
 public:
-    using Element = typename Owner::element_type;
+    std::size_t size() const noexcept { return elements_.size(); }
+    Element& operator[](std::size_t index) const { return *elements_[index]; }
+    auto begin() noexcept { return elements_.begin(); }
+    auto begin() const noexcept { return elements_.begin(); }
+    auto end() noexcept { return elements_.end(); }
+    auto end() const noexcept { return elements_.end(); }
 
-    std::size_t size() const noexcept { return order_.size(); }
-    const Owner& operator[](std::size_t index) const { return order_[index]; }
-    auto begin() const noexcept { return order_.begin(); }
-    auto end() const noexcept { return order_.end(); }
-
-    Element* find(std::u16string_view name) const {
-        const auto found = names_.find(name);
-        return found == names_.end() ? nullptr : *found;
+    /// Null where there is none of that name.
+    std::shared_ptr<Element> find(std::u16string_view name) const {
+        const auto place = place_of(name);
+        return has(place, name) ? *place : nullptr;
     }
-    /// Takes the element over and answers null. When its name is taken, leaves it and answers who has that.
-    Element* add(Owner& element) {
-        const auto [holder, added] = names_.insert(element.get());
-        if (!added) return *holder;
-        order_.push_back(std::move(element));
-        return nullptr;
+    /// The one of that name, which keeps the case in which it came first; made where there is none.
+    Element& at(std::u16string_view name) {
+        auto place = place_of(name);
+        if (!has(place, name)) {
+            place = elements_.insert(place, std::make_shared<Element>());
+            (*place)->name = name;
+        }
+        return **place;
     }
-    void remove(Element& element) {
-        names_.erase(&element);
-        std::erase_if(order_, [&element](const Owner& each) { return each.get() == &element; });
+    bool remove(std::u16string_view name) {
+        const auto place = place_of(name);
+        const bool there = has(place, name);
+        if (there) elements_.erase(place);
+        return there;
     }
+    void swap(NameList& other) noexcept { elements_.swap(other.elements_); }
 
 private:
-    static char16_t folded(char16_t c) noexcept {
-        if (c < 0x80) return static_cast<char16_t>(c >= u'a' && c <= u'z' ? c - 0x20 : c);
-        return to_upper(c);
-    }
-    static std::u16string_view name_of(std::u16string_view name) { return name; }
-    static std::u16string_view name_of(const Element* element) { return element->name; }
-    struct Hash {
-        using is_transparent = void;
-        // Not noexcept: only then does the library keep the numbers instead of working them out again and again.
-        std::size_t operator()(const auto& name) const {
-            std::uint64_t hash = 0xCBF29CE484222325U;
-            for (const char16_t c : name_of(name)) hash = (hash ^ folded(c)) * 0x100000001B3U;
-            return static_cast<std::size_t>(hash ^ (hash >> 32));
-        }
-    };
-    struct Equal {
-        using is_transparent = void;
-        bool operator()(const auto& left, const auto& right) const noexcept {
-            return equal_ignoring_case(name_of(left), name_of(right));
-        }
-    };
+    using Elements = std::vector<std::shared_ptr<Element>>;
 
-    std::vector<Owner> order_;
-    std::unordered_set<Element*, Hash, Equal> names_;
+    typename Elements::const_iterator place_of(std::u16string_view name) const {
+        if (elements_.empty() || name_precedes(elements_.back()->name, name)) return elements_.end();
+        return std::partition_point(elements_.begin(), elements_.end(),
+                                    [name](const auto& each) { return name_precedes(each->name, name); });
+    }
+    bool has(typename Elements::const_iterator place, std::u16string_view name) const {
+        return place != elements_.end() && !name_precedes(name, (*place)->name);
+    }
+
+    Elements elements_;
 };
 
-/// A key. Open handles share it, so that it outlives its deletion.
+/// A key: its values and the keys below it. Open handles share it, so that it outlives its deletion.
 struct RegistryNode : std::enable_shared_from_this<RegistryNode> {
     std::u16string name;
-    /// Null for a root, and for a key that is deleted.
+    /// Null for a deleted key, and for what is above the roots.
     RegistryNode* parent = nullptr;
-    bool deleted = false;
-    NameList<std::shared_ptr<RegistryNode>> subkeys;
-    NameList<std::unique_ptr<RegistryValue>> values;
+    NameList<RegistryValue> values;
+    NameList<RegistryNode> keys;
+
+    bool is_deleted() const noexcept { return parent == nullptr; }
+    /// How many keys lie between it and what is above the roots.
+    std::size_t depth() const noexcept { return parent->parent == nullptr ? 0 : parent->depth() + 1; }
 
     /// The key at a path below this one, or null. An empty path is the key itself.
     RegistryNode* find(std::u16string_view path);
-    /// The names from the root's down, joined by backslashes.
-    std::u16string path() const;
-};
-
-/// All keys below the predefined roots. HKEY_CLASSES_ROOT is another name for HKEY_LOCAL_MACHINE's
-/// Software\Classes, which always exists, as the roots do.
-class RegistryTree final : public RegistryChanges {
-public:
-    RegistryTree();
-    RegistryTree(const RegistryTree&) = delete;
-    RegistryTree& operator=(const RegistryTree&) = delete;
-    ~RegistryTree() override;
-
-    /// The node of a predefined handle, or null.
-    RegistryNode* root(std::int32_t handle) const;
-    /// The key at a path that begins with a root's name, or null.
-    RegistryNode* find(std::u16string_view path) const;
-    /// Whether a key cannot be deleted: a root, or the key of the classes.
-    bool is_permanent(const RegistryNode& node) const { return node.parent == nullptr || &node == classes_; }
-
-    void key(std::u16string_view path) override;
-    void key_deleted(std::u16string_view path) override;
-    void value(RegistryValue value) override;
-    void value_deleted(std::u16string_view name) override;
-
-    /// Tells everything there is.
-    void tell(RegistryChanges& changes) const;
-    /// About how much text told of what later text changed or deleted, in bytes.
-    std::size_t superseded_size() const noexcept { return superseded_size_; }
+    /// The same, and made where it is missing.
+    RegistryNode& create(std::u16string_view path);
+    /// Deletes it and everything below it.
+    void remove();
+    void clear();
+    /// Becomes what a key that was read anew is. Below it, each key that is there in both stays the same object.
+    void take(RegistryNode& fresh);
 
 private:
-    RegistryNode* find_root(std::u16string_view name) const;
-    void tell_node(const RegistryNode& node, const std::u16string& path, RegistryChanges& changes) const;
-
-    NameList<std::shared_ptr<RegistryNode>> roots_;
-    RegistryNode* classes_ = nullptr;
-    /// The key whose values are told; null for none.
-    RegistryNode* current_ = nullptr;
-    std::size_t superseded_size_ = 0;
+    void mark_deleted() noexcept;
 };
 
-/// How deep the key lies that a predefined root's name stands for; nothing when it is no root's.
-std::optional<std::size_t> depth_of_registry_root(std::u16string_view name);
+/// All keys below the predefined roots. HKEY_CLASSES_ROOT is another name for a key that always exists, as the
+/// roots do.
+class RegistryTree {
+public:
+    RegistryTree();
+
+    /// Null for what is no root's name.
+    RegistryNode* root(std::u16string_view name) const;
+    /// The key at a path that begins with a root's name, or null.
+    RegistryNode* find(std::u16string_view path) const;
+    /// Whether a key cannot be deleted.
+    bool is_permanent(const RegistryNode& key) const { return key.parent == top_.get() || &key == classes_; }
+
+    void apply(std::vector<RegistrySection> sections);
+    /// Becomes what a tree that was read anew is. Keys that are there in both stay, and open handles with them.
+    void take(RegistryTree& fresh);
+
+    /// All of it as a registry text.
+    std::string text() const;
+
+private:
+    void append(std::string& text, const RegistryNode& key, const std::u16string& path) const;
+
+    std::shared_ptr<RegistryNode> top_ = std::make_shared<RegistryNode>();
+    RegistryNode* classes_;
+};
 
 }  // namespace vex::platform::native

@@ -1,4 +1,3 @@
-// The container that an ActiveX control expects around itself.
 #include "platform/win32/control_site.h"
 
 #include "com/object.h"
@@ -55,7 +54,7 @@ private:
 }  // namespace
 
 /// The client site: where the control is, and what it may know of its surroundings.
-class ControlSite final : public com::Object<ControlSite, IOleClientSite, IOleInPlaceSite, IDispatch> {
+class ControlSite final : public com::Object<ControlSite, IOleClientSite, IOleInPlaceSite, com::Untyped<IDispatch>> {
 public:
     explicit ControlSite(HWND window) noexcept : Object(site_lifetime()), window_(window) {}
 
@@ -113,18 +112,6 @@ public:
     HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT) noexcept override { return S_OK; }
 
     // IDispatch: the ambient properties.
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** information) noexcept override {
-        if (information != nullptr) *information = nullptr;
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override {
-        return DISP_E_UNKNOWNNAME;
-    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                                      UINT*) noexcept override {
         if ((flags & DISPATCH_PROPERTYGET) == 0 || result == nullptr) return DISP_E_MEMBERNOTFOUND;

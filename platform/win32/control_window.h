@@ -1,8 +1,10 @@
-// The window of one control: made from the control's data, kept like it, and the source of its events.
+// The window of one control: made from the control's data, kept like it, and the source of its events. All kinds but
+// the list and the controls of the host.
 #pragma once
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "platform/win32/surface.h"
 #include "platform/win32/window_name.h"
@@ -50,6 +52,7 @@ protected:
     LRESULT system_handling(UINT message, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
 private:
+    void show_default_button() const noexcept;
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
     Surface& parent_;
@@ -57,6 +60,64 @@ private:
     HWND window_ = nullptr;
     WNDPROC system_procedure_ = nullptr;
     WindowName name_;
+};
+
+/// Text that lets what lies behind it show through. Takes its own mouse presses. A label with room for one line
+/// does not break it, and grows to the right where a computer's font is wider than the designer's.
+class LabelWindow final : public ControlWindow {
+public:
+    LabelWindow(Surface& parent, forms::Label& label, int id);
+
+private:
+    std::optional<LRESULT> message(UINT message, WPARAM wide_parameter, LPARAM long_parameter) override;
+    void paint() const noexcept;
+    void fit() noexcept;
+
+    bool one_line_ = false;
+};
+
+/// A push button, an option button or a check box.
+class ButtonWindow final : public ControlWindow {
+public:
+    ButtonWindow(Surface& parent, forms::Control& button, int id);
+
+    void update(forms::Change change) override;
+    void command(WORD code) override;
+
+private:
+    void show_value();
+};
+
+class TextBoxWindow final : public ControlWindow {
+public:
+    TextBoxWindow(Surface& parent, forms::TextBox& box, int id);
+
+    void command(WORD code) override;
+};
+
+class PanelWindow final : public ControlWindow {
+public:
+    PanelWindow(Surface& parent, forms::Panel& panel);
+
+    Surface* surface(std::size_t /*page*/) noexcept override { return &surface_; }
+
+private:
+    Surface surface_;
+};
+
+/// A container of pages, of which one shows. The strip with the pages' tabs is not drawn: it lies outside the
+/// form's client area.
+class PagesWindow final : public ControlWindow {
+public:
+    PagesWindow(Surface& parent, forms::TabPages& pages);
+
+    void update(forms::Change change) override;
+    Surface* surface(std::size_t page) noexcept override;
+
+private:
+    forms::TabPages& pages_;
+    Surface frame_;
+    std::vector<std::unique_ptr<Surface>> surfaces_;
 };
 
 }  // namespace vex::platform::win32

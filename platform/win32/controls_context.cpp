@@ -1,10 +1,9 @@
-// The system's modern controls.
 #include "platform/win32/controls_context.h"
 
 #include <string>
 
-#include "platform/win32/late_library.h"
 #include "platform/win32/system.h"
+#include "platform/win32/windows_api.h"
 
 namespace vex::platform::win32 {
 namespace {

@@ -1,7 +1,7 @@
 // The system's modern controls, whatever the host uses for its own windows.
 #pragma once
 
-#include "platform/win32/handles.h"
+#include "platform/win32/windows_api.h"
 
 namespace vex::platform::win32 {
 

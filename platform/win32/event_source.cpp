@@ -1,7 +1,7 @@
 // The Windows side: an object's type description tells its default source interface and the events' names.
 #include "platform/event_source.h"
 
-#include "com/interface_id.h"
+#include "com/com_ptr.h"
 #include "core/runtime_error.h"
 #include "platform/win32/windows_api.h"
 

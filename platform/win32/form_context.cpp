@@ -1,4 +1,3 @@
-// What the windows of one form share.
 #include "platform/win32/form_context.h"
 
 #include <cstring>

@@ -1,14 +1,13 @@
-// The window of a form while it is shown.
 #include "platform/win32/form_window.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "platform/win32/control_site.h"
+#include "platform/win32/control_window.h"
 #include "platform/win32/controls_context.h"
 #include "platform/win32/list_window.h"
-#include "platform/win32/module_icon.h"
-#include "platform/win32/plain_windows.h"
+#include "platform/win32/pictures.h"
+#include "platform/win32/windows_api.h"
 
 namespace vex::platform::win32 {
 namespace {
@@ -17,19 +16,18 @@ constexpr DWORD kFrameStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU;
 /// Below it are the numbers that the system uses itself, among them that of the cancel key.
 constexpr int kFirstControlId = 1000;
 
+/// A plain pointer: nothing has to be destroyed when the thread or the module ends.
+thread_local FormWindow* top_form = nullptr;
+
 /// A frame of dialogs shows no icon unless it has one.
 DWORD frame_extended_style(const forms::Form& form) noexcept {
     return form.icon().empty() ? WS_EX_CONTROLPARENT | WS_EX_DLGMODALFRAME : WS_EX_CONTROLPARENT;
 }
 
-bool is_container(const forms::Control& control) noexcept {
-    return control.kind() == forms::ControlKind::panel || control.kind() == forms::ControlKind::tab_pages;
-}
-
 bool is_button(const forms::Control& control) noexcept { return control.kind() == forms::ControlKind::button; }
 
 /// The number of a control's window: the button of the Esc key has the one by which the system finds it.
-int control_id(const forms::Control& control, std::size_t index) noexcept {
+int control_id(const forms::Control& control, std::ptrdiff_t index) noexcept {
     if (is_button(control) && static_cast<const forms::Button&>(control).is_cancel) return IDCANCEL;
     return kFirstControlId + static_cast<int>(index);
 }
@@ -46,21 +44,42 @@ RECT work_area(HWND near_window) noexcept {
     return information.rcWork;
 }
 
+void bring_forward(HWND window) noexcept {
+    BringWindowToTop(window);
+    SetForegroundWindow(window);
+}
+
+/// Brings the topmost form, or the system's dialog over it, before what the user pressed in its place. The system
+/// does so only where that is its owner.
+void bring_top_forward() noexcept {
+    const HWND front = top_form == nullptr ? nullptr : GetLastActivePopup(top_form->window());
+    if (front != nullptr && IsWindowEnabled(front)) bring_forward(front);
+}
+
+/// What the system tells a user who ends the session while the window refuses; empty: it does not.
+void set_refusal_reason(HWND window, const std::u16string& reason) {
+    const LateLibrary user(u"user32.dll");
+    if (reason.empty()) {
+        auto* const destroy = user.try_function<decltype(ShutdownBlockReasonDestroy)>("ShutdownBlockReasonDestroy");
+        if (destroy != nullptr) destroy(window);
+    } else {
+        auto* const create = user.try_function<decltype(ShutdownBlockReasonCreate)>("ShutdownBlockReasonCreate");
+        if (create != nullptr) create(window, wide(reason));
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<ControlWindow> ControlWindow::make(Surface& parent, forms::Control& control, int id) {
     using forms::ControlKind;
     switch (control.kind()) {
-        case ControlKind::label:
-            return std::make_unique<LabelWindow>(parent, static_cast<forms::Label&>(control), id);
+        case ControlKind::label: return std::make_unique<LabelWindow>(parent, static_cast<forms::Label&>(control), id);
         case ControlKind::button:
         case ControlKind::option_button:
-        case ControlKind::check_box:
-            return std::make_unique<ButtonWindow>(parent, control, id);
+        case ControlKind::check_box: return std::make_unique<ButtonWindow>(parent, control, id);
         case ControlKind::text_box:
             return std::make_unique<TextBoxWindow>(parent, static_cast<forms::TextBox&>(control), id);
-        case ControlKind::panel:
-            return std::make_unique<PanelWindow>(parent, static_cast<forms::Panel&>(control));
+        case ControlKind::panel: return std::make_unique<PanelWindow>(parent, static_cast<forms::Panel&>(control));
         case ControlKind::tab_pages:
             return std::make_unique<PagesWindow>(parent, static_cast<forms::TabPages&>(control));
         case ControlKind::list_view:
@@ -70,26 +89,31 @@ std::unique_ptr<ControlWindow> ControlWindow::make(Surface& parent, forms::Contr
             return hosted.object == nullptr ? nullptr : std::make_unique<HostControlWindow>(parent, hosted, id);
         }
         case ControlKind::shape:
-        case ControlKind::line:
-            return nullptr;
+        case ControlKind::line: return nullptr;
     }
     return nullptr;
 }
 
-FormWindow::FormWindow(forms::Form& form, HWND owner) : context_(form), root_(*this) {
+FormWindow::FormWindow(forms::Form& form, HWND owner, HWND below) : context_(form), root_(*this) {
     const ControlsContext modern_controls;
     root_.create(owner, kFrameStyle, frame_extended_style(form));
     name_ = WindowName(window(), form.name());
-    set_frame();
+    set_frame(below);
     make_controls(root_);
+    form.set_view(this);
+    below_ = std::exchange(top_form, this);
 }
 
 FormWindow::~FormWindow() {
+    top_form = below_;
+    context_.form().set_view(nullptr);
     // Children first: a container takes their windows with it.
     while (!controls_.empty()) controls_.pop_back();
 }
 
-void FormWindow::set_frame() {
+FormWindow* FormWindow::top() noexcept { return top_form; }
+
+void FormWindow::set_frame(HWND below) {
     const forms::Form& form = context_.form();
     SetWindowTextW(window(), wide(form.caption()));
     SendMessageW(window(), WM_SETFONT, reinterpret_cast<WPARAM>(context_.font(form.font())), FALSE);
@@ -103,10 +127,9 @@ void FormWindow::set_frame() {
     const int width = frame.right - frame.left;
     const int height = frame.bottom - frame.top;
 
-    const HWND owner = GetWindow(window(), GW_OWNER);
-    const RECT area = work_area(owner);
+    const RECT area = work_area(below);
     RECT middle = area;
-    if (owner != nullptr && IsWindowVisible(owner) && !IsIconic(owner)) GetWindowRect(owner, &middle);
+    if (below != nullptr && IsWindowVisible(below) && !IsIconic(below)) GetWindowRect(below, &middle);
     const auto within = [](LONG place, LONG size, LONG first, LONG last) {
         return std::max(first, std::min(place, last - size));
     };
@@ -117,23 +140,17 @@ void FormWindow::set_frame() {
 
 void FormWindow::make_controls(Surface& surface) {
     surface.adopt_drawings();
-    const auto& controls = context_.form().controls();
-    std::vector<std::size_t> order;
-    for (std::size_t index = 0; index < controls.size(); ++index) {
-        if (controls[index]->parent() == surface.container() && controls[index]->page() == surface.page()) {
-            order.push_back(index);
+    // The system's keyboard order is the order of the windows.
+    for (forms::Control* control : context_.form().keyboard_order()) {
+        if (control->parent() == surface.container() && control->page() == surface.page()) {
+            make_control(surface, *control);
         }
     }
-    // The system's keyboard order is the order of the windows.
-    std::stable_sort(order.begin(), order.end(), [this](std::size_t left, std::size_t right) {
-        return keyboard_position(left) < keyboard_position(right);
-    });
-    for (const std::size_t index : order) make_control(surface, index);
 }
 
-void FormWindow::make_control(Surface& surface, std::size_t index) {
-    forms::Control& control = *context_.form().controls()[index];
-    const int id = control_id(control, index);
+void FormWindow::make_control(Surface& surface, forms::Control& control) {
+    const auto& controls = context_.form().controls();
+    const int id = control_id(control, std::find(controls.begin(), controls.end(), &control) - controls.begin());
     auto made = ControlWindow::make(surface, control, id);
     if (made == nullptr) return;
     ControlWindow& window_of_control = *controls_.emplace_back(std::move(made));
@@ -146,30 +163,9 @@ void FormWindow::make_control(Surface& surface, std::size_t index) {
     }
 }
 
-int FormWindow::keyboard_position(std::size_t index) const noexcept {
-    constexpr int kLast = std::numeric_limits<int>::max();
-    const auto& controls = context_.form().controls();
-    const forms::Control& control = *controls[index];
-    if (control.tab_index() >= 0) return control.tab_index();
-    int position = kLast;
-    if (is_container(control)) {
-        // A container stands where its first control does.
-        for (std::size_t other = 0; other < controls.size(); ++other) {
-            if (controls[other]->parent() == &control) position = std::min(position, keyboard_position(other));
-        }
-        return position;
-    }
-    // What takes no focus stands before the next control that does: a label before its field.
-    for (std::size_t next = index + 1; next < controls.size(); ++next) {
-        const forms::Control& other = *controls[next];
-        const bool beside = other.parent() == control.parent() && other.page() == control.page();
-        if (beside && other.tab_index() >= 0) return other.tab_index();
-    }
-    return position;
-}
-
 void FormWindow::show() {
     ShowWindow(window(), SW_SHOW);
+    bring_forward(window());
     if (const HWND first = GetNextDlgTabItem(window(), nullptr, FALSE)) {
         SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
     }
@@ -231,7 +227,19 @@ Surface* FormWindow::surface_below(const forms::Control& control) noexcept {
     return container == nullptr ? nullptr : container->surface(page);
 }
 
-std::optional<LRESULT> FormWindow::Root::handle(UINT message, WPARAM wide_parameter, LPARAM /*long_parameter*/) {
+bool FormWindow::may_end_session() const {
+    bool may = true;
+    for (const FormWindow* open = top_form; open != nullptr; open = open->below_) {
+        forms::Form& form = open->context_.form();
+        if (form.may_unload(forms::UnloadMode::system)) continue;
+        may = false;
+        set_refusal_reason(window(), form.caption() + u" has not finished its work.");
+    }
+    if (may) set_refusal_reason(window(), {});
+    return may;
+}
+
+std::optional<LRESULT> FormWindow::Root::handle(UINT message, WPARAM wide_parameter, LPARAM long_parameter) {
     forms::Form& form = context().form();
     switch (message) {
         case WM_ACTIVATE:
@@ -241,6 +249,13 @@ std::optional<LRESULT> FormWindow::Root::handle(UINT message, WPARAM wide_parame
             // Under a modal form or message box the form takes no requests, whoever sends them.
             if (IsWindowEnabled(window())) form.raise_close_request(forms::UnloadMode::control_menu);
             return 0;
+        case WM_SETCURSOR:
+            // How a window that takes no input is told of a press.
+            if (static_cast<short>(LOWORD(long_parameter)) == HTERROR && pressed_button(HIWORD(long_parameter))) {
+                bring_top_forward();
+            }
+            return std::nullopt;
+        case WM_QUERYENDSESSION: return form_window_.may_end_session();
         case WM_ENDSESSION:
             if (wide_parameter != FALSE) form.raise_close_request(forms::UnloadMode::system);
             return 0;
@@ -248,8 +263,7 @@ std::optional<LRESULT> FormWindow::Root::handle(UINT message, WPARAM wide_parame
             // Somebody else destroys it, with its owner.
             form.hide();
             return std::nullopt;
-        default:
-            return std::nullopt;
+        default: return std::nullopt;
     }
 }
 

@@ -13,12 +13,16 @@ namespace vex::platform::win32 {
 
 class FormWindow final : public forms::FormView {
 public:
-    /// Makes the windows of a loaded form, hidden, over `owner` (which may be null). Throws RuntimeError.
-    FormWindow(forms::Form& form, HWND owner);
+    /// Makes the windows of a loaded form, hidden, in the middle of what it comes to stand over, if that is not null.
+    /// While it lives it is the thread's topmost one and the form's view. Throws RuntimeError.
+    FormWindow(forms::Form& form, HWND owner, HWND below);
     ~FormWindow() override;
 
+    /// The thread's topmost one, or null.
+    static FormWindow* top() noexcept;
+
     HWND window() const noexcept { return root_.window(); }
-    /// Puts the form on the screen, in the middle of its owner, and gives it the focus.
+    /// Puts the form on the screen, before all others, and gives it the focus.
     void show();
     /// Whether the form was activated since the last question; true at first.
     bool take_activation() noexcept { return std::exchange(activated_, false); }
@@ -44,13 +48,13 @@ private:
         FormWindow& form_window_;
     };
 
-    void set_frame();
+    void set_frame(HWND below);
     void make_controls(Surface& surface);
-    void make_control(Surface& surface, std::size_t index);
-    int keyboard_position(std::size_t index) const noexcept;
+    void make_control(Surface& surface, forms::Control& control);
     ControlWindow* find(const forms::Control& control) const noexcept;
     Surface* surface_below(const forms::Control& control) noexcept;
     void move_focus_from(HWND focus) noexcept;
+    bool may_end_session() const;
 
     FormContext context_;
     OwnedIcon small_icon_;
@@ -60,6 +64,8 @@ private:
     /// Children after their containers.
     std::vector<std::unique_ptr<ControlWindow>> controls_;
     bool activated_ = true;
+    /// The one that was topmost before.
+    FormWindow* below_ = nullptr;
 };
 
 }  // namespace vex::platform::win32

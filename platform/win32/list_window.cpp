@@ -1,11 +1,10 @@
-// A list in report view.
 #include "platform/win32/list_window.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "core/unicode.h"
-#include "platform/win32/module_icon.h"
+#include "platform/win32/pictures.h"
 
 namespace vex::platform::win32 {
 
@@ -133,7 +132,8 @@ void ListWindow::tell_item(LVITEMW& item) const noexcept {
 }
 
 LRESULT ListWindow::color_item(NMLVCUSTOMDRAW& draw) const noexcept {
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT;
+    if (draw.nmcd.dwDrawStage == CDDS_POSTPAINT) draw_focus(draw.nmcd.hdc);
     const std::size_t index = draw.nmcd.dwItemSpec;
     if (index >= list_.row_count()) return CDRF_DODEFAULT;
     const forms::ListRow& row = list_.rows()[index];
@@ -141,6 +141,18 @@ LRESULT ListWindow::color_item(NMLVCUSTOMDRAW& draw) const noexcept {
     const bool cell = (draw.nmcd.dwDrawStage & CDDS_SUBITEM) != 0 && column > 0 && column <= row.sub_items.size();
     draw.clrText = text_color(cell ? row.sub_items[column - 1].fore_color : row.fore_color, COLOR_WINDOWTEXT);
     return draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT ? CDRF_NOTIFYSUBITEMDRAW : CDRF_DODEFAULT;
+}
+
+void ListWindow::draw_focus(HDC dc) const noexcept {
+    // The system marks a row; where none has the focus, it would not be seen at all.
+    const LRESULT row = SendMessageW(window(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    if (GetFocus() != window() || row >= 0) return;
+    RECT area = {};
+    RECT header = {};
+    GetClientRect(window(), &area);
+    GetClientRect(reinterpret_cast<HWND>(SendMessageW(window(), LVM_GETHEADER, 0, 0)), &header);
+    area.top = header.bottom;
+    DrawFocusRect(dc, &area);
 }
 
 int ListWindow::find_item(const NMLVFINDITEMW& search) const {
@@ -160,6 +172,7 @@ int ListWindow::find_item(const NMLVFINDITEMW& search) const {
 std::optional<LRESULT> ListWindow::message(UINT message, WPARAM wide_parameter, LPARAM long_parameter) {
     // Told only when it next has something to do: counting anew for each of many rows would take long.
     if (std::exchange(stale_, false)) show_rows();
+    if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, FALSE);
     if (message == WM_CONTEXTMENU) {
         // By mouse, the press has been told already.
         constexpr LPARAM kByKeyboard = -1;

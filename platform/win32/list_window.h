@@ -24,6 +24,7 @@ private:
     void show_selection();
     void tell_item(LVITEMW& item) const noexcept;
     LRESULT color_item(NMLVCUSTOMDRAW& draw) const noexcept;
+    void draw_focus(HDC dc) const noexcept;
     int find_item(const NMLVFINDITEMW& search) const;
     void press_by_keyboard();
 

@@ -1,4 +1,3 @@
-// An area that controls lie on.
 #include "platform/win32/surface.h"
 
 #include <windowsx.h>

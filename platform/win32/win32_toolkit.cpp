@@ -1,39 +1,74 @@
 // The Toolkit on user32 and the common controls.
-#include "platform/win32/win32_toolkit.h"
-
 #include <algorithm>
+#include <vector>
 
 #include "platform/win32/form_window.h"
-#include "platform/win32/late_library.h"
-#include "platform/win32/modal_scope.h"
 #include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
 
 namespace vex::platform::win32 {
 namespace {
 
-/// The thread's topmost form. A plain pointer: nothing has to be destroyed when the thread or the module ends.
-thread_local FormWindow* top_form = nullptr;
-
-/// Makes a form the topmost one, and its window the form's view, while it lives.
-class TopForm {
+/// Has no state of its own: what a thread shows is known to that thread.
+class Win32Toolkit final : public forms::Toolkit {
 public:
-    TopForm(forms::Form& form, FormWindow& window) noexcept : form_(form), below_(std::exchange(top_form, &window)) {
-        form_.set_view(&window);
-    }
-    TopForm(const TopForm&) = delete;
-    TopForm& operator=(const TopForm&) = delete;
-    ~TopForm() {
-        form_.set_view(nullptr);
-        top_form = below_;
-    }
-
-private:
-    forms::Form& form_;
-    FormWindow* below_;
+    void run_modal(forms::Form& form, forms::Form* owner) override;
+    void pump_messages() override;
+    forms::MessageAnswer message_box(const forms::MessageBox& box) override;
+    std::optional<std::u16string> open_file(const forms::OpenFileRequest& request) override;
+    void pop_up_menu(forms::Form& form, forms::Menu& menu) override;
+    void beep() override;
 };
 
-HWND top_window() noexcept { return top_form != nullptr ? top_form->window() : GetActiveWindow(); }
+/// While it lives, no other window of the thread takes input; then exactly those that it has disabled do
+/// again, and the window that the modal one stood over is active with the focus that it had.
+class ModalScope {
+public:
+    /// Before `modal` is shown. `below`: what it stands over, or null. To be ended before `modal` is destroyed: the
+    /// system would activate another program's window next when it has no owner.
+    ModalScope(HWND modal, HWND below);
+    ModalScope(const ModalScope&) = delete;
+    ModalScope& operator=(const ModalScope&) = delete;
+    ~ModalScope();
+
+private:
+    HWND modal_;
+    HWND below_;
+    HWND focus_;
+    std::vector<HWND> disabled_;
+};
+
+/// Collects the windows that take input.
+BOOL CALLBACK collect(HWND window, LPARAM windows) noexcept {
+    if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+    try {
+        reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
+        return TRUE;
+    } catch (...) {
+        return FALSE;
+    }
+}
+
+ModalScope::ModalScope(HWND modal, HWND below) : modal_(modal), below_(below), focus_(GetFocus()) {
+    EnumThreadWindows(GetCurrentThreadId(), collect, reinterpret_cast<LPARAM>(&disabled_));
+    std::erase(disabled_, modal);
+    for (const HWND window : disabled_) EnableWindow(window, FALSE);
+}
+
+ModalScope::~ModalScope() {
+    for (const HWND window : disabled_) {
+        if (IsWindow(window)) EnableWindow(window, TRUE);
+    }
+    if (below_ == nullptr || !IsWindow(below_)) return;
+    if (GetActiveWindow() == modal_) SetActiveWindow(below_);
+    if (focus_ == nullptr || GetActiveWindow() != below_) return;
+    if (IsWindow(focus_) && IsWindowEnabled(focus_) && IsWindowVisible(focus_)) SetFocus(focus_);
+}
+
+HWND top_window() noexcept {
+    const FormWindow* const top = FormWindow::top();
+    return top != nullptr ? top->window() : GetActiveWindow();
+}
 
 void dispatch(MSG& message) noexcept {
     const HWND form = message.hwnd == nullptr ? nullptr : GetAncestor(message.hwnd, GA_ROOT);
@@ -85,13 +120,11 @@ forms::Toolkit& desktop() {
 }
 
 void Win32Toolkit::run_modal(forms::Form& form, forms::Form* owner) {
-    const FocusScope focus;
-    // A form without an owner stands over what it keeps from taking input, and cannot get lost behind it.
+    const HWND below = top_window();
     const bool owned = owner != nullptr && owner->view() != nullptr;
-    FormWindow window(form, owned ? static_cast<FormWindow*>(owner->view())->window() : top_window());
+    FormWindow window(form, owned ? static_cast<FormWindow*>(owner->view())->window() : nullptr, below);
     {
-        const TopForm top(form, window);
-        const ModalScope modal(window.window());
+        const ModalScope modal(window.window(), below);
         window.show();
         run_loop(form, window);
     }

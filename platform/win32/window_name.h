@@ -35,4 +35,9 @@ std::u16string window_name(HWND window);
 /// The first window of that name below `ancestor`, or null.
 HWND find_named_window(HWND ancestor, std::u16string_view name);
 
+/// Gives the window an accessible name. Does nothing where the system's accessibility service is missing.
+void set_accessible_name(HWND window, std::u16string_view name);
+/// Takes the name back; to be called before the window is destroyed.
+void clear_accessible_name(HWND window);
+
 }  // namespace vex::platform::win32

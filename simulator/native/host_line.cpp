@@ -1,10 +1,11 @@
 // The simulated host's own line on the terminal.
 #include "simulator/native/host_line.h"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <string>
 
-#include "platform/native/terminal/colors.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::sim {
@@ -12,8 +13,8 @@ namespace {
 
 namespace terminal = platform::native::terminal;
 
-constexpr forms::Color kLine = forms::rgb(0, 48, 60);
-constexpr forms::Color kBar = forms::rgb(100, 255, 100);
+constexpr terminal::Style kLine{.fore = terminal::Color::black, .back = terminal::Color::cyan};
+constexpr terminal::Style kBar{.fore = terminal::Color::white};
 
 std::u32string wide(const std::string& text) { return {text.begin(), text.end()}; }
 
@@ -34,28 +35,51 @@ std::string of(const char* what, std::size_t number, std::size_t count) {
            " ";
 }
 
+/// The run goes on while its Close is disabled, and again while a display is done once more.
+bool is_running(const terminal::TerminalToolkit& toolkit) {
+    const forms::Form* const run = toolkit.find("dlgDispUpdater");
+    if (run == nullptr) return false;
+    const forms::Control* const close = run->find("cmdClose");
+    return (close != nullptr && !close->enabled()) || toolkit.find("dlgHandleSignOption") != nullptr;
+}
+
+/// How the displays of the run on the screen fared; empty where there is none.
+std::string outcome(const terminal::TerminalToolkit& toolkit) {
+    const forms::Form* const run = toolkit.find("dlgDispUpdater");
+    forms::Control* const found = run == nullptr ? nullptr : run->find("lstvDisplayStatus");
+    if (found == nullptr || toolkit.top() != run) return {};
+    const auto& list = static_cast<const forms::ListView&>(*found);
+    std::map<std::string, int> counts;
+    for (const forms::ListRow& row : list.rows()) {
+        if (row.icon) ++counts[list.small_icons->images()[*row.icon].icon];
+    }
+    std::string text = std::to_string(counts["UPDATED"]) + " updated";
+    for (const auto& [icon, word] : {std::pair("FAILED", " failed"), std::pair("CANCELLED", " cancelled"),
+                                     std::pair("NOTUPDATED", " not tried")}) {
+        if (counts[icon] > 0) text += ", " + std::to_string(counts[icon]) + word;
+    }
+    return text + (counts["UPDATED"] < static_cast<int>(list.row_count()) ? ": F10 retries   " : "   ");
+}
+
 }  // namespace
 
-void draw_host_line(terminal::Canvas& canvas, const terminal::Area& line, const RunProgress& progress) {
-    canvas.fill(line, {terminal::look::kDesktopText, kLine});
-    const terminal::Ink ink{.fore = terminal::look::kDesktopText};
-    if (!progress.working()) {
-        canvas.text({line.left + 1, line.top},
-                    U"Tab next   Enter press   Space choose   Esc close   F10 menu   Ctrl+C leave", ink);
-        return;
-    }
+std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const terminal::Area& line,
+                                             const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
+    if (!is_running(toolkit)) return wide(outcome(toolkit));
+    canvas.fill(line, kLine);
     const std::u32string unit = wide(of("Unit", progress.unit_number(), progress.units()));
     const std::u32string display = wide(of("Display", progress.display_number(), progress.displays()));
     const std::u32string unit_percent = wide(percent(progress.unit_share()));
     const std::u32string run_percent = wide(percent(progress.run_share()));
     const int texts = terminal::text_width(unit) + terminal::text_width(display) + 2 * 6 + 5;
     const int width = std::max(5, (line.width() - texts) / 2);
-    int column = canvas.text({line.left + 1, line.top}, unit, ink);
-    column = canvas.text({column, line.top}, bar(progress.unit_share(), width), {.fore = kBar});
-    column = canvas.text({column, line.top}, unit_percent, ink);
-    column = canvas.text({column + 2, line.top}, display, ink);
-    column = canvas.text({column, line.top}, bar(progress.run_share(), width), {.fore = kBar});
-    canvas.text({column, line.top}, run_percent, ink);
+    int column = canvas.text({line.left + 1, line.top}, unit, kLine);
+    column = canvas.text({column, line.top}, bar(progress.unit_share(), width), kBar);
+    column = canvas.text({column, line.top}, unit_percent, kLine);
+    column = canvas.text({column + 2, line.top}, display, kLine);
+    column = canvas.text({column, line.top}, bar(progress.run_share(), width), kBar);
+    canvas.text({column, line.top}, run_percent, kLine);
+    return std::nullopt;
 }
 
 }  // namespace vex::sim

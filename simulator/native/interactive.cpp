@@ -3,7 +3,7 @@
 
 #include <iostream>
 
-#include "platform/native/terminal/terminal_description.h"
+#include "platform/native/terminal/screen.h"
 #include "simulator/native/trial.h"
 
 namespace vex::sim {
@@ -14,7 +14,7 @@ constexpr char kSampleScenario[] = "demo.scn";
 }  // namespace
 
 int play_without_scenario(const CommandLine& options) {
-    if (platform::native::terminal::terminal_is_usable()) {
+    if (platform::native::terminal::find_terminal(std::cerr)) {
         NativeSession session(options);
         return run_trial(session, options);
     }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/unicode.h"
+#include "simulator/words.h"
 
 namespace vex::sim {
 
@@ -16,9 +17,10 @@ forms::Form& NativeScreen::form() const {
     return *top;
 }
 
-template <class Kind>
-Kind& NativeScreen::control(const std::u16string& name) const {
-    return static_cast<Kind&>(*form().find(to_utf8(name)));
+forms::Control& NativeScreen::control(const std::u16string& name) const {
+    forms::Control* const found = form().find(to_utf8(name));
+    if (found == nullptr) throw std::invalid_argument(form().name() + " has no control " + to_utf8(in_quotes(name)));
+    return *found;
 }
 
 std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const {
@@ -72,11 +74,11 @@ void NativeScreen::do_press(const std::u16string& name, forms::MouseButton butto
 }
 
 void NativeScreen::do_type(const std::u16string& name, const std::u16string& text) {
-    form().user_text(control<forms::TextBox>(name), text);
+    form().user_text(static_cast<forms::TextBox&>(control(name)), text);
 }
 
 bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) {
-    auto& list = control<forms::ListView>(name);
+    auto& list = static_cast<forms::ListView&>(control(name));
     menu_item_ = item;
     const auto y = static_cast<float>(list.row_top(row)) + forms::ScriptedToolkit::kRowHeight / 2.0F;
     form().raise_mouse_down(list, forms::MouseButton::right, 1.0F, y);

@@ -15,7 +15,7 @@ public:
     virtual void sees(const forms::OpenFileRequest& request) = 0;
 };
 
-class NativeScreen final : public Screen, private forms::ScriptedUser {
+class NativeScreen : public Screen, private forms::ScriptedUser {
 public:
     NativeScreen() noexcept : toolkit_(*this) {}
 
@@ -30,6 +30,11 @@ public:
     void look() override;
     void close() override { form().raise_close_request(); }
     void activate() override { form().raise_activate(); }
+
+protected:
+    /// The topmost dialog. Raises `std::invalid_argument` where there is none.
+    virtual forms::Form& form() const;
+    forms::Control& control(const std::u16string& name) const;
 
 private:
     std::u16string dialog_name() const override;
@@ -47,11 +52,6 @@ private:
     std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) override;
     const forms::MenuItem* choose(const forms::Menu& menu) override;
     void beep() override;
-
-    /// The topmost dialog. Raises `std::invalid_argument`.
-    forms::Form& form() const;
-    template <class Kind = forms::Control>
-    Kind& control(const std::u16string& name) const;
 
     ScreenUser* user_ = nullptr;
     Onlooker* onlooker_ = nullptr;

@@ -1,9 +1,7 @@
 // Draws what the user of a screen looks at, as text.
 #include "simulator/native/pictured_screen.h"
 
-#include "platform/native/terminal/machine_drives.h"
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "platform/native/terminal/text_picture.h"
 #include "simulator/native/icon_characters.h"
 
 namespace vex::sim {
@@ -54,9 +52,7 @@ private:
 template <class Show>
 std::string photograph(const terminal::IconCharacters& icons, Show show) {
     Photograph screen;
-    const terminal::MachineDrives drives;
-    terminal::TerminalToolkit toolkit(screen, drives, icons,
-                                      {.behind = {}, .host_line = [](terminal::Canvas&, const terminal::Area&) {}});
+    terminal::TerminalToolkit toolkit(screen, icons, [](auto&, auto&) { return std::nullopt; });
     show(toolkit);
     return screen.picture();
 }
@@ -65,7 +61,7 @@ std::string photograph(const terminal::IconCharacters& icons, Show show) {
 
 Pictures::Pictures(std::ostream& out) : out_(out), icons_(icon_characters()) {}
 
-void Pictures::sees(forms::Form& form) { print(terminal::text_picture(terminal::picture_of(form, icons_).canvas)); }
+void Pictures::sees(forms::Form& form) { print(terminal::picture_of(form, icons_)); }
 
 void Pictures::sees(const forms::MessageBox& box) {
     print(photograph(icons_, [&box](terminal::TerminalToolkit& toolkit) { toolkit.message_box(box); }));

@@ -5,15 +5,12 @@
 #include <sstream>
 
 #include "platform/native/machine.h"
-#include "platform/native/terminal/machine_drives.h"
-#include "platform/native/terminal/ncurses_screen.h"
 #include "platform/native/terminal/terminal_toolkit.h"
 #include "simulator/display_picker.h"
 #include "simulator/native/host_line.h"
 #include "simulator/native/icon_characters.h"
 #include "simulator/pace.h"
 #include "simulator/run_progress.h"
-#include "simulator/host.h"
 #include "support/text.h"
 
 namespace vex::sim {
@@ -51,10 +48,8 @@ public:
     Trial(Host& host, double speed)
         : host_(host),
           progress_(host),
-          toolkit_(screen_, drives_, icon_characters(),
-                   {.behind = {},
-                    .host_line = [this](terminal::Canvas& canvas,
-                                        const terminal::Area& line) { draw_host_line(canvas, line, progress_); }}),
+          toolkit_(*screen_, icon_characters(),
+                   [this](auto& canvas, auto& line) { return draw_host_line(canvas, line, toolkit_, progress_); }),
           pace_(toolkit_, speed, [this] { return toolkit_.ended().has_value(); }) {
         host_.choose_displays = [this] { return choose_displays(); };
         host_.on_link = [this](const LinkEvent& event) {
@@ -86,17 +81,19 @@ public:
 
 private:
     std::u16string choose_displays() {
-        DisplayPicker picker(toolkit_, host_.displays);
+        DisplayPicker picker(toolkit_, host_.displays, choice_);
         picker.show_modal();
         std::u16string answer = picker.answer();
-        if (!answer.empty()) progress_.begin_run(split(answer, u','));
-        return answer;
+        if (answer.empty()) return answer;
+        progress_.begin_run(split(answer, u','));
+        return choice_ = answer;
     }
 
     Host& host_;
     RunProgress progress_;
-    terminal::MachineDrives drives_;
-    terminal::NcursesScreen screen_;
+    /// What the user chose last.
+    std::u16string choice_;
+    std::unique_ptr<terminal::Screen> screen_ = terminal::take_terminal();
     terminal::TerminalToolkit toolkit_;
     Pace pace_;
 };
@@ -109,13 +106,14 @@ int run_trial(NativeSession& session, const CommandLine& options) {
     std::ostringstream summary;
     std::optional<int> signal;
     const ExitStatus status = session.try_out(errors, [&](Host& host, PluginHost& plugin, bool first_run) {
+        const Units before = host.units;
         ExitStatus played = kPassed;
         {
             Trial trial(host, options.speed);
             played = trial.play(plugin, session.screen().toolkit(), first_run, errors);
             signal = trial.ended_by();
         }
-        print_units(host, summary);
+        print_changed_units(host, before, summary);
         return played;
     });
     std::cout << summary.str() << std::flush;

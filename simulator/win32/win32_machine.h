@@ -1,32 +1,69 @@
-// The machine of the Windows side, as the simulated host needs it.
+// The machine of the Windows side: a machine of the run's own inside the real one. What the plug-in finds on drives
+// and in the registry, and the programs that it starts.
 #pragma once
 
-#include "platform/win32/private_machine.h"
+#include <vector>
+
+#include "platform/win32/windows_api.h"
 #include "simulator/host.h"
+#include "simulator/win32/import_hook.h"
 
 namespace vex::sim {
 
+using OwnedKey = platform::win32::Owned<HKEY, RegCloseKey>;
+
+/// Only this module and the plug-in see the run's drives and branches: the rest of the process, the system's own
+/// libraries first of all, must find what it needs.
 class Win32Machine final : public Machine {
 public:
-    /// `module`: the file name of the plug-in's library. Settings and drives lie in `folder`; `keep`: also
-    /// afterwards. Raises `RuntimeError`.
-    Win32Machine(std::u16string module, const std::filesystem::path& folder, bool keep)
-        : module_(std::move(module)), machine_(folder, keep) {}
+    /// `module`: the file name of the plug-in's library. Drive C: is `folder`\drive_c and so on. The machine and user
+    /// branches of the registry, as far as the narrow-character functions go, are those of a private key, which is
+    /// removed in the end unless `keep`; then it belongs to `folder`, and is there again for the next machine of that
+    /// folder. Raises `RuntimeError`.
+    Win32Machine(std::u16string module, std::filesystem::path folder, bool keep);
+    Win32Machine(const Win32Machine&) = delete;
+    Win32Machine& operator=(const Win32Machine&) = delete;
+    ~Win32Machine() override;
 
     platform::Registry& registry() override;
     const platform::CodePage& code_page() override;
-    std::filesystem::path real_path(const std::u16string& path) override { return machine_.real_path(path); }
+    std::filesystem::path real_path(const std::u16string& path) override;
     std::filesystem::path writable_path(const std::u16string& path) override;
-    void hide(const std::u16string& path) override { machine_.hide(path); }
-    /// The plug-in must be loaded by then.
+    void hide(const std::u16string& path) override;
+    /// The plug-in must be loaded by then, and until nobody listens. Meanwhile it looks for files on the run's drives,
+    /// and the programs that it starts are only told of.
     void on_program_started(std::function<void(const std::u16string&)> listener) override;
 
     /// A file that is not on the run's own drives is the real one of that path.
-    void show_real_disks() noexcept { machine_.show_real_disks(); }
+    void show_real_disks() noexcept { real_disks_ = true; }
 
 private:
+    static DWORD WINAPI get_file_attributes(LPCWSTR path) noexcept;
+    static BOOL WINAPI create_process(LPCWSTR program, LPWSTR command_line, SECURITY_ATTRIBUTES* process,
+                                      SECURITY_ATTRIBUTES* thread, BOOL inherit, DWORD flags, void* environment,
+                                      LPCWSTR folder, STARTUPINFOW* startup, PROCESS_INFORMATION* information) noexcept;
+
+    static LSTATUS WINAPI open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept;
+    static LSTATUS WINAPI create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
+                                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
+                                     DWORD* disposition) noexcept;
+    static LSTATUS WINAPI delete_key(HKEY parent, LPCSTR path) noexcept;
+    /// The private key in place of the machine's or the user's branch, else the key itself.
+    static HKEY own(HKEY key) noexcept;
+    static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks);
+
+    static Win32Machine* current_;
+
     std::u16string module_;
-    platform::win32::PrivateMachine machine_;
+    std::filesystem::path folder_;
+    std::u16string key_;
+    bool keep_;
+    bool real_disks_ = false;
+    std::function<void(const std::u16string&)> program_started_;
+    OwnedKey machine_branch_;
+    OwnedKey user_branch_;
+    std::vector<ImportHook> redirected_;
+    std::vector<ImportHook> watched_;
 };
 
 }  // namespace vex::sim

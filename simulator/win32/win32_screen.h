@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "platform/win32/window_driver.h"
 #include "simulator/screen.h"
+#include "simulator/win32/window_driver.h"
 
 namespace vex::sim {
 
@@ -16,16 +16,14 @@ public:
     explicit Win32Screen(std::u16string module) noexcept : module_(std::move(module)) {}
 
     void set_user(ScreenUser* user) noexcept override;
-    bool any_dialog() const noexcept override { return platform::win32::top_form_window() != nullptr; }
+    bool any_dialog() const noexcept override { return top_form_window() != nullptr; }
     std::optional<ShownControl> find(const std::u16string& control) const override;
     void close() override { driver_->close(dialog()); }
     void activate() override { driver_->activate(dialog()); }
 
 private:
-    using WindowHandle = platform::win32::WindowHandle;
-
-    std::u16string dialog_name() const override { return platform::win32::shown_name(dialog()); }
-    std::u16string dialog_caption() const override { return platform::win32::shown_text(dialog()); }
+    std::u16string dialog_name() const override { return shown_name(dialog()); }
+    std::u16string dialog_caption() const override { return shown_text(dialog()); }
     void do_click(const std::u16string& name) override { driver_->click(window(name)); }
     void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
         driver_->press(window(name), button, x, y);
@@ -40,12 +38,12 @@ private:
     /// The topmost dialog. Raises `std::invalid_argument`.
     static WindowHandle dialog();
     static WindowHandle window(const std::u16string& name) {
-        return platform::win32::control_window(dialog(), name);
+        return control_window(dialog(), name);
     }
 
     std::u16string module_;
     /// While there is a user.
-    std::optional<platform::win32::WindowDriver> driver_;
+    std::optional<WindowDriver> driver_;
 };
 
 }  // namespace vex::sim

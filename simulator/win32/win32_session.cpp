@@ -4,9 +4,9 @@
 #include "com/com.h"
 #include "core/runtime_error.h"
 #include "platform/library.h"
-#include "platform/win32/class_registration.h"
 #include "platform/win32/system.h"
 #include "simulator/class_library.h"
+#include "simulator/win32/program.h"
 
 namespace vex::sim {
 namespace {
@@ -14,9 +14,9 @@ namespace {
 using UnregisterServer = HRESULT(STDAPICALLTYPE*)();
 
 void refuse_beside_a_real_host() {
-    for (const std::u16string& name : host_class_names()) {
-        if (!platform::win32::class_has_server(name)) continue;
-        throw RuntimeError(kAutomationError, u"the class " + name + u" of a real host is registered on this machine");
+    for (const std::u16string_view name : host_class_names()) {
+        if (!class_has_server(std::u16string(name))) continue;
+        throw RuntimeError(kAutomationError, u"the class " + std::u16string(name) + u" of a real host is registered on this machine");
     }
 }
 
@@ -34,7 +34,7 @@ Win32Session::Win32Session(const CommandLine& options)
 Win32Session::~Win32Session() {
     screen_.reset();
     machine_.reset();
-    for (const std::u16string& name : host_class_names()) platform::win32::remove_class(name);
+    for (const std::u16string_view name : host_class_names()) remove_class(std::u16string(name));
     try {
         platform::Library(plugin()).function<UnregisterServer>("DllUnregisterServer")();
     } catch (const RuntimeError&) {

@@ -3,16 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include "support/product.h"
-#include "tests/shared/desk_fixture.h"
+#include "core/product.h"
 #include "tests/shared/error_of.h"
+#include "tests/update/notebook.h"
 
 namespace vex::test {
 namespace {
 
-class About : public DeskFixture {
+class About : public RecordedFixture {
 protected:
     std::u16string shown_description() {
+        screen.acts = {[](forms::Form& form) { form.raise_click(*form.find("cmdOK")); }};
         about.show_modal();
         return about.find("lblDescription")->caption();
     }
@@ -22,36 +23,52 @@ protected:
 
 TEST_F(About, ShowsTheCompanyOrThePrivateLabelAfreshEachTime) {
     EXPECT_EQ(shown_description(), product::kCompanyName);
+    EXPECT_TRUE(static_cast<forms::Button*>(about.find("cmdOK"))->is_default);
+    EXPECT_EQ(about.caption(), u"About vexFirmWarePlugin");
     EXPECT_TRUE(about.find("lblDisclaimer")->caption().starts_with(u"Warning: "));
-    const Key label = Key::created(key.get(), "Software\\BrivolaLite");
+    const Key label = machine_key("Software\\BrivolaLite");
     for (const char* company : {"Signs & Co", "Other"}) {
         label.set_text("Private Label Company", company);
         EXPECT_EQ(shown_description(), side_code_page().from_ansi(company)) << "not behind the text of before";
     }
-    EXPECT_EQ(registry.open_keys, 0);
+    label.set("Private Label Company", platform::kRegBinary, {1, 2});
+    EXPECT_EQ(shown_description(), product::kCompanyName) << "bytes are no text";
 }
 
 TEST_F(About, LooksForTheSystemInformationInOnePlaceOnly) {
-    Key::created(key.get(), "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set_text("PATH", "C:\\Gone.exe");
-    Key::created(key.get(), "SOFTWARE\\Microsoft\\Shared Tools Location").set_text("MSINFO", "C:\\Info");
-    files.existing = u"C:\\Info\\MSINFO32.EXE";
-    programs.can_start = false;
+    machine_key("SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set_text("PATH", "C:\\Gone.exe");
+    machine_key("SOFTWARE\\Microsoft\\Shared Tools Location").set_text("MSINFO", "C:\\Info");
+    programs_start = false;
     about.StartSysInfo();
-    EXPECT_EQ(programs.paths, std::vector<std::u16string>{u"C:\\Gone.exe"}) << "the second place is not tried";
-    ASSERT_EQ(user.messages.size(), 1U);
-    EXPECT_EQ(user.messages[0].text, u"System Information Is Unavailable At This Time");
+    EXPECT_EQ(notebook.take(), log(R"(
+start C:\Gone.exe
+ask "vexFirmWarePlugin" "System Information Is Unavailable At This Time" ok
+)")) << "the second place is not tried";
+    delete_tree(platform::registry_key(platform::kHkeyLocalMachine), "SOFTWARE\\Microsoft\\Shared Tools");
+    programs_start = true;
+    about.StartSysInfo();
+    EXPECT_EQ(notebook.take(), log(R"(
+is there C:\Info\MSINFO32.EXE
+start C:\Info\MSINFO32.EXE
+)"));
+    files_exist = false;
+    about.StartSysInfo();
+    EXPECT_EQ(notebook.take(), log(R"(
+is there C:\Info\MSINFO32.EXE
+ask "vexFirmWarePlugin" "System Information Is Unavailable At This Time" ok
+)"));
 }
 
 class KeyValue : public About {
 protected:
-    bool get(std::u16string& value) { return about.GetKeyValue(platform::kHkeyLocalMachine, u"Values", u"v", value); }
+    bool get(std::u16string& value) { return about.GetKeyValue(platform::kHkeyLocalMachine, u"Software\\Values", u"v", value); }
     std::u16string number(std::vector<std::uint8_t> bytes, std::u16string before = u"") {
         values_.set("v", platform::kRegDword, std::move(bytes));
         EXPECT_TRUE(get(before));
         return before;
     }
 
-    const Key values_ = Key::created(key.get(), "Values");
+    const Key values_ = machine_key("Software\\Values");
 };
 
 TEST_F(KeyValue, TextsComeAsTheyAre) {
@@ -63,7 +80,6 @@ TEST_F(KeyValue, TextsComeAsTheyAre) {
     EXPECT_TRUE(get(value));
     EXPECT_EQ(value.substr(0, 7), u"unended");
     EXPECT_EQ(registry.last_access, 0x2003FU);
-    EXPECT_EQ(registry.open_keys, 0);
 }
 
 TEST_F(KeyValue, NumbersLoseTheZerosOfTheirBytes) {
@@ -83,12 +99,11 @@ TEST_F(KeyValue, OtherTypesLeaveTheTextAndFailuresEmptyIt) {
         return value;
     };
     values_.set("v", platform::kRegBinary, {1, 2});
-    EXPECT_EQ(value_of(u"Values", u"v", true), u"old");
-    EXPECT_EQ(value_of(u"Values", u"missing", false), u"");
+    EXPECT_EQ(value_of(u"Software\\Values", u"v", true), u"old");
+    EXPECT_EQ(value_of(u"Software\\Values", u"missing", false), u"");
     values_.set_text("v", std::string(1100, 'x'));
-    EXPECT_EQ(value_of(u"Values", u"v", false), u"") << "more than the buffer of 1024 bytes holds";
+    EXPECT_EQ(value_of(u"Software\\Values", u"v", false), u"") << "more than the buffer of 1024 bytes holds";
     EXPECT_EQ(value_of(u"NoSuchKey", u"v", false), u"");
-    EXPECT_EQ(registry.open_keys, 0);
 }
 
 }  // namespace

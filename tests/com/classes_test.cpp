@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "com/bstr.h"
+#include "com/class_factory.h"
 #include "tests/com/counted_object.h"
 
 namespace vex::com {
@@ -26,8 +27,7 @@ TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
     ComPtr<IDispatch> object;
     EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
     EXPECT_FALSE(object);
-    const DWORD cookie = test::offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
-    ASSERT_NE(cookie, 0U);
+    const DWORD cookie = offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
     EXPECT_EQ(create(object), S_OK);
     object.reset();
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);

@@ -1,10 +1,11 @@
-// Automation strings and values, and identities as text.
+// Automation strings, identities as text, and automation values with their conversions.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "com/bstr.h"
 #include "com/variant.h"
+#include "core/unicode.h"
 #include "tests/com/counted_object.h"
 
 namespace vex::com {
@@ -63,25 +64,14 @@ TEST(Identity, RefusesWhatIsNone) {
     }
 }
 
-TEST(AutomationValue, ClearingReleasesWhatItHolds) {
-    {
-        const auto object = make_object<CountedObject>();
-        Variant value = Variant::object(object.get());
-        VARIANT* const raw = value.put();
-        EXPECT_EQ(raw->vt, VT_EMPTY);
-    }
-    EXPECT_TRUE(test_module().can_unload());
-}
-
-TEST(AutomationValue, CopiesAreIndependentOfTheirSource) {
+TEST(AutomationValue, CopiesAndClearingKeepCount) {
     {
         const auto object = make_object<CountedObject>();
         Variant text = Variant::text(std::u16string(u"x\0y", 3));
         Variant reference = Variant::object(object.get());
-        Variant copy;
-        ASSERT_EQ(VariantCopy(&copy.get(), &text.get()), S_OK);
+        Variant copy = text;
         EXPECT_NE(copy.get().bstrVal, text.get().bstrVal);
-        text.put();
+        EXPECT_EQ(text.put()->vt, VT_EMPTY);
         EXPECT_EQ(view(copy.get().bstrVal), std::u16string(u"x\0y", 3));
         ASSERT_EQ(VariantCopy(&copy.get(), &reference.get()), S_OK);
         ASSERT_EQ(VariantCopy(&copy.get(), &copy.get()), S_OK);
@@ -90,19 +80,20 @@ TEST(AutomationValue, CopiesAreIndependentOfTheirSource) {
     EXPECT_TRUE(test_module().can_unload());
 }
 
-TEST(AutomationValue, ReferencesAreCopiedAsReferencesAndNeverFreed) {
+TEST(AutomationValue, ReferencesStayReferencesUntilTheyAreFollowed) {
     const Bstr text(u"mine");
     BSTR place = text.get();
     {
         const Variant reference = Variant::text_reference(&place);
-        const Variant copy = reference;
+        Variant copy = reference;
         EXPECT_EQ(copy.type(), VT_BYREF | VT_BSTR);
         EXPECT_EQ(copy.get().pbstrVal, &place);
+        ASSERT_EQ(VariantCopyInd(&copy.get(), &copy.get()), S_OK) << "in place";
+        EXPECT_EQ(view(copy.get().bstrVal), u"mine");
+        EXPECT_NE(copy.get().bstrVal, place);
     }
-    EXPECT_EQ(view(place), u"mine");
-}
+    EXPECT_EQ(view(place), u"mine") << "never freed";
 
-TEST(AutomationValue, FollowingAReferenceCopiesWhatItPointsAt) {
     SHORT number = 7;
     VARIANT reference{};
     reference.vt = VT_BYREF | VT_I2;
@@ -115,13 +106,113 @@ TEST(AutomationValue, FollowingAReferenceCopiesWhatItPointsAt) {
     number = 8;
     EXPECT_EQ(value.type(), VT_I2);
     EXPECT_EQ(value.get().iVal, 7);
+}
 
-    Bstr text(u"text");
+/// The outcome of a conversion in a form that can be compared and read.
+std::string converted(const Variant& from, VARTYPE type) {
+    Variant to;
+    const HRESULT result = VariantChangeType(&to.get(), &from.get(), 0, type);
+    if (result == DISP_E_TYPEMISMATCH) return "mismatch";
+    if (result == DISP_E_OVERFLOW) return "overflow";
+    if (FAILED(result)) return "failure " + std::to_string(result);
+    EXPECT_EQ(to.type(), type);
+    const VARIANT& value = to.get();
+    switch (type) {
+        case VT_I2:
+        case VT_BOOL: return std::to_string(value.iVal);
+        case VT_I4: return std::to_string(value.lVal);
+        case VT_R8: return std::to_string(value.dblVal);
+        case VT_BSTR: return to_utf8(view(value.bstrVal));
+        default: return "?";
+    }
+}
+
+Variant without_value(VARTYPE type) {
+    Variant value;
+    value.get().vt = type;
+    value.get().scode = DISP_E_PARAMNOTFOUND;
+    return value;
+}
+
+Variant operator""_text(const char16_t* text, std::size_t length) { return Variant::text({text, length}); }
+
+TEST(Conversion, BetweenTextsNumbersAndBooleans) {
+    const struct {
+        Variant from;
+        VARTYPE type;
+        const char* expected;
+    } cases[] = {// Halves go to the even neighbour.
+                 {u"42"_text, VT_I4, "42"},
+                 {u" -42 "_text, VT_I4, "-42"},
+                 {u"42-"_text, VT_I4, "-42"},
+                 {u"+ 1,234."_text, VT_I4, "1234"},
+                 {u"2.5"_text, VT_I4, "2"},
+                 {u"3.5"_text, VT_I4, "4"},
+                 {u"1E+3"_text, VT_I4, "1000"},
+                 {u"12,34.25"_text, VT_R8, "1234.250000"},
+                 {u"1e-400"_text, VT_R8, "0.000000"},
+                 {u"32768"_text, VT_I2, "overflow"},
+                 {u"2147483648"_text, VT_I4, "overflow"},
+                 {u"1e400"_text, VT_R8, "overflow"},
+                 {Variant::int32(-2147483647 - 1), VT_BSTR, "-2147483648"},
+                 {Variant::real(0.1), VT_BSTR, "0.1"},
+                 {Variant::real(-1.5), VT_BSTR, "-1.5"},
+                 {Variant::real(1e20), VT_BSTR, "1E+20"},
+                 {Variant::real(123456789012345.0), VT_BSTR, "123456789012345"},
+                 {Variant(), VT_BSTR, ""},
+                 {Variant::int32(40000), VT_I2, "overflow"},
+                 {Variant::real(0.5), VT_I4, "0"},
+                 {Variant::real(1.5), VT_I4, "2"},
+                 {Variant::real(-2.5), VT_I4, "-2"},
+                 {Variant::real(2147483648.0), VT_I4, "overflow"},
+                 {Variant::real(0.1), VT_BOOL, "-1"},
+                 {Variant(), VT_I4, "0"},
+                 {Variant(), VT_BOOL, "0"},
+                 {Variant::boolean(true), VT_BSTR, "-1"},
+                 {Variant::boolean(true), VT_I4, "-1"},
+                 {Variant::int32(256), VT_BOOL, "-1"},
+                 {u"TRUE"_text, VT_BOOL, "-1"},
+                 {u"#FALSE#"_text, VT_BOOL, "0"},
+                 {u"0"_text, VT_BOOL, "0"},
+                 {u"0.5"_text, VT_BOOL, "-1"},
+                 {u"yes"_text, VT_BOOL, "mismatch"}};
+    for (const char16_t* text : {u"", u" ", u".", u"abc", u"nan", u"1x", u"--1", u"-1-", u"1.2.3", u"1e", u",1"}) {
+        EXPECT_EQ(converted(Variant::text(text), VT_I4), "mismatch") << to_utf8(text);
+    }
+    for (const auto& one : cases) {
+        EXPECT_EQ(converted(one.from, one.type), one.expected) << "case " << &one - cases;
+    }
+    for (const VARTYPE type : {VT_I2, VT_I4, VT_R8, VT_BSTR, VT_BOOL, VT_DISPATCH}) {
+        EXPECT_EQ(converted(without_value(VT_NULL), type), "mismatch") << type;
+        EXPECT_EQ(converted(without_value(VT_ERROR), type), "mismatch") << type;
+    }
+    EXPECT_EQ(converted(Variant(), VT_DISPATCH), "mismatch");
+    EXPECT_EQ(converted(Variant::int16(1), VT_DISPATCH), "mismatch");
+}
+
+TEST(Conversion, FollowsReferencesAndWorksInPlace) {
+    const Bstr text(u"17");
     BSTR raw = text.get();
-    Variant by_reference = Variant::text_reference(&raw);
-    ASSERT_EQ(VariantCopyInd(&by_reference.get(), &by_reference.get()), S_OK) << "in place";
-    EXPECT_EQ(view(by_reference.get().bstrVal), u"text");
-    EXPECT_NE(by_reference.get().bstrVal, raw);
+    EXPECT_EQ(converted(Variant::text_reference(&raw), VT_I2), "17");
+    Variant value = Variant::text(u"17");
+    ASSERT_EQ(VariantChangeType(&value.get(), &value.get(), 0, VT_I2), S_OK);
+    EXPECT_EQ(value.get().iVal, 17);
+    Variant wrong = Variant::text(u"x");
+    EXPECT_EQ(VariantChangeType(&wrong.get(), &wrong.get(), 0, VT_I2), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(view(wrong.get().bstrVal), u"x") << "a failure leaves the value";
+}
+
+TEST(Conversion, ObjectsGiveTheirDefaultPropertyOrThemselves) {
+    {
+        const auto object = make_object<CountedObject>(SHORT{12});
+        EXPECT_EQ(converted(Variant::object(object.get()), VT_BSTR), "12");
+        Variant value;
+        value.get().punkVal = ComPtr<IUnknown>(object.get()).detach();
+        value.get().vt = VT_UNKNOWN;
+        ASSERT_EQ(VariantChangeType(&value.get(), &value.get(), 0, VT_DISPATCH), S_OK);
+        EXPECT_EQ(value.get().pdispVal, object.get());
+    }
+    EXPECT_TRUE(test_module().can_unload());
 }
 
 }  // namespace

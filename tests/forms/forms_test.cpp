@@ -1,69 +1,31 @@
-// Forms and controls under a scripted user: modal life, refused closing, errors of handlers, mouse targets.
-#include <gtest/gtest.h>
-
-#include <deque>
-#include <functional>
-#include <string>
-#include <vector>
+// Forms and controls on a recorded screen: modal life, errors of handlers, mouse targets, what the view is told.
+#include "forms/form.h"
 
 #include "core/runtime_error.h"
 #include "forms/common_dialog.h"
-#include "forms/form.h"
-#include "forms/scripted_toolkit.h"
+#include "tests/shared/error_of.h"
+#include "tests/update/notebook.h"
 
 namespace vex::forms {
 namespace {
 
-/// Does what the test queued, and notes what it sees.
-class User final : public ScriptedUser {
-public:
-    std::deque<std::function<void(Form&)>> acts;
-    std::deque<std::function<void(Form&)>> during_pump;
-    std::vector<std::string> seen;
-    std::optional<std::u16string> file;
-    const char* menu_choice = nullptr;
-
-    void form_opened(Form& form) override { seen.push_back("open " + form.name()); }
-    void form_closed(Form& form) override { seen.push_back("close " + form.name()); }
-    bool act(Form& form) override {
-        if (acts.empty()) return false;
-        const auto next = acts.front();
-        acts.pop_front();
-        next(form);
-        return true;
-    }
-    void pumped(Form& form) override {
-        if (during_pump.empty()) return;
-        const auto next = during_pump.front();
-        during_pump.pop_front();
-        next(form);
-    }
-    MessageAnswer answer(const MessageBox&) override { return MessageAnswer::yes; }
-    std::optional<std::u16string> choose_file(const OpenFileRequest&) override { return file; }
-    const MenuItem* choose(const Menu& menu) override {
-        for (const MenuItem& item : menu.items) {
-            if (menu_choice != nullptr && item.name == menu_choice) return &item;
-        }
-        return nullptr;
-    }
-    void beep() override {}
-};
+using test::error_of;
 
 class Dialog : public Form {
 public:
     Dialog(Toolkit& toolkit, std::string_view name) : Form(toolkit, {.name = name, .width = 3000, .height = 2000}) {
-        pages.captions = {u"One", u"Two"};
         list.columns = {{u"Name", 900}, {u"Status", 900}};
         list.small_icons = &icons;
         lay_out({
             {.control = panel, .name = "panel", .at = {0, 0, 1000, 1000}},
             {.control = node, .name = "node", .parent = &panel, .at = {100, 100, 200, 200}},
-            {.control = label, .name = "label", .parent = &panel, .at = {400, 100, 200, 200}},
+            {.control = label, .name = "label", .parent = &panel, .at = {400, 200, 200, 200}},
             {.control = pages, .name = "pages"},
             {.control = first, .name = "first", .parent = &pages, .page = 0},
             {.control = second, .name = "second", .parent = &pages, .page = 0},
             {.control = elsewhere, .name = "elsewhere", .parent = &pages, .page = 1},
             {.control = button, .name = "button"},
+            {.control = box, .name = "box"},
             {.control = list, .name = "list"},
         });
         first.set_value(true);
@@ -75,11 +37,10 @@ public:
     TabPages pages;
     OptionButton first, second, elsewhere;
     Button button;
+    TextBox box;
     ImageList icons{{u"Good", "GOOD"}};
     ListView list;
     std::function<void()> on_load, on_activate;
-    std::function<bool(UnloadMode)> refuses;
-    int unloads = 0;
 
 protected:
     void Form_Load() override {
@@ -88,157 +49,149 @@ protected:
     void Form_Activate() override {
         if (on_activate) on_activate();
     }
-    void Form_QueryUnload(bool& cancel, UnloadMode mode) override { cancel = refuses && refuses(mode); }
-    void Form_Unload() override { ++unloads; }
 };
 
 class FormsTest : public ::testing::Test {
 protected:
-    User user;
-    ScriptedToolkit toolkit{user};
-    Dialog dialog{toolkit, "outer"};
+    /// What the view is told by the action, while the dialog is shown.
+    std::string told_of(const std::function<void()>& action) {
+        screen.acts = {[&](Form&) {
+            notebook.take();
+            action();
+            told = notebook.take();
+        }};
+        dialog.show_modal();
+        return told;
+    }
+
+    test::Notebook notebook;
+    test::Screen screen{notebook};
+    Dialog dialog{screen, "outer"};
+    std::string told;
 };
 
-TEST_F(FormsTest, HidingEndsTheDisplayAndKeepsTheFormLoaded) {
-    dialog.button.on_click = [this] { dialog.hide(); };
+TEST_F(FormsTest, LoadsOnceUntilItIsUnloadedAndAgainAfterAFailure) {
     int loads = 0;
-    dialog.on_load = [&] { ++loads; };
+    dialog.on_load = [&] {
+        if (++loads == 1) throw RuntimeError(kSubscriptOutOfRange);
+    };
+    EXPECT_EQ(error_of([this] { dialog.show_modal(); }), kSubscriptOutOfRange);
+    EXPECT_FALSE(dialog.loaded());
+    EXPECT_EQ(notebook.take(), "") << "nothing was shown";
+    dialog.button.on_click = [this] { dialog.hide(); };
     for (int round = 0; round < 2; ++round) {
-        user.acts.push_back([this](Form& form) { form.raise_click(dialog.button); });
+        screen.acts.push_back([this](Form& form) { form.raise_click(dialog.button); });
         dialog.show_modal();
         EXPECT_TRUE(dialog.loaded());
     }
-    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(loads, 2);
     EXPECT_TRUE(dialog.unload());
-    EXPECT_TRUE(dialog.unload()) << "unloading what is not loaded does nothing";
-    EXPECT_EQ(dialog.unloads, 1);
-}
-
-TEST_F(FormsTest, CloseRequestsCanBeRefusedByTheirMode) {
-    std::vector<UnloadMode> asked;
-    dialog.refuses = [&](UnloadMode mode) {
-        asked.push_back(mode);
-        return mode == UnloadMode::control_menu && asked.size() == 1;
-    };
-    user.acts.push_back([&](Form& form) {
-        form.raise_close_request();
-        EXPECT_TRUE(form.running());
-        form.raise_close_request();
-        EXPECT_FALSE(form.running());
-    });
-    dialog.show_modal();
-    EXPECT_EQ(asked, (std::vector{UnloadMode::control_menu, UnloadMode::control_menu}));
-    EXPECT_EQ(dialog.unloads, 1);
     EXPECT_FALSE(dialog.loaded());
+    EXPECT_TRUE(dialog.unload()) << "nothing happens";
+    dialog.on_load = [this] { dialog.unload(); };
+    notebook.take();
+    dialog.show_modal();
+    EXPECT_EQ(notebook.take(), "") << "unloaded while it loads";
 }
 
-TEST_F(FormsTest, AnErrorOfAHandlerEndsEveryModalLoopAboveTheCaller) {
-    Dialog inner(toolkit, "inner");
-    inner.on_activate = [] { throw RuntimeError(kOverflow); };
+TEST_F(FormsTest, TheFirstErrorEndsEveryModalLoopAboveTheCaller) {
+    Dialog inner(screen, "inner");
+    bool went_on = false;
+    inner.button.on_click = [] { throw RuntimeError(kTypeMismatch); };
+    inner.on_activate = [&] {
+        screen.at_pump = [&](Form& form) { form.raise_click(inner.button); };
+        screen.pump_messages();
+        went_on = true;
+        throw RuntimeError(kOverflow);  // what follows is not the cause
+    };
     dialog.button.on_click = [&] {
         inner.show_modal(&dialog);
         ADD_FAILURE() << "the error must pass here";
     };
-    user.acts.push_back([&](Form& form) { form.raise_click(dialog.button); });
-    try {
-        dialog.show_modal();
-        FAIL() << "no error";
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.number(), kOverflow);
-    }
-    EXPECT_EQ(user.seen, (std::vector<std::string>{"open outer", "open inner", "close inner", "close outer"}));
-    EXPECT_EQ(toolkit.top(), nullptr);
+    screen.acts.push_back([this](Form& form) { form.raise_click(dialog.button); });
+    EXPECT_EQ(error_of([this] { dialog.show_modal(); }), kTypeMismatch);
+    EXPECT_TRUE(went_on);
+    EXPECT_TRUE(notebook.take().ends_with("pump\nclose inner\nclose outer\n"));
+    EXPECT_EQ(error_of([this] { dialog.show_modal(); }), 0) << "it is over";
 }
 
-TEST_F(FormsTest, AnErrorDuringAPumpSurfacesWhereTheFormWasShown) {
-    bool routine_went_on = false;
-    dialog.button.on_click = [] { throw RuntimeError(kTypeMismatch); };
-    dialog.on_activate = [&] {
-        toolkit.pump_messages();
-        routine_went_on = true;
-        throw RuntimeError(kOverflow);  // what follows is not the cause
+TEST_F(FormsTest, PressesComeToTheTopmostControlInItsOwnTwips) {
+    std::string presses;
+    const auto note = [&presses](const char* name) {
+        return [&presses, name](MouseButton, float x, float y) {
+            presses += name + std::to_string(static_cast<int>(x)) + ',' + std::to_string(static_cast<int>(y)) + ' ';
+        };
     };
-    user.during_pump.push_back([this](Form& form) { form.raise_click(dialog.button); });
-    try {
-        dialog.show_modal();
-        FAIL() << "no error";
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.number(), kTypeMismatch);
-    }
-    EXPECT_TRUE(routine_went_on);
+    dialog.panel.on_mouse_down = note("panel ");
+    dialog.node.on_mouse_down = note("node ");
+    const auto press = [this](float x, float y) {
+        dialog.raise_mouse_down(dialog.panel, MouseButton::left, x, y);
+    };
+    press(150, 150);
+    press(450, 250);  // the label takes it and does nothing with it
+    dialog.label.on_mouse_down = note("label ");
+    for (const auto& [x, y] : {std::pair{400.F, 200.F}, {599.F, 399.F}, {399.F, 200.F}, {600.F, 200.F}, {400.F, 199.F},
+                               {400.F, 400.F}})
+        press(x, y);
+    dialog.panel.set_enabled(false);
+    press(150, 150);
+    EXPECT_EQ(presses, "panel 150,150 label 0,0 label 199,199 panel 399,200 panel 600,200 panel 400,199 panel 400,400 ");
 }
 
-TEST_F(FormsTest, AnErrorWhileLoadingShowsNothing) {
-    dialog.on_load = [] { throw RuntimeError(kSubscriptOutOfRange); };
-    EXPECT_THROW(dialog.show_modal(), RuntimeError);
-    EXPECT_TRUE(user.seen.empty());
-    EXPECT_FALSE(dialog.loaded());
-
-    int loads = 0;
-    dialog.on_load = [&loads] { ++loads; };
-    dialog.show_modal();
-    EXPECT_EQ(loads, 1) << "it is loaded again, from the start";
-    EXPECT_FALSE(user.seen.empty());
-}
-
-TEST_F(FormsTest, ClicksReachOnlyWhatAUserCouldClick) {
-    int clicks = 0;
-    dialog.button.on_click = [&] { ++clicks; };
-    dialog.button.set_enabled(false);
-    dialog.raise_click(dialog.button);
-    dialog.button.set_enabled(true);
-    dialog.button.set_visible(false);
-    dialog.raise_click(dialog.button);
-    dialog.button.set_visible(true);
-    dialog.raise_click(dialog.button);
-    EXPECT_EQ(clicks, 1);
-
-    dialog.raise_click(dialog.elsewhere);
-    EXPECT_FALSE(dialog.elsewhere.value()) << "its page is not shown";
-    dialog.raise_click(dialog.second);
-    EXPECT_TRUE(dialog.second.value());
-    EXPECT_FALSE(dialog.first.value()) << "one of a group";
-    dialog.pages.set_tab(1);
-    dialog.raise_click(dialog.elsewhere);
-    EXPECT_TRUE(dialog.elsewhere.value());
-    EXPECT_TRUE(dialog.second.value()) << "another page is another group";
-}
-
-TEST_F(FormsTest, ShapesLetAPressThroughAndLabelsTakeIt) {
-    std::vector<std::pair<float, float>> presses;
-    dialog.panel.on_mouse_down = [&](MouseButton, float x, float y) { presses.emplace_back(x, y); };
-    dialog.raise_mouse_down(dialog.panel, MouseButton::left, 150, 150);  // on the shape
-    dialog.raise_mouse_down(dialog.panel, MouseButton::left, 450, 150);  // on the label
-    dialog.raise_mouse_down(dialog.panel, MouseButton::left, 600, 150);  // just right of the label
-    EXPECT_EQ(presses, (std::vector<std::pair<float, float>>{{150.F, 150.F}, {600.F, 150.F}}));
+TEST_F(FormsTest, TheViewIsToldOfChangesAndOfNothingElse) {
+    EXPECT_EQ(told_of([this] {
+        for (int round = 0; round < 2; ++round) {
+            dialog.label.set_caption(u"New");
+            dialog.button.set_enabled(false);
+            dialog.button.set_visible(false);
+            dialog.node.set_fill_color(kGreen);
+            dialog.pages.set_tab(1);
+            dialog.list.select(std::nullopt);
+        }
+        dialog.list.add_row({}, u"A");
+        dialog.list.select(0);
+        dialog.label.refresh();
+    }), test::log(R"(
+label: New
+set button=off button=hidden node=00FF00 pages=1
+list[0] "A" key "" tag ""
+set list=0
+redraw label
+)"));
+    // What the user does is on the screen already.
+    int changes = 0;
+    dialog.box.on_change = [&changes] { ++changes; };
+    EXPECT_EQ(told_of([this] {
+        dialog.user_text(dialog.box, u"typed");
+        dialog.user_text(dialog.box, u"typed");
+        dialog.user_selection(dialog.list, std::nullopt);
+    }), "");
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(dialog.box.text(), u"typed");
+    EXPECT_FALSE(dialog.list.selected());
 }
 
 TEST_F(FormsTest, ListKeysAreUniqueAndIconsKnown) {
     dialog.list.add_row(u"A", u"A", u"Good");
     dialog.list.add_row({}, u"B");
     dialog.list.add_row({}, u"B");
-    const auto number = [](const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const RuntimeError& error) {
-            return error.number();
-        }
-        return 0;
-    };
-    EXPECT_EQ(number([&] { dialog.list.add_row(u"A", u"again"); }), kListKeyNotUnique);
-    EXPECT_EQ(number([&] { dialog.list.set_icon(0, u"Bad"); }), kListElementNotFound);
+    EXPECT_EQ(error_of([this] { dialog.list.add_row(u"A", u"again"); }), kListKeyNotUnique);
+    EXPECT_EQ(error_of([this] { dialog.list.set_icon(0, u"Bad"); }), kListElementNotFound);
     EXPECT_EQ(dialog.list.row_count(), 3U);
+    dialog.list.select(1);
     dialog.list.clear();
-    EXPECT_EQ(number([&] { dialog.list.add_row(u"A", u"A"); }), 0) << "clearing frees the keys";
+    EXPECT_FALSE(dialog.list.selected());
+    EXPECT_EQ(error_of([this] { dialog.list.add_row(u"A", u"A"); }), 0) << "clearing frees the keys";
 }
 
 TEST_F(FormsTest, TheFileDialogKeepsItsNameThroughACancel) {
-    CommonDialog files(toolkit);
-    user.file = u"D:\\fw\\a.SHX";
+    CommonDialog files(screen);
+    screen.file = u"D:\\fw\\a.SHX";
     files.ShowOpen();
-    user.file.reset();
+    screen.file.reset();
     files.ShowOpen();
     EXPECT_EQ(files.FileName, u"D:\\fw\\a.SHX");
+    EXPECT_NE(notebook.take().find("named \"D:\\fw\\a.SHX\""), std::string::npos) << "the next use begins with it";
 }
 
 }  // namespace

@@ -1,7 +1,4 @@
 // How late calls take arguments, and what they answer to wrong ones.
-#include <gtest/gtest.h>
-
-#include "tests/plugin/late_call.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -9,10 +6,14 @@ namespace {
 
 using com::Variant;
 
-constexpr DISPID kTotalPlugins = 0x68030004;
-constexpr DISPID kPluginNames = 0x68030003;
-constexpr DISPID kDoesFrameEdit = 0x60030001;
-constexpr DISPID kStartPreTransmit = 0x60030004;
+/// A value of a type that has no factory; what it refers to stays the caller's.
+template <class Place>
+Variant value_of(int type, Place* place = nullptr) {
+    Variant value;
+    value.get().vt = static_cast<VARTYPE>(type);
+    value.get().byref = place;
+    return value;
+}
 
 Variant missing() {
     Variant value;
@@ -21,194 +22,144 @@ Variant missing() {
     return value;
 }
 
-Variant null_value() {
-    Variant value;
-    value.get().vt = VT_NULL;
-    return value;
+using Invoke = PluginTest;
+
+Outcome name_at(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
+    return call(*make(kCatalogueClass), kPluginNames, DISPATCH_PROPERTYGET, arguments, names);
 }
 
-template <class Place>
-Variant reference(VARTYPE type, Place* place) {
-    Variant value;
-    value.get().vt = static_cast<VARTYPE>(VT_BYREF | type);
-    value.get().byref = place;
-    return value;
+Outcome total(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
+    return call(*make(kCatalogueClass), kTotalPlugins, DISPATCH_PROPERTYGET, arguments, names);
 }
 
-class Invoke : public PluginTest {
-protected:
-    void SetUp() override {
-        PluginTest::SetUp();
-        catalogue_ = make(kCatalogueClass);
-        entry_ = make(kEntryClass);
-    }
-    void TearDown() override {
-        catalogue_.reset();
-        entry_.reset();
-        PluginTest::TearDown();
-    }
+Outcome start_pre_transmit(const std::vector<Variant>& arguments) {
+    return call(*make(kEntryClass), kStartPreTransmit, DISPATCH_METHOD, arguments);
+}
 
-    /// The first name by an index of any type.
-    Outcome name_at(const Variant& index) { return call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, {index}); }
-
-    com::ComPtr<IDispatch> catalogue_;
-    com::ComPtr<IDispatch> entry_;
-};
+/// The argument is at fault, and the call says so.
+void expect_fault(const Outcome& outcome, HRESULT result) {
+    EXPECT_EQ(outcome.result, result);
+    EXPECT_EQ(outcome.argument, 0U);
+}
 
 TEST_F(Invoke, TakesAnIndexOfEveryTypeThatConverts) {
     SHORT short_zero = 0;
     LONG long_zero = 0;
-    DOUBLE real_zero = 0.4;
     com::Bstr text(u"0");
     BSTR text_zero = text.get();
     VARIANT inner = Variant::int32(0).get();
-    const std::vector<Variant> zeros = {
-        Variant::int16(0),
-        Variant::int32(0),
-        Variant::real(0.4),
-        Variant::boolean(false),
-        Variant::text(u" 0 "),
-        Variant(),
-        reference(VT_I2, &short_zero),
-        reference(VT_I4, &long_zero),
-        reference(VT_R8, &real_zero),
-        reference(VT_BSTR, &text_zero),
-        reference(VT_VARIANT, &inner),
-    };
-    for (const Variant& zero : zeros) {
-        const Outcome outcome = name_at(zero);
+    for (const Variant& zero :
+         {Variant::int16(0), Variant::int32(0), Variant::real(0.4), Variant::boolean(false), Variant::text(u" 0 "),
+          Variant(), value_of(VT_BYREF | VT_I2, &short_zero), value_of(VT_BYREF | VT_I4, &long_zero),
+          value_of(VT_BYREF | VT_BSTR, &text_zero), value_of(VT_BYREF | VT_VARIANT, &inner)}) {
+        const Outcome outcome = name_at({zero});
         EXPECT_EQ(outcome.result, S_OK) << zero.type();
         EXPECT_EQ(outcome.value.type(), VT_BSTR) << zero.type();
     }
-    EXPECT_EQ(name_at(Variant::boolean(true)).code, error_code(9)) << "true is -1";
-}
-
-TEST_F(Invoke, TellsWhichArgumentIsOfTheWrongType) {
-    for (const Variant& wrong : {Variant::text(u"first"), null_value(), Variant::object(nullptr)}) {
-        const Outcome outcome = name_at(wrong);
-        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << wrong.type();
-        EXPECT_EQ(outcome.argument, 0U);
-    }
-    const Outcome outcome = name_at(Variant::int32(32768));
-    EXPECT_EQ(outcome.result, DISP_E_OVERFLOW);
-    EXPECT_EQ(outcome.argument, 0U);
-}
-
-TEST_F(Invoke, CountsArguments) {
-    EXPECT_EQ(call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, {Variant::int16(0), Variant::int16(0)}).result,
-              DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYGET, {Variant::int16(0)}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(call(*entry_, kStartPreTransmit, DISPATCH_METHOD).result, DISP_E_BADPARAMCOUNT);
-    const Outcome outcome = name_at(missing());
-    EXPECT_EQ(outcome.result, DISP_E_PARAMNOTOPTIONAL);
-    EXPECT_EQ(outcome.argument, 0U);
-    VARIANT left_out = missing().get();
-    EXPECT_EQ(name_at(reference(VT_VARIANT, &left_out)).result, DISP_E_PARAMNOTOPTIONAL) << "passed on by its caller";
-}
-
-TEST_F(Invoke, RefusesReferencesToNothing) {
-    VARIANT inner = reference<SHORT>(VT_I2, nullptr).get();
-    for (const Variant& nothing : {reference<SHORT>(VT_I2, nullptr), reference<BSTR>(VT_BSTR, nullptr),
-                                   reference<VARIANT>(VT_VARIANT, nullptr), reference(VT_VARIANT, &inner)}) {
-        const Outcome outcome = name_at(nothing);
-        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << nothing.type();
-        EXPECT_EQ(outcome.argument, 0U);
-    }
-    const Outcome outcome =
-        call(*entry_, kStartPreTransmit, DISPATCH_METHOD, {reference<IDispatch*>(VT_DISPATCH, nullptr)});
-    EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(outcome.argument, 0U);
-}
-
-TEST_F(Invoke, TakesNamedArguments) {
-    const auto by_name = [this](DISPID position, const std::vector<Variant>& positional = {}) {
-        return call(*catalogue_, kPluginNames, DISPATCH_PROPERTYGET, positional, {{position, Variant::int16(0)}});
-    };
-    EXPECT_EQ(by_name(0).result, S_OK);
-    const Outcome unknown = by_name(1);
-    EXPECT_EQ(unknown.result, DISP_E_PARAMNOTFOUND);
-    EXPECT_EQ(unknown.argument, 0U);
-    EXPECT_TRUE(FAILED(by_name(DISPID_PROPERTYPUT).result));
-    EXPECT_EQ(by_name(0, {Variant::int16(0)}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYGET, {}, {{0, Variant::int16(0)}}).result,
-              DISP_E_NONAMEDARGS)
-        << "a member without parameters has no names for them";
+    EXPECT_EQ(name_at({Variant::boolean(true)}).code, error_code(9)) << "true is -1";
+    EXPECT_EQ(name_at({Variant::int16(0)}, {0}).result, S_OK) << "by name";
 }
 
 TEST_F(Invoke, TakesObjectsByValueAndByReference) {
-    IDispatch* mine = catalogue_.get();
+    const auto object = make(kCatalogueClass);
+    IDispatch* mine = object.get();
     IDispatch* none = nullptr;
-    IUnknown* plain = catalogue_.get();
-    VARIANT inner{};
-    inner.vt = VT_DISPATCH;
-    inner.pdispVal = mine;
-    Variant unknown;
-    unknown.get().vt = VT_UNKNOWN;
-    unknown.get().punkVal = plain;
-    plain->AddRef();
-    const std::vector<Variant> objects = {
-        Variant::object(mine),
-        Variant::object(nullptr),
-        Variant::object_reference(&mine),
-        Variant::object_reference(&none),
-        reference(VT_VARIANT, &inner),
-        unknown,
-        reference(VT_UNKNOWN, &plain),
+    IUnknown* plain = mine;
+    VARIANT inner = value_of(VT_DISPATCH, mine).detach();
+    for (const Variant& given : {Variant::object(mine), Variant::object(nullptr), Variant::object_reference(&mine),
+                                 Variant::object_reference(&none), value_of(VT_BYREF | VT_VARIANT, &inner),
+                                 value_of(VT_BYREF | VT_UNKNOWN, &plain)}) {
+        EXPECT_EQ(start_pre_transmit({given}).result, S_OK) << given.type();
+    }
+}
+
+TEST_F(Invoke, TellsTheArgumentAtFault) {
+    VARIANT nothing = value_of<SHORT>(VT_BYREF | VT_I2).get();
+    VARIANT left_out = missing().get();
+    const Variant null_value = value_of<void>(VT_NULL);
+    for (const Variant& wrong : {Variant::text(u"first"), null_value, Variant::object(nullptr),
+                                 value_of<SHORT>(VT_BYREF | VT_I2), value_of<BSTR>(VT_BYREF | VT_BSTR),
+                                 value_of<VARIANT>(VT_BYREF | VT_VARIANT), value_of(VT_BYREF | VT_VARIANT, &nothing)}) {
+        SCOPED_TRACE(wrong.type());
+        expect_fault(name_at({wrong}), DISP_E_TYPEMISMATCH);
+    }
+    for (const Variant& wrong : {Variant::int16(1), Variant::text(u"x"), Variant(), null_value,
+                                 value_of<IDispatch*>(VT_BYREF | VT_DISPATCH)}) {
+        SCOPED_TRACE(wrong.type());
+        expect_fault(start_pre_transmit({wrong}), DISP_E_TYPEMISMATCH);
+    }
+    expect_fault(name_at({Variant::int32(32768)}), DISP_E_OVERFLOW);
+    expect_fault(name_at({missing()}), DISP_E_PARAMNOTOPTIONAL);
+    expect_fault(name_at({value_of(VT_BYREF | VT_VARIANT, &left_out)}), DISP_E_PARAMNOTOPTIONAL);
+    expect_fault(name_at({Variant::int16(0)}, {1}), DISP_E_PARAMNOTFOUND);
+    expect_fault(name_at({Variant::int16(0)}, {DISPID_PROPERTYPUT}), DISP_E_PARAMNOTFOUND);
+}
+
+TEST_F(Invoke, CountsArguments) {
+    const Variant zero = Variant::int16(0);
+    EXPECT_EQ(name_at({}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(name_at({zero, zero}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(name_at({zero, zero}, {0}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(total({zero}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(total({zero}, {0}).result, DISP_E_NONAMEDARGS);
+    EXPECT_EQ(start_pre_transmit({}).result, DISP_E_BADPARAMCOUNT);
+    // The one parameter that may be left out, in either way; then the member runs, as far as it can here.
+    const auto entry = make(kEntryClass);
+    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).code, error_code(429));
+    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD, {missing()}).code, error_code(429));
+}
+
+TEST_F(Invoke, RefusesCallsThatAreNone) {
+    const auto catalogue = make(kCatalogueClass);
+    VARIANTARG zero = Variant::int16(0).get();
+    DISPID first = 0;
+    DISPPARAMS more_names{&zero, &first, 1, 2}, no_names{&zero, nullptr, 1, 1}, no_values{nullptr, nullptr, 1, 0};
+    for (DISPPARAMS* parameters : {&more_names, &no_names, &no_values, static_cast<DISPPARAMS*>(nullptr)}) {
+        EXPECT_EQ(call(*catalogue, kPluginNames, DISPATCH_PROPERTYGET, parameters).result, E_INVALIDARG);
+    }
+    // Callers may have no use for answers.
+    DISPPARAMS none{}, one_index{&zero, nullptr, 1, 0};
+    const auto name = [&](DISPPARAMS& parameters) {
+        return catalogue->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &parameters, nullptr, nullptr,
+                                 nullptr);
     };
-    for (const Variant& object : objects) {
-        EXPECT_EQ(call(*entry_, kStartPreTransmit, DISPATCH_METHOD, {object}).result, S_OK) << object.type();
+    EXPECT_EQ(name(one_index), S_OK);
+    zero.iVal = 5;
+    EXPECT_EQ(name(one_index), DISP_E_EXCEPTION);
+    zero.vt = VT_NULL;
+    EXPECT_EQ(name(one_index), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(catalogue->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
+              DISP_E_UNKNOWNINTERFACE);
+    for (const DISPID unknown : std::vector<DISPID>{0x68030005, 0x6802FFFF, DISPID_VALUE, kDoesFrameEdit}) {
+        EXPECT_EQ(call(*catalogue, unknown, DISPATCH_PROPERTYGET | DISPATCH_METHOD).result, DISP_E_MEMBERNOTFOUND);
     }
-    for (const Variant& wrong : {Variant::int16(1), Variant::text(u"x"), Variant(), null_value()}) {
-        const Outcome outcome = call(*entry_, kStartPreTransmit, DISPATCH_METHOD, {wrong});
-        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << wrong.type();
-        EXPECT_EQ(outcome.argument, 0U);
-    }
+    EXPECT_EQ(call(*catalogue, kTotalPlugins, DISPATCH_PROPERTYPUT, {Variant::int16(2)}).result, DISP_E_MEMBERNOTFOUND);
 }
 
-TEST_F(Invoke, KnowsItsMembersAndTheirKinds) {
-    EXPECT_EQ(call(*catalogue_, 0x68030005, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(call(*catalogue_, DISPID_VALUE, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_METHOD).result, DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(call(*catalogue_, kTotalPlugins, DISPATCH_PROPERTYPUT, {Variant::int16(2)}).result,
-              DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(call(*entry_, kDoesFrameEdit, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(call(*entry_, kTotalPlugins, DISPATCH_PROPERTYGET).result, DISP_E_MEMBERNOTFOUND);
-}
-
-TEST_F(Invoke, NeedsNoPlacesForItsAnswers) {
-    DISPPARAMS none{};
-    EXPECT_EQ(catalogue_->Invoke(kTotalPlugins, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
-              S_OK);
-    VARIANTARG bad_index = Variant::int16(5).get();
-    DISPPARAMS one{&bad_index, nullptr, 1, 0};
-    EXPECT_EQ(catalogue_->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &one, nullptr, nullptr, nullptr),
-              DISP_E_EXCEPTION);
-    VARIANTARG bad_type = null_value().get();
-    one.rgvarg = &bad_type;
-    EXPECT_EQ(catalogue_->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &one, nullptr, nullptr, nullptr),
-              DISP_E_TYPEMISMATCH);
-    EXPECT_TRUE(FAILED(
-        catalogue_->Invoke(kTotalPlugins, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, nullptr, nullptr, nullptr)));
-    EXPECT_EQ(
-        catalogue_->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
-        DISP_E_UNKNOWNINTERFACE);
-}
-
-TEST_F(Invoke, ReadsParameterNamesBehindTheMembersName) {
-    std::u16string member = u"pluginnames";
-    std::u16string parameter = u"IINDEX";
-    std::u16string nonsense = u"iIndices";
+TEST_F(Invoke, FindsNamesOfMembersAndTheirParameters) {
+    const auto catalogue = make(kCatalogueClass);
+    std::u16string member = u"pluginnames", parameter = u"IINDEX", nonsense = u"iIndices";
     LPOLESTR names[] = {reinterpret_cast<LPOLESTR>(member.data()), reinterpret_cast<LPOLESTR>(parameter.data()),
                         reinterpret_cast<LPOLESTR>(nonsense.data())};
     DISPID ids[3] = {7, 7, 7};
-    EXPECT_EQ(catalogue_->GetIDsOfNames(IID_NULL, names, 2, LOCALE_USER_DEFAULT, ids), S_OK);
+    const auto find = [&](REFIID reserved, LPOLESTR* what, UINT count) {
+        return catalogue->GetIDsOfNames(reserved, what, count, LOCALE_USER_DEFAULT, ids);
+    };
+    EXPECT_EQ(find(IID_NULL, names, 3), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(ids[0], kPluginNames);
     EXPECT_EQ(ids[1], 0);
-    EXPECT_EQ(catalogue_->GetIDsOfNames(IID_NULL, names, 3, LOCALE_USER_DEFAULT, ids), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(ids[1], 0);
     EXPECT_EQ(ids[2], DISPID_UNKNOWN);
-    EXPECT_EQ(catalogue_->GetIDsOfNames(IID_IUnknown, names, 1, LOCALE_USER_DEFAULT, ids), DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(find(IID_NULL, names, 2), S_OK);
+    EXPECT_EQ(find(IID_IUnknown, names, 1), DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(find(IID_NULL, names, 0), E_INVALIDARG);
+    EXPECT_EQ(find(IID_NULL, nullptr, 1), E_INVALIDARG);
+    names[1] = nullptr;
+    EXPECT_EQ(find(IID_NULL, names, 2), E_INVALIDARG);
+    for (std::u16string name : {u"StartPlugin", u"PluginName", u"PluginNamess", u""}) {
+        auto* text = reinterpret_cast<LPOLESTR>(name.data());
+        EXPECT_EQ(find(IID_NULL, &text, 1), DISP_E_UNKNOWNNAME);
+        EXPECT_EQ(ids[0], DISPID_UNKNOWN);
+    }
 }
 
 }  // namespace

@@ -1,29 +1,95 @@
-// The module's data seen from inside: every apartment has its own, filled before its first object.
+// The plug-in's room seen from inside: the data of apartments, and registrations that fail.
 #include "plugin/module.h"
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <thread>
+
+#include "platform/class_keys.h"
+#include "plugin/registration.h"
+
+namespace {
+
+/// In place of the system's keys.
+struct {
+    std::set<std::u16string> values;
+    std::set<std::u16string> keys;
+    /// How many more values can be written, and which one cannot be removed.
+    std::size_t writes = 0;
+    std::u16string stuck;
+} store;
+
+}  // namespace
+
+namespace vex::platform {
+
+bool write_class_text(const std::u16string& key, const std::u16string& name, const std::u16string& /*text*/) {
+    // As a system does, makes the key before it refuses the value.
+    for (std::size_t end = key.find(u'\\'); end != std::u16string::npos; end = key.find(u'\\', end + 1)) {
+        store.keys.insert(key.substr(0, end));
+    }
+    store.keys.insert(key);
+    if (store.writes == 0) return false;
+    --store.writes;
+    store.values.insert(key + u"@" + name);
+    return true;
+}
+
+bool remove_class_text(const std::u16string& key, const std::u16string& name) {
+    if (key + u"@" + name == store.stuck) return false;
+    store.values.erase(key + u"@" + name);
+    return true;
+}
+
+void remove_empty_class_key(const std::u16string& key) {
+    const auto holds = [&key](const std::set<std::u16string>& names, char16_t mark) {
+        const auto found = names.lower_bound(key + mark);
+        return found != names.end() && found->starts_with(key + mark);
+    };
+    if (!holds(store.values, u'@') && !holds(store.keys, u'\\')) store.keys.erase(key);
+}
+
+}  // namespace vex::platform
 
 namespace vex::plugin {
 namespace {
+
+TEST(Registration, IsWholeOrNotAtAll) {
+    const auto entries = registration_entries(u"C:\\Host\\vexFirmwarePlugin.dll", u"win32");
+    const std::set<std::u16string> shared = {u"CLSID", u"Interface", u"TypeLib"};
+    for (std::size_t written = 0; written < entries.size(); ++written) {
+        store = {{}, shared, written, {}};
+        EXPECT_EQ(write_registration(entries), entries[written].failure);
+        EXPECT_TRUE(store.values.empty()) << written;
+        EXPECT_EQ(store.keys, shared) << written;
+    }
+    store = {{}, shared, entries.size(), {}};
+    EXPECT_EQ(write_registration(entries), S_OK);
+    EXPECT_EQ(store.values.size(), entries.size());
+    const std::set<HRESULT> failures = {entries.front().failure, entries[4].failure};
+    EXPECT_EQ(failures, (std::set<HRESULT>{SELFREG_E_TYPELIB, SELFREG_E_CLASS}));
+
+    store.stuck = entries[5].key + u"@";
+    EXPECT_EQ(remove_registration(entries), entries[5].failure) << "it cannot be removed";
+    EXPECT_EQ(store.values, std::set<std::u16string>{store.stuck}) << "all the others are";
+    store.stuck.clear();
+    EXPECT_EQ(remove_registration(entries), S_OK);
+    EXPECT_EQ(store.keys, shared);
+}
 
 TEST(ModuleData, EveryApartmentHasItsOwn) {
     ModuleData& mine = module_data();
     EXPECT_EQ(&module_data(), &mine) << "made once";
     const ModuleData::Table names = mine.sPluginNames;
     EXPECT_FALSE(names[0].empty());
-    const ModuleData* theirs = nullptr;
-    ModuleData::Table their_names;
     std::thread([&] {
-        ModuleData& data = module_data();
-        theirs = &data;
-        their_names = data.sPluginNames;
-        data.sPluginNames[0] = u"changed";
-        data.sPluginDescriptions[0].clear();
+        ModuleData& theirs = module_data();
+        EXPECT_NE(&theirs, &mine);
+        EXPECT_EQ(theirs.sPluginNames, names) << "filled by each apartment's own start";
+        theirs.sPluginNames[0] = u"changed";
+        theirs.sPluginDescriptions[0].clear();
     }).join();
-    EXPECT_NE(theirs, &mine);
-    EXPECT_EQ(their_names, names) << "filled by each apartment's own start";
     EXPECT_EQ(mine.sPluginNames, names);
     EXPECT_FALSE(mine.sPluginDescriptions[0].empty());
 }

@@ -1,25 +1,59 @@
-// What the tests of the plug-in's library share: its exports, its identities, and an apartment for each test.
+// What the tests of the plug-in's library share: its exports and identities, an apartment for each test, and calls by
+// dispatch id as a host without type information makes them.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
+#include <vector>
 
 #include "com/bstr.h"
 #include "com/com_ptr.h"
-#include "tests/plugin/side.h"
+#include "com/variant.h"
+#include "platform/library.h"
+#include "platform/registry.h"
 
 namespace vex::plugin_test {
 
-// The identities as hosts know them; not taken from the plug-in's own tables.
+// ---- What each side has of its own
+
+/// The plug-in's library file: the one that the environment variable VEX_PLUGIN names, else that beside the test
+/// program.
+std::filesystem::path plugin_file();
+platform::Registry& registry();
+/// What the registry calls the platform of the type library.
+extern const char* const kPlatform;
+/// Whether a library can be registered wherever it lies.
+extern const bool kAnyFolderIsRegistered;
+
+// ---- The library as hosts know it; not taken from the plug-in's own tables
+
 constexpr GUID kCatalogueClass = {0x09D14609, 0x0E72, 0x4D6E, {0xA3, 0xB6, 0xD8, 0x40, 0x9C, 0x89, 0x77, 0x02}};
 constexpr GUID kCatalogueInterface = {0x28D15CCC, 0xA58D, 0x44F0, {0x8A, 0xAF, 0x3E, 0xEC, 0xB0, 0x73, 0x6F, 0xA9}};
 constexpr GUID kEntryClass = {0x4802794B, 0x38DD, 0x46AD, {0xA2, 0x90, 0xF2, 0x78, 0x25, 0xC7, 0x1C, 0xEA}};
 constexpr GUID kEntryInterface = {0x4EA9496B, 0x9BA4, 0x4BD0, {0xA3, 0x67, 0xC0, 0xE0, 0xA8, 0x37, 0xB2, 0xE4}};
 
+constexpr DISPID kTotalPlugins = 0x68030004;
+constexpr DISPID kPluginNames = 0x68030003;
+constexpr DISPID kPluginDescription = 0x68030002;
+constexpr DISPID kPluginPic = 0x68030001;
+constexpr DISPID kPluginDescriptiveName = 0x68030000;
+constexpr DISPID kStartPlugin = 0x60030000;
+constexpr DISPID kDoesFrameEdit = 0x60030001;
+constexpr DISPID kStartFrameFeature = 0x60030002;
+constexpr DISPID kStartPreTransmit = 0x60030004;
+constexpr DISPID kGetMyName = 0x60030005;
+
+/// The error code that carries a run-time error's number.
+constexpr HRESULT error_code(int number) { return static_cast<HRESULT>(0x800A0000U | static_cast<unsigned>(number)); }
+
+// ---- Its exports
+
 template <class Function>
 Function* plugin_function(const char* name) {
-    return reinterpret_cast<Function*>(plugin_export(name));
+    static const platform::Library library(plugin_file());
+    return library.function<Function*>(name);
 }
 
 inline HRESULT can_unload_now() { return plugin_function<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(); }
@@ -57,5 +91,46 @@ protected:
         CoUninitialize();
     }
 };
+
+// ---- Late calls
+
+struct Outcome {
+    HRESULT result = E_UNEXPECTED;
+    com::Variant value;
+    /// Of an exception.
+    HRESULT code = S_OK;
+    std::u16string description;
+    std::u16string source;
+    /// The argument at fault, counted as in the argument array; 999 when none is told.
+    UINT argument = 999;
+};
+
+inline Outcome call(IDispatch& object, DISPID member, WORD flags, DISPPARAMS* parameters) {
+    Outcome outcome;
+    EXCEPINFO exception{};
+    outcome.result = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, outcome.value.put(),
+                                   &exception, &outcome.argument);
+    com::Bstr description, source, help_file;
+    *description.put() = exception.bstrDescription;
+    *source.put() = exception.bstrSource;
+    *help_file.put() = exception.bstrHelpFile;
+    outcome.code = exception.scode;
+    outcome.description = description.str();
+    outcome.source = source.str();
+    return outcome;
+}
+
+/// `arguments` in the order in which a programmer writes them; the last ones are for the parameters in `names`.
+inline Outcome call(IDispatch& object, DISPID member, WORD flags, const std::vector<com::Variant>& arguments = {},
+                    std::vector<DISPID> names = {}) {
+    // Borrowed copies.
+    std::vector<VARIANTARG> reversed;
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+        reversed.push_back(argument->get());
+    }
+    DISPPARAMS parameters{reversed.data(), names.data(), static_cast<UINT>(reversed.size()),
+                          static_cast<UINT>(names.size())};
+    return call(object, member, flags, &parameters);
+}
 
 }  // namespace vex::plugin_test

@@ -1,25 +1,20 @@
 // The Windows side.
-#include "tests/plugin/side.h"
-
 #include <cstdlib>
-#include <stdexcept>
 
 #include "platform/win32/system.h"
+#include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
 
-void* plugin_export(const char* name) {
-    static const HMODULE library = [] {
-        const char* path = std::getenv("VEX_PLUGIN");
-        const HMODULE loaded = LoadLibraryA(path != nullptr ? path : "vexFirmwarePlugin.dll");
-        if (loaded == nullptr) throw std::runtime_error("the plug-in cannot be loaded");
-        return loaded;
-    }();
-    return reinterpret_cast<void*>(GetProcAddress(library, name));
+std::filesystem::path plugin_file() {
+    const wchar_t* path = _wgetenv(L"VEX_PLUGIN");
+    if (path != nullptr) return path;
+    return std::filesystem::path(platform::win32::module_path()).replace_filename("vexFirmwarePlugin.dll");
 }
 
 platform::Registry& registry() { return platform::win32::registry(); }
 
-platform::Files& files() { return platform::win32::files(); }
+const char* const kPlatform = sizeof(void*) == 8 ? "win64" : "win32";
+const bool kAnyFolderIsRegistered = true;
 
 }  // namespace vex::plugin_test

@@ -1,27 +1,12 @@
 // Windows only, for its loader: the system's own loader reads the type library in the plug-in's resources, and calls by
 // it.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "plugin/contract.h"
-#include "plugin/type_library/name_hash.h"
-#include "tests/plugin/expected_type_library.h"
-#include "tests/plugin/late_call.h"
+#include "plugin/type_library/writer.h"
 #include "tests/plugin/plugin_fixture.h"
-#include "tests/plugin/type_library_text.h"
+#include "tests/plugin/type_library_words.h"
 
 namespace vex::plugin_test {
 namespace {
-
-std::wstring plugin_path() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(plugin_export("DllCanUnloadNow")), &module);
-    std::wstring path(MAX_PATH, L'\0');
-    path.resize(GetModuleFileNameW(module, path.data(), MAX_PATH));
-    return path;
-}
 
 std::string narrow(BSTR text) {
     std::string result;
@@ -127,7 +112,7 @@ class TypeLibraryLoader : public PluginTest {
 protected:
     void SetUp() override {
         PluginTest::SetUp();
-        ASSERT_EQ(LoadTypeLibEx(plugin_path().c_str(), REGKIND_NONE, library_.put()), S_OK);
+        ASSERT_EQ(LoadTypeLibEx(plugin_file().c_str(), REGKIND_NONE, library_.put()), S_OK);
     }
     void TearDown() override {
         library_.reset();

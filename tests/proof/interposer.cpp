@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "com/object.h"
+#include "com/class_factory.h"
 #include "com/variant.h"
 #include "simulator/controls.h"
 #include "simulator/class_library.h"
@@ -27,7 +27,7 @@ ClassFacts facts(const char16_t* name) {
             }};
 }
 
-class Wrapper final : public com::Object<Wrapper, IDispatch> {
+class Wrapper final : public com::Object<Wrapper, com::Untyped<IDispatch>> {
 public:
     Wrapper(sim::Host& host, Meddling& meddling, const ClassFacts& facts, com::ComPtr<IDispatch> inner)
         : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
@@ -41,12 +41,6 @@ public:
             meddling_.observer->listened_to(this);
         }
         return own ? Object::QueryInterface(iid, object) : inner_->QueryInterface(iid, object);
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        return inner_->GetTypeInfoCount(count);
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override {
-        return inner_->GetTypeInfo(index, locale, info);
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
                                             DISPID* ids) noexcept override {
@@ -101,39 +95,16 @@ private:
 };
 
 template <class Wrapped>
-class Factory final : public com::Object<Factory<Wrapped>, IClassFactory> {
-public:
-    Factory(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name)
-        : com::Object<Factory, IClassFactory>(host.lifetime),
-          host_(host),
-          meddling_(meddling),
-          clsid_(clsid),
-          facts_(facts<Wrapped>(name)) {}
-
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID iid, void** object) noexcept override {
-        *object = nullptr;
-        if (meddling_.judge && meddling_.judge(std::u16string(u"new ") + facts_.name) != Verdict::pass) return E_FAIL;
-        auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host_).detach());
-        const auto wrapper = com::make_object<Wrapper>(host_, meddling_, facts_, std::move(inner));
-        if (meddling_.observer != nullptr) meddling_.observer->created(wrapper.get(), clsid_);
-        return wrapper->QueryInterface(iid, object);
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) noexcept override { return S_OK; }
-
-private:
-    sim::Host& host_;
-    Meddling& meddling_;
-    CLSID clsid_;
-    ClassFacts facts_;
-};
-
-template <class Wrapped>
 DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
-    DWORD cookie = 0;
-    const auto factory = com::make_object<Factory<Wrapped>>(host, meddling, clsid, name);
-    if (FAILED(CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie)))
-        std::abort();
-    return cookie;
+    return com::offer_class(host.lifetime, clsid, [&host, &meddling, clsid, known = facts<Wrapped>(name)] {
+        if (meddling.judge && meddling.judge(std::u16string(u"new ") + known.name) != Verdict::pass) {
+            throw RuntimeError(kAutomationError);
+        }
+        auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host).detach());
+        auto wrapper = com::make_object<Wrapper>(host, meddling, known, std::move(inner));
+        if (meddling.observer != nullptr) meddling.observer->created(wrapper.get(), clsid);
+        return wrapper;
+    });
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
-// The small rules of the wizard and the session, at their edges and against plain restatements of them.
+// The small rules of the wizard and the session, at their edges.
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
-#include "support/file_routines.h"
 #include "support/text.h"
 #include "update/display_facts.h"
 #include "tests/shared/error_of.h"
@@ -14,24 +12,6 @@ namespace vex {
 namespace {
 
 using test::error_of;
-
-/// Short texts of few characters: they collide with the rules' own characters all the time.
-class Texts {
-public:
-    explicit Texts(std::u16string alphabet) : alphabet_(std::move(alphabet)) {}
-    std::u16string next() {
-        std::u16string text(std::uniform_int_distribution<std::size_t>(0, 8)(random_), u' ');
-        for (char16_t& c : text)
-            c = alphabet_[std::uniform_int_distribution<std::size_t>(0, alphabet_.size() - 1)(random_)];
-        return text;
-    }
-
-private:
-    std::u16string alphabet_;
-    std::mt19937 random_{20261124};
-};
-
-constexpr int kTries = 20'000;
 
 TEST(Rules, VersionNumbersReadOneCharacterBeforeTheLastPoint) {
     const struct {
@@ -49,30 +29,6 @@ TEST(Rules, VersionNumbersReadOneCharacterBeforeTheLastPoint) {
     EXPECT_FALSE(is_kqs_controller(u" KQS"));
 }
 
-TEST(Rules, VersionNumbersAgreeWithAPlainRestatement) {
-    Texts texts(u"0123456789.V ");
-    for (int i = 0; i < kTries; ++i) {
-        const std::u16string text = texts.next();
-        const std::size_t point = text.rfind(u'.');
-        if (point == 0) {
-            EXPECT_EQ(error_of([&] { version_number(text); }), kInvalidProcedureCall);
-            continue;
-        }
-        double expected = 0;
-        if (point != std::u16string::npos) {
-            // One digit, then the digits after the point, by school arithmetic.
-            const char16_t major = text[point - 1];
-            const bool digit = major >= u'0' && major <= u'9';
-            expected = digit ? major - u'0' : 0;
-            double scale = 0.1;
-            for (std::size_t k = point + 1; digit && k < text.size() && text[k] >= u'0' && text[k] <= u'9';
-                 ++k, scale /= 10)
-                expected += (text[k] - u'0') * scale;
-        }
-        EXPECT_NEAR(version_number(text), expected, 1e-9) << std::string(text.begin(), text.end());
-    }
-}
-
 TEST(Rules, HostNumbersStandBehindTheLastPoint) {
     EXPECT_EQ(host_number(u"10.0.0.7"), 7);
     EXPECT_EQ(host_number(u"10.0.0."), 0);
@@ -82,17 +38,7 @@ TEST(Rules, HostNumbersStandBehindTheLastPoint) {
 TEST(Rules, SplittingLosesNothing) {
     EXPECT_TRUE(split(u"", u',').empty());
     EXPECT_EQ(split(u",", u','), (std::vector<std::u16string>{u"", u""}));
-    Texts texts(u"ab, ,");
-    for (int i = 0; i < kTries; ++i) {
-        const std::u16string text = texts.next();
-        std::u16string joined;
-        const auto pieces = split(text, u',');
-        for (std::size_t k = 0; k < pieces.size(); ++k) {
-            EXPECT_EQ(pieces[k].find(u','), std::u16string::npos);
-            joined += (k == 0 ? u"" : u",") + pieces[k];
-        }
-        EXPECT_EQ(joined, text);
-    }
+    EXPECT_EQ(split(u" a,,b ", u','), (std::vector<std::u16string>{u" a", u"", u"b "}));
 }
 
 TEST(Rules, BoardFamiliesByTypeTextAndByCode) {
@@ -114,14 +60,10 @@ TEST(Rules, LanBoxesAreToldByTheFirstWordOfThree) {
 }
 
 TEST(Rules, PathsEndBeforeTheirLastBackslash) {
-    Texts texts(u"a\\/");
-    for (int i = 0; i < kTries; ++i) {
-        const std::u16string path = texts.next();
-        const std::u16string folder = GetPathOnly(path);
-        ASSERT_TRUE(path.starts_with(folder));
-        const std::u16string rest = path.substr(folder.size());
-        EXPECT_TRUE(rest.empty() ? path.find(u'\\') == std::u16string::npos : rest.rfind(u'\\') == 0);
-    }
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
+        {u"C:\\fw\\new.bin", u"C:\\fw"}, {u"C:\\new.bin", u"C:"}, {u"C:\\fw\\", u"C:\\fw"},
+        {u"fw/new.bin", u"fw/new.bin"},    {u"", u""},              {u"\\x", u""}};
+    for (const auto& [path, folder] : cases) EXPECT_EQ(GetPathOnly(path), folder);
     // The position of the last backslash, and the length of a path without one, count in 16 bits.
     const std::u16string longest(32767, u'a');
     EXPECT_EQ(GetPathOnly(longest), longest);

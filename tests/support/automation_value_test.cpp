@@ -9,6 +9,7 @@
 #include "core/narrow.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "support/text.h"
 #include "tests/shared/error_of.h"
 
 namespace vex {
@@ -32,43 +33,18 @@ TEST(AutomationValue, TextsBecome32BitNumbersRoundedToEven) {
     constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
     expect<std::int32_t>(
         [](const std::u16string& text) { return AutomationValue(text).to_int32(); },
-        {{u"0", 0},
-         {u"-0", 0},
-         {u"  42\t", 42},
-         {u"+7", 7},
-         {u"007", 7},
-         {u"2147483647", 2147483647},
-         {u".9", 1},
-         {u"0.05e1", 0},
-         {u"2147483647.4", 2147483647},
-         {u"12e2", 1200},
-         {u"1200e-2", 12},
-         {u"1.25E1", 12},
-         {u"0.5", 0},
-         {u"1.5", 2},
-         {u"2.5", 2},
-         {u"2.50001", 3},
-         {u"-1.5", -2},
-         {u"-2147483648", kLowest},
-         {u"1e-9999999999", 0},
-         {u"0e999999999999", 0},
-         {u"-2147483648.5", kLowest}},
+        {{u"0", 0}, {u"-0", 0}, {u"  42\t", 42}, {u"+7", 7}, {u"007", 7}, {u"2147483647.4", 2147483647}, {u".9", 1},
+         {u"0.05e1", 0}, {u"12e2", 1200}, {u"1200e-2", 12}, {u"1.25E1", 12}, {u"0.5", 0}, {u"1.5", 2}, {u"2.5", 2},
+         {u"2.50001", 3}, {u"-1.5", -2}, {u"1e-9999999999", 0}, {u"0e999999999999", 0}, {u"-2147483648.5", kLowest}},
         {{kOverflow, {u"2147483648", u"2147483647.5", u"-2147483649", u"1e10", u"1e999999999999", kHugeNumber}},
-         {kTypeMismatch,
-          {u"", u" ", u".", u"-", u"1e", u"1 2", u"- 1", u"1.2.3", u"12x", u"nan", u"0x10", u"\xFF11",
-           std::u16string(u"1\0", 2)}}});
+         {kTypeMismatch, {u"", u" ", u".", u"-", u"1e", u"1 2", u"- 1", u"1.2.3", u"12x", u"nan", u"0x10", u"\xFF11",
+                          std::u16string(u"1\0", 2)}}});
 }
 
 TEST(AutomationValue, TextsBecome16BitNumbersOnlyWhenWhole) {
     expect<int>([](const std::u16string& text) { return to_int16(text); },
-                {{u"160", 160},
-                 {u" -1 ", -1},
-                 {u"32767", 32767},
-                 {u"-32768", -32768},
-                 {u"7.000", 7},
-                 {u"0.0", 0},
-                 {u"1.6e2", 160},
-                 {u"1600e-1", 160}},
+                {{u"160", 160}, {u" -1 ", -1}, {u"32767", 32767}, {u"-32768", -32768}, {u"7.000", 7}, {u"0.0", 0},
+                 {u"1.6e2", 160}, {u"1600e-1", 160}},
                 {{kOverflow, {u"32768", u"-32769", u"99999", u"1e6", kHugeNumber}},
                  {kTypeMismatch, {u"1.5", u"32768.5", u"5e-1", u"", u"abc", u"1,5", u"160 -", u"--1", u"0x10"}}});
 }

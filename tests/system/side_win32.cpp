@@ -2,10 +2,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/win32/console.h"
 #include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 #include "simulator/private_folder.h"
+#include "simulator/win32/program.h"
 #include "tests/system/side.h"
 
 namespace vex::test {

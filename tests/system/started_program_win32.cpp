@@ -2,12 +2,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/win32/console.h"
 #include "platform/win32/system.h"
+#include "simulator/win32/program.h"
 
 int main() {
     const std::filesystem::path sign(vex::platform::win32::module_path() + u".ran");
     const bool again = std::filesystem::exists(sign);
-    const bool arguments = !vex::platform::win32::program_arguments().empty();
+    const bool arguments = !vex::sim::program_arguments().empty();
     std::ofstream(sign) << (again ? "another" : "1") << " run with" << (arguments ? "" : "out") << " arguments\n";
 }

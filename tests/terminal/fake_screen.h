@@ -6,48 +6,37 @@
 #include <string>
 #include <utility>
 
-#include "platform/native/terminal/drives.h"
 #include "platform/native/terminal/layout.h"
 #include "platform/native/terminal/screen.h"
-#include "platform/native/terminal/text_picture.h"
 
 namespace vex::platform::native::terminal {
 
 class FakeScreen final : public Screen {
 public:
-    /// A thing to do, and what to look at before it is done.
-    struct Step {
-        Input input;
-        std::function<void()> before;
-    };
-
     Size size_now = kSmallestTerminal;
-    std::deque<Step> steps;
     int beeps = 0;
-    int frames = 0;
     Canvas canvas{{0, 0}};
     std::optional<Point> cursor;
 
-    void key(Key key, std::function<void()> before = {}) { steps.push_back({KeyPress{key}, std::move(before)}); }
     void keys(std::initializer_list<Key> pressed) {
-        for (const Key each : pressed) key(each);
+        for (const Key key : pressed) steps_.push_back({KeyPress{key}, {}});
     }
     void type(std::u32string_view text) {
-        for (const char32_t character : text) steps.push_back({KeyPress{Key::character, character}, {}});
+        for (const char32_t character : text) steps_.push_back({KeyPress{Key::character, character}, {}});
     }
-    void alt(char32_t character) { steps.push_back({KeyPress{Key::character, character, true}, {}}); }
+    void alt(char32_t character) { steps_.push_back({KeyPress{Key::character, character, true}, {}}); }
+    void paste(std::u32string text) { steps_.push_back({Paste{std::move(text)}, {}}); }
     void mouse(MouseAction action, Point at, forms::MouseButton button = forms::MouseButton::left) {
-        steps.push_back({MouseEvent{action, button, at}, {}});
+        steps_.push_back({MouseEvent{action, button, at}, {}});
     }
     void click(Point at) {
         mouse(MouseAction::press, at);
         mouse(MouseAction::release, at);
     }
-    /// Looks at the screen between two steps; the terminal has not changed.
-    void look(std::function<void()> before) { steps.push_back({Resized{}, std::move(before)}); }
+    /// Looks at the screen between two steps. What it adds is done before what was to follow.
+    void look(std::function<void()> at_screen) { steps_.push_back({Resized{}, std::move(at_screen)}); }
 
-    std::string picture() const { return text_picture(canvas); }
-    bool shows(std::string_view text) const { return picture().find(text) != std::string::npos; }
+    bool shows(std::string_view text) const { return text_picture(canvas).find(text) != std::string::npos; }
     /// The first cell of a text on the screen; it must be there.
     Point find(std::u32string_view text) const {
         for (int row = 0; row < canvas.size().rows; ++row) {
@@ -60,29 +49,37 @@ public:
         }
         return {-1, -1};
     }
+    /// The last row, where the keys are told.
+    std::string last_line() const {
+        const std::string picture = text_picture(canvas);
+        return picture.substr(picture.rfind('\n', picture.size() - 2) + 1);
+    }
 
     Size size() const override { return size_now; }
     void show(const Canvas& shown, std::optional<Point> place) override {
         canvas = shown;
         cursor = place;
-        ++frames;
     }
     /// A user who has nothing left to do ends the process, so that no test waits for ever.
     std::optional<Input> read(bool wait) override {
-        if (steps.empty()) return wait ? std::optional<Input>(Ended{}) : std::nullopt;
-        Step step = std::move(steps.front());
-        steps.pop_front();
-        if (step.before) step.before();
+        if (steps_.empty()) return wait ? std::optional<Input>(Ended{}) : std::nullopt;
+        const Step step = std::move(steps_.front());
+        steps_.pop_front();
+        if (step.look) {
+            std::deque<Step> later = std::exchange(steps_, {});
+            step.look();
+            steps_.insert(steps_.end(), later.begin(), later.end());
+        }
         return step.input;
     }
     void beep() override { ++beeps; }
-};
 
-class NoDrives final : public Drives {
-public:
-    std::vector<std::u16string> letters() const override { return {}; }
-    std::optional<std::vector<FolderEntry>> entries(const std::u16string&) const override { return std::nullopt; }
-    bool file_exists(const std::u16string&) const override { return false; }
+private:
+    struct Step {
+        Input input;
+        std::function<void()> look;
+    };
+    std::deque<Step> steps_;
 };
 
 }  // namespace vex::platform::native::terminal

@@ -13,6 +13,8 @@ public:
     virtual ~Side() = default;
     virtual forms::Toolkit& toolkit() = 0;
     virtual sim::Screen& screen() = 0;
+    /// How far from the place aimed at a press may land, in twips.
+    virtual float coarseness() const { return 0; }
 };
 
 /// One at a time. Implemented once for each side; the build picks.

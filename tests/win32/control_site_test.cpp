@@ -171,7 +171,7 @@ TEST_F(ControlSiteTest, ControlThatNeedsAWindowIsActiveInAHiddenPlace) {
     const auto control = com::make_object<FakeControl>(DWORD{OLEMISC_ACTIVATEWHENVISIBLE});
     HostForm form(side->toolkit(), static_cast<IOleObject*>(control.get()));
     form.on_activate = [&] {
-        EXPECT_EQ(control->frame_window, platform::win32::top_form_window());
+        EXPECT_EQ(control->frame_window, sim::top_form_window());
         EXPECT_EQ(platform::win32::window_name(control->in_place_parent), u"hosted");
         EXPECT_FALSE(IsWindowVisible(control->in_place_parent));
     };

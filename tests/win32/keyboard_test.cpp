@@ -1,7 +1,7 @@
 // The keyboard on real windows: order, mnemonics, default and cancel keys, and where the focus goes.
 #include "platform/win32/windows_api.h"
 
-#include "platform/win32/window_reader.h"
+#include "simulator/win32/window_reader.h"
 #include "tests/win32/window_fixture.h"
 
 namespace vex::test {
@@ -13,6 +13,8 @@ class KeyboardTest : public WindowTest {};
 
 TEST_F(KeyboardTest, TabFollowsTheKeyboardOrderAndComesRound) {
     form.on_load = [&] { form.option_a.set_value(true); };
+    // What lies on the pages comes where they stand, whatever its own numbers.
+    form.pages.set_tab_index(1);
     std::vector<std::u16string> visited;
     for (int stop = 0; stop < 6; ++stop) {
         user.then([&] {
@@ -22,7 +24,7 @@ TEST_F(KeyboardTest, TabFollowsTheKeyboardOrderAndComesRound) {
     }
     show();
     // Of options only the chosen one is a stop.
-    EXPECT_THAT(visited, ElementsAre(u"cmdOk", u"cmdCancel", u"text", u"option_a", u"check", u"cmdOk"));
+    EXPECT_THAT(visited, ElementsAre(u"cmdOk", u"text", u"option_a", u"check", u"cmdCancel", u"cmdOk"));
 }
 
 TEST_F(KeyboardTest, ArrowsChooseAmongOptions) {
@@ -35,12 +37,30 @@ TEST_F(KeyboardTest, ArrowsChooseAmongOptions) {
     show();
 }
 
-TEST_F(KeyboardTest, EnterPressesTheDefaultButtonAndEscTheCancelButton) {
-    user.then([&] { SetFocus(window_of(u"text")); }).then([&] { press_key(VK_RETURN); }).then([&] {
-        press_key(VK_ESCAPE);
-    });
+TEST_F(KeyboardTest, EnterPressesTheButtonThatHasTheFocusAndElseTheDefaultOne) {
+    const auto has_border = [&](const char16_t* button) {
+        return (GetWindowLongPtrW(window_of(button), GWL_STYLE) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+    };
+    const auto give_focus = [&](const char16_t* control) {
+        // As after a dialog over the form, not as the Tab key does.
+        return [&, control] { SetFocus(window_of(control)); };
+    };
+    const auto press_enter = [&] { press_key(VK_RETURN); };
+    user.then(give_focus(u"cmdCancel"))
+        .then([&] { EXPECT_TRUE(has_border(u"cmdCancel") && !has_border(u"cmdOk")); })
+        .then(give_focus(u"text"))
+        .then([&] { EXPECT_TRUE(has_border(u"cmdOk") && !has_border(u"cmdCancel")); })
+        .then(press_enter)
+        .then(give_focus(u"cmdCancel"))
+        .then(press_enter);
     form.show_modal();
     EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdOk", "cmdCancel"));
+}
+
+TEST_F(KeyboardTest, EscPressesTheCancelButton) {
+    user.then([&] { press_key(VK_ESCAPE); });
+    form.show_modal();
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdCancel"));
 }
 
 TEST_F(KeyboardTest, EscDoesNothingWhileTheCancelButtonIsDisabled) {
@@ -101,6 +121,30 @@ TEST_F(KeyboardTest, MenuKeyIsARightPressInTheSelectedRow) {
     show();
     ASSERT_EQ(form.presses.size(), 1U);
     EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
+}
+
+TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
+    form.pages.set_tab(1);
+    const auto rows_look = [&] {
+        const HWND list = window_of(u"list");
+        RECT area = {};
+        GetClientRect(list, &area);
+        RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+        const platform::win32::WindowContext context(list);
+        std::vector<COLORREF> edge;
+        for (LONG y = 0; y < area.bottom; ++y) edge.push_back(GetPixel(context.dc(), 0, y));
+        return edge;
+    };
+    for (const std::size_t rows : {0U, 1U}) {
+        user.then([&, rows] {
+            if (rows > 0) form.list.add_row({}, u"Row 1");
+            SetFocus(window_of(u"cmdOk"));
+            const auto without_focus = rows_look();
+            SetFocus(window_of(u"list"));
+            EXPECT_NE(rows_look(), without_focus);
+        });
+    }
+    show();
 }
 
 TEST_F(KeyboardTest, ArrowsAndLettersSelectRows) {

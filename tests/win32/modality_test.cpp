@@ -1,7 +1,8 @@
 // Modal forms among the other windows of their thread, and what ends them from outside.
 #include "platform/win32/windows_api.h"
 
-#include "platform/win32/window_reader.h"
+#include "simulator/win32/import_hook.h"
+#include "simulator/win32/window_reader.h"
 #include "tests/win32/window_fixture.h"
 
 namespace vex::test {
@@ -35,7 +36,7 @@ protected:
 TEST_F(ModalityTest, HostTakesNoInputMeanwhileAndGetsItsFocusBack) {
     user.then([&] {
         EXPECT_FALSE(IsWindowEnabled(host));
-        EXPECT_EQ(GetWindow(form_window(), GW_OWNER), host);
+        EXPECT_EQ(GetWindow(form_window(), GW_OWNER), nullptr);
         EXPECT_EQ(GetActiveWindow(), form_window());
     });
     show();
@@ -70,15 +71,61 @@ TEST_F(ModalityTest, CloseRequestToAFormBelowIsIgnored) {
     EXPECT_THAT(form.log, testing::Not(Contains("close box")));
 }
 
-TEST_F(ModalityTest, EndOfTheSessionUnloadsTheForm) {
+TEST_F(ModalityTest, PressOnAFormBelowBringsTheTopOneForward) {
+    SampleForm inner(side->toolkit(), "dlgInner");
+    HWND below = nullptr;
+    form.on_any_click = [&](const std::string& control) {
+        if (control != "cmdOk") return;
+        below = form_window();
+        inner.show_modal();
+        EXPECT_EQ(GetActiveWindow(), below);
+    };
+    user.then([&] { screen.click(u"cmdOk"); }).then([&] {
+        const HWND top = form_window();
+        const auto stands_over_all = [top] { return GetTopWindow(nullptr) == top; };
+        EXPECT_EQ(GetWindow(top, GW_OWNER), nullptr);
+        EXPECT_FALSE(IsWindowEnabled(below));
+        EXPECT_TRUE(stands_over_all());
+        SetWindowPos(below, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        EXPECT_FALSE(stands_over_all());
+        SendMessageW(below, WM_SETCURSOR, reinterpret_cast<WPARAM>(below), MAKELPARAM(HTERROR, WM_LBUTTONDOWN));
+        EXPECT_TRUE(stands_over_all());
+        screen.click(u"cmdCancel");
+    });
+    show();
+}
+
+std::wstring refusal_reason;
+
+FARPROC WINAPI find_reason_function(HMODULE, LPCSTR name) {
+    void* found = nullptr;
+    if (std::string_view(name) == "ShutdownBlockReasonCreate") {
+        found =
+            reinterpret_cast<void*>(+[](HWND, LPCWSTR reason) -> BOOL { return !(refusal_reason = reason).empty(); });
+    } else if (std::string_view(name) == "ShutdownBlockReasonDestroy") {
+        found = reinterpret_cast<void*>(+[](HWND) -> BOOL { return !std::exchange(refusal_reason, {}).empty(); });
+    }
+    return reinterpret_cast<FARPROC>(found);
+}
+
+TEST_F(ModalityTest, EndOfTheSessionUnloadsTheFormUnlessItRefuses) {
+    const auto may_end = [&] { return SendMessageW(form_window(), WM_QUERYENDSESSION, 0, 0) != FALSE; };
     user.then([&] {
-        EXPECT_TRUE(SendMessageW(form_window(), WM_QUERYENDSESSION, 0, 0));
+        const sim::ImportHook hook(GetModuleHandleW(nullptr), "GetProcAddress", find_reason_function);
+        form.refuses_to_close = true;
+        EXPECT_FALSE(may_end());
+        EXPECT_EQ(refusal_reason, L"Sample has not finished its work.");
+        SendMessageW(form_window(), WM_ENDSESSION, TRUE, 0);
+        EXPECT_TRUE(form.loaded());
+        form.refuses_to_close = false;
+        EXPECT_TRUE(may_end());
+        EXPECT_EQ(refusal_reason, L"");
         SendMessageW(form_window(), WM_ENDSESSION, FALSE, 0);
         EXPECT_TRUE(form.loaded());
         SendMessageW(form_window(), WM_ENDSESSION, TRUE, 0);
     });
     form.show_modal();
-    EXPECT_THAT(form.log, ElementsAre("load", "activate", "unload", "unloaded"));
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "unload", "unload", "unload", "unload", "unloaded"));
 }
 
 TEST_F(ModalityTest, RequestToQuitEndsAllFormsAndIsLeftForTheHost) {
@@ -106,10 +153,14 @@ TEST_F(ModalityTest, RequestToQuitIsSeenInTheMidstOfWorkAndKept) {
 }
 
 TEST_F(ModalityTest, DestroyedOwnerTakesTheFormWithIt) {
-    user.then([&] { DestroyWindow(host); });
+    SampleForm inner(side->toolkit(), "dlgInner");
+    form.on_any_click = [&](const std::string&) { inner.show_modal(&form); };
+    user.then([&] { screen.click(u"cmdOk"); }).then([&] { DestroyWindow(GetWindow(form_window(), GW_OWNER)); });
     form.show_modal();
-    EXPECT_EQ(form.view(), nullptr);
-    EXPECT_TRUE(form.loaded());
+    for (const SampleForm* destroyed : {&form, &inner}) {
+        EXPECT_EQ(destroyed->view(), nullptr);
+        EXPECT_TRUE(destroyed->loaded());
+    }
 }
 
 }  // namespace

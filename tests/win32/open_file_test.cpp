@@ -8,8 +8,8 @@
 #include <fstream>
 
 #include "platform/win32/system.h"
-#include "platform/win32/window_reader.h"
 #include "simulator/private_folder.h"
+#include "simulator/win32/window_reader.h"
 
 namespace vex::test {
 namespace {
@@ -25,7 +25,7 @@ struct DialogUser {
 
 DialogUser* current_user = nullptr;
 
-std::u16string text_of(HWND dialog, int id) { return platform::win32::shown_text(GetDlgItem(dialog, id)); }
+std::u16string text_of(HWND dialog, int id) { return sim::shown_text(GetDlgItem(dialog, id)); }
 
 /// Acts as soon as the dialog has its controls.
 void CALLBACK look(HWND, UINT, UINT_PTR timer, DWORD) {

@@ -1,11 +1,11 @@
 // What the Windows side takes nobody's word for: where libraries lie and paths lead, and what a clean-up may remove.
 #include <gtest/gtest.h>
 
-#include "platform/win32/class_registration.h"
-#include "platform/win32/late_library.h"
-#include "platform/win32/private_machine.h"
 #include "platform/win32/system.h"
+#include "platform/win32/windows_api.h"
 #include "simulator/private_folder.h"
+#include "simulator/win32/program.h"
+#include "simulator/win32/win32_machine.h"
 
 namespace vex::platform::win32 {
 namespace {
@@ -26,22 +26,22 @@ TEST(LateLibrary, IsTheSystemsOwn) {
     std::filesystem::current_path(here);
 }
 
-TEST(PrivateMachine, NoPathLeavesItsFolder) {
-    // The machine stands in for what the program itself uses.
+TEST(PrivateDrives, NoPathLeavesTheirFolder) {
+    // The computer stands in for what the program itself uses.
     registry();
     const sim::PrivateFolder folder;
-    const PrivateMachine machine(folder.path(), false);
+    sim::Win32Machine machine(u"", folder.path(), false);
     for (const char16_t* path : {u"C:\\..\\..\\x", u"C:..\\x", u"c:/../a/../../x", u"C:\\\\x"}) {
         EXPECT_EQ(machine.real_path(path), folder.path() / "drive_c" / "x");
     }
 }
 
-OwnedKey class_root_key(const char16_t* path, const std::u16string& text) {
+sim::OwnedKey class_root_key(const char16_t* path, const std::u16string& text) {
     HKEY key = nullptr;
     RegCreateKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
     RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                    static_cast<DWORD>(2 * (text.size() + 1)));
-    return OwnedKey(key);
+    return sim::OwnedKey(key);
 }
 
 bool exists(const char16_t* path) {
@@ -52,7 +52,7 @@ bool exists(const char16_t* path) {
 TEST(ClassRegistration, RemovesNoKeyThatIsNoClass) {
     class_root_key(u"Vex.Test\\CLSID", u"VexTestIsNoIdentity");
     class_root_key(u"CLSID\\VexTestIsNoIdentity", u"");
-    remove_class(u"Vex.Test");
+    sim::remove_class(u"Vex.Test");
     EXPECT_FALSE(exists(u"Vex.Test"));
     EXPECT_TRUE(exists(u"CLSID\\VexTestIsNoIdentity"));
     RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(u"CLSID\\VexTestIsNoIdentity"));

@@ -5,7 +5,7 @@
 
 #include "core/runtime_error.h"
 #include "platform/win32/window_name.h"
-#include "platform/win32/window_reader.h"
+#include "simulator/win32/window_reader.h"
 #include "tests/toolkit/sample_form.h"
 #include "tests/toolkit/side.h"
 #include "tests/toolkit/test_user.h"
@@ -14,7 +14,7 @@ namespace vex::test {
 
 class WindowTest : public testing::Test {
 protected:
-    HWND form_window() { return static_cast<HWND>(platform::win32::top_form_window()); }
+    HWND form_window() { return static_cast<HWND>(sim::top_form_window()); }
     HWND window_of(std::u16string_view control) { return platform::win32::find_named_window(form_window(), control); }
     /// The control that has the focus.
     std::u16string focused() { return platform::win32::window_name(GetFocus()); }

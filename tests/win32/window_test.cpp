@@ -3,9 +3,8 @@
 
 #include <map>
 
-#include "platform/win32/handles.h"
-#include "platform/win32/scale.h"
-#include "platform/win32/window_reader.h"
+#include "platform/win32/form_context.h"
+#include "simulator/win32/window_reader.h"
 #include "tests/win32/handle_counts.h"
 #include "tests/win32/window_fixture.h"
 
@@ -32,7 +31,7 @@ TEST_F(WindowTest, WindowsCarryTheNamesOfTheirControls) {
             EXPECT_NE(window_of(name), nullptr);
         }
         EXPECT_EQ(window_of(u"shape"), nullptr);
-        EXPECT_EQ(platform::win32::control_window(form_window(), u"shape"), window_of(u"panel"));
+        EXPECT_EQ(sim::control_window(form_window(), u"shape"), window_of(u"panel"));
         EXPECT_NE(GlobalFindAtomW(L"panel_label"), 0);
     });
     show();

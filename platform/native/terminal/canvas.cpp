@@ -1,18 +1,15 @@
 // A grid of character cells to draw on.
 #include "platform/native/terminal/canvas.h"
 
-#include <algorithm>
-
-#include "platform/native/terminal/colors.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {
 
-constexpr std::uint8_t kUp = 1;
-constexpr std::uint8_t kRight = 2;
-constexpr std::uint8_t kDown = 4;
-constexpr std::uint8_t kLeft = 8;
+constexpr int kUp = 1;
+constexpr int kRight = 2;
+constexpr int kDown = 4;
+constexpr int kLeft = 8;
 
 /// The line character with the given arms.
 constexpr std::u32string_view kLineCharacters = U" │─└││┌├─┘─┴┐┤┬┼";
@@ -30,6 +27,20 @@ bool is_format(char32_t character) noexcept {
 
 }  // namespace
 
+Color color_of(forms::Color color) noexcept {
+    switch (color) {
+        case forms::kWhite: return Color::white;
+        case forms::kRed: return Color::red;
+        case forms::kBlue: return Color::blue;
+        case forms::kGreen: return Color::bright_green;
+        case forms::kGrey: return Color::light_grey;
+        case forms::kDarkGrey: return Color::dark_grey;
+        // The light green of a finished display; on white it would not be read.
+        case forms::rgb(100, 255, 100): return Color::green;
+        default: return Color::black;
+    }
+}
+
 Canvas::Canvas(Size size, const Style& style)
     : size_{std::max(size.columns, 0), std::max(size.rows, 0)}, clip_{0, 0, size_.columns, size_.rows} {
     Cell blank;
@@ -37,41 +48,33 @@ Canvas::Canvas(Size size, const Style& style)
     cells_.assign(static_cast<std::size_t>(size_.columns) * static_cast<std::size_t>(size_.rows), blank);
 }
 
-void Canvas::put(Point at, const Cell& cell) noexcept {
+Area Canvas::set_clip(const Area& area) noexcept {
+    const Area before = clip_;
+    clip_ = area.meet(this->area());
+    return before;
+}
+
+void Canvas::put(Point at, Cell cell) noexcept {
     if (!clip_.contains(at)) return;
     Cell& target = cells_[index(at)];
     // No half of a wide character stays behind alone.
     if (target.tail && !cell.tail && at.column > 0) cells_[index({at.column - 1, at.row})].character = U' ';
-    if (at.column + 1 < size_.columns && !target.tail) {
-        Cell& next = cells_[index({at.column + 1, at.row})];
-        if (next.tail) {
-            next.tail = false;
-            next.character = U' ';
-        }
-    }
+    if (at.column + 1 < size_.columns && !target.tail) cells_[index({at.column + 1, at.row})].tail = false;
+    if (cell.style.back == Color::as_before) cell.style.back = target.style.back;
     target = cell;
 }
 
-void Canvas::fill(const Area& area, const Style& style) noexcept {
-    Cell blank;
-    blank.style = style;
-    const Area target = area.meet(clip_);
-    for (int row = target.top; row < target.bottom; ++row) {
-        for (int column = target.left; column < target.right; ++column) put({column, row}, blank);
-    }
-}
-
-void Canvas::block(const Area& area, forms::Color color, char32_t character) noexcept {
+void Canvas::fill(const Area& area, const Style& style, char32_t character) noexcept {
     Cell cell;
     cell.character = character;
-    cell.style = {color, color};
+    cell.style = style;
     const Area target = area.meet(clip_);
     for (int row = target.top; row < target.bottom; ++row) {
         for (int column = target.left; column < target.right; ++column) put({column, row}, cell);
     }
 }
 
-int Canvas::text(Point at, std::u32string_view text, const Ink& ink) noexcept {
+int Canvas::text(Point at, std::u32string_view text, const Style& style) noexcept {
     Cell* last = nullptr;
     for (char32_t character : text) {
         if (is_control(character)) character = U'\uFFFD';
@@ -83,60 +86,41 @@ int Canvas::text(Point at, std::u32string_view text, const Ink& ink) noexcept {
             if (free != last->marks.end()) *free = character;
             continue;
         }
-        last = nullptr;
-        const Point end{at.column + width - 1, at.row};
-        if (clip_.contains(at)) {
-            Cell cell;
-            // A wide character that the clip would cut is not drawn at all.
-            const bool whole = clip_.contains(end);
-            cell.character = whole ? character : U' ';
-            const forms::Color back = ink.back.value_or(cells_[index(at)].style.back);
-            cell.style = {readable_on(ink.fore, back), back, ink.bold, ink.underline, ink.standout};
-            put(at, cell);
-            if (whole) {
-                last = &cells_[index(at)];
-                if (width == 2) {
-                    cell.character = U' ';
-                    cell.tail = true;
-                    put(end, cell);
-                }
-            }
+        // A wide character that the clip would cut is not drawn at all.
+        const bool whole = clip_.contains({at.column + width - 1, at.row});
+        Cell cell;
+        cell.character = whole ? character : U' ';
+        cell.style = style;
+        put(at, cell);
+        last = whole && clip_.contains(at) ? &cells_[index(at)] : nullptr;
+        if (last != nullptr && width == 2) {
+            cell.character = U' ';
+            cell.tail = true;
+            put({at.column + 1, at.row}, cell);
         }
         at.column += width;
     }
     return at.column;
 }
 
-void Canvas::arm(Point at, std::uint8_t arms, forms::Color color) noexcept {
-    if (!clip_.contains(at)) return;
-    Cell cell;
-    const Cell& before = cells_[index(at)];
-    cell.arms = before.arms | arms;
-    cell.character = kLineCharacters[cell.arms];
-    cell.style.back = before.style.back;
-    cell.style.fore = readable_on(color, cell.style.back);
-    put(at, cell);
-}
-
-void Canvas::line(Point from, Point to, forms::Color color) noexcept {
+void Canvas::line(Point from, Point to, Color color) noexcept {
     const bool upright = from.column == to.column && from.row != to.row;
-    if (upright) {
-        for (int row = from.row; row <= to.row; ++row) {
-            const bool first = row == from.row;
-            const bool last = row == to.row;
-            arm({from.column, row}, static_cast<std::uint8_t>((first ? 0 : kUp) | (last ? 0 : kDown)), color);
-        }
-        return;
-    }
-    for (int column = from.column; column <= to.column; ++column) {
+    const int length = upright ? to.row - from.row : to.column - from.column;
+    for (int step = 0; step <= length; ++step) {
+        const Point at = upright ? Point{from.column, from.row + step} : Point{from.column + step, from.row};
+        if (!clip_.contains(at)) continue;
         // A line of one cell is still a line.
-        const bool first = column == from.column && to.column != from.column;
-        const bool last = column == to.column && to.column != from.column;
-        arm({column, from.row}, static_cast<std::uint8_t>((first ? 0 : kLeft) | (last ? 0 : kRight)), color);
+        const int back = step > 0 || length == 0 ? (upright ? kUp : kLeft) : 0;
+        const int forth = step < length || length == 0 ? (upright ? kDown : kRight) : 0;
+        Cell cell;
+        cell.arms = static_cast<std::uint8_t>(cells_[index(at)].arms | back | forth);
+        cell.character = kLineCharacters[cell.arms];
+        cell.style.fore = color;
+        put(at, cell);
     }
 }
 
-void Canvas::frame(const Area& area, forms::Color color) noexcept {
+void Canvas::frame(const Area& area, Color color) noexcept {
     const int right = area.right - 1;
     const int bottom = area.bottom - 1;
     line({area.left, area.top}, {right, area.top}, color);
@@ -146,12 +130,30 @@ void Canvas::frame(const Area& area, forms::Color color) noexcept {
 }
 
 void Canvas::paste(const Canvas& other, Point at) noexcept {
-    const Area target = Area{at.column, at.row, at.column + other.size_.columns, at.row + other.size_.rows}.meet(clip_);
+    const Area target = other.area().moved(at).meet(clip_);
     for (int row = target.top; row < target.bottom; ++row) {
         for (int column = target.left; column < target.right; ++column) {
             put({column, row}, other.cell({column - at.column, row - at.row}));
         }
     }
+}
+
+std::string text_picture(const Canvas& canvas) {
+    std::string picture;
+    for (int row = 0; row < canvas.size().rows; ++row) {
+        std::u32string line;
+        for (int column = 0; column < canvas.size().columns; ++column) {
+            const Cell& cell = canvas.cell({column, row});
+            if (cell.tail) continue;
+            line.push_back(cell.character);
+            for (const char32_t mark : cell.marks) {
+                if (mark != 0) line.push_back(mark);
+            }
+        }
+        line.erase(line.find_last_not_of(U' ') + 1);
+        picture += to_utf8(line) + "\n";
+    }
+    return picture;
 }
 
 }  // namespace vex::platform::native::terminal

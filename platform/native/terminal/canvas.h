@@ -1,23 +1,69 @@
-// A grid of character cells to draw on: what a screen, a window or an approved picture is made of.
+// A grid of character cells to draw on: what a screen, a window or a picture in text is made of.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "forms/controls.h"
-#include "platform/native/terminal/geometry.h"
 
 namespace vex::platform::native::terminal {
 
-/// How a cell looks. Where fore and back colour are one, the cell is meant to be a plain block of it.
-/// `standout` is for screens without colours, which show neither.
+/// A cell; columns and rows count from 0.
+struct Point {
+    int column = 0;
+    int row = 0;
+
+    friend bool operator==(const Point&, const Point&) = default;
+};
+
+struct Size {
+    int columns = 0;
+    int rows = 0;
+
+    friend bool operator==(const Size&, const Size&) = default;
+};
+
+/// Cells; right and bottom are the first ones outside.
+struct Area {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+
+    int width() const noexcept { return right - left; }
+    int height() const noexcept { return bottom - top; }
+    bool contains(Point at) const noexcept {
+        return at.column >= left && at.column < right && at.row >= top && at.row < bottom;
+    }
+    Area meet(const Area& other) const noexcept {
+        return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
+                std::min(bottom, other.bottom)};
+    }
+    Area moved(Point by) const noexcept { return {left + by.column, top + by.row, right + by.column, bottom + by.row}; }
+
+    friend bool operator==(const Area&, const Area&) = default;
+};
+
+/// The colours of everything, in the order that terminals number them.
+enum class Color : std::uint8_t {
+    black, red, green, brown, blue, magenta, cyan, light_grey,
+    dark_grey, bright_red, bright_green, yellow, bright_blue, bright_magenta, bright_cyan, white,
+    /// Of a background: the one that is there.
+    as_before
+};
+
+/// The one that a form's colour is shown in.
+Color color_of(forms::Color color) noexcept;
+
+/// How text looks. `standout` is for screens without colours.
 struct Style {
-    forms::Color fore = forms::kBlack;
-    forms::Color back = forms::kWhite;
+    Color fore = Color::black;
+    Color back = Color::as_before;
     bool bold = false;
     bool underline = false;
     bool standout = false;
@@ -25,14 +71,16 @@ struct Style {
     friend bool operator==(const Style&, const Style&) = default;
 };
 
-/// What to draw text with. Without `back` it stands on what is there already.
-struct Ink {
-    forms::Color fore = forms::kBlack;
-    std::optional<forms::Color> back = std::nullopt;
-    bool bold = false;
-    bool underline = false;
-    bool standout = false;
-};
+/// What a form does not colour itself.
+namespace look {
+inline constexpr Style kDesktop{.fore = Color::light_grey, .back = Color::black};
+inline constexpr Style kFace{.fore = Color::black, .back = Color::light_grey};
+inline constexpr Style kField{.fore = Color::black, .back = Color::white};
+inline constexpr Style kTitle{.fore = Color::white, .back = Color::blue, .bold = true, .standout = true};
+inline constexpr Style kIdleTitle{.fore = Color::white, .back = Color::dark_grey};
+inline constexpr Style kFocus{.fore = Color::white, .back = Color::bright_blue, .bold = true, .standout = true};
+inline constexpr Color kFaint = Color::dark_grey;
+}  // namespace look
 
 struct Cell {
     char32_t character = U' ';
@@ -43,35 +91,28 @@ struct Cell {
     /// The right half of the wide character to the left.
     bool tail = false;
     Style style;
-
-    friend bool operator==(const Cell&, const Cell&) = default;
 };
 
 /// Draws only inside its clip area; places outside are allowed and not drawn.
 class Canvas {
 public:
-    explicit Canvas(Size size, const Style& style = {});
+    explicit Canvas(Size size, const Style& style = look::kField);
 
     Size size() const noexcept { return size_; }
     Area area() const noexcept { return {0, 0, size_.columns, size_.rows}; }
     /// `at` must lie inside.
     const Cell& cell(Point at) const noexcept { return cells_[index(at)]; }
 
-    /// Drawing is limited to this area.
-    const Area& clip() const noexcept { return clip_; }
-    void set_clip(const Area& area) noexcept { clip_ = area.meet(this->area()); }
-
-    /// Empties cells.
-    void fill(const Area& area, const Style& style) noexcept;
-    /// Fills cells with a colour, and with `character` for who sees no colours.
-    void block(const Area& area, forms::Color color, char32_t character) noexcept;
+    /// Limits drawing to `area` and answers the limit before.
+    Area set_clip(const Area& area) noexcept;
+    void fill(const Area& area, const Style& style, char32_t character = U' ') noexcept;
     /// Draws one line of text and answers the column after it. Control characters are drawn as U+FFFD and
     /// format characters not at all, so that no text can steer the terminal.
-    int text(Point at, std::u32string_view text, const Ink& ink) noexcept;
+    int text(Point at, std::u32string_view text, const Style& style) noexcept;
     /// A straight line between two cells of one row or column, both included; joins with lines it meets.
-    void line(Point from, Point to, forms::Color color) noexcept;
+    void line(Point from, Point to, Color color) noexcept;
     /// The outline of `area`.
-    void frame(const Area& area, forms::Color color) noexcept;
+    void frame(const Area& area, Color color) noexcept;
     /// Copies all of `other` to `at`.
     void paste(const Canvas& other, Point at) noexcept;
 
@@ -80,27 +121,14 @@ private:
         return static_cast<std::size_t>(at.row) * static_cast<std::size_t>(size_.columns) +
                static_cast<std::size_t>(at.column);
     }
-    void put(Point at, const Cell& cell) noexcept;
-    void arm(Point at, std::uint8_t arms, forms::Color color) noexcept;
+    void put(Point at, Cell cell) noexcept;
 
     Size size_;
     Area clip_;
     std::vector<Cell> cells_;
 };
 
-/// Limits the drawing on a canvas further for a scope.
-class ClipScope {
-public:
-    ClipScope(Canvas& canvas, const Area& area) noexcept : canvas_(canvas), before_(canvas.clip()) {
-        canvas_.set_clip(before_.meet(area));
-    }
-    ClipScope(const ClipScope&) = delete;
-    ClipScope& operator=(const ClipScope&) = delete;
-    ~ClipScope() { canvas_.set_clip(before_); }
-
-private:
-    Canvas& canvas_;
-    Area before_;
-};
+/// The characters in UTF-8, a line for each row, without blanks at line ends.
+std::string text_picture(const Canvas& canvas);
 
 }  // namespace vex::platform::native::terminal

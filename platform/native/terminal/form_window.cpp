@@ -1,124 +1,178 @@
-// A form on the terminal while it is shown: its picture and its focus.
+// A form on the terminal while it is shown.
 #include "platform/native/terminal/form_window.h"
 
-#include <algorithm>
-#include <cstdlib>
+#include <utility>
+
+#include "core/unicode.h"
+#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {
 
 using forms::Control;
 using forms::ControlKind;
+using forms::ListView;
 
-bool takes_focus(const Control& control) noexcept {
+constexpr std::ptrdiff_t kWheelRows = 3;
+constexpr int kColumnStep = 8;
+constexpr int kLongestHint = 18;
+
+bool takes_keys(const Control& control) noexcept {
     switch (control.kind()) {
         case ControlKind::button:
         case ControlKind::option_button:
         case ControlKind::check_box:
         case ControlKind::text_box:
-        case ControlKind::list_view:
-            return control.tab_index() >= 0 && control.enabled() && control.reachable();
-        default:
-            return false;
+        case ControlKind::list_view: return control.enabled() && control.reachable();
+        default: return false;
     }
 }
 
+bool takes_focus(const Control& control) noexcept { return control.tab_index() >= 0 && takes_keys(control); }
+
 bool same_group(const Control& left, const Control& right) noexcept {
-    return right.kind() == ControlKind::option_button && left.parent() == right.parent() && left.page() == right.page();
+    return right.kind() == ControlKind::option_button && left.kind() == ControlKind::option_button &&
+           left.parent() == right.parent() && left.page() == right.page();
+}
+
+/// In the keyboard order. A group of option buttons is one stop: the chosen one, or the first where none is.
+std::vector<Control*> tab_stops(const forms::Form& form) {
+    std::vector<Control*> stops;
+    for (Control* control : form.keyboard_order()) {
+        if (!takes_focus(*control)) continue;
+        const auto stop = std::find_if(stops.begin(), stops.end(),
+                                       [control](const Control* other) { return same_group(*control, *other); });
+        if (stop == stops.end()) {
+            stops.push_back(control);
+        } else if (static_cast<forms::OptionButton*>(control)->value()) {
+            *stop = control;
+        }
+    }
+    return stops;
+}
+
+/// The button that Enter or Esc presses, wherever the focus is.
+forms::Button* button_with(const forms::Form& form, bool forms::Button::*flag) {
+    for (Control* control : form.controls()) {
+        if (control->kind() != ControlKind::button || !takes_keys(*control)) continue;
+        auto& button = static_cast<forms::Button&>(*control);
+        if (button.*flag) return &button;
+    }
+    return nullptr;
+}
+
+/// The letter that presses a control that takes keys; 0: none.
+char32_t mnemonic_of(const Control& control) {
+    if (!takes_keys(control) || control.kind() == ControlKind::text_box) return 0;
+    const Caption caption = parse_caption(control.caption());
+    return caption.mnemonic ? caption.text[*caption.mnemonic] : 0;
+}
+
+std::u32string hint(std::u32string_view key, const Control& control) {
+    return std::u32string(key).append(U" ").append(shorten(parse_caption(control.caption()).text, kLongestHint));
+}
+
+float middle(int cell, forms::Twips per_cell) noexcept {
+    return (static_cast<float>(cell) + 0.5F) * static_cast<float>(per_cell);
+}
+
+/// `value` strictly between the edges of a stretch.
+float inside(float value, forms::Twips start, forms::Twips length) noexcept {
+    return std::clamp(value, static_cast<float>(start) + 1, static_cast<float>(start + length) - 1);
+}
+
+/// Whether the container is asked what a press here means.
+bool part_of_its_panel(const Control& control) noexcept {
+    return control.kind() == ControlKind::label || control.kind() == ControlKind::shape;
+}
+
+Control* first_focus(const forms::Form& form) {
+    const std::vector<Control*> stops = tab_stops(form);
+    for (Control* stop : stops) {
+        for (const Control* parent = stop->parent(); parent != nullptr; parent = parent->parent()) {
+            if (parent->kind() == ControlKind::tab_pages) return stop;
+        }
+    }
+    const auto& all = form.controls();
+    const bool has_pages = std::any_of(
+        all.begin(), all.end(), [](const Control* control) { return control->kind() == ControlKind::tab_pages; });
+    forms::Button* const standard = button_with(form, &forms::Button::is_default);
+    if (has_pages && standard != nullptr && takes_focus(*standard)) return standard;
+    return stops.empty() ? nullptr : stops.front();
 }
 
 }  // namespace
 
 FormWindow::FormWindow(forms::Form& form, WindowOwner& owner, const IconCharacters& icons)
-    : form_(form), owner_(owner), icons_(icons), picture_{Canvas({0, 0}), {}, {}, std::nullopt} {
+    : form_(form), owner_(owner), icons_(icons), view_before_(form.view()) {
     form_.set_view(this);
 }
 
-FormWindow::~FormWindow() { form_.set_view(nullptr); }
+FormWindow::~FormWindow() { form_.set_view(view_before_); }
 
-const FormPicture& FormWindow::draw(bool active) {
-    look_.active = active;
-    look_.focus = focus();
-    picture_ = draw_form(form_, look_, icons_);
-    return picture_;
+void FormWindow::changed(Control& control, forms::Change change) {
+    if (change == forms::Change::tab) focus_ = nullptr;
+    if (control.kind() == ControlKind::text_box) cursors_.erase(&control);
+    if (control.kind() == ControlKind::list_view) {
+        const auto& list = static_cast<const ListView&>(control);
+        if (change == forms::Change::selection) lists_[&list].wanted = list.selected();
+        // Work goes on there; the user may follow it.
+        if (change == forms::Change::row && !handling_) lists_[&list].wanted = list.changed_row();
+    }
+    owner_.invalidate();
 }
-
-void FormWindow::changed(Control& /*control*/, forms::Change /*change*/) { owner_.invalidate(); }
 
 void FormWindow::refresh(Control& /*control*/) { owner_.draw_now(); }
 
-forms::Twips FormWindow::row_top(const forms::ListView& list, std::size_t row) const {
+forms::Twips FormWindow::row_top(const ListView& list, std::size_t row) const {
     const auto pane = pane_of(list);
-    const PlacedControl* placed = picture_.find(list);
-    if (!pane || placed == nullptr) return 0;
-    return (pane->place_of(row) - placed->cells.top) * look_.scale.row;
+    return pane ? (pane->place_of(row) - find(list)->cells.top) * scale_.row : 0;
 }
 
-std::optional<ListPane> FormWindow::pane_of(const forms::ListView& list) const {
-    const PlacedControl* placed = picture_.find(list);
-    if (placed == nullptr) return std::nullopt;
-    return ListPane(list, placed->cells, look_.scale, look_.lists[&list]);
+const PlacedControl* FormWindow::control_at(Point at) const noexcept {
+    const auto found = std::find_if(controls_.rbegin(), controls_.rend(), [at](const PlacedControl& placed) {
+        return placed.cells.contains(at) && placed.clip.contains(at) && placed.control->kind() != ControlKind::line;
+    });
+    return found == controls_.rend() ? nullptr : &*found;
 }
 
-std::vector<Control*> FormWindow::tab_stops() const {
-    std::vector<Control*> stops;
-    for (Control* control : form_.controls()) {
-        if (!takes_focus(*control)) continue;
-        if (control->kind() == ControlKind::option_button && !static_cast<forms::OptionButton*>(control)->value()) {
-            // A group of option buttons is one stop: the chosen one, or the first where none is chosen.
-            const auto stands_for_group = [control](const Control* other) {
-                return takes_focus(*other) && same_group(*control, *other) &&
-                       static_cast<const forms::OptionButton*>(other)->value();
-            };
-            const auto& all = form_.controls();
-            if (std::any_of(all.begin(), all.end(), stands_for_group)) continue;
-            if (std::any_of(stops.begin(), stops.end(), [control](const Control* stop) {
-                    return same_group(*control, *stop) && stop->kind() == ControlKind::option_button;
-                })) {
-                continue;
-            }
-        }
-        stops.push_back(control);
-    }
-    std::stable_sort(stops.begin(), stops.end(),
-                     [](const Control* left, const Control* right) { return left->tab_index() < right->tab_index(); });
-    return stops;
+const PlacedControl* FormWindow::find(const Control& control) const noexcept {
+    const auto found = std::find_if(controls_.begin(), controls_.end(),
+                                    [&control](const PlacedControl& placed) { return placed.control == &control; });
+    return found == controls_.end() ? nullptr : &*found;
 }
+
+std::size_t& FormWindow::cursor_in(const Control& box, std::u32string_view text) {
+    std::size_t& at = cursors_.try_emplace(&box, text.size()).first->second;
+    return at = std::min(at, text.size());
+}
+
+std::optional<ListPane> FormWindow::pane_of(const Control& list) const {
+    const PlacedControl* placed = find(list);
+    if (placed == nullptr || list.kind() != ControlKind::list_view) return std::nullopt;
+    return ListPane(static_cast<const ListView&>(list), placed->cells, scale_, lists_[&list]);
+}
+
+// ---- The focus ----------------------------------------------------------------------------------------
 
 Control* FormWindow::focus() {
-    if (focus_ != nullptr && takes_focus(*focus_)) return focus_;
-    // What had the focus was disabled or left the screen: the nearest in the keyboard order has it now, of two
-    // the earlier one.
-    const std::vector<Control*> stops = tab_stops();
-    const int last = focus_ == nullptr ? -1 : focus_->tab_index();
-    const auto nearest =
-        std::min_element(stops.begin(), stops.end(), [last](const Control* left, const Control* right) {
-            return std::abs(left->tab_index() - last) < std::abs(right->tab_index() - last);
-        });
-    focus_ = nearest == stops.end() ? nullptr : *nearest;
+    if (focus_ == nullptr || !takes_focus(*focus_)) focus_ = first_focus(form_);
     return focus_;
 }
 
 void FormWindow::set_focus(Control& control) noexcept {
-    if (!takes_focus(control)) return;
-    focus_ = &control;
-    owner_.invalidate();
+    if (takes_focus(control)) focus_ = &control;
 }
 
 void FormWindow::move_focus(int direction) {
-    const std::vector<Control*> stops = tab_stops();
-    if (stops.empty()) return;
+    const std::vector<Control*> stops = tab_stops(form_);
     const Control* current = focus();
-    const auto count = static_cast<std::ptrdiff_t>(stops.size());
-    const auto found = std::find(stops.begin(), stops.end(), current);
-    std::ptrdiff_t at = found - stops.begin();
-    if (found == stops.end()) {
-        // An option button that is not the one that stands for its group.
-        at = std::find_if(stops.begin(), stops.end(),
-                          [current](const Control* stop) { return same_group(*current, *stop); }) -
-             stops.begin();
-    }
-    set_focus(*stops[static_cast<std::size_t>((at + direction + count) % count)]);
+    if (current == nullptr) return;
+    const auto found = std::find_if(stops.begin(), stops.end(), [current](const Control* stop) {
+        return stop == current || same_group(*current, *stop);
+    });
+    const auto count = std::ssize(stops);
+    set_focus(*stops[static_cast<std::size_t>((found - stops.begin() + direction + count) % count)]);
 }
 
 void FormWindow::move_option(Control& option, int direction) {
@@ -126,11 +180,296 @@ void FormWindow::move_option(Control& option, int direction) {
     for (Control* control : form_.controls()) {
         if (same_group(option, *control) && takes_focus(*control)) group.push_back(control);
     }
-    const auto count = static_cast<std::ptrdiff_t>(group.size());
+    const auto count = std::ssize(group);
     const std::ptrdiff_t at = std::find(group.begin(), group.end(), &option) - group.begin();
     Control& next = *group[static_cast<std::size_t>((at + direction + count) % count)];
     set_focus(next);
     form_.raise_click(next);
+}
+
+std::vector<std::u32string> FormWindow::keys() {
+    std::vector<std::u32string> hints;
+    const Control* control = focus();
+    const bool button = control != nullptr && control->kind() == ControlKind::button;
+    const Control* pressed = button ? control : button_with(form_, &forms::Button::is_default);
+    if (pressed != nullptr) hints.push_back(hint(U"Enter", *pressed));
+    if (control != nullptr && control->kind() == ControlKind::check_box) hints.emplace_back(U"Space check");
+    if (control != nullptr && control->kind() == ControlKind::option_button) hints.emplace_back(U"↑↓ choose");
+    if (control != nullptr && control->kind() == ControlKind::list_view) {
+        const std::size_t rows = static_cast<const ListView*>(control)->row_count();
+        if (rows > 0 && control->on_click) hints.emplace_back(U"Space choose");
+        if (rows > 1) hints.emplace_back(U"↑↓ move");
+    }
+    if (list_with_menu() != nullptr) hints.emplace_back(U"F10 menu");
+    for (const Control* other : form_.controls()) {
+        const char32_t letter = mnemonic_of(*other);
+        if (letter != 0 && other != pressed) {
+            hints.push_back(hint(U"Alt+" + to_utf32(vex::to_upper(to_utf16(std::u32string(1, letter)))), *other));
+        }
+    }
+    if (const Control* cancel = button_with(form_, &forms::Button::is_cancel)) hints.push_back(hint(U"Esc", *cancel));
+    if (tab_stops(form_).size() > 1) hints.emplace_back(U"Tab next");
+    return hints;
+}
+
+// ---- The keyboard -------------------------------------------------------------------------------------
+
+void FormWindow::handle(const KeyPress& key) {
+    owner_.invalidate();
+    const bool outer = std::exchange(handling_, true);
+    press_key(key);
+    handling_ = outer;
+}
+
+void FormWindow::handle(const Paste& paste) {
+    Control* control = focus();
+    if (control == nullptr || control->kind() != ControlKind::text_box) return;
+    std::u32string text = to_utf32(control->caption());
+    std::size_t& at = cursor_in(*control, text);
+    // A text box has one line.
+    std::u32string line;
+    std::copy_if(paste.text.begin(), paste.text.end(), std::back_inserter(line), [](char32_t c) { return c >= U' '; });
+    text.insert(at, line);
+    at += line.size();
+    form_.user_text(static_cast<forms::TextBox&>(*control), to_utf16(text));
+    owner_.invalidate();
+}
+
+void FormWindow::press_key(const KeyPress& key) {
+    if (key.key == Key::character && key.alt) {
+        if (!press_mnemonic(key.character)) owner_.beep();
+        return;
+    }
+    if (key.key == Key::tab) return move_focus(1);
+    if (key.key == Key::back_tab) return move_focus(-1);
+    if (key.key == Key::enter) return press_enter();
+    if (key.key == Key::escape) return press_escape();
+    if (key.key == Key::menu) return open_menu();
+    Control* control = focus();
+    if (control == nullptr) return;
+    if (control->kind() == ControlKind::list_view) return move_in(static_cast<ListView&>(*control), key);
+    if (control->kind() == ControlKind::text_box && edit(static_cast<forms::TextBox&>(*control), key)) return;
+    const bool forth = key.key == Key::down || key.key == Key::right;
+    if (forth || key.key == Key::up || key.key == Key::left) {
+        const int direction = forth ? 1 : -1;
+        control->kind() == ControlKind::option_button ? move_option(*control, direction) : move_focus(direction);
+    } else if (key.key == Key::character) {
+        if (key.character == U' ') {
+            form_.raise_click(*control);
+        } else if (!press_mnemonic(key.character)) {
+            owner_.beep();
+        }
+    }
+}
+
+bool FormWindow::press_mnemonic(char32_t letter) {
+    for (Control* control : form_.controls()) {
+        const char32_t own = mnemonic_of(*control);
+        if (own == 0 || !same_letter(own, letter)) continue;
+        // Who presses a button from elsewhere goes on there.
+        if (control->kind() != ControlKind::button) set_focus(*control);
+        form_.raise_click(*control);
+        return true;
+    }
+    return false;
+}
+
+void FormWindow::press_enter() {
+    Control* control = focus();
+    if (control == nullptr || control->kind() != ControlKind::button) {
+        control = button_with(form_, &forms::Button::is_default);
+    }
+    control == nullptr ? owner_.beep() : form_.raise_click(*control);
+}
+
+void FormWindow::press_escape() {
+    Control* const cancel = button_with(form_, &forms::Button::is_cancel);
+    cancel == nullptr ? request_close() : form_.raise_click(*cancel);
+}
+
+void FormWindow::request_close() {
+    form_.raise_close_request();
+    if (form_.running()) owner_.beep();
+}
+
+bool FormWindow::edit(forms::TextBox& box, const KeyPress& key) {
+    std::u32string text = to_utf32(box.text());
+    std::size_t& at = cursor_in(box, text);
+    switch (key.key) {
+        case Key::character: text.insert(at++, 1, key.character); break;
+        case Key::backspace:
+            if (at > 0) text.erase(--at, 1);
+            break;
+        case Key::remove:
+            if (at < text.size()) text.erase(at, 1);
+            break;
+        case Key::left: at -= at > 0 ? 1 : 0; break;
+        case Key::right: at += at < text.size() ? 1 : 0; break;
+        case Key::home: at = 0; break;
+        case Key::end: at = text.size(); break;
+        default: return false;
+    }
+    form_.user_text(box, to_utf16(text));
+    return true;
+}
+
+void FormWindow::move_in(ListView& list, const KeyPress& key) {
+    auto pane = pane_of(list);
+    if (!pane) return;
+    if (key.key == Key::left) return pane->scroll_columns(-kColumnStep);
+    if (key.key == Key::right) return pane->scroll_columns(kColumnStep);
+    if (key.key == Key::character && key.character != U' ') {
+        // Letters belong into the field that says what the list shows.
+        for (Control* control : form_.controls()) {
+            if (control->kind() != ControlKind::text_box || !takes_focus(*control)) continue;
+            set_focus(*control);
+            edit(static_cast<forms::TextBox&>(*control), key);
+            return;
+        }
+    }
+    if (list.row_count() == 0) return owner_.beep();
+    // Space acts on the row, which must be one.
+    if (key.key == Key::character) return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
+    const auto last = static_cast<std::ptrdiff_t>(list.row_count()) - 1;
+    const auto page = static_cast<std::ptrdiff_t>(pane->page());
+    // Without a selection the first step forwards meets the first row.
+    auto row = list.selected() ? static_cast<std::ptrdiff_t>(*list.selected()) : -1;
+    if (key.key == Key::up) {
+        row -= 1;
+    } else if (key.key == Key::down) {
+        row += 1;
+    } else if (key.key == Key::page_up) {
+        row -= page;
+    } else if (key.key == Key::page_down) {
+        row += page;
+    } else if (key.key == Key::home) {
+        row = 0;
+    } else if (key.key == Key::end) {
+        row = last;
+    } else {
+        return;
+    }
+    const auto chosen = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row, 0, last));
+    lists_[&list].wanted = chosen;
+    form_.user_selection(list, chosen);
+}
+
+/// The list that a context menu may be asked of: the one with the focus, or the first.
+ListView* FormWindow::list_with_menu() {
+    ListView* found = nullptr;
+    for (Control* control : form_.controls()) {
+        if (control->kind() != ControlKind::list_view || !takes_keys(*control) || !control->on_mouse_down) continue;
+        auto* list = static_cast<ListView*>(control);
+        if (list->row_count() > 0 && (found == nullptr || control == focus())) found = list;
+    }
+    return found;
+}
+
+void FormWindow::open_menu() {
+    ListView* const list = list_with_menu();
+    if (list == nullptr) return owner_.beep();
+    set_focus(*list);
+    // As a right click on the selected row would; where none is, on the first that is marked red as failed.
+    const auto& rows = list->rows();
+    const auto failed = std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
+    const auto first = failed == rows.end() ? 0 : static_cast<std::size_t>(failed - rows.begin());
+    const std::size_t row = list->selected().value_or(first);
+    lists_[list].wanted = row;
+    const auto pane = pane_of(*list);
+    if (!pane) return;
+    mouse_press(
+        {MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
+}
+
+// ---- The mouse ----------------------------------------------------------------------------------------
+
+void FormWindow::handle(const MouseEvent& event) {
+    owner_.invalidate();
+    const bool outer = std::exchange(handling_, true);
+    if (event.action == MouseAction::press) {
+        mouse_press(event);
+    } else if (event.action == MouseAction::release) {
+        mouse_release(event);
+    } else if (const PlacedControl* placed = control_at(event.at)) {
+        auto pane = pane_of(*placed->control);
+        if (pane) pane->scroll_rows(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows);
+    }
+    handling_ = outer;
+}
+
+void FormWindow::mouse_press(const MouseEvent& event) {
+    const bool left = event.button == forms::MouseButton::left;
+    pressed_ = nullptr;
+    pointer_ = event.at;
+    close_pressed_ = left && close_box_.contains(event.at);
+    const PlacedControl* placed = control_at(event.at);
+    if (placed == nullptr || !placed->control->enabled()) return;
+    Control& control = *placed->control;
+    const Area cells = placed->cells;
+    if (auto pane = pane_of(control)) {
+        set_focus(control);
+        if (event.at.row == cells.top) return;
+        if (pane->on_scroll_bar(event.at)) {
+            if (left) pane->scroll_to(event.at.row);
+            return;
+        }
+        pressed_row_ = pane->row_at(event.at);
+    }
+    const bool had_focus = focus() == &control;
+    set_focus(control);
+    raise_mouse_down(*placed, event);
+    // The handler may have changed what stands here.
+    if (!left || !control.enabled() || !control.reachable()) return;
+    pressed_ = &control;
+    if (control.kind() == ControlKind::list_view) {
+        auto& list = static_cast<ListView&>(control);
+        if (!pressed_row_ || *pressed_row_ >= list.row_count()) {
+            pressed_ = nullptr;
+        } else {
+            form_.user_selection(list, pressed_row_);
+        }
+    } else if (control.kind() == ControlKind::text_box && had_focus) {
+        const std::u32string text = to_utf32(control.caption());
+        std::size_t& at = cursor_in(control, text);
+        const std::size_t first = first_seen(text, at, cells.width() - 2);
+        const int column = std::max(0, event.at.column - cells.left - 1);
+        at = first + beginning(std::u32string_view(text).substr(first), column).size();
+    }
+}
+
+void FormWindow::mouse_release(const MouseEvent& event) {
+    const Control* const pressed = std::exchange(pressed_, nullptr);
+    if (std::exchange(close_pressed_, false) && close_box_.contains(event.at)) return request_close();
+    const PlacedControl* placed = control_at(event.at);
+    if (pressed == nullptr || placed == nullptr || placed->control != pressed) return;
+    const auto pane = pane_of(*pressed);
+    if (pane && pane->row_at(event.at) != pressed_row_) return;
+    form_.raise_click(*placed->control);
+}
+
+void FormWindow::raise_mouse_down(const PlacedControl& placed, const MouseEvent& event) {
+    Control& control = *placed.control;
+    const bool part_of_panel = part_of_its_panel(control) && control.parent() != nullptr;
+    Control& taker = part_of_panel ? *control.parent() : control;
+    const PlacedControl* taker_placed = find(taker);
+    // A label on a page.
+    if (taker_placed == nullptr) return;
+    float x = middle(event.at.column - taker_placed->cells.left, scale_.column);
+    float y = middle(event.at.row - taker_placed->cells.top, scale_.row);
+    // What the user sees there is what he hits: cells are coarser than twips.
+    if (part_of_panel) {
+        x = inside(x, control.place().left, control.place().width);
+        y = inside(y, control.place().top, control.place().height);
+    } else {
+        for (const Control* other : form_.controls()) {
+            const forms::Rect& at = other->place();
+            if (other->parent() == &taker && part_of_its_panel(*other) && x == inside(x, at.left, at.width) &&
+                y == inside(y, at.top, at.height)) {
+                y = static_cast<float>(at.top + at.height);
+            }
+        }
+    }
+    form_.raise_mouse_down(taker, event.button, x, y);
 }
 
 }  // namespace vex::platform::native::terminal

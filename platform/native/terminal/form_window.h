@@ -1,14 +1,15 @@
-// A form on the terminal while it is shown: turns keys and mouse into what the user does to the form.
+// A form on the terminal while it is shown: draws it, and turns keys and mouse into what the user does to it.
 #pragma once
 
-#include <chrono>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "forms/form.h"
-#include "platform/native/terminal/form_picture.h"
-#include "platform/native/terminal/input.h"
+#include "platform/native/terminal/layout.h"
+#include "platform/native/terminal/list_pane.h"
+#include "platform/native/terminal/screen.h"
 
 namespace vex::platform::native::terminal {
 
@@ -16,14 +17,14 @@ namespace vex::platform::native::terminal {
 class WindowOwner {
 public:
     virtual ~WindowOwner() = default;
-    virtual void beep() = 0;
+    virtual void beep() {}
     /// Something changed: the screen is drawn again before the next wait.
-    virtual void invalidate() = 0;
+    virtual void invalidate() {}
     /// Draws the screen now.
-    virtual void draw_now() = 0;
+    virtual void draw_now() {}
 };
 
-/// The view of its form from construction to destruction; both must outlive it.
+/// The view of its form from construction to destruction; the references must outlive it.
 class FormWindow final : public forms::FormView {
 public:
     FormWindow(forms::Form& form, WindowOwner& owner, const IconCharacters& icons);
@@ -32,19 +33,25 @@ public:
     ~FormWindow() override;
 
     forms::Form& form() const noexcept { return form_; }
-    void set_scale(const Scale& scale) noexcept { look_.scale = scale; }
-    Size size() const noexcept { return frame_size(form_, look_.scale); }
+    /// Draws the form in its frame; what was drawn last is what the mouse meets. `active`: it takes the input.
+    void draw(const Scale& scale, bool active);
+    const Canvas& picture() const noexcept { return canvas_; }
+    const std::vector<PlacedControl>& controls() const noexcept { return controls_; }
+    /// In the picture, where there is one.
+    std::optional<Point> cursor() const noexcept { return cursor_; }
 
-    /// Draws the form; what was drawn last is what the mouse meets.
-    const FormPicture& draw(bool active);
-
-    /// The control that takes the keys, or null where there is none to take them.
+    /// The control that takes the keys, or null where there is none to take them. While the user has not moved it,
+    /// that is the first in the keyboard order; on a form with pages the first of the page or, where it has none,
+    /// the default button.
     forms::Control* focus();
     void set_focus(forms::Control& control) noexcept;
     /// Where the user points: at the place of the last mouse press, or of the row he works on.
     Point pointer() const noexcept { return pointer_; }
+    /// The keys that do something now, the most important first.
+    std::vector<std::u32string> keys();
 
     void handle(const KeyPress& key);
+    void handle(const Paste& paste);
     /// Its place in cells of the picture.
     void handle(const MouseEvent& event);
 
@@ -53,43 +60,68 @@ public:
     forms::Twips row_top(const forms::ListView& list, std::size_t row) const override;
 
 private:
-    // The keyboard.
-    std::vector<forms::Control*> tab_stops() const;
+    // The picture.
+    void draw_frame();
+    void draw_control(const PlacedControl& placed);
+    void draw_text(const PlacedControl& placed, int column, Style style);
+    void draw_button(const PlacedControl& placed);
+    void draw_choice(const PlacedControl& placed, std::u32string_view brackets, std::u32string_view mark);
+    void draw_brackets(const forms::Control& control, const Area& around, std::u32string_view brackets);
+    void draw_text_box(const PlacedControl& placed);
+    void draw_list(const PlacedControl& placed);
+    bool focused(const forms::Control& control) const noexcept { return active_ && focus_ == &control; }
+    /// The control seen at a cell, or null.
+    const PlacedControl* control_at(Point at) const noexcept;
+    const PlacedControl* find(const forms::Control& control) const noexcept;
+    /// The pane of a list that is in the picture, or nothing.
+    std::optional<ListPane> pane_of(const forms::Control& list) const;
+    /// The character that the cursor of a text box stands before; at first, at the end.
+    std::size_t& cursor_in(const forms::Control& box, std::u32string_view text);
+
+    // Keys.
+    void press_key(const KeyPress& key);
     void move_focus(int direction);
     void move_option(forms::Control& option, int direction);
     bool press_mnemonic(char32_t letter);
-    void press(forms::Control& control);
     void press_enter();
     void press_escape();
-    void handle_key_of(forms::ListView& list, const KeyPress& key);
-    /// Goes to the next row that begins with what was typed in one go.
-    bool search(forms::ListView& list, char32_t letter);
-    void select(forms::ListView& list, std::size_t row);
+    void request_close();
+    bool edit(forms::TextBox& box, const KeyPress& key);
+    void move_in(forms::ListView& list, const KeyPress& key);
+    forms::ListView* list_with_menu();
     void open_menu();
 
     // The mouse.
     void mouse_press(const MouseEvent& event);
     void mouse_release(const MouseEvent& event);
-    void mouse_wheel(const MouseEvent& event);
     void raise_mouse_down(const PlacedControl& placed, const MouseEvent& event);
-    void press_list(forms::ListView& list, const MouseEvent& event);
-
-    /// The pane of a list that is in the picture, or nothing.
-    std::optional<ListPane> pane_of(const forms::ListView& list) const;
 
     forms::Form& form_;
     WindowOwner& owner_;
     const IconCharacters& icons_;
-    mutable FormLook look_;
-    FormPicture picture_;
+    forms::FormView* view_before_;
+
+    Scale scale_;
+    bool active_ = false;
+    Canvas canvas_{Size{}};
+    /// In drawing order: the last one that holds a cell is what is seen there.
+    std::vector<PlacedControl> controls_;
+    Area close_box_;
+    std::optional<Point> cursor_;
+
     forms::Control* focus_ = nullptr;
-    /// Where the mouse button went down: a click needs its release there, too.
+    mutable std::map<const forms::Control*, ListScroll> lists_;
+    std::map<const forms::Control*, std::size_t> cursors_;
+    /// Whether what changes now is the user's doing.
+    bool handling_ = false;
+    /// Where the mouse button went down, and on which row of a list: a click needs its release there, too.
     const forms::Control* pressed_ = nullptr;
+    std::optional<std::size_t> pressed_row_;
     bool close_pressed_ = false;
     Point pointer_;
-    /// What was typed in a list in one go, and when last.
-    std::u32string typed_;
-    std::chrono::steady_clock::time_point typed_at_;
 };
+
+/// The form in its frame at the smallest terminal's scale, as it looks before the user moves in it.
+std::string picture_of(forms::Form& form, const IconCharacters& icons);
 
 }  // namespace vex::platform::native::terminal

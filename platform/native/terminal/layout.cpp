@@ -1,7 +1,6 @@
 // Where the controls of a form stand on the character grid.
 #include "platform/native/terminal/layout.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -14,12 +13,9 @@ using forms::Control;
 using forms::ControlKind;
 using forms::Twips;
 
+/// The whole cells in a stretch, and the cell that a point lies in: rounded down, both together never reach
+/// beyond the stretch's end.
 int cells_of(Twips twips, Twips per_cell) noexcept {
-    return static_cast<int>(std::lround(static_cast<double>(twips) / per_cell));
-}
-
-/// The cell that a point lies in.
-int cell_at(Twips twips, Twips per_cell) noexcept {
     return static_cast<int>(std::floor(static_cast<double>(twips) / per_cell));
 }
 
@@ -27,37 +23,35 @@ bool wraps_text(ControlKind kind) noexcept {
     return kind == ControlKind::label || kind == ControlKind::option_button || kind == ControlKind::check_box;
 }
 
-/// The left top corner of a control in twips of the client area.
-forms::Rect absolute_place(const Control& control) noexcept {
+/// The cells that the brackets and marks around a control's text take.
+int adornment_width(ControlKind kind) noexcept {
+    if (kind == ControlKind::button) return 2;
+    return kind == ControlKind::option_button || kind == ControlKind::check_box ? 4 : 0;
+}
+
+/// The size depends on the control's size alone. What is about one row high takes the row in which its middle
+/// lies, so that a mark and the label beside it meet.
+Area cells_for(const Control& control, const Scale& scale) noexcept {
     forms::Rect place = control.place();
     for (const Control* parent = control.parent(); parent != nullptr; parent = parent->parent()) {
         place.left += parent->place().left;
         place.top += parent->place().top;
     }
-    return place;
-}
-
-/// Controls of one size get one size in cells, and those of one left edge one column. What is about one row
-/// high takes the row in which its middle lies, so that a mark and the label beside it meet.
-Area cells_for(const forms::Rect& place, ControlKind kind, const Scale& scale) noexcept {
-    Area cells;
+    const ControlKind kind = control.kind();
+    Area cells{cells_of(place.left + scale.column / 2, scale.column), cells_of(place.top, scale.row), 0, 0};
     if (kind == ControlKind::line) {
-        cells.left = cell_at(place.left, scale.column);
-        cells.right = cell_at(place.left + place.width, scale.column) + 1;
-        cells.top = cell_at(place.top, scale.row);
-        cells.bottom = cell_at(place.top + place.height, scale.row) + 1;
+        cells.left = cells_of(place.left, scale.column);
+        cells.right = cells_of(place.left + place.width, scale.column) + 1;
+        cells.bottom = cells_of(place.top + place.height, scale.row) + 1;
         return cells;
     }
-    cells.left = cells_of(place.left, scale.column);
-    cells.right = cells.left + std::max(1, cells_of(place.width, scale.column));
-    const bool one_line = kind == ControlKind::button || kind == ControlKind::text_box;
-    if (one_line || cells_of(place.height, scale.row) <= 1) {
-        cells.top = cell_at(place.top + place.height / 2, scale.row);
-        cells.bottom = cells.top + 1;
-    } else {
-        cells.top = cells_of(place.top, scale.row);
-        cells.bottom = std::max(cells.top + 1, cells_of(place.top + place.height, scale.row));
+    int height = cells_of(place.height, scale.row);
+    if (height <= 1 || kind == ControlKind::button || kind == ControlKind::text_box) {
+        cells.top = cells_of(place.top + place.height / 2, scale.row);
+        height = 1;
     }
+    cells.right = cells.left + std::max(1, cells_of(place.width, scale.column));
+    cells.bottom = cells.top + height;
     return cells;
 }
 
@@ -76,85 +70,81 @@ class TextFitter {
 public:
     explicit TextFitter(std::vector<PlacedControl>& controls) noexcept : controls_(controls) {}
 
-    /// A caption does not wrap: its button grows to the right, then to the left.
-    void fit_button(PlacedControl& placed) const {
-        const int adornment = adornment_width(ControlKind::button);
-        const std::u32string text = text_of(*placed.control);
-        const int wanted = text_width(text) + adornment;
-        Area& cells = placed.cells;
-        if (cells.width() < wanted)
-            cells.right = std::max(cells.right, std::min(cells.left + wanted, free_right(placed)));
-        if (cells.width() < wanted)
-            cells.left = std::min(cells.left, std::max(cells.right - wanted, free_left(placed)));
-        placed.lines = {shorten(text, cells.width() - adornment)};
+    /// A caption does not wrap: its button grows to the right, then to the left, and those of its size with it, as
+    /// far as none of them meets another control.
+    void fit_buttons_like(const Control& control) const {
+        std::vector<PlacedControl*> alike;
+        int width = 0;
+        int limit = 10'000;
+        for (PlacedControl& placed : controls_) {
+            const Control& other = *placed.control;
+            if (other.kind() != ControlKind::button || other.place().width != control.place().width ||
+                other.place().height != control.place().height) {
+                continue;
+            }
+            alike.push_back(&placed);
+            width = std::max({width, placed.cells.width(), text_width(text_of(other)) + 2});
+            const Area room = room_for(placed, 0);
+            limit = std::min(limit, room.right - room.left);
+            // Where two would touch in their old places, both are smaller.
+            if (room.right < placed.cells.right) limit = std::min(limit, room.right - placed.cells.left);
+        }
+        width = std::min(width, limit);
+        for (PlacedControl* placed : alike) {
+            const int right = std::min(placed->cells.left + width, room_for(*placed, 0).right);
+            placed->cells = {right - width, placed->cells.top, right, placed->cells.bottom};
+            placed->lines = {shorten(text_of(*placed->control), width - 2)};
+        }
     }
 
     /// Others grow to the right, then downwards.
     void fit_text(PlacedControl& placed) const {
         const int adornment = adornment_width(placed.control->kind());
         const std::u32string text = text_of(*placed.control);
-        const auto lines_for = [&](int width) { return wrap(text, std::max(1, width - adornment)); };
+        Area& cells = placed.cells;
+        const auto wrap_at = [&](int width) { placed.lines = wrap(text, std::max(1, width - adornment)); };
         const auto fits = [&] {
-            return static_cast<int>(placed.lines.size()) <= placed.cells.height() &&
-                   widest(placed.lines) + adornment <= placed.cells.width();
+            return static_cast<int>(placed.lines.size()) <= cells.height() &&
+                   widest(placed.lines) + adornment <= cells.width();
         };
-        placed.lines = lines_for(placed.cells.width());
+        wrap_at(cells.width());
         if (text.empty() || fits()) return;
 
-        const int wanted = placed.cells.left + adornment + widest(wrap(text, 10'000));
-        const int right = std::max(placed.cells.right, std::min(wanted, free_right(placed)));
-        placed.lines = lines_for(right - placed.cells.left);
-        placed.cells.right = std::max(placed.cells.right, placed.cells.left + adornment + widest(placed.lines));
+        const int wanted = cells.left + adornment + widest(wrap(text, 10'000));
+        wrap_at(std::max(cells.right, std::min(wanted, room_for(placed, 1).right)) - cells.left);
+        cells.right = std::max(cells.right, cells.left + adornment + widest(placed.lines));
         if (fits()) return;
 
-        const int bottom = placed.cells.top + static_cast<int>(placed.lines.size());
-        placed.cells.bottom = std::max(placed.cells.bottom, std::min(bottom, free_bottom(placed)));
-        const auto rows = static_cast<std::size_t>(placed.cells.height());
+        const int bottom = cells.top + static_cast<int>(placed.lines.size());
+        cells.bottom = std::max(cells.bottom, std::min(bottom, room_for(placed, 1).bottom));
+        const auto rows = static_cast<std::size_t>(cells.height());
         if (placed.lines.size() <= rows) return;
         placed.lines.resize(rows);
-        placed.lines.back() = shorten(placed.lines.back() + U"…", placed.cells.width() - adornment);
+        placed.lines.back() = shorten(placed.lines.back() + U"…", cells.width() - adornment);
     }
 
 private:
-    static bool obstructs(const PlacedControl& other, const PlacedControl& placed) noexcept {
-        const Control& control = *other.control;
-        return &other != &placed && control.parent() == placed.control->parent() &&
-               control.kind() != ControlKind::line &&
-               !(control.kind() == ControlKind::label && control.caption().empty());
-    }
-
-    /// The first column to the right that is not free on the control's rows; one is left free before others.
-    int free_right(const PlacedControl& placed) const noexcept {
-        int limit = placed.clip.right;
+    /// How far a control can grow without meeting others of its container, with `gap` cells between beside them.
+    Area room_for(const PlacedControl& placed, int gap) const noexcept {
+        Area room = placed.clip;
+        const Area& own = placed.cells;
         for (const PlacedControl& other : controls_) {
-            const bool beside = other.cells.top < placed.cells.bottom && other.cells.bottom > placed.cells.top;
-            if (obstructs(other, placed) && beside && other.cells.left >= placed.cells.right) {
-                limit = std::min(limit, other.cells.left - 1);
+            const Control& control = *other.control;
+            const Area& cells = other.cells;
+            if (&other == &placed || control.parent() != placed.control->parent() ||
+                control.kind() == ControlKind::line ||
+                (control.kind() == ControlKind::label && control.caption().empty())) {
+                continue;
+            }
+            if (cells.top < own.bottom && cells.bottom > own.top) {
+                if (cells.left > own.left) room.right = std::min(room.right, cells.left - gap);
+                if (cells.left < own.left) room.left = std::max(room.left, std::min(own.left, cells.right + gap));
+            }
+            if (cells.left < own.right && cells.right > own.left && cells.top >= own.bottom) {
+                room.bottom = std::min(room.bottom, cells.top);
             }
         }
-        return limit;
-    }
-
-    int free_left(const PlacedControl& placed) const noexcept {
-        int limit = placed.clip.left;
-        for (const PlacedControl& other : controls_) {
-            const bool beside = other.cells.top < placed.cells.bottom && other.cells.bottom > placed.cells.top;
-            if (obstructs(other, placed) && beside && other.cells.right <= placed.cells.left) {
-                limit = std::max(limit, other.cells.right + 1);
-            }
-        }
-        return limit;
-    }
-
-    int free_bottom(const PlacedControl& placed) const noexcept {
-        int limit = placed.clip.bottom;
-        for (const PlacedControl& other : controls_) {
-            const bool below = other.cells.left < placed.cells.right && other.cells.right > placed.cells.left;
-            if (obstructs(other, placed) && below && other.cells.top >= placed.cells.bottom) {
-                limit = std::min(limit, other.cells.top);
-            }
-        }
-        return limit;
+        return room;
     }
 
     std::vector<PlacedControl>& controls_;
@@ -174,46 +164,36 @@ Scale scale_for(Size terminal) noexcept {
 }
 
 Size client_size(const forms::Form& form, const Scale& scale) noexcept {
-    return {cells_of(form.width(), scale.column), cells_of(form.height(), scale.row)};
-}
-
-int adornment_width(ControlKind kind) noexcept {
-    switch (kind) {
-        case ControlKind::button:
-            return 2;
-        case ControlKind::option_button:
-        case ControlKind::check_box:
-            return 4;
-        default:
-            return 0;
-    }
+    // What lies within half a cell of the next one has that, too.
+    return {cells_of(form.width() + scale.column / 2, scale.column),
+            cells_of(form.height() + scale.row / 2, scale.row)};
 }
 
 std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale) {
     const Size client = client_size(form, scale);
-    std::vector<PlacedControl> placed_controls;
-    placed_controls.reserve(form.controls().size());
+    std::vector<PlacedControl> controls;
     for (Control* control : form.controls()) {
-        const ControlKind kind = control->kind();
-        if (!control->reachable() || kind == ControlKind::host_control || kind == ControlKind::tab_pages) continue;
-        PlacedControl placed;
-        placed.control = control;
-        placed.clip = {0, 0, client.columns, client.rows};
-        for (const Control* parent = control->parent(); parent != nullptr; parent = parent->parent()) {
-            placed.clip = placed.clip.meet(cells_for(absolute_place(*parent), parent->kind(), scale));
+        if (!control->reachable() || control->kind() == ControlKind::host_control ||
+            control->kind() == ControlKind::tab_pages) {
+            continue;
         }
-        placed.cells = cells_for(absolute_place(*control), kind, scale);
-        placed_controls.push_back(std::move(placed));
+        PlacedControl placed{control, cells_for(*control, scale), {0, 0, client.columns, client.rows}, {}};
+        for (const Control* parent = control->parent(); parent != nullptr; parent = parent->parent()) {
+            placed.clip = placed.clip.meet(cells_for(*parent, scale));
+        }
+        controls.push_back(std::move(placed));
     }
     // Buttons first: their captions have no other way out.
-    const TextFitter fitter(placed_controls);
-    for (PlacedControl& placed : placed_controls) {
-        if (placed.control->kind() == ControlKind::button) fitter.fit_button(placed);
+    const TextFitter fitter(controls);
+    for (const PlacedControl& placed : controls) {
+        if (placed.control->kind() == ControlKind::button && placed.lines.empty()) {
+            fitter.fit_buttons_like(*placed.control);
+        }
     }
-    for (PlacedControl& placed : placed_controls) {
+    for (PlacedControl& placed : controls) {
         if (wraps_text(placed.control->kind())) fitter.fit_text(placed);
     }
-    return placed_controls;
+    return controls;
 }
 
 }  // namespace vex::platform::native::terminal

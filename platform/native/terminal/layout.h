@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "forms/form.h"
-#include "platform/native/terminal/geometry.h"
+#include "platform/native/terminal/canvas.h"
 
 namespace vex::platform::native::terminal {
 
@@ -13,8 +13,6 @@ namespace vex::platform::native::terminal {
 struct Scale {
     forms::Twips column = 100;
     forms::Twips row = 195;
-
-    friend bool operator==(const Scale&, const Scale&) = default;
 };
 
 /// The smallest terminal that the dialogs are drawn on.
@@ -38,10 +36,8 @@ struct PlacedControl {
 /// The cells of a form's client area.
 Size client_size(const forms::Form& form, const Scale& scale) noexcept;
 
-/// The reachable controls of `form` in drawing order; no tab containers and host controls.
+/// The reachable controls of `form` in drawing order; no tab containers and host controls. Shapes, fields, lists
+/// and buttons of one size have one size in cells.
 std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale);
-
-/// The cells that the brackets and marks around a control's text take.
-int adornment_width(forms::ControlKind kind) noexcept;
 
 }  // namespace vex::platform::native::terminal

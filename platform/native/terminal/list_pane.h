@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "forms/controls.h"
-#include "platform/native/terminal/canvas.h"
 #include "platform/native/terminal/layout.h"
 
 namespace vex::platform::native::terminal {
@@ -22,6 +21,8 @@ struct ListScroll {
     std::size_t top = 0;
     /// Cells that are scrolled out to the left.
     int left = 0;
+    /// A row to be brought into sight when the list is drawn next.
+    std::optional<std::size_t> wanted;
 };
 
 /// For one use: a pane must not outlive the list, nor a change of its rows.
@@ -32,24 +33,24 @@ public:
 
     /// The number of rows that can be seen at once.
     std::size_t page() const noexcept { return page_; }
-    /// The row shown at a row of the grid.
-    std::optional<std::size_t> row_at(int row) const noexcept;
+    /// The row shown at a cell; none on the header, on the scroll bar and below the last row.
+    std::optional<std::size_t> row_at(Point at) const noexcept;
     /// The row of the grid at which a row of the list is shown; it may lie outside of the pane.
     int place_of(std::size_t row) const noexcept;
-    bool on_scroll_bar(Point at) const noexcept;
-
-    /// Scrolls as little as it needs to show `row`.
-    void reveal(std::size_t row) noexcept;
+    bool on_scroll_bar(Point at) const noexcept { return overflows() && at.column == cells_.right - 1; }
+    /// Where a press on the scroll bar leads.
+    void scroll_to(int row) noexcept;
     void scroll_rows(std::ptrdiff_t rows) noexcept;
     void scroll_columns(int cells) noexcept;
 
     void paint(Canvas& canvas, bool focused, const IconCharacters& icons) const;
 
 private:
+    void share_width(const Scale& scale);
     void limit() noexcept;
-    int widest_last_cell() const;
     bool overflows() const noexcept { return list_.row_count() > page_; }
     int view_width() const noexcept { return cells_.width() - (overflows() ? 1 : 0); }
+    int total_width() const noexcept;
     /// The cells before the text of the first column: the mark of the selection and the icon.
     int gutter() const noexcept { return list_.small_icons != nullptr ? 3 : 1; }
     void paint_header(Canvas& canvas, bool focused) const;

@@ -1,132 +1,200 @@
 // The terminal as a screen, by ncurses.
-#include "platform/native/terminal/ncurses_screen.h"
-
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
+#include <deque>
 #include <string>
-#include <unordered_map>
+#include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "core/runtime_error.h"
-#include "platform/native/terminal/colors.h"
-#include "platform/native/terminal/signal_watch.h"
-#include "platform/native/terminal/terminal_description.h"
+#include "platform/native/terminal/screen.h"
 
+// Their macros have everyday names: nothing else is included after them.
 #define NCURSES_NOMACROS 1
-#include <ncurses.h>
+#include <curses.h>
+#include <term.h>
+#undef back_tab
+#undef columns
+#undef lines
+#undef tab
 
 namespace vex::platform::native::terminal {
 namespace {
 
-constexpr int kEscape = 27;
-/// How long an escape character may stand alone before it is the Esc key, in milliseconds.
-constexpr int kEscapeDelay = 25;
+using forms::MouseButton;
+
+constexpr wint_t kEscape = 27;
 constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED |
                                  BUTTON3_PRESSED | BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON5_PRESSED;
+/// Codes of our own for marks that the library does not know.
+constexpr wint_t kPasteBegins = KEY_MAX + 1;
+constexpr wint_t kPasteEnds = KEY_MAX + 2;
 
-bool is_set(const char* variable) {
-    const char* value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
-}
-
-/// The process's character locale, in which ncurses writes; UTF-8 for the lifetime.
-class Utf8Locale {
-public:
-    Utf8Locale() : before_(setlocale(LC_CTYPE, nullptr)) {
-        // Where the environment says nothing, as in many containers, the terminal is most likely UTF-8.
-        if (setlocale(LC_CTYPE, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
-            setlocale(LC_CTYPE, "C.UTF-8");
-        }
-    }
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
-    ~Utf8Locale() { setlocale(LC_CTYPE, before_.c_str()); }
-
-private:
-    std::string before_;
+/// What terminals send besides their descriptions, and those that call themselves by another's name.
+constexpr std::pair<const char*, wint_t> kMoreKeys[] = {
+    {"\033[A", KEY_UP},      {"\033[B", KEY_DOWN},  {"\033[C", KEY_RIGHT},       {"\033[D", KEY_LEFT},
+    {"\033OA", KEY_UP},      {"\033OB", KEY_DOWN},  {"\033OC", KEY_RIGHT},       {"\033OD", KEY_LEFT},
+    {"\033[H", KEY_HOME},    {"\033[F", KEY_END},   {"\033OH", KEY_HOME},        {"\033OF", KEY_END},
+    {"\033[1~", KEY_HOME},   {"\033[4~", KEY_END},  {"\033[7~", KEY_HOME},       {"\033[8~", KEY_END},
+    {"\033[29~", KEY_F(16)}, {"\033OM", KEY_ENTER}, {"\033[200~", kPasteBegins}, {"\033[201~", kPasteEnds},
 };
 
-std::optional<KeyPress> function_key(wint_t code) {
-    switch (code) {
-        case KEY_UP:
-            return KeyPress{Key::up};
-        case KEY_DOWN:
-            return KeyPress{Key::down};
-        case KEY_LEFT:
-            return KeyPress{Key::left};
-        case KEY_RIGHT:
-            return KeyPress{Key::right};
-        case KEY_PPAGE:
-            return KeyPress{Key::page_up};
-        case KEY_NPAGE:
-            return KeyPress{Key::page_down};
-        case KEY_HOME:
-            return KeyPress{Key::home};
-        case KEY_END:
-            return KeyPress{Key::end};
-        case KEY_BACKSPACE:
-            return KeyPress{Key::backspace};
-        case KEY_DC:
-            return KeyPress{Key::remove};
-        case KEY_BTAB:
-            return KeyPress{Key::back_tab};
-        case KEY_ENTER:
-            return KeyPress{Key::enter};
-        case KEY_F(10):
-        case KEY_F(16):  // the menu key of xterm
-        case KEY_F(22):  // F10 with Shift
-            return KeyPress{Key::menu};
-        default:
-            return std::nullopt;
+constexpr std::pair<wint_t, Key> kKeys[] = {
+    {KEY_UP, Key::up},       {KEY_DOWN, Key::down},     {KEY_LEFT, Key::left},
+    {KEY_RIGHT, Key::right}, {KEY_PPAGE, Key::page_up}, {KEY_NPAGE, Key::page_down},
+    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_BACKSPACE, Key::backspace},
+    {KEY_DC, Key::remove},   {KEY_BTAB, Key::back_tab}, {KEY_ENTER, Key::enter},
+    {KEY_F(10), Key::menu},  {KEY_F(16), Key::menu},  // the menu key of xterm
+    {KEY_F(22), Key::menu},                           // F10 with Shift
+};
+
+constexpr std::pair<wint_t, Key> kControls[] = {
+    {L'\r', Key::enter}, {L'\n', Key::enter}, {L'\t', Key::tab}, {8, Key::backspace}, {127, Key::backspace}};
+
+constexpr std::tuple<mmask_t, MouseAction, MouseButton> kMouse[] = {
+    {BUTTON4_PRESSED, MouseAction::wheel_up, MouseButton::left},
+    {BUTTON5_PRESSED, MouseAction::wheel_down, MouseButton::left},
+    {BUTTON1_PRESSED, MouseAction::press, MouseButton::left},
+    {BUTTON2_PRESSED, MouseAction::press, MouseButton::middle},
+    {BUTTON3_PRESSED, MouseAction::press, MouseButton::right},
+    {BUTTON1_RELEASED, MouseAction::release, MouseButton::left},
+    {BUTTON2_RELEASED, MouseAction::release, MouseButton::middle},
+    {BUTTON3_RELEASED, MouseAction::release, MouseButton::right},
+};
+
+/// The numbers of the sixteen colours among 256, where users do not change them.
+constexpr int kOf256[] = {16, 160, 28, 136, 18, 90, 30, 252, 240, 196, 46, 226, 25, 201, 51, 231};
+
+std::string capability(const char* name) {
+    const char* bytes = tigetstr(name);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the library's own word for a name that is no text
+    if (bytes == nullptr || bytes == reinterpret_cast<const char*>(-1)) return {};
+    return bytes;
+}
+
+void write_bytes(std::string_view bytes) {
+    [[maybe_unused]] const auto written = write(STDOUT_FILENO, bytes.data(), bytes.size());
+}
+
+// ---- Signals ------------------------------------------------------------------------------------------
+
+constexpr std::array kEndings = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+/// What else ends a process: its own faults, and what others send it.
+constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   SIGSYS,  SIGTRAP,
+                                SIGPIPE, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGXCPU, SIGXFSZ};
+
+// A signal handler reaches nothing but static data; it is set up before the handlers and left alone after.
+struct {
+    int pipe[2] = {-1, -1};
+    bool modes_known = false;
+    termios modes{};
+    std::array<char, 256> farewell{};
+    volatile std::sig_atomic_t farewell_length = 0;
+    volatile std::sig_atomic_t asked_to_end = 0;
+} state;
+
+void restore_terminal() noexcept {
+    if (state.farewell_length > 0) {
+        [[maybe_unused]] const auto written =
+            write(STDOUT_FILENO, state.farewell.data(), static_cast<std::size_t>(state.farewell_length));
     }
+    if (state.modes_known) tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
 }
 
-std::optional<KeyPress> character_key(wint_t code) {
-    switch (code) {
-        case L'\r':
-        case L'\n':
-            return KeyPress{Key::enter};
-        case L'\t':
-            return KeyPress{Key::tab};
-        case 8:
-        case 127:
-            return KeyPress{Key::backspace};
-        default:
-            break;
-    }
-    if (code < L' ') return std::nullopt;
-    return KeyPress{Key::character, static_cast<char32_t>(code)};
+void die_of(int signal) {
+    restore_terminal();
+    struct sigaction standard {};
+    standard.sa_handler = SIG_DFL;
+    sigaction(signal, &standard, nullptr);
+    raise(signal);
 }
 
-std::optional<MouseEvent> mouse_event() {
-    MEVENT event;
-    if (getmouse(&event) != OK) return std::nullopt;
-    const Point at{event.x, event.y};
-    using forms::MouseButton;
-    if (event.bstate & BUTTON4_PRESSED) return MouseEvent{MouseAction::wheel_up, MouseButton::left, at};
-    if (event.bstate & BUTTON5_PRESSED) return MouseEvent{MouseAction::wheel_down, MouseButton::left, at};
-    if (event.bstate & BUTTON1_PRESSED) return MouseEvent{MouseAction::press, MouseButton::left, at};
-    if (event.bstate & BUTTON2_PRESSED) return MouseEvent{MouseAction::press, MouseButton::middle, at};
-    if (event.bstate & BUTTON3_PRESSED) return MouseEvent{MouseAction::press, MouseButton::right, at};
-    if (event.bstate & BUTTON1_RELEASED) return MouseEvent{MouseAction::release, MouseButton::left, at};
-    if (event.bstate & BUTTON2_RELEASED) return MouseEvent{MouseAction::release, MouseButton::middle, at};
-    if (event.bstate & BUTTON3_RELEASED) return MouseEvent{MouseAction::release, MouseButton::right, at};
-    return std::nullopt;
+void tell(char event) noexcept {
+    const int error = errno;
+    [[maybe_unused]] const auto written = write(state.pipe[1], &event, 1);
+    errno = error;
 }
 
-}  // namespace
+void on_end(int signal) {
+    if (state.asked_to_end != 0) return die_of(signal);
+    state.asked_to_end = signal;
+    tell('e');
+}
 
-/// ncurses from its start to its end.
-class NcursesScreen::Terminal {
+void on_resize(int) { tell('r'); }
+
+/// Signals while the terminal is in use: a request to end and a new size are read like input, and whatever kills the
+/// process leaves the terminal as it was. At most one at a time; the former handlers are back after it.
+class SignalWatch {
 public:
-    Terminal() : screen_(newterm(nullptr, stdout, stdin)) {
+    SignalWatch() {
+        if (pipe2(state.pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+            throw RuntimeError(kOutOfMemory, u"The terminal's signals cannot be watched");
+        }
+        state.modes_known = tcgetattr(STDIN_FILENO, &state.modes) == 0;
+        state.asked_to_end = 0;
+        for (const int signal : kEndings) handle(signal, on_end);
+        for (const int signal : kDeaths) handle(signal, die_of);
+        handle(SIGWINCH, on_resize);
+    }
+    SignalWatch(const SignalWatch&) = delete;
+    SignalWatch& operator=(const SignalWatch&) = delete;
+    ~SignalWatch() {
+        for (const auto& [signal, action] : former_) sigaction(signal, &action, nullptr);
+        state.farewell_length = 0;
+        close(state.pipe[0]);
+        close(state.pipe[1]);
+    }
+
+    /// Bytes that bring the terminal back when a signal kills the process or asks it a second time to end. The modes
+    /// of the terminal are those of the construction.
+    void set_farewell(const std::string& bytes) noexcept {
+        state.farewell_length = static_cast<std::sig_atomic_t>(bytes.copy(state.farewell.data(), state.farewell.size()));
+    }
+
+private:
+    void handle(int signal, void (*handler)(int)) {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        struct sigaction former {};
+        sigaction(signal, nullptr, &former);
+        // A signal that whoever started the process wants ignored stays ignored.
+        if (former.sa_handler == SIG_IGN) return;
+        sigaction(signal, &action, nullptr);
+        former_.emplace_back(signal, former);
+    }
+
+    std::vector<std::pair<int, struct sigaction>> former_;
+};
+
+// ---- The screen ---------------------------------------------------------------------------------------
+
+/// ncurses writes in the process's character locale.
+void use_utf8() {
+    // Where the environment says nothing, as in many containers, the terminal is most likely UTF-8.
+    if (setlocale(LC_CTYPE, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
+        setlocale(LC_CTYPE, "C.UTF-8");
+    }
+}
+
+class NcursesScreen final : public Screen {
+public:
+    NcursesScreen() {
+        use_utf8();
+        screen_ = newterm(nullptr, stdout, stdin);
         if (screen_ == nullptr) throw RuntimeError(kCannotCreateObject, u"The terminal cannot be used");
         set_term(screen_);
         cbreak();
@@ -134,32 +202,42 @@ public:
         nonl();
         intrflush(stdscr, FALSE);
         keypad(stdscr, TRUE);
-        nodelay(stdscr, TRUE);
-        set_escdelay(kEscapeDelay);
+        for (const auto& [bytes, code] : kMoreKeys) define_key(bytes, static_cast<int>(code));
         mousemask(kMouseEvents, nullptr);
         mouseinterval(0);
-        if (!is_set("NO_COLOR") && has_colors() && start_color() == OK) colors_ = COLORS;
-        signals_.set_farewell(terminal_capability("rmkx") + "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" +
-                              terminal_capability("sgr0") + terminal_capability("cnorm") +
-                              terminal_capability("rmcup"));
+        const char* no_color = std::getenv("NO_COLOR");
+        if ((no_color == nullptr || *no_color == '\0') && has_colors() && start_color() == OK) colors_ = COLORS;
+        // A terminal with a mouse knows of pastes, too.
+        if (has_mouse()) write_bytes("\033[?2004h");
+        signals_.set_farewell(capability("rmkx") + std::string(kModesOff) +
+                              "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" + capability("sgr0") +
+                              capability("cnorm") + capability("rmcup"));
     }
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
-    ~Terminal() {
+    NcursesScreen(const NcursesScreen&) = delete;
+    NcursesScreen& operator=(const NcursesScreen&) = delete;
+    ~NcursesScreen() override {
         mousemask(0, nullptr);
+        if (has_mouse()) write_bytes(kModesOff);
         endwin();
         delscreen(screen_);
     }
 
-    void show(const Canvas& canvas, std::optional<Point> cursor) {
+    Size size() const override {
+        Size size;
+        getmaxyx(stdscr, size.rows, size.columns);
+        return size;
+    }
+
+    void show(const Canvas& canvas, std::optional<Point> cursor) override {
         const Size size = canvas.size();
+        std::vector<cchar_t> cells;
         for (int row = 0; row < size.rows; ++row) {
-            line_.clear();
+            cells.clear();
             for (int column = 0; column < size.columns; ++column) {
                 const Cell& cell = canvas.cell({column, row});
-                if (!cell.tail) line_.push_back(screen_cell(cell));
+                if (!cell.tail) cells.push_back(screen_cell(cell));
             }
-            mvadd_wchnstr(row, 0, line_.data(), static_cast<int>(line_.size()));
+            mvadd_wchnstr(row, 0, cells.data(), static_cast<int>(cells.size()));
         }
         // A terminal that cannot hide its cursor shows it in the corner.
         curs_set(cursor ? 1 : 0);
@@ -167,55 +245,113 @@ public:
         refresh();
     }
 
-    std::optional<Input> read(bool wait) {
-        bool hung_up = false;
-        while (!ended_) {
-            switch (signals_.next()) {
-                case SignalWatch::Event::resized:
-                    follow_size();
-                    return Resized{};
-                case SignalWatch::Event::ended:
-                    ended_ = true;
-                    continue;
-                case SignalWatch::Event::none:
-                    break;
+    std::optional<Input> read(bool wait) override {
+        while (!ended_ && inputs_.empty()) {
+            char event = 0;
+            if (::read(state.pipe[0], &event, 1) == 1) {
+                ended_ = event == 'e';
+                if (ended_) break;
+                follow_size();
+                return Resized{};
             }
-            wint_t code = 0;
-            const int kind = get_wch(&code);
-            if (kind != ERR) {
-                if (const auto input = translate(kind, code)) return input;
+            // What the library has read ahead cannot be waited for.
+            pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {state.pipe[0], POLLIN, 0}};
+            poll(sources, 2, wait && !read_ahead_ ? -1 : 0);
+            const bool readable = sources[0].revents != 0;
+            if (!readable && !read_ahead_) {
+                if (!wait && sources[1].revents == 0) return std::nullopt;
                 continue;
             }
-            if (hung_up) ended_ = true;
-            if (ended_) break;
-            pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
-            if (poll(sources, 2, wait ? -1 : 0) == 0) return std::nullopt;
-            hung_up = (sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
-            if (!wait && sources[0].revents == 0 && sources[1].revents == 0) return std::nullopt;
+            // The rest of a character or a sequence may come late.
+            wtimeout(stdscr, readable ? ESCDELAY : 0);
+            wint_t code = 0;
+            const int kind = get_wch(&code);
+            read_ahead_ = kind != ERR;
+            if (read_ahead_) {
+                translate(kind, code);
+            } else if ((sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
+                ended_ = true;
+            }
         }
-        return Ended{signals_.ending_signal()};
+        if (ended_) return Ended{state.asked_to_end};
+        Input input = std::move(inputs_.front());
+        inputs_.pop_front();
+        return input;
     }
 
+    void beep() override { ::beep(); }
+
 private:
-    std::optional<Input> translate(int kind, wint_t code) {
+    static constexpr std::string_view kModesOff = "\033[?2004l";
+
+    void translate(int kind, wint_t code) {
         if (kind == KEY_CODE_YES) {
-            if (code == KEY_RESIZE) return Resized{};
-            if (code == KEY_MOUSE) {
-                const auto event = mouse_event();
-                return event ? std::optional<Input>(*event) : std::nullopt;
+            if (code == KEY_MOUSE) return read_mouse();
+            if (code == kPasteBegins) return read_paste();
+            for (const auto& [known, key] : kKeys) {
+                if (known == code) inputs_.push_back(KeyPress{key});
             }
-            const auto key = function_key(code);
-            return key ? std::optional<Input>(*key) : std::nullopt;
+            return;
         }
-        if (code == kEscape) {
-            // Alt sends an escape character first.
-            wint_t next = 0;
-            const int next_kind = get_wch(&next);
-            if (next_kind == OK && next >= L' ') return KeyPress{Key::character, static_cast<char32_t>(next), true};
-            return KeyPress{Key::escape};
+        if (code == kEscape) return read_escaped();
+        for (const auto& [known, key] : kControls) {
+            if (known == code) return inputs_.push_back(KeyPress{key});
         }
-        const auto key = character_key(code);
-        return key ? std::optional<Input>(*key) : std::nullopt;
+        if (code >= L' ') inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
+    }
+
+    /// The library keeps the events of one read; it gives the last one first.
+    void read_mouse() {
+        std::vector<Input> events;
+        MEVENT event;
+        while (getmouse(&event) == OK) {
+            for (const auto& [mask, action, button] : kMouse) {
+                if ((event.bstate & mask) != 0) events.push_back(MouseEvent{action, button, {event.x, event.y}});
+            }
+        }
+        inputs_.insert(inputs_.end(), events.rbegin(), events.rend());
+    }
+
+    void read_paste() {
+        Paste paste;
+        wint_t code = 0;
+        // A paste without an end ends when nothing more comes.
+        wtimeout(stdscr, ESCDELAY);
+        for (int kind = get_wch(&code); kind != ERR && code != kPasteEnds; kind = get_wch(&code)) {
+            if (kind == OK) paste.text.push_back(static_cast<char32_t>(code));
+        }
+        inputs_.push_back(std::move(paste));
+    }
+
+    /// An escape character that begins no sequence the library knows: Alt sends it before a character, and unknown
+    /// sequences are passed over as a whole.
+    void read_escaped() {
+        // The library has waited for what may follow.
+        wtimeout(stdscr, 0);
+        wint_t code = 0;
+        int kind = get_wch(&code);
+        if (kind == ERR || (kind == OK && code == kEscape)) return inputs_.push_back(KeyPress{Key::escape});
+        if (kind == KEY_CODE_YES) return translate(kind, code);
+        const bool text = code == L']' || code == L'^' || code == L'_' || code == L'P';
+        const bool letter = code == L'O' || code == L'P' || !(text || code == L'[');
+        const bool sequence = text || code == L'[' || code == L'O';
+        wtimeout(stdscr, letter ? 0 : ESCDELAY);
+        wint_t next = 0;
+        kind = sequence ? get_wch(&next) : ERR;
+        if (kind == ERR && letter && code >= L' ') {
+            return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code), true});
+        }
+        wtimeout(stdscr, ESCDELAY);
+        if (text) {
+            // To the bell or the string terminator.
+            while (kind == OK && next != 7 && next != kEscape) kind = get_wch(&next);
+            if (kind == OK && next == kEscape) get_wch(&next);
+            return;
+        }
+        // Parameters, then a letter or a sign.
+        while (kind == OK && next >= L' ' && next < L'@') kind = get_wch(&next);
+        if (kind == OK && next == kEscape) read_escaped();
+        if (kind == KEY_CODE_YES) translate(kind, next);
     }
 
     static void follow_size() {
@@ -232,51 +368,48 @@ private:
         attr_t attributes = WA_NORMAL;
         if (cell.style.bold) attributes |= WA_BOLD;
         if (cell.style.underline) attributes |= WA_UNDERLINE;
-        int pair = 0;
-        if (colors_ > 0) {
-            pair = color_pair(cell.style);
-        } else if (cell.style.standout) {
-            attributes |= WA_REVERSE;
-        }
+        if (colors_ == 0 && cell.style.standout) attributes |= WA_REVERSE;
+        int pair = colors_ == 0 ? 0 : alloc_pair(number_of(cell.style.fore), number_of(cell.style.back));
         cchar_t result{};
-        setcchar(&result, text, attributes, static_cast<short>(pair), &pair);
+        setcchar(&result, text, attributes, static_cast<short>(std::max(0, pair)), nullptr);
         return result;
     }
 
-    int color_pair(const Style& style) {
-        const auto key = static_cast<std::uint64_t>(style.fore) << 32 | style.back;
-        const auto known = pairs_.find(key);
-        if (known != pairs_.end()) return known->second;
-        const int back = nearest_palette_color(style.back, colors_);
-        const int fore = style.fore == style.back ? back : palette_text_color(style.fore, back, colors_);
-        const int pair = alloc_pair(fore, back);
-        return pairs_.emplace(key, pair < 0 ? 0 : pair).first->second;
+    int number_of(Color color) const noexcept {
+        const int number = static_cast<int>(color);
+        return colors_ >= 256 ? kOf256[number] : colors_ >= 16 ? number : number % 8;
     }
 
-    Utf8Locale locale_;
     // Before the screen: ncurses keeps its hands off signals that are handled already.
     SignalWatch signals_;
-    SCREEN* screen_;
+    SCREEN* screen_ = nullptr;
     int colors_ = 0;
     bool ended_ = false;
-    std::unordered_map<std::uint64_t, int> pairs_;
-    std::vector<cchar_t> line_;
+    bool read_ahead_ = false;
+    std::deque<Input> inputs_;
 };
 
-NcursesScreen::NcursesScreen() : terminal_(std::make_unique<Terminal>()) {}
+}  // namespace
 
-NcursesScreen::~NcursesScreen() = default;
-
-Size NcursesScreen::size() const {
-    Size size;
-    getmaxyx(stdscr, size.rows, size.columns);
-    return size;
+bool find_terminal(std::ostream& notes) {
+    if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) return false;
+    constexpr char kCommon[] = "xterm-256color";
+    const char* name = std::getenv("TERM");
+    const std::string terminal = name == nullptr ? "" : name;
+    int error = 0;
+    bool described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
+    if (!described) {
+        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for " << kCommon
+              << '\n';
+        setenv("TERM", kCommon, 1);
+        described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
+    }
+    const bool usable = described && !capability("cup").empty();
+    if (described) del_curterm(cur_term);
+    if (!usable) notes << "the terminal \"" << terminal << "\" cannot be drawn on; playing the sample scenario\n";
+    return usable;
 }
 
-void NcursesScreen::show(const Canvas& canvas, std::optional<Point> cursor) { terminal_->show(canvas, cursor); }
-
-std::optional<Input> NcursesScreen::read(bool wait) { return terminal_->read(wait); }
-
-void NcursesScreen::beep() { ::beep(); }
+std::unique_ptr<Screen> take_terminal() { return std::make_unique<NcursesScreen>(); }
 
 }  // namespace vex::platform::native::terminal

@@ -1,24 +1,19 @@
-// The Open dialog as a form of the terminal toolkit.
+// The Open dialog of the terminal: a field for a name or path, and the list of what fits it.
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "forms/form.h"
-#include "platform/native/terminal/drives.h"
 
 namespace vex::platform::native::terminal {
 
-/// Whether a file name fits one of the patterns ("*" and "?", several joined by ";"), in any case.
-bool matches_pattern(std::u16string_view name, std::u16string_view patterns) noexcept;
-
-/// Shows one folder at a time. A name that is typed goes before the row that is selected; it may be a path,
-/// and a folder is opened, not answered.
+/// Shows the drives of the simulated computer. The list follows what is typed, and the row that is marked there is
+/// what Open takes; without one, it takes what the field says. A folder is opened, not answered.
 class OpenFileForm final : public forms::Form {
 public:
-    OpenFileForm(forms::Toolkit& toolkit, const Drives& drives, const forms::OpenFileRequest& request);
+    OpenFileForm(forms::Toolkit& toolkit, const forms::OpenFileRequest& request);
 
     /// The full path, or nothing when the user cancelled.
     const std::optional<std::u16string>& chosen() const noexcept { return chosen_; }
@@ -27,30 +22,28 @@ protected:
     void Form_Load() override;
 
 private:
-    void show_folder(std::u16string folder);
-    void select_offered_name();
-    void add_row(const std::u16string& name, const std::u16string& size);
-    void list_click();
-    void open_click();
-    void open_row(std::size_t row);
-    void open_name(const std::u16string& name);
-    void choose(const std::u16string& path);
-    /// Its place in the list's folder, where it is not a full path itself.
+    struct Entry {
+        std::u16string name;
+        bool folder = false;
+    };
+
+    static std::optional<std::vector<Entry>> entries(const std::u16string& folder);
+    /// Lists what begins with `name` in a folder, in which the dialog is from now on. False: there is no such folder.
+    bool list(const std::u16string& folder, const std::u16string& name);
+    void follow_typing();
+    void enter(const std::u16string& folder);
+    void open(const std::u16string& path);
+    /// The path of a name in the folder; a path stays as it is.
     std::u16string full_path(const std::u16string& name) const;
 
-    const Drives& drives_;
     bool must_exist_;
     std::u16string patterns_;
-    /// Without trailing backslash; empty: the list of drives.
+    /// Without trailing backslash; empty: the list of drives. Typing may lead the list elsewhere.
     std::u16string folder_;
-    std::u16string first_folder_;
-    /// What the list shows, row by row.
-    std::vector<FolderEntry> entries_;
-    /// The name that the program put into the box.
-    std::u16string offered_name_;
+    std::u16string listed_folder_;
+    std::u16string offered_path_;
+    std::vector<Entry> entries_;
     std::optional<std::u16string> chosen_;
-    std::optional<std::size_t> clicked_row_;
-    std::chrono::steady_clock::time_point clicked_at_;
 
     forms::Label lblFolder, lblFolderPath, lblName, lblFilter, lblFilterName;
     forms::ListView lstFiles;

@@ -1,21 +1,88 @@
 // The Toolkit on a terminal.
 #include "platform/native/terminal/terminal_toolkit.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "platform/native/terminal/colors.h"
-#include "platform/native/terminal/message_form.h"
 #include "platform/native/terminal/open_file_form.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
+namespace {
+
+using forms::MessageAnswer;
+using forms::Rect;
+using forms::Twips;
+
+/// Dialogs of the toolkit's own are laid out in cells of the coarsest scale.
+constexpr Scale kCell;
+
+/// Asks for one of several answers: a message box, or a menu, in which the answers stand below each other.
+class ChoiceForm final : public forms::Form {
+public:
+    using Texts = std::vector<std::u16string>;
+
+    ChoiceForm(forms::Toolkit& toolkit, const std::u16string& title, const std::u16string& text, const Texts& answers,
+               bool menu)
+        : Form(toolkit, design_for(title, text, answers, menu)), closes_(menu || answers.size() == 1), buttons_(answers.size()) {
+        const Twips step = 11 * kCell.column;
+        const Twips left = (width() - step * static_cast<Twips>(answers.size()) + 2 * kCell.column) / 2;
+        const Rect text_place{2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row};
+        if (!menu) lay_out({{.control = text_, .name = "text", .at = text_place, .text = text}});
+        for (std::size_t i = 0; i < answers.size(); ++i) {
+            const auto number = static_cast<Twips>(i);
+            const Rect place = menu ? Rect{0, number * kCell.row, width(), kCell.row}
+                                    : Rect{left + number * step, height() - 2 * kCell.row, 9 * kCell.column, kCell.row};
+            lay_out({{.control = buttons_[i], .name = "answer", .at = place, .text = answers[i], .tab_index = number}});
+            buttons_[i].on_click = [this, i] {
+                answer = i;
+                hide();
+            };
+        }
+        buttons_.front().is_default = true;
+        buttons_.front().is_cancel = closes_ && !menu;
+    }
+
+    /// The one chosen; nothing when the form was closed.
+    std::optional<std::size_t> answer;
+
+protected:
+    /// A question is answered, not closed.
+    void Form_QueryUnload(bool& cancel, forms::UnloadMode mode) override {
+        cancel = !closes_ && mode == forms::UnloadMode::control_menu;
+    }
+
+private:
+    /// As large as the text needs: a row above it, two between it and the buttons' row, one below.
+    static forms::FormDesign design_for(const std::u16string& title, const std::u16string& text, const Texts& answers,
+                                        bool menu) {
+        constexpr int kWidest = 66;
+        int width = menu ? 0 : std::clamp(text_width(to_utf32(title)) + 8, 28, kWidest);
+        for (const std::u32string& line : wrap(to_utf32(text), kWidest)) width = std::max(width, text_width(line));
+        for (const std::u16string& answer : answers) width = std::max(width, text_width(parse_caption(answer).text));
+        const std::size_t rows = menu ? answers.size() : wrap(to_utf32(text), width).size() + 4;
+        return {.name = menu ? "Menu" : "MessageBox",
+                .caption = title,
+                .width = (width + (menu ? 2 : 4)) * kCell.column,
+                .height = static_cast<Twips>(rows) * kCell.row};
+    }
+
+    bool closes_;
+    forms::Label text_;
+    std::vector<forms::Button> buttons_;
+};
+
+bool too_small(Size size) noexcept {
+    return size.columns < kSmallestTerminal.columns || size.rows < kSmallestTerminal.rows;
+}
+
+}  // namespace
 
 /// A form is on the screen.
 class TerminalToolkit::ShowScope {
 public:
-    ShowScope(TerminalToolkit& toolkit, forms::Form& form) : toolkit_(toolkit), window_(form, toolkit, toolkit.icons_) {
-        toolkit_.windows_.push_back({window_, {}});
+    ShowScope(TerminalToolkit& toolkit, forms::Form& form)
+        : toolkit_(toolkit), shown_{{form, toolkit, toolkit.icons_}, std::exchange(toolkit.anchor_, std::nullopt), {}} {
+        toolkit_.windows_.push_back(&shown_);
         toolkit_.stale_ = true;
     }
     ShowScope(const ShowScope&) = delete;
@@ -27,16 +94,23 @@ public:
 
 private:
     TerminalToolkit& toolkit_;
-    FormWindow window_;
+    Shown shown_;
 };
 
-TerminalToolkit::TerminalToolkit(Screen& screen, const Drives& drives, IconCharacters icons, Surroundings surroundings)
-    : screen_(screen), drives_(drives), icons_(std::move(icons)), surroundings_(std::move(surroundings)) {}
+TerminalToolkit::TerminalToolkit(Screen& screen, IconCharacters icons, HostLine host_line)
+    : screen_(screen), icons_(std::move(icons)), host_line_(std::move(host_line)) {}
 
 TerminalToolkit::~TerminalToolkit() = default;
 
 forms::Form* TerminalToolkit::top() const noexcept {
-    return windows_.empty() ? nullptr : &windows_.back().window.form();
+    return windows_.empty() ? nullptr : &windows_.back()->window.form();
+}
+
+forms::Form* TerminalToolkit::find(std::string_view name) const noexcept {
+    for (const Shown* shown : windows_) {
+        if (shown->window.form().name() == name) return &shown->window.form();
+    }
+    return nullptr;
 }
 
 void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
@@ -45,7 +119,7 @@ void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
     draw_now();
     form.raise_activate();
     while (form.running() && !ended_) {
-        draw_when_stale();
+        if (stale_) draw_now();
         if (const auto input = read(true)) handle(*input);
     }
     if (form.running()) form.raise_close_request(forms::UnloadMode::system);
@@ -58,19 +132,36 @@ void TerminalToolkit::pump_messages() {
         if (!input) break;
         handle(*input);
     }
-    draw_when_stale();
+    if (stale_) draw_now();
 }
 
-forms::MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
-    MessageForm form(*this, box);
+MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
+    const bool question = box.buttons == forms::MessageButtons::yes_no;
+    ChoiceForm form(*this, box.title, box.text, question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"},
+                    false);
     form.show_modal();
-    return form.answer();
+    if (!question) return MessageAnswer::ok;
+    return form.answer == 0U ? MessageAnswer::yes : MessageAnswer::no;
 }
 
 std::optional<std::u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
-    OpenFileForm form(*this, drives_, request);
+    OpenFileForm form(*this, request);
     form.show_modal();
     return form.chosen();
+}
+
+void TerminalToolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
+    if (windows_.empty() || menu.items.empty()) return;
+    const Shown& shown = *windows_.back();
+    anchor_ = Point{shown.at.column + shown.window.pointer().column, shown.at.row + shown.window.pointer().row + 1};
+    ChoiceForm::Texts items;
+    for (const forms::MenuItem& item : menu.items) {
+        // An item without a mnemonic has its first letter.
+        items.push_back(parse_caption(item.caption).mnemonic ? item.caption : u"&" + item.caption);
+    }
+    ChoiceForm choice(*this, {}, {}, items, true);
+    choice.show_modal();
+    if (choice.answer && !ended_) form.raise_menu_click(menu.items[*choice.answer]);
 }
 
 std::optional<Input> TerminalToolkit::read(bool wait) {
@@ -82,60 +173,49 @@ std::optional<Input> TerminalToolkit::read(bool wait) {
 }
 
 void TerminalToolkit::handle(const Input& input) {
-    const Size size = screen_.size();
     // What cannot be seen takes no input.
-    if (windows_.empty() || size.columns < kSmallestTerminal.columns || size.rows < kSmallestTerminal.rows) return;
-    const ShownForm shown = windows_.back();
+    if (windows_.empty() || too_small(screen_.size())) return;
+    Shown& shown = *windows_.back();
     if (const auto* key = std::get_if<KeyPress>(&input)) shown.window.handle(*key);
+    if (const auto* paste = std::get_if<Paste>(&input)) shown.window.handle(*paste);
     if (const auto* mouse = std::get_if<MouseEvent>(&input)) {
         MouseEvent event = *mouse;
         event.at = {mouse->at.column - shown.at.column, mouse->at.row - shown.at.row};
-        const Size frame = shown.window.size();
-        const bool outside = !Area{0, 0, frame.columns, frame.rows}.contains(event.at);
-        if (outside && event.action == MouseAction::press) return beep();
+        const bool outside = !shown.window.picture().area().contains(event.at);
+        if (outside && event.action == MouseAction::press) {
+            // A press beside a menu dismisses it.
+            return shown.anchor ? shown.window.form().raise_close_request() : beep();
+        }
         shown.window.handle(event);
     }
-}
-
-void TerminalToolkit::draw_when_stale() {
-    if (stale_) draw_now();
 }
 
 void TerminalToolkit::draw_now() {
     stale_ = false;
     const Size size = screen_.size();
-    Canvas canvas(size, {look::kDesktopText, look::kDesktop});
-    if (size.columns < kSmallestTerminal.columns || size.rows < kSmallestTerminal.rows) {
+    Canvas canvas(size, look::kDesktop);
+    if (too_small(size)) {
         draw_too_small(canvas);
-        screen_.show(canvas, std::nullopt);
-        return;
+        return screen_.show(canvas, std::nullopt);
     }
-    if (surroundings_.behind) surroundings_.behind(canvas);
     const Scale scale = scale_for(size);
     std::optional<Point> cursor;
-    for (ShownForm& shown : windows_) {
-        shown.window.set_scale(scale);
-        const Size frame = shown.window.size();
-        shown.at = {std::max(0, (size.columns - frame.columns) / 2), std::max(0, (size.rows - 1 - frame.rows) / 2)};
-        const bool active = &shown == &windows_.back();
-        const FormPicture& picture = shown.window.draw(active);
-        canvas.paste(picture.canvas, shown.at);
-        cursor.reset();
-        if (active && picture.cursor) {
-            cursor = Point{picture.cursor->column + shown.at.column, picture.cursor->row + shown.at.row};
-        }
+    for (Shown* shown : windows_) {
+        const bool active = shown == windows_.back();
+        // Menus are as small as they can be.
+        shown->window.draw(shown->anchor ? kCell : scale, active);
+        const Size frame = shown->window.picture().size();
+        const Size room{size.columns - frame.columns, size.rows - frame.rows};
+        shown->at = shown->anchor.value_or(Point{room.columns / 2, (room.rows - 1) / 2});
+        shown->at = {std::clamp(shown->at.column, 0, std::max(0, room.columns)),
+                     std::clamp(shown->at.row, 0, std::max(0, room.rows))};
+        canvas.paste(shown->window.picture(), shown->at);
+        cursor = shown->window.cursor();
+        if (cursor) cursor = Point{cursor->column + shown->at.column, cursor->row + shown->at.row};
     }
     const Area line{0, size.rows - 1, size.columns, size.rows};
-    if (surroundings_.host_line) {
-        surroundings_.host_line(canvas, line);
-    } else {
-        draw_keys(canvas, line);
-    }
-    if (menu_) {
-        draw_menu(canvas);
-        const Area area = menu_area(size);
-        cursor = Point{area.left + 2, area.top + 1 + static_cast<int>(menu_->chosen)};
-    }
+    const auto beginning = host_line_ ? host_line_(canvas, line) : std::u32string();
+    if (beginning) canvas.text({1, line.top}, key_line(*beginning, size.columns - 2), look::kDesktop);
     screen_.show(canvas, cursor);
 }
 
@@ -146,14 +226,17 @@ void TerminalToolkit::draw_too_small(Canvas& canvas) const {
                              std::to_string(kSmallestTerminal.rows) + ", or leave with Ctrl+C.";
     int row = 0;
     for (const std::u32string& line : wrap(std::u32string(text.begin(), text.end()), size.columns)) {
-        canvas.text({0, row++}, line, {.fore = look::kDesktopText});
+        canvas.text({0, row++}, line, look::kDesktop);
     }
 }
 
-void TerminalToolkit::draw_keys(Canvas& canvas, const Area& line) const {
-    canvas.text({line.left + 1, line.top},
-                U"Tab next   Enter press   Space choose   Esc close   F10 menu   Ctrl+C leave",
-                {.fore = look::kDesktopText});
+std::u32string TerminalToolkit::key_line(std::u32string line, int width) const {
+    constexpr std::u32string_view kLeave = U"Ctrl+C leave";
+    if (windows_.empty()) return line;
+    for (const std::u32string& key : windows_.back()->window.keys()) {
+        if (text_width(line) + text_width(key) + text_width(kLeave) + 3 <= width) line += key + U"   ";
+    }
+    return line.append(kLeave);
 }
 
 }  // namespace vex::platform::native::terminal

@@ -5,29 +5,24 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "forms/form.h"
 #include "forms/toolkit.h"
-#include "platform/native/terminal/canvas.h"
-#include "platform/native/terminal/drives.h"
 #include "platform/native/terminal/form_window.h"
 #include "platform/native/terminal/screen.h"
 
 namespace vex::platform::native::terminal {
 
-/// What stands around the forms; each may be empty.
-struct Surroundings {
-    /// Draws what lies behind all forms.
-    std::function<void(Canvas& canvas)> behind;
-    /// Draws the host's line, the last row of the screen; without it, the keys are told there.
-    std::function<void(Canvas& canvas, const Area& line)> host_line;
-};
+/// Draws the host's line, the last row of the screen; or answers what is to stand there before the keys.
+using HostLine = std::function<std::optional<std::u32string>(Canvas& canvas, const Area& line)>;
 
-/// Used on one thread. The screen and the drives must outlive it, and it every form shown on it.
-class TerminalToolkit final : public forms::Toolkit, private WindowOwner {
+/// Used on one thread. The screen must outlive it, and it every form shown on it.
+class TerminalToolkit : public forms::Toolkit, private WindowOwner {
 public:
-    TerminalToolkit(Screen& screen, const Drives& drives, IconCharacters icons = {}, Surroundings surroundings = {});
+    /// Without a host's line, the keys are told there.
+    explicit TerminalToolkit(Screen& screen, IconCharacters icons = {}, HostLine host_line = {});
     TerminalToolkit(const TerminalToolkit&) = delete;
     TerminalToolkit& operator=(const TerminalToolkit&) = delete;
     ~TerminalToolkit() override;
@@ -41,44 +36,37 @@ public:
 
     /// Why the process is to end, if it is: then no form is shown any more, and those that are end.
     const std::optional<Ended>& ended() const noexcept { return ended_; }
-    /// The topmost form, or null.
+    /// The topmost form, or null; its window and its place on the screen.
     forms::Form* top() const noexcept;
+    const FormWindow& top_window() const { return windows_.back()->window; }
+    Point top_place() const { return windows_.back()->at; }
+    /// A form that is on the screen, or null.
+    forms::Form* find(std::string_view name) const noexcept;
     void invalidate() override { stale_ = true; }
 
 private:
-    struct ShownForm {
-        FormWindow& window;
+    struct Shown {
+        FormWindow window;
+        /// Where a menu opens; others stand in the middle.
+        std::optional<Point> anchor;
         /// The left top corner on the screen.
         Point at;
     };
     class ShowScope;
-    struct OpenMenu {
-        const forms::Menu& menu;
-        /// Below what it is about.
-        Point at;
-        std::size_t chosen = 0;
-    };
 
     void draw_now() override;
     void draw_too_small(Canvas& canvas) const;
-    void draw_menu(Canvas& canvas) const;
-    void draw_keys(Canvas& canvas, const Area& line) const;
-    void draw_when_stale();
-    Area menu_area(Size screen) const;
-
+    /// What the keys do now, after what `line` says already, as far as `width` goes.
+    std::u32string key_line(std::u32string line, int width) const;
     std::optional<Input> read(bool wait);
     void handle(const Input& input);
-    /// True when the menu is done with; `chosen` is then the item, or null.
-    bool handle_menu(const Input& input, const forms::MenuItem*& chosen);
-    bool handle_menu_key(const KeyPress& key, const forms::MenuItem*& chosen);
-    bool handle_menu_mouse(const MouseEvent& event, const forms::MenuItem*& chosen);
 
     Screen& screen_;
-    const Drives& drives_;
     IconCharacters icons_;
-    Surroundings surroundings_;
-    std::vector<ShownForm> windows_;
-    std::optional<OpenMenu> menu_;
+    HostLine host_line_;
+    std::vector<Shown*> windows_;
+    /// Where the next form is to open.
+    std::optional<Point> anchor_;
     bool stale_ = true;
     std::optional<Ended> ended_;
 };

@@ -99,13 +99,24 @@ std::u32string_view beginning(std::u32string_view text, int width) noexcept {
     return text.substr(0, length);
 }
 
-std::u32string shorten(std::u32string_view text, int width) {
-    const std::u32string_view part = beginning(text, width);
-    if (part.size() == text.size()) return std::u32string(text);
+std::u32string shorten(std::u32string_view text, int width, Cut cut) {
+    if (text_width(text) <= width) return std::u32string(text);
     if (width <= 0) return {};
-    std::u32string cut(beginning(text, width - 1));
-    cut.push_back(U'…');
-    return cut;
+    const int tail = cut == Cut::end ? 0 : cut == Cut::start ? width - 1 : (width - 1) / 2;
+    std::size_t start = text.size();
+    for (int used = 0; start > 0; --start) {
+        used += character_width(text[start - 1]);
+        if (used > tail) break;
+    }
+    return std::u32string(beginning(text, width - 1 - tail)).append(U"…").append(text.substr(start));
+}
+
+std::size_t first_seen(std::u32string_view text, std::size_t at, int width) noexcept {
+    std::size_t first = 0;
+    for (int used = text_width(text.substr(0, at)); first < at && used >= width; ++first) {
+        used -= character_width(text[first]);
+    }
+    return first;
 }
 
 std::vector<std::u32string> wrap(std::u32string_view text, int width) {

@@ -21,8 +21,12 @@ int text_width(std::u32string_view text) noexcept;
 
 /// The longest beginning of `text` that fits into `width` cells.
 std::u32string_view beginning(std::u32string_view text, int width) noexcept;
-/// `text` where it fits into `width` cells, otherwise its beginning and an ellipsis.
-std::u32string shorten(std::u32string_view text, int width);
+/// `text` where it fits into `width` cells; otherwise an ellipsis stands for what is left out of it.
+enum class Cut { end, middle, start };
+std::u32string shorten(std::u32string_view text, int width, Cut cut = Cut::end);
+/// The first character that is seen in `width` cells where the cursor stands before character `at`, in a cell
+/// of its own after the text.
+std::size_t first_seen(std::u32string_view text, std::size_t at, int width) noexcept;
 /// Lines of at most `width` cells, broken at blanks and line ends, in words only where one is too long.
 /// At least one line.
 std::vector<std::u32string> wrap(std::u32string_view text, int width);

@@ -1,0 +1,264 @@
+// The COM runtime: identities as text, apartments, class objects, and the in-process servers that the registry
+// names.
+#include <dlfcn.h>
+
+#include <bit>
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "com/native/server.h"
+#include "core/digits.h"
+#include "core/runtime_error.h"
+#include "platform/native/machine.h"
+
+namespace vex::com::native {
+namespace {
+
+using platform::native::code_page;
+
+struct ClassRegistration {
+    DWORD cookie;
+    CLSID clsid;
+    ComPtr<IUnknown> factory;
+};
+
+/// What one thread has of COM. Objects never change threads here, so class objects are the thread's too.
+struct Apartment {
+    int initialisations = 0;
+    DWORD last_cookie = 0;
+    std::vector<ClassRegistration> classes;
+};
+
+thread_local Apartment apartment;
+
+/// A loaded in-process server.
+struct Server {
+    void* library;
+    decltype(&DllGetClassObject) get_class_object;
+    decltype(&DllCanUnloadNow) can_unload_now;
+    /// Calls of DllGetClassObject under way; the library must not go meanwhile.
+    int calls = 0;
+};
+
+/// The servers that the process has loaded, by the file's path. The lock guards the table and the counts
+/// of calls, and is never held while a server's code runs that may create objects itself.
+struct Servers {
+    std::mutex mutex;
+    std::map<std::filesystem::path, Server> by_path;
+};
+
+Servers& servers() {
+    // Never destroyed: objects of a server may be released while the process ends.
+    static auto& instance = *new Servers;
+    return instance;
+}
+
+/// The default value of a key below HKEY_CLASSES_ROOT, or an empty text.
+std::string class_value(const std::string& path) {
+    using namespace platform;
+    RegistryKey key = 0;
+    Registry& store = platform::native::registry();
+    if (store.open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, key) != kSuccess) return {};
+    std::uint32_t type = kRegNone;
+    std::uint32_t size = 0;
+    std::string text;
+    if (store.query_value(key, "", type, nullptr, size) == kSuccess && (type == kRegSz || type == kRegExpandSz)) {
+        text.resize(size);
+        auto* bytes = reinterpret_cast<std::uint8_t*>(text.data());
+        if (store.query_value(key, "", type, bytes, size) != kSuccess) text.clear();
+        text.resize(std::string_view(text.c_str()).size());
+    }
+    store.close_key(key);
+    return text;
+}
+
+/// Finds or loads the server at `path` and counts a call of it. To be called under the lock.
+HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*& server) {
+    const auto known = loaded.by_path.find(path);
+    if (known != loaded.by_path.end()) {
+        server = &known->second;
+    } else {
+        // No path leads to no file; the loader would take it for the program itself.
+        if (path.empty()) return CO_E_DLLNOTFOUND;
+        void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) return CO_E_DLLNOTFOUND;
+        const Server found{library, reinterpret_cast<decltype(&DllGetClassObject)>(dlsym(library, "DllGetClassObject")),
+                           reinterpret_cast<decltype(&DllCanUnloadNow)>(dlsym(library, "DllCanUnloadNow"))};
+        if (found.get_class_object == nullptr) {
+            dlclose(library);
+            return CO_E_ERRORINDLL;
+        }
+        server = &loaded.by_path.emplace(path, found).first->second;
+    }
+    ++server->calls;
+    return S_OK;
+}
+
+HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
+    OLECHAR name[39];
+    StringFromGUID2(clsid, name, 39);
+    const std::string path = class_value("CLSID\\" + code_page().to_ansi(name) + "\\InprocServer32");
+    if (path.empty()) return REGDB_E_CLASSNOTREG;
+    Servers& loaded = servers();
+    std::unique_lock lock(loaded.mutex);
+    Server* server = nullptr;
+    HRESULT result = enter_server(loaded, platform::native::real_path(code_page().from_ansi(path)), server);
+    if (FAILED(result)) return result;
+    lock.unlock();
+    result = server->get_class_object(clsid, iid, object);
+    lock.lock();
+    --server->calls;
+    return result;
+}
+
+/// Runs a function of the runtime whose tables and texts may run out of memory.
+template <class Function>
+HRESULT guarded(Function function) noexcept {
+    try {
+        return function();
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    } catch (...) {
+        return E_UNEXPECTED;
+    }
+}
+
+HRESULT class_object(REFCLSID clsid, REFIID iid, LPVOID* object) noexcept {
+    if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
+    for (const auto& entry : apartment.classes) {
+        if (entry.clsid != clsid) continue;
+        const auto factory = entry.factory;
+        return factory->QueryInterface(iid, object);
+    }
+    return guarded([&] { return class_object_of_server(clsid, iid, object); });
+}
+
+/// An identity as text: its bytes in the order in which they are written, numbers with their highest byte first.
+constexpr std::size_t kWritten[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+static_assert(std::endian::native == std::endian::little && std::size(kWritten) == sizeof(GUID));
+
+/// Whether a hyphen stands before the byte at that place in the text.
+constexpr bool has_hyphen(std::size_t place) noexcept { return place >= 4 && place <= 10 && place % 2 == 0; }
+
+constexpr int kTextLength = 38;
+
+}  // namespace
+
+std::u16string module_path(const void* address) {
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
+        throw RuntimeError(kCannotCreateObject, u"The module's path is unknown");
+    }
+    return platform::native::drive_path(std::filesystem::absolute(info.dli_fname));
+}
+
+}  // namespace vex::com::native
+
+using namespace vex::com::native;
+
+int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) noexcept {
+    if (text == nullptr || capacity < kTextLength + 1) return 0;
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&guid);
+    *text++ = u'{';
+    for (std::size_t i = 0; i < sizeof guid; ++i) {
+        if (has_hyphen(i)) *text++ = u'-';
+        for (const char16_t digit : vex::digits_of(bytes[kWritten[i]], 16, 2)) *text++ = digit;
+    }
+    *text++ = u'}';
+    *text = 0;
+    return kTextLength + 1;
+}
+
+HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) noexcept {
+    if (clsid == nullptr) return E_INVALIDARG;
+    *clsid = GUID_NULL;
+    if (text == nullptr) return S_OK;
+    GUID guid;
+    auto* bytes = reinterpret_cast<std::uint8_t*>(&guid);
+    if (*text++ != u'{') return CO_E_CLASSSTRING;
+    for (std::size_t i = 0; i < sizeof guid; ++i) {
+        if (has_hyphen(i) && *text++ != u'-') return CO_E_CLASSSTRING;
+        int value = 0;
+        for (int digits = 2; digits > 0; --digits) {
+            const int digit = vex::hex_value(*text++);
+            if (digit < 0) return CO_E_CLASSSTRING;
+            value = value * 16 + digit;
+        }
+        bytes[kWritten[i]] = static_cast<std::uint8_t>(value);
+    }
+    if (text[0] != u'}' || text[1] != 0) return CO_E_CLASSSTRING;
+    *clsid = guid;
+    return S_OK;
+}
+
+HRESULT CLSIDFromProgID(LPCOLESTR programmatic_id, CLSID* clsid) noexcept {
+    if (programmatic_id == nullptr || clsid == nullptr) return E_INVALIDARG;
+    *clsid = GUID_NULL;
+    return guarded([&] {
+        const std::string text = class_value(code_page().to_ansi(programmatic_id) + "\\CLSID");
+        if (text.empty()) return CO_E_CLASSSTRING;
+        return CLSIDFromString(code_page().from_ansi(text).c_str(), clsid);
+    });
+}
+
+HRESULT CoInitializeEx(LPVOID /*reserved*/, DWORD /*concurrency*/) noexcept {
+    return ++apartment.initialisations == 1 ? S_OK : S_FALSE;
+}
+
+void CoUninitialize() noexcept {
+    if (apartment.initialisations == 0 || --apartment.initialisations > 0) return;
+    // Releasing a factory may run code that comes back here.
+    const auto classes = std::exchange(apartment.classes, {});
+}
+
+HRESULT CoRegisterClassObject(REFCLSID clsid, IUnknown* factory, DWORD /*context*/, DWORD /*flags*/,
+                              DWORD* cookie) noexcept {
+    if (factory == nullptr || cookie == nullptr) return E_INVALIDARG;
+    *cookie = 0;
+    if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
+    return guarded([&] {
+        apartment.classes.push_back({apartment.last_cookie + 1, clsid, vex::com::ComPtr<IUnknown>(factory)});
+        *cookie = ++apartment.last_cookie;
+        return S_OK;
+    });
+}
+
+HRESULT CoRevokeClassObject(DWORD cookie) noexcept {
+    for (auto entry = apartment.classes.begin(); entry != apartment.classes.end(); ++entry) {
+        if (entry->cookie != cookie) continue;
+        const auto factory = entry->factory;
+        apartment.classes.erase(entry);
+        return S_OK;
+    }
+    return E_INVALIDARG;
+}
+
+HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD /*context*/, REFIID iid, LPVOID* object) noexcept {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    vex::com::ComPtr<IClassFactory> factory;
+    const HRESULT result = class_object(clsid, IID_IClassFactory, factory.put_void());
+    return FAILED(result) ? result : factory->CreateInstance(outer, iid, object);
+}
+
+void CoFreeUnusedLibraries() noexcept {
+    Servers& loaded = servers();
+    const std::lock_guard lock(loaded.mutex);
+    for (auto entry = loaded.by_path.begin(); entry != loaded.by_path.end();) {
+        const Server& server = entry->second;
+        if (server.calls == 0 && server.can_unload_now != nullptr && server.can_unload_now() == S_OK) {
+            dlclose(server.library);
+            entry = loaded.by_path.erase(entry);
+        } else {
+            ++entry;
+        }
+    }
+}

@@ -1,0 +1,173 @@
+// What the members of the two classes answer, called through the virtual table and late.
+#include "tests/plugin/plugin_fixture.h"
+
+namespace vex::plugin_test {
+namespace {
+
+using com::Variant;
+
+constexpr char16_t kName[] = u"vexFirmwarePlugin.vexFirmwareUtil";
+constexpr char16_t kDescription[] = u"Reset and Clear Display and also Load Firmware!";
+constexpr char16_t kDescriptiveName[] = u"Reset & Clear/Load Firmware";
+
+enum class Takes { nothing, index, object };
+
+struct Member {
+    GUID clsid;
+    std::size_t slot;
+    DISPID id;
+    const char16_t* name;
+    Takes argument;
+    VARTYPE result;
+    const char16_t* text = u"";
+    /// Where no desktop is, or no host with its display list, a wizard cannot open.
+    HRESULT code = S_OK;
+};
+
+const Member kMembers[] = {
+    {kCatalogueClass, 7, kTotalPlugins, u"TOTALPLUGINS", Takes::nothing, VT_I2},
+    {kCatalogueClass, 8, kPluginNames, u"PLUGINNAMES", Takes::index, VT_BSTR, kName},
+    {kCatalogueClass, 9, kPluginDescription, u"PLUGINDESCRIPTION", Takes::index, VT_BSTR, kDescription},
+    {kCatalogueClass, 10, kPluginPic, u"PLUGINPIC", Takes::index, VT_DISPATCH},
+    {kCatalogueClass, 11, kPluginDescriptiveName, u"PLUGINDESCRIPTIVENAME", Takes::index, VT_BSTR, kDescriptiveName},
+    {kEntryClass, 7, kStartPlugin, u"STARTPLUGIN", Takes::object, VT_EMPTY, u"", error_code(429)},
+    {kEntryClass, 8, kDoesFrameEdit, u"DOESFRAMEEDIT", Takes::nothing, VT_BOOL},
+    {kEntryClass, 9, kStartFrameFeature, u"STARTFRAMEFEATURE", Takes::object, VT_EMPTY, u"", error_code(429)},
+    {kEntryClass, 10, 0x60030003, u"DOESPRETRANSMIT", Takes::nothing, VT_BOOL},
+    {kEntryClass, 11, kStartPreTransmit, u"STARTPRETRANSMIT", Takes::object, VT_EMPTY},
+    {kEntryClass, 12, kGetMyName, u"GETMYNAME", Takes::nothing, VT_BSTR, kName},
+    {kEntryClass, 13, 0x60030006, u"GETMYDESCRIPTION", Takes::nothing, VT_BSTR, kDescription},
+    {kEntryClass, 14, 0x60030007, u"GETMYPICTURE", Takes::nothing, VT_DISPATCH},
+    {kEntryClass, 15, 0x60030008, u"GETMYDESCRIPTIVENAME", Takes::nothing, VT_BSTR, kDescriptiveName},
+};
+
+template <class... Arguments>
+HRESULT call_slot(IUnknown* object, std::size_t slot, Arguments... arguments) {
+    using Method = HRESULT(STDMETHODCALLTYPE*)(IUnknown*, Arguments...);
+    return reinterpret_cast<Method>((*reinterpret_cast<void***>(object))[slot])(object, arguments...);
+}
+
+void expect_icon(IDispatch* object) {
+    ASSERT_NE(object, nullptr);
+    const auto picture = com::ComPtr<IDispatch>(object).query<IPicture>();
+    ASSERT_TRUE(picture);
+    SHORT type = 0;
+    OLE_XSIZE_HIMETRIC width = 0;
+    EXPECT_TRUE(picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK);
+    EXPECT_EQ(type, PICTYPE_ICON);
+    EXPECT_NEAR(width, 423, 1) << "16 pixels of 1/96 inch";
+}
+
+void expect_answer(const Member& member, const VARIANT& value) {
+    switch (member.result) {
+        case VT_I2: EXPECT_EQ(value.iVal, 1); break;
+        case VT_BOOL: EXPECT_EQ(value.boolVal, VARIANT_FALSE); break;
+        case VT_BSTR: EXPECT_EQ(com::view(value.bstrVal), member.text); break;
+        case VT_DISPATCH: expect_icon(value.pdispVal); break;
+        default: break;
+    }
+}
+
+using Members = PluginTest;
+
+TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
+    for (const Member& member : kMembers) {
+        SCOPED_TRACE(testing::Message() << std::hex << member.id);
+        const auto object = make(member.clsid);
+        IDispatch* mine = object.get();
+
+        Variant early;
+        // More than any result is long: what the callee does not write shows.
+        early.get().llVal = 0x7777777777777777;
+        const auto call_early = [&](void* result) {
+            switch (member.argument) {
+                case Takes::index: return call_slot(object.get(), member.slot, SHORT{0}, result);
+                case Takes::object: return call_slot(object.get(), member.slot, &mine);
+                default: return call_slot(object.get(), member.slot, result);
+            }
+        };
+        EXPECT_EQ(call_early(&early.get().llVal), member.code);
+        early.get().vt = member.result;
+        expect_answer(member, early.get());
+        if (member.argument != Takes::object) {
+            EXPECT_EQ(call_early(nullptr), E_POINTER);
+        }
+
+        std::u16string name = member.name;
+        auto* text = reinterpret_cast<LPOLESTR>(name.data());
+        DISPID id = DISPID_UNKNOWN;
+        EXPECT_EQ(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+        EXPECT_EQ(id, member.id);
+
+        std::vector<Variant> arguments;
+        if (member.argument == Takes::index) arguments.push_back(Variant::int16(0));
+        if (member.argument == Takes::object) arguments.push_back(Variant::object_reference(&mine));
+        // Clients that cannot tell properties from methods ask for both.
+        const Outcome late = call(*object, member.id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments);
+        EXPECT_EQ(late.result, member.code == S_OK ? S_OK : DISP_E_EXCEPTION);
+        EXPECT_EQ(late.code, member.code);
+        ASSERT_EQ(late.value.type(), member.result);
+        expect_answer(member, late.value.get());
+        EXPECT_EQ(mine, object.get()) << "the argument is left alone";
+
+        const WORD other_kind = IsEqualGUID(member.clsid, kEntryClass) ? DISPATCH_PROPERTYGET : DISPATCH_METHOD;
+        EXPECT_EQ(call(*object, member.id, other_kind, arguments).result, DISP_E_MEMBERNOTFOUND);
+    }
+}
+
+TEST_F(Members, OtherIndexesFailForTextsAndAreNoPictures) {
+    const auto catalogue = make(kCatalogueClass);
+    for (const int index : {1, -1, -101, -200, 32767, -32768}) {
+        const std::vector<Variant> arguments{Variant::int16(static_cast<std::int16_t>(index))};
+        for (const DISPID member : {kPluginNames, kPluginDescription, kPluginDescriptiveName}) {
+            const Outcome outcome = call(*catalogue, member, DISPATCH_PROPERTYGET, arguments);
+            EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+            EXPECT_EQ(outcome.code, error_code(9));
+            EXPECT_EQ(outcome.description, u"Subscript out of range");
+            EXPECT_EQ(outcome.source, u"vexFirmWarePlugin");
+            EXPECT_EQ(outcome.value.type(), VT_EMPTY);
+        }
+        const Outcome picture = call(*catalogue, kPluginPic, DISPATCH_PROPERTYGET, arguments);
+        EXPECT_EQ(picture.result, S_OK) << index;
+        EXPECT_EQ(picture.value.type(), VT_DISPATCH);
+        EXPECT_EQ(picture.value.get().pdispVal, nullptr);
+    }
+}
+
+TEST_F(Members, ErrorsOfEarlyCallsComeAsErrorInformation) {
+    const auto catalogue = make(kCatalogueClass);
+    const auto names = [&catalogue](SHORT index, BSTR* name) { return call_slot(catalogue.get(), 8, index, name); };
+    com::Bstr name;
+    BSTR poisoned = reinterpret_cast<BSTR>(std::uintptr_t{0xDEAD});
+    EXPECT_EQ(names(1, &poisoned), error_code(9));
+    EXPECT_EQ(poisoned, nullptr);
+    com::ComPtr<IErrorInfo> info;
+    ASSERT_EQ(GetErrorInfo(0, info.put()), S_OK);
+    com::Bstr description, source;
+    GUID raised_by{};
+    info->GetDescription(description.put());
+    info->GetSource(source.put());
+    info->GetGUID(&raised_by);
+    EXPECT_EQ(description.str(), u"Subscript out of range");
+    EXPECT_EQ(source.str(), u"vexFirmWarePlugin");
+    EXPECT_TRUE(IsEqualGUID(raised_by, kCatalogueInterface));
+    EXPECT_EQ(names(1, &poisoned), error_code(9));
+    EXPECT_EQ(names(0, name.put()), S_OK);
+    EXPECT_EQ(GetErrorInfo(0, info.put()), S_FALSE) << "a call that works clears an older error";
+}
+
+TEST_F(Members, HaveOneTypeDescriptionOrNone) {
+    const auto catalogue = make(kCatalogueClass);
+    UINT count = 7;
+    EXPECT_EQ(catalogue->GetTypeInfoCount(nullptr), E_POINTER);
+    EXPECT_EQ(catalogue->GetTypeInfoCount(&count), S_OK);
+    EXPECT_LE(count, 1U);
+    com::ComPtr<ITypeInfo> type;
+    EXPECT_EQ(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
+    EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, type.put()), DISP_E_BADINDEX);
+    EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.put())), count == 1);
+    EXPECT_EQ(static_cast<bool>(type), count == 1);
+}
+
+}  // namespace
+}  // namespace vex::plugin_test

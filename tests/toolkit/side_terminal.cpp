@@ -1,0 +1,151 @@
+// The terminal: a screen in memory, where the user has nothing but keys and mouse.
+#include <deque>
+#include <utility>
+
+#include "core/unicode.h"
+#include "platform/native/terminal/terminal_toolkit.h"
+#include "platform/native/terminal/text.h"
+#include "simulator/native/native_screen.h"
+#include "tests/toolkit/side.h"
+
+namespace vex::test {
+namespace {
+
+using namespace platform::native::terminal;
+using sim::ActionResult;
+
+class TerminalSide final : public Side, private sim::NativeScreen, private platform::native::terminal::Screen {
+public:
+    forms::Toolkit& toolkit() override { return toolkit_; }
+    sim::Screen& screen() override { return *this; }
+    float coarseness() const override { return 100; }
+
+private:
+    /// Tells of the dialogs that come and go.
+    class WatchedToolkit final : public TerminalToolkit {
+    public:
+        explicit WatchedToolkit(TerminalSide& side) : TerminalToolkit(side), side_(side) {}
+        void run_modal(forms::Form& shown, forms::Form* owner) override {
+            const bool own = shown.name() == "MessageBox" || shown.name() == "Menu";
+            if (!own) side_.user_->form_opened(from_utf8(shown.name()));
+            TerminalToolkit::run_modal(shown, owner);
+            if (!own) side_.user_->form_closed(from_utf8(shown.name()));
+        }
+
+    private:
+        TerminalSide& side_;
+    };
+
+    // What the tests ask of a screen.
+
+    void set_user(sim::ScreenUser* user) noexcept override { user_ = user; }
+    bool any_dialog() const noexcept override { return toolkit_.top() != nullptr; }
+    forms::Form& form() const override {
+        if (toolkit_.top() == nullptr) throw std::invalid_argument("no dialog is open");
+        return *toolkit_.top();
+    }
+    ActionResult click(const std::u16string& name) override {
+        const PlacedControl* placed = placed_on_screen(control(name));
+        if (placed == nullptr) return ActionResult::not_possible;
+        const bool enabled = placed->control->enabled();
+        press_at({placed->cells.left + 1, placed->cells.top}, forms::MouseButton::left);
+        return enabled ? ActionResult::done : ActionResult::not_possible;
+    }
+    ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
+        const PlacedControl* placed = placed_on_screen(control(name));
+        if (placed == nullptr) return ActionResult::not_possible;
+        const Scale scale = scale_for(size());
+        press_at({placed->cells.left + static_cast<int>(x) / scale.column,
+                  placed->cells.top + static_cast<int>(y) / scale.row},
+                 button);
+        return ActionResult::done;
+    }
+    ActionResult set(const std::u16string& name, const std::u16string& value) override {
+        forms::Control& target = control(name);
+        if (target.kind() != forms::ControlKind::text_box) {
+            const bool on = target.kind() == forms::ControlKind::check_box
+                                ? static_cast<forms::CheckBox&>(target).value() != 0
+                                : static_cast<forms::OptionButton&>(target).value();
+            return on == (value == u"on") ? ActionResult::done : click(name);
+        }
+        const ActionResult result = click(name);
+        inputs_.push_back(KeyPress{Key::end});
+        inputs_.insert(inputs_.end(), target.caption().size(), KeyPress{Key::backspace});
+        for (const char32_t character : to_utf32(value)) inputs_.push_back(KeyPress{Key::character, character});
+        toolkit_.pump_messages();
+        return result;
+    }
+    ActionResult choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item) override {
+        menu_item_ = item;
+        const auto& list = static_cast<const forms::ListView&>(control(name));
+        press(name, forms::MouseButton::right, 100, static_cast<float>(list.row_top(row - 1)));
+        return std::exchange(menu_item_, std::nullopt) ? ActionResult::not_possible : ActionResult::done;
+    }
+    void close() override { press_at({toolkit_.top_window().picture().size().columns - 4, 0}, forms::MouseButton::left); }
+
+    /// On the screen as it is drawn now.
+    const PlacedControl* placed_on_screen(const forms::Control& wanted) {
+        toolkit_.pump_messages();
+        for (const PlacedControl& placed : toolkit_.top_window().controls()) {
+            if (placed.control == &wanted) return &placed;
+        }
+        return nullptr;
+    }
+    void press_at(Point at, forms::MouseButton button) {
+        const Point window = toolkit_.top_place();
+        const Point place{at.column + window.column, at.row + window.row};
+        inputs_.push_back(MouseEvent{MouseAction::press, button, place});
+        inputs_.push_back(MouseEvent{MouseAction::release, button, place});
+        toolkit_.pump_messages();
+    }
+
+    // What the toolkit asks of a screen.
+
+    Size size() const override { return {120, 40}; }
+    void show(const Canvas& /*canvas*/, std::optional<Point> /*cursor*/) override {}
+    void beep() override { user_->beeped(); }
+    std::optional<Input> read(bool wait) override {
+        if (!inputs_.empty()) {
+            const Input input = inputs_.front();
+            inputs_.pop_front();
+            return input;
+        }
+        if (!wait) {
+            user_->messages_handled();
+            return std::nullopt;
+        }
+        if (form().name() == "Menu") {
+            const std::u16string item = *std::exchange(menu_item_, std::nullopt);
+            for (const forms::Control* choice : form().controls()) {
+                if (to_utf16(parse_caption(choice->caption()).text) != item) continue;
+                return KeyPress{Key::character, parse_caption(choice->caption()).text.front()};
+            }
+            return KeyPress{Key::escape};
+        }
+        if (form().name() == "MessageBox") {
+            const bool question = form().controls().size() > 2;
+            const auto answer =
+                user_->answer({form().caption(), form().find("text")->caption(),
+                               question ? forms::MessageButtons::yes_no : forms::MessageButtons::ok});
+            if (!question) return KeyPress{Key::enter};
+            return KeyPress{Key::character, answer == forms::MessageAnswer::yes ? U'y' : U'n'};
+        }
+        if (!user_->act()) {
+            close();
+            if (toolkit_.top() != nullptr) form().hide();
+        }
+        return std::nullopt;
+    }
+
+    sim::ScreenUser* user_ = nullptr;
+    std::deque<Input> inputs_;
+    /// What to choose from the menu that pops up next.
+    std::optional<std::u16string> menu_item_;
+    WatchedToolkit toolkit_{*this};
+};
+
+}  // namespace
+
+std::unique_ptr<Side> make_side() { return std::make_unique<TerminalSide>(); }
+
+}  // namespace vex::test

@@ -1,0 +1,297 @@
+// Writes down what dialogs do.
+#include "tests/update/notebook.h"
+
+#include "com/class_factory.h"
+#include "core/digits.h"
+#include "core/unicode.h"
+#include "tests/shared/late_object.h"
+
+namespace vex::test {
+namespace {
+
+std::string in_quotes(std::u16string_view text) { return '"' + to_utf8(text) + '"'; }
+std::string hex(forms::Color color) { return to_utf8(digits_of(color, 16, 6)); }
+
+constexpr IID kEvents = {0x1B6B7A52, 0x2E0C, 0x4B7B, {0x8E, 0x2F, 0x33, 0x0D, 0x5C, 0x4A, 0x61, 0x07}};
+constexpr DWORD kCookie = 7;
+constexpr DISPID id(std::uint32_t number) { return static_cast<DISPID>(number); }
+
+struct HostClass {
+    const char* name;
+    CLSID clsid;
+    /// Empty: created by class id.
+    const char* programmatic_id;
+    /// By id; the others are called by name.
+    std::map<DISPID, const char*> members;
+};
+
+const HostClass kClasses[] = {
+    {"HostDisplayList", {0x2AF1D132, 0xAC50, 0x445B, {0xBE, 0x5B, 0x80, 0x59, 0xD3, 0x20, 0x64, 0x9C}}, "", {}},
+    {"HostDisplayPicker", {0x829CA34E, 0xAE00, 0x4DDB, {0x94, 0x0C, 0xDB, 0xF8, 0x94, 0x72, 0xB8, 0xFA}}, "", {}},
+    {"HostConnection", {1, 0, 0, {}}, "vexBrivolaClasses4.HostConnection", {}},
+    {"HostSignInfo", {2, 0, 0, {}}, "", {}},
+    {"vexDispTrans", {3, 0, 0, {}}, "vexDTCon4.vexDispTrans",
+     {{id(0x60030065), "OpenConnection"}, {id(0x68030001), "SignID"}, {id(0x60030053), "GetSignInfo"},
+      {id(0x60030068), "ResetAndClear"}, {id(0x60030067), "DownloadFirmware"}, {id(0x6003004E), "PrepareForFirmware"},
+      {id(0x600300B2), "DownloadFirmwareWithLoader"}, {id(0x60030066), "CloseConnection"},
+      {id(0x60030069), "CancelTransmission"}}},
+    {"vexLANBoxFinder2", {4, 0, 0, {}}, "vexLantronixControls2.vexLANBoxFinder2",
+     {{id(0x68030001), "SearchTimeout"}, {id(0x6003000A), "FindBoxes"}}},
+};
+
+}  // namespace
+
+void Notebook::line(const std::string& who, const std::string& what) {
+    part_.clear();
+    if (!omitted.contains(who)) text_ += what + '\n';
+}
+
+void Notebook::part(const std::string& who, const std::string& of, const std::string& what) {
+    if (omitted.contains(who)) return;
+    if (part_ != of || text_.empty()) line(who, of);
+    text_.insert(text_.size() - 1, what);
+    part_ = of;
+}
+
+void Screen::run_modal(forms::Form& form, forms::Form* owner) {
+    notebook_.line(form.name(), "open " + form.name() + (owner != nullptr ? " over " + owner->name() : ""));
+    forms_.push_back(&form);
+    form.set_view(this);
+    // What loading has made of it, before there was a view to tell.
+    for (forms::Control* control : form.controls()) {
+        using enum forms::ControlKind;
+        if (control->kind() == list_view) {
+            rows_.erase(static_cast<forms::ListView*>(control));
+            changed(*control, forms::Change::rows);
+        }
+        if (control->kind() == shape) changed(*control, forms::Change::color);
+        if (!control->enabled()) changed(*control, forms::Change::enabled);
+        if (!control->visible()) changed(*control, forms::Change::visible);
+    }
+    form.raise_activate();
+    while (form.running()) {
+        if (acts.empty()) {
+            form.raise_close_request();
+            if (form.running()) form.hide();
+        } else {
+            const auto act = std::move(acts.front());
+            acts.pop_front();
+            notebook_.end_part();
+            act(form);
+        }
+    }
+    if (at_close) at_close(form);
+    form.set_view(nullptr);
+    forms_.pop_back();
+    notebook_.line(form.name(), "close " + form.name());
+}
+
+void Screen::pump_messages() {
+    notebook_.line(top().name(), "pump");
+    if (const auto act = std::exchange(at_pump, nullptr)) act(top());
+}
+
+forms::MessageAnswer Screen::message_box(const forms::MessageBox& box) {
+    notebook_.line("", "ask " + in_quotes(box.title) + ' ' + in_quotes(box.text) +
+                           (box.buttons == forms::MessageButtons::yes_no ? " yes/no" : " ok"));
+    return answer;
+}
+
+std::optional<std::u16string> Screen::open_file(const forms::OpenFileRequest& request) {
+    notebook_.line("", "choose file in " + in_quotes(request.initial_folder) + " named " + in_quotes(request.file_name) + ' ' +
+                           in_quotes(request.filter) + ' ' + hex(request.flags));
+    return file;
+}
+
+void Screen::pop_up_menu(forms::Form& form, forms::Menu& menu) {
+    notebook_.line(form.name(), "menu " + menu.name + ": " + to_utf8(menu.items.at(0).caption));
+    form.raise_menu_click(menu.items[0]);
+}
+
+void Screen::changed(forms::Control& control, forms::Change change) {
+    using forms::Change;
+    const auto tell = [&](const std::string& what) { notebook_.line(top().name(), control.name() + what); };
+    const auto set = [&](const std::string& value) {
+        notebook_.part(top().name(), "set", ' ' + control.name() + '=' + value);
+    };
+    switch (change) {
+        case Change::caption: return tell(": " + to_utf8(control.caption()));
+        case Change::enabled: return set(control.enabled() ? "on" : "off");
+        case Change::visible: return set(control.visible() ? "shown" : "hidden");
+        case Change::value: return;
+        case Change::color: return set(hex(static_cast<forms::Shape&>(control).fill_color()));
+        case Change::tab: return set(std::to_string(static_cast<forms::TabPages&>(control).tab()));
+        default: break;
+    }
+    auto& list = static_cast<forms::ListView&>(control);
+    if (change == Change::selection) return set(list.selected() ? std::to_string(*list.selected()) : "none");
+    std::vector<forms::ListRow>& before = rows_[&list];
+    if (list.row_count() < before.size()) tell(" cleared");
+    before.resize(list.row_count());
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const forms::ListRow& now = list.rows()[i];
+        std::string what;
+        if (now.text != before[i].text || now.key != before[i].key)
+            what += ' ' + in_quotes(now.text) + " key " + in_quotes(now.key) + " tag " + in_quotes(now.tag);
+        before[i].sub_items.resize(now.sub_items.size());
+        for (std::size_t k = 0; k < now.sub_items.size(); ++k) {
+            const forms::ListCell& cell = now.sub_items[k];
+            if (cell.text != before[i].sub_items[k].text) what += ' ' + in_quotes(cell.text);
+            if (cell.fore_color != before[i].sub_items[k].fore_color) what += " cell " + hex(cell.fore_color);
+        }
+        if (now.fore_color != before[i].fore_color) what += " text " + hex(now.fore_color);
+        if (now.icon != before[i].icon) what += " icon " + in_quotes(list.small_icons->images()[*now.icon].key);
+        if (!what.empty()) notebook_.part(top().name(), list.name() + '[' + std::to_string(i) + ']', what);
+        before[i] = now;
+    }
+}
+
+/// An object of any of the host's classes; a control raises its one event to the sink that it is given.
+class HostObject final : public com::Object<HostObject, IDispatch, IProvideClassInfo2, IConnectionPointContainer,
+                                            IConnectionPoint> {
+public:
+    HostObject(RecordedHost& host, const HostClass& of) : Object(host.objects), host_(host), class_(of) {}
+
+    const char* name() const { return class_.name; }
+
+    HRESULT GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
+    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+    HRESULT GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
+        if (!class_.members.empty()) return DISP_E_UNKNOWNNAME;
+        const auto found = std::ranges::find(host_.names_, *names);
+        *ids = static_cast<DISPID>(found - host_.names_.begin());
+        if (found == host_.names_.end()) host_.names_.emplace_back(*names);
+        return S_OK;
+    }
+    HRESULT Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
+                   UINT*) noexcept override {
+        const auto fixed = class_.members.find(member);
+        if (fixed == class_.members.end() && !class_.members.empty()) return DISP_E_MEMBERNOTFOUND;
+        const std::string name =
+            fixed != class_.members.end() ? fixed->second : to_utf8(host_.names_.at(static_cast<std::size_t>(member)));
+        const std::string call = class_.name + ('.' + name);
+        const bool puts = flags == DISPATCH_PROPERTYPUT && parameters->cNamedArgs == 1 &&
+                          parameters->rgdispidNamedArgs[0] == DISPID_PROPERTYPUT && result == nullptr;
+        std::string arguments;
+        for (UINT i = parameters->cArgs; i-- > 0;)
+            arguments += (arguments.empty() ? "" : ", ") + shown(parameters->rgvarg[i]);
+        // What is only read is not written down.
+        if (puts) host_.notebook_.part(class_.name, class_.name, ' ' + name + '=' + arguments);
+        if (flags == DISPATCH_METHOD) host_.notebook_.part(class_.name, class_.name, ' ' + name + '(' + arguments + ')');
+        if (!puts && flags != DISPATCH_METHOD && flags != (DISPATCH_METHOD | DISPATCH_PROPERTYGET))
+            return DISP_E_MEMBERNOTFOUND;
+        const com::ComPtr<HostObject> alive(this);
+        if (const auto during = host_.during.find(call); during != host_.during.end()) during->second(*parameters);
+        if (result == nullptr) return S_OK;
+        const auto answer = host_.answers.find(call);
+        if (answer != host_.answers.end()) return VariantCopy(result, &answer->second.get());
+        if (call == "vexDispTrans.GetSignInfo") *result = com::Variant::object(host_.make("HostSignInfo").get()).detach();
+        else if (class_.name == std::string("vexDispTrans")) *result = com::Variant::boolean(true).detach();
+        return S_OK;
+    }
+
+    HRESULT GetClassInfo(ITypeInfo**) noexcept override { return E_NOTIMPL; }
+    HRESULT GetGUID(DWORD, GUID* guid) noexcept override {
+        *guid = kEvents;
+        return S_OK;
+    }
+    HRESULT EnumConnectionPoints(IEnumConnectionPoints**) noexcept override { return E_NOTIMPL; }
+    HRESULT FindConnectionPoint(REFIID, IConnectionPoint** point) noexcept override {
+        AddRef();
+        *point = this;
+        return S_OK;
+    }
+    HRESULT GetConnectionInterface(IID*) noexcept override { return E_NOTIMPL; }
+    HRESULT GetConnectionPointContainer(IConnectionPointContainer**) noexcept override { return E_NOTIMPL; }
+    HRESULT Advise(IUnknown* sink, DWORD* cookie) noexcept override {
+        *cookie = kCookie;
+        return sink->QueryInterface(kEvents, host_.sinks_[class_.name].put_void());
+    }
+    // It keeps the sink all the same, and may go on calling it.
+    HRESULT Unadvise(DWORD cookie) noexcept override {
+        EXPECT_EQ(cookie, kCookie);
+        return S_OK;
+    }
+    HRESULT EnumConnections(IEnumConnections**) noexcept override { return E_NOTIMPL; }
+
+private:
+    static std::string shown(const VARIANT& value) {
+        switch (value.vt) {
+            case VT_BSTR: return in_quotes(com::view(value.bstrVal));
+            case VT_BYREF | VT_BSTR: return '&' + in_quotes(com::view(*value.pbstrVal));
+            case VT_I2: return "I2 " + std::to_string(value.iVal);
+            case VT_I4: return "I4 " + std::to_string(value.lVal);
+            case VT_R8: return "R8 " + std::to_string(static_cast<int>(value.dblVal));
+            case VT_BYREF | VT_DISPATCH: return '&' + std::string(static_cast<HostObject*>(*value.ppdispVal)->name());
+            default: return "kind " + std::to_string(value.vt);
+        }
+    }
+
+    RecordedHost& host_;
+    const HostClass& class_;
+};
+
+RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    constexpr platform::RegistryKey kClassesRoot = platform::registry_key(platform::kHkeyClassesRoot);
+    for (const HostClass& one : kClasses) {
+        cookies_.push_back(com::offer_class(objects, one.clsid, [this, &one] {
+            notebook_.part(one.name, one.name, " new");
+            return com::make_object<HostObject>(*this, one);
+        }));
+        if (*one.programmatic_id == '\0') continue;
+        OLECHAR text[39];
+        StringFromGUID2(one.clsid, text, 39);
+        Key::created(kClassesRoot, std::string(one.programmatic_id) + "\\CLSID").set_text("", to_utf8(text));
+    }
+}
+
+RecordedHost::~RecordedHost() {
+    for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);
+    EXPECT_EQ(objects.objects(), 0) << "an object of the host was left";
+    CoUninitialize();
+}
+
+HRESULT RecordedHost::raise(const char* control, std::u16string_view text, DISPID event, UINT arguments) {
+    const com::ComPtr<IDispatch> sink = sinks_[control];
+    com::Bstr place(text);
+    VARIANTARG argument = com::Variant::text_reference(place.put_reference()).get();
+    DISPPARAMS parameters{&argument, nullptr, arguments, 0};
+    return sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
+}
+
+com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
+    for (const HostClass& one : kClasses) {
+        if (one.name == std::string_view(name)) return com::make_object<HostObject>(*this, one).template query<IDispatch>();
+    }
+    return {};
+}
+
+RecordedFixture::RecordedFixture() {
+    for (const std::int32_t root : {platform::kHkeyLocalMachine, platform::kHkeyCurrentUser}) {
+        for (const char* branch : {"Norvan", "Tarvex", "BrivolaLite", "Microsoft", "Values"})
+            delete_tree(platform::registry_key(root), std::string("Software\\") + branch);
+    }
+}
+
+RecordedFixture::~RecordedFixture() {
+    host.forget_sinks();
+    EXPECT_EQ(registry.open_keys, 0) << "a key was left open";
+    EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
+}
+
+bool RecordedFixture::ordinary_file_exists(const std::u16string& path) {
+    notebook.line("", "is there " + to_utf8(path));
+    return files_exist;
+}
+
+bool RecordedFixture::start(const std::u16string& path) {
+    notebook.line("", "start " + to_utf8(path));
+    return programs_start;
+}
+
+void RecordedFixture::display(const std::map<std::string, std::u16string>& fields) {
+    for (const auto& [name, text] : fields) host.answers["HostDisplayList." + name] = com::Variant::text(text);
+}
+
+}  // namespace vex::test

@@ -1,0 +1,168 @@
+// Writes down what dialogs do, in order: what the screen is told, what the host is asked and with which kinds of
+// argument. A test compares the whole with a short text. Native only: elsewhere controls are asked for their events
+// in another way.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "com/variant.h"
+#include "forms/form.h"
+#include "support/services.h"
+#include "tests/registry/forwarding_registry.h"
+#include "tests/registry/test_key.h"
+
+namespace vex::test {
+
+/// The lines of one test.
+class Notebook {
+public:
+    /// `who`: the form or the class that it is about.
+    void line(const std::string& who, const std::string& what);
+    /// The same for a part of something: behind the last line where that was about the same part.
+    void part(const std::string& who, const std::string& of, const std::string& what);
+    void end_part() { part_.clear(); }
+    /// What has been written since the last call, a line each.
+    std::string take() { return std::exchange(text_, {}); }
+
+    /// Of these nothing is written.
+    std::set<std::string> omitted;
+
+private:
+    std::string text_;
+    /// The part that the last line is about.
+    std::string part_;
+};
+
+/// A screen with a user who does what the test says.
+class Screen final : public forms::Toolkit, public forms::FormView {
+public:
+    explicit Screen(Notebook& notebook) noexcept : notebook_(notebook) {}
+
+    void run_modal(forms::Form& form, forms::Form* owner) override;
+    void pump_messages() override;
+    forms::MessageAnswer message_box(const forms::MessageBox& box) override;
+    std::optional<std::u16string> open_file(const forms::OpenFileRequest& request) override;
+    void pop_up_menu(forms::Form& form, forms::Menu& menu) override;
+    void beep() override { notebook_.line("", "beep"); }
+
+    void changed(forms::Control& control, forms::Change change) override;
+    void refresh(forms::Control& control) override { notebook_.line(top().name(), "redraw " + control.name()); }
+    forms::Twips row_top(const forms::ListView&, std::size_t row) const override {
+        return 270 + 255 * static_cast<forms::Twips>(row);
+    }
+
+    forms::Form& top() const { return *forms_.back(); }
+    /// The form that was opened first.
+    forms::Form& bottom() const { return *forms_.front(); }
+
+    /// What the user does, one after the other, to a form that waits for input. Then he closes it.
+    std::deque<std::function<void(forms::Form&)>> acts;
+    /// What he does while messages are pumped; once.
+    std::function<void(forms::Form&)> at_pump;
+    forms::MessageAnswer answer = forms::MessageAnswer::yes;
+    std::optional<std::u16string> file;
+    /// What happens as a form's windows go.
+    std::function<void(forms::Form&)> at_close;
+
+private:
+    Notebook& notebook_;
+    std::vector<forms::Form*> forms_;
+    /// The rows as they were written down last.
+    std::map<const forms::ListView*, std::vector<forms::ListRow>> rows_;
+};
+
+class HostObject;
+
+/// The host's side: every class that it offers, with answers by "Class.Member".
+class RecordedHost {
+public:
+    explicit RecordedHost(Notebook& notebook);
+    ~RecordedHost();
+
+    /// True where none is given for an operation of the transmission control, else empty.
+    std::map<std::string, com::Variant> answers;
+    /// What happens during a call, before it answers.
+    std::map<std::string, std::function<void(DISPPARAMS&)>> during;
+    /// An event of the control with a text: a status message, or a box found.
+    HRESULT raise(const char* control, std::u16string_view text, DISPID event = 9, UINT arguments = 1);
+    void forget_sinks() { sinks_.clear(); }
+    com::ComPtr<IDispatch> make(const char* name);
+    com::ModuleLifetime objects;
+
+private:
+    friend class HostObject;
+
+    Notebook& notebook_;
+    std::vector<std::u16string> names_;
+    std::map<std::string, com::ComPtr<IDispatch>> sinks_;
+    std::vector<DWORD> cookies_;
+};
+
+/// The side's registry; it can refuse to make keys, and counts those that are open.
+class CountedRegistry final : public ForwardingRegistry {
+public:
+    CountedRegistry() : ForwardingRegistry(side_registry()) {}
+    std::int32_t open_key(platform::RegistryKey parent, const char* path, std::uint32_t access,
+                          platform::RegistryKey& key) noexcept override {
+        last_access = access;
+        return counted(ForwardingRegistry::open_key(parent, path, access, key));
+    }
+    std::int32_t create_key(platform::RegistryKey parent, const char* path, const char* class_name,
+                            std::uint32_t access, const platform::SecurityAttributes& attributes,
+                            platform::RegistryKey& key) noexcept override {
+        if (read_only) return platform::kAccessDenied;
+        return counted(ForwardingRegistry::create_key(parent, path, class_name, access, attributes, key));
+    }
+    std::int32_t close_key(platform::RegistryKey key) noexcept override {
+        --open_keys;
+        return ForwardingRegistry::close_key(key);
+    }
+
+    std::uint32_t last_access = 0;
+    int open_keys = 0;
+    bool read_only = false;
+
+private:
+    std::int32_t counted(std::int32_t result) noexcept {
+        if (result == platform::kSuccess) ++open_keys;
+        return result;
+    }
+};
+
+/// Dialogs on a recorded screen and host, with a registry that is empty at first.
+class RecordedFixture : public ::testing::Test, public platform::Files, public platform::Processes {
+protected:
+    RecordedFixture();
+    ~RecordedFixture() override;
+
+    bool ordinary_file_exists(const std::u16string& path) override;
+    bool start(const std::u16string& path) override;
+
+    /// What the display list tells of its current display.
+    void display(const std::map<std::string, std::u16string>& fields);
+
+    Notebook notebook;
+    Screen screen{notebook};
+    RecordedHost host{notebook};
+    static Key machine_key(const std::string& path) {
+        return Key::created(platform::registry_key(platform::kHkeyLocalMachine), path);
+    }
+
+    CountedRegistry registry;
+    bool files_exist = true;
+    bool programs_start = true;
+    com::ModuleLifetime module;
+    Services services{screen, registry, *this, *this, side_code_page(), module, u"C:\\Plugin"};
+};
+
+/// `{R"(` opens a line of its own in the expected text.
+inline std::string log(const char* text) { return text + 1; }
+
+}  // namespace vex::test

@@ -1,0 +1,154 @@
+// The plug-in's own dialogs on real windows, started by a host: how they stand among each other, what they answer when
+// the session ends, and that no handle of them stays behind. The environment variable VEX_WIZARDS says how many wizards
+// are opened for that; a thousand take minutes.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <map>
+#include <sstream>
+
+#include "platform/win32/system.h"
+#include "platform/win32/window_name.h"
+#include "simulator/private_folder.h"
+#include "simulator/session.h"
+#include "simulator/win32/win32_machine.h"
+#include "simulator/win32/win32_screen.h"
+#include "simulator/win32/window_reader.h"
+#include "tests/toolkit/test_user.h"
+#include "tests/win32/handle_counts.h"
+
+namespace vex::test {
+namespace {
+
+constexpr char16_t kPlugin[] = u"vexFirmwarePlugin.dll";
+constexpr char16_t kWizard[] = u"dlgFirmwareWizard";
+constexpr char16_t kRun[] = u"dlgDispUpdater";
+constexpr char16_t kSession[] = u"dlgHandleSignOption";
+
+class PluginWindows : public testing::Test {
+protected:
+    PluginWindows() { OleInitialize(nullptr); }
+    ~PluginWindows() override { OleUninitialize(); }
+
+    /// A host with the plug-in loaded, for the time of the work.
+    void run(const std::function<void(sim::Host& host, sim::PluginHost& plugin)>& work) {
+        const sim::PrivateFolder folder;
+        sim::Win32Machine machine(kPlugin, folder.path(), false);
+        const auto library = std::filesystem::path(platform::win32::module_path()).parent_path() / kPlugin;
+        std::ostringstream trace;
+        const auto status = sim::run_host(machine, {.data = folder.path(), .plugin_library = library, .scenario = {}},
+                                          true, trace, trace, [&work](sim::Host& host, sim::PluginHost& plugin) {
+                                              work(host, plugin);
+                                              return sim::kPassed;
+                                          });
+        EXPECT_EQ(status, sim::kPassed) << trace.str();
+    }
+};
+
+using Forms = std::map<std::u16string, HWND>;
+
+/// The plug-in's open forms by name.
+Forms open_forms() {
+    Forms forms;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM parameter) -> BOOL {
+            std::u16string name = platform::win32::window_name(window);
+            if (!name.empty()) (*reinterpret_cast<Forms*>(parameter))[std::move(name)] = window;
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&forms));
+    return forms;
+}
+
+HWND owner_of(HWND window) { return GetWindow(window, GW_OWNER); }
+
+/// Whether every open form lets the session end when the system asks its window.
+bool may_end_session(std::size_t forms) {
+    const Forms open = open_forms();
+    EXPECT_EQ(open.size(), forms);
+    std::size_t agreed = 0;
+    for (const auto& [name, window] : open) agreed += SendMessageW(window, WM_QUERYENDSESSION, 0, 0) != FALSE;
+    EXPECT_TRUE(agreed == 0 || agreed == forms) << "all answer for all";
+    EXPECT_EQ(open_forms(), open) << "the question closes nothing";
+    return agreed != 0;
+}
+
+TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddleOfARun) {
+    run([](sim::Host& host, sim::PluginHost& plugin) {
+        sim::Win32Screen screen(kPlugin);
+        TestUser user(screen);
+        sim::Display display;
+        display.name = u"Gate A";
+        host.put_display(display);
+        host.choose_displays = [&display] { return display.name; };
+        int calls = 0;
+        host.on_link = [&calls](const sim::LinkEvent& event) {
+            if (event.kind != sim::LinkEvent::Kind::begins) return true;
+            ++calls;
+            const Forms forms = open_forms();
+            EXPECT_EQ(owner_of(forms.at(kWizard)), nullptr);
+            EXPECT_EQ(owner_of(forms.at(kRun)), forms.at(kWizard));
+            EXPECT_EQ(owner_of(forms.at(kSession)), nullptr);
+            EXPECT_EQ(GetActiveWindow(), forms.at(kSession));
+            for (const auto& [name, window] : forms) EXPECT_EQ(IsWindowEnabled(window) != FALSE, name == kSession);
+            EXPECT_FALSE(may_end_session(3));
+            return true;
+        };
+        user.then([&] {
+                EXPECT_TRUE(may_end_session(1));
+                screen.click(u"cmdAbout");
+            })
+            .then([&] {
+                const Forms forms = open_forms();
+                EXPECT_EQ(owner_of(forms.at(u"frmAbout")), forms.at(kWizard));
+                screen.click(u"cmdOK");
+            })
+            .then([&] {
+                screen.press(u"picNavTree", forms::MouseButton::left, 700, 1400);
+                screen.click(u"cmdChooseDisplay");
+                EXPECT_TRUE(may_end_session(1));
+                screen.click(u"cmdFinish");
+            })
+            .then([&] {
+                EXPECT_EQ(screen.rows(u"lstvDisplayStatus"),
+                          (std::vector<std::vector<std::u16string>>{{u"Gate A", u"Updated - "}}));
+                EXPECT_TRUE(may_end_session(2));
+                for (const auto& [name, window] : open_forms()) SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+            });
+        plugin.start(sim::StartMember::StartPlugin, nullptr);
+        EXPECT_EQ(user.actions_left(), 0U);
+        EXPECT_GT(calls, 0);
+        host.on_link = nullptr;
+        host.choose_displays = nullptr;
+    });
+}
+
+/// Presses the close box of whatever form is on top.
+void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
+    if (auto* const form = static_cast<HWND>(sim::top_form_window())) {
+        PostMessageW(form, WM_SYSCOMMAND, SC_CLOSE, 0);
+    }
+}
+
+TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
+    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, close_top_form);
+    run([](sim::Host&, sim::PluginHost& plugin) {
+        const auto open_some = [&plugin](int count) {
+            for (int opened = 0; opened < count; ++opened) plugin.start(sim::StartMember::StartPlugin, nullptr);
+        };
+        // The first ones make what the system keeps for all.
+        open_some(3);
+        const HandleCounts before = count_handles();
+        const char* number = std::getenv("VEX_WIZARDS");
+        open_some(number == nullptr ? 10 : std::atoi(number));
+        const HandleCounts after = count_handles();
+        EXPECT_GT(before.graphics, 0U);
+        EXPECT_EQ(after.user, before.user);
+        EXPECT_EQ(after.graphics, before.graphics);
+    });
+    KillTimer(nullptr, timer);
+}
+
+}  // namespace
+}  // namespace vex::test
