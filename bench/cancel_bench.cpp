@@ -64,7 +64,7 @@ void print_cancellations() {
 }  // namespace vex::bench
 
 int main() {
-    const vex::proof::Computer computer;
+    const vex::proof::Machine machine;
     vex::bench::print_cancellations();
     return 0;
 }

@@ -5,7 +5,7 @@
 
 #include "host/dispatch_object.h"
 #include "host/event_sink.h"
-#include "simulator/host_identities.h"
+#include "simulator/class_library.h"
 
 namespace vex::bench {
 namespace {

@@ -16,8 +16,8 @@
 #include "core/unicode.h"
 #include "forms/scripted_toolkit.h"
 #include "platform/native/machine.h"
-#include "simulator/host_classes.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/class_library.h"
+#include "simulator/native/native_machine.h"
 #include "simulator/private_folder.h"
 #include "support/services.h"
 #include "support/text.h"
@@ -93,7 +93,7 @@ public:
 private:
     std::ostringstream nowhere_;
     sim::Trace trace_{nowhere_, true};
-    sim::NativeComputer computer_;
+    sim::NativeMachine computer_;
 
 public:
     sim::Host host;

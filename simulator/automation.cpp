@@ -1,24 +1,76 @@
-// Automation objects by table.
+// Automation objects by table, their events, and calls by name.
 #include "simulator/automation.h"
 
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#include "com/late_call.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "simulator/words.h"
+#include "support/text.h"
 
 namespace vex::sim {
+namespace {
 
-Arguments::Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types) {
-    const auto end = std::find(types.begin(), types.end(), VARTYPE{VT_EMPTY});
-    const auto count = static_cast<std::size_t>(end - types.begin());
-    if (parameters.cArgs != count) throw RuntimeError(kWrongArgumentCount);
-    for (std::size_t i = 0; i < count; ++i) {
-        // Last argument first, as automation passes them.
-        const VARIANTARG& given = parameters.rgvarg[count - 1 - i];
-        VARIANT* const value = values_[i].put();
-        if (FAILED(VariantCopyInd(value, &given))) throw RuntimeError(kTypeMismatch);
-        if (value->vt == types[i]) continue;
-        const HRESULT outcome = VariantChangeType(value, value, 0, types[i]);
-        if (FAILED(outcome)) throw RuntimeError(outcome == DISP_E_OVERFLOW ? kOverflow : kTypeMismatch);
+std::u16string name_of_type(VARTYPE type) {
+    constexpr std::pair<VARTYPE, std::u16string_view> kNames[] = {
+        {VT_I2, u"I2"}, {VT_I4, u"I4"}, {VT_R8, u"R8"}, {VT_BSTR, u"text"}, {VT_DISPATCH, u"object"}};
+    const VARTYPE base = type & VT_TYPEMASK;
+    std::u16string text = u"type " + decimal_text(static_cast<std::int32_t>(base));
+    for (const auto& [value, name] : kNames) {
+        if (value == base) text = name;
     }
+    return (type & VT_BYREF) != 0 ? text + u" by reference" : text;
+}
+
+/// A whole number without a point, as callers pass them; others with one.
+std::u16string shown_number(double number) {
+    if (std::abs(number) < 1e9 && number == std::floor(number)) return decimal_text(static_cast<std::int32_t>(number));
+    return from_utf8(std::to_string(number));
+}
+
+}  // namespace
+
+CallArguments::CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong)
+    : parameters_(parameters) {
+    const auto end = std::find(types.begin(), types.end(), VARTYPE{VT_EMPTY});
+    const auto count = static_cast<UINT>(end - types.begin());
+    if (parameters.cArgs > count) throw RuntimeError(kWrongArgumentCount);
+    for (UINT i = 0; i < count; ++i) {
+        const bool missing = i >= parameters.cArgs;
+        if (!missing && at(i).vt == types[i] && ((types[i] & VT_BYREF) == 0 || at(i).byref != nullptr)) continue;
+        if (wrong != nullptr) *wrong = missing ? 0 : parameters.cArgs - 1 - i;
+        throw RuntimeError(kTypeMismatch, std::u16string(member) + u": argument " + decimal_text(static_cast<std::int32_t>(i + 1)) + u" is " +
+                                              (missing ? u"missing" : name_of_type(at(i).vt)) + u", not " +
+                                              name_of_type(types[i]));
+    }
+}
+
+std::u16string CallArguments::text(std::size_t index) const {
+    const VARIANTARG& given = at(index);
+    return std::u16string(com::view(given.vt == kTextReference ? *given.pbstrVal : given.bstrVal));
+}
+
+std::u16string CallArguments::shown() const {
+    std::u16string line;
+    for (std::size_t i = 0; i < parameters_.cArgs; ++i) {
+        switch (at(i).vt) {
+            case VT_I2: line += u' ' + decimal_text(int16(i)); break;
+            case VT_I4: line += u' ' + decimal_text(int32(i)); break;
+            case VT_R8: line += u' ' + shown_number(real(i)); break;
+            case VT_BSTR:
+            case kTextReference: line += u' ' + in_quotes(text(i)); break;
+            default: break;
+        }
+    }
+    return line;
+}
+
+bool puts_one_value(const DISPPARAMS& parameters) noexcept {
+    return parameters.cNamedArgs == 1 && parameters.rgdispidNamedArgs != nullptr &&
+           *parameters.rgdispidNamedArgs == DISPID_PROPERTYPUT;
 }
 
 bool is_name(LPCOLESTR text, std::u16string_view name) {
@@ -29,6 +81,74 @@ void set_error_source(EXCEPINFO* exception) noexcept {
     if (exception == nullptr) return;
     SysFreeString(exception->bstrSource);
     exception->bstrSource = SysAllocString(reinterpret_cast<const OLECHAR*>(u"Brivola"));
+}
+
+void EventPoint::raise_event(DISPID event, std::span<VARIANT> arguments) {
+    // A sink may connect or disconnect anybody while it is called.
+    const std::vector<Connection> connections = connections_;
+    for (const Connection& connection : connections) {
+        DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+        connection.sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                                nullptr);
+    }
+}
+
+HRESULT EventPoint::GetConnectionInterface(IID* iid) noexcept {
+    if (iid == nullptr) return E_POINTER;
+    *iid = source_;
+    return S_OK;
+}
+
+HRESULT EventPoint::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
+    if (container == nullptr) return E_POINTER;
+    *container = com::ComPtr<IConnectionPointContainer>(control_).detach();
+    return control_ == nullptr ? E_UNEXPECTED : S_OK;
+}
+
+HRESULT EventPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
+    if (sink == nullptr || cookie == nullptr) return E_POINTER;
+    *cookie = 0;
+    return guarded_method(IID_IConnectionPoint, [&] {
+        com::ComPtr<IDispatch> target;
+        if (FAILED(sink->QueryInterface(source_, target.put_void()))) return CONNECT_E_CANNOTCONNECT;
+        connections_.push_back({last_cookie_ + 1, std::move(target)});
+        *cookie = ++last_cookie_;
+        return S_OK;
+    });
+}
+
+HRESULT EventPoint::Unadvise(DWORD cookie) noexcept {
+    const auto entry = std::find_if(connections_.begin(), connections_.end(),
+                                    [cookie](const Connection& connection) { return connection.cookie == cookie; });
+    if (entry == connections_.end()) return CONNECT_E_NOCONNECTION;
+    const Connection released = std::move(*entry);
+    connections_.erase(entry);
+    return S_OK;
+}
+
+HRESULT EventPoint::EnumConnections(IEnumConnections** connections) noexcept {
+    if (connections != nullptr) *connections = nullptr;
+    return E_NOTIMPL;
+}
+
+com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {
+    CLSID clsid = GUID_NULL;
+    HRESULT result = CLSIDFromProgID(com::ole_text(programmatic_id), &clsid);
+    com::ComPtr<IDispatch> object;
+    if (SUCCEEDED(result))
+        result = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
+    if (FAILED(result)) throw RuntimeError(kCannotCreateObject, programmatic_id + u" cannot be created");
+    return object;
+}
+
+com::Variant call_late(IDispatch& object, const std::u16string& name, std::initializer_list<com::Variant> arguments,
+                       WORD flags) {
+    DISPID member = DISPID_UNKNOWN;
+    auto* text = const_cast<OLECHAR*>(com::ole_text(name));
+    if (FAILED(object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &member))) {
+        throw RuntimeError(kMemberNotSupported, name + u" is not offered");
+    }
+    return com::invoke(object, member, flags, arguments);
 }
 
 }  // namespace vex::sim

@@ -1,4 +1,5 @@
-// Automation objects by table: members with names, dispatch ids and argument types behind IDispatch.
+// Automation objects by table: members with names, dispatch ids and argument types behind IDispatch; controls that
+// raise events; calls by name.
 #pragma once
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "com/boundary.h"
 #include "com/object.h"
@@ -19,21 +21,31 @@ inline constexpr std::size_t kMostArguments = 3;
 /// The argument types of a member, in the order in which they are written; VT_EMPTY ends them.
 using ArgumentTypes = std::array<VARTYPE, kMostArguments>;
 
-/// The arguments of one call, converted to the member's types, in the order in which they are written.
-class Arguments {
-public:
-    /// Follows references and converts. Raises the automation error that a caller of a wrong number or type
-    /// of arguments gets.
-    Arguments(const DISPPARAMS& parameters, const ArgumentTypes& types);
+inline constexpr VARTYPE kTextReference = VT_BYREF | VT_BSTR;
+inline constexpr VARTYPE kObjectReference = VT_BYREF | VT_DISPATCH;
 
-    std::u16string text(std::size_t index) const { return std::u16string(com::view(values_.at(index).get().bstrVal)); }
-    std::int16_t int16(std::size_t index) const { return values_.at(index).get().iVal; }
-    std::int32_t int32(std::size_t index) const { return values_.at(index).get().lVal; }
-    double real(std::size_t index) const { return values_.at(index).get().dblVal; }
-    IDispatch* object(std::size_t index) const { return values_.at(index).get().pdispVal; }
+/// The arguments of one call, in the order in which they are written. They are taken as they are declared:
+/// a real host may convert, and a caller that counts on it finds out here.
+class CallArguments {
+public:
+    /// `parameters` outlives it. Raises 13 for an argument that is missing or of another kind than declared,
+    /// naming its place, which `wrong` gets as automation counts (from the last, 0), too; 450 for one too many.
+    CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong);
+
+    std::u16string text(std::size_t index) const;
+    std::int16_t int16(std::size_t index) const { return at(index).iVal; }
+    std::int32_t int32(std::size_t index) const { return at(index).lVal; }
+    double real(std::size_t index) const { return at(index).dblVal; }
+    /// The caller's place of an object: what is in it belongs to the caller, also where it was replaced.
+    IDispatch** object_place(std::size_t index) const { return at(index).ppdispVal; }
+    /// Each as the trace shows it, with a blank before it; objects are left out.
+    std::u16string shown() const;
 
 private:
-    std::array<com::Variant, kMostArguments> values_;
+    // Last argument first, as automation passes them.
+    const VARIANTARG& at(std::size_t index) const { return parameters_.rgvarg[parameters_.cArgs - 1 - index]; }
+
+    const DISPPARAMS& parameters_;
 };
 
 /// A member of the automation class `Object`.
@@ -43,16 +55,28 @@ struct Member {
     DISPID id;
     /// DISPATCH_METHOD, DISPATCH_PROPERTYGET or DISPATCH_PROPERTYPUT.
     WORD kind;
-    com::Variant (*call)(Object& object, const Arguments& arguments);
+    com::Variant (*call)(Object& object, const CallArguments& arguments);
     ArgumentTypes types = {};
 };
 
+/// How the trace begins to tell of a call: "call OBJECT.MEMBER ARGUMENTS", "put OBJECT.MEMBER = VALUE" or
+/// "get OBJECT.MEMBER".
+template <class Object>
+std::u16string shown_call(std::u16string_view object, const Member<Object>& member, const CallArguments& arguments) {
+    const bool puts = member.kind == DISPATCH_PROPERTYPUT;
+    std::u16string line = puts ? u"put " : member.kind == DISPATCH_METHOD ? u"call " : u"get ";
+    return line.append(object).append(u".").append(member.name).append(puts ? u" =" : u"") + arguments.shown();
+}
+
+/// Whether the one named argument is the value of a property.
+bool puts_one_value(const DISPPARAMS& parameters) noexcept;
 bool is_name(LPCOLESTR text, std::u16string_view name);
 /// Names the simulated host as the source of the error.
 void set_error_source(EXCEPINFO* exception) noexcept;
 
 /// Base of the host's automation objects: `Derived::members()` answers their table. The interface named first
-/// derives from IDispatch and adds no methods.
+/// derives from IDispatch and adds no methods. `Derived::on_call`, where there is one, is told of each call first
+/// and may raise an error in place of it.
 template <class Derived, class First, class... More>
 class AutomationObject : public com::Object<Derived, com::Untyped<First>, More...> {
 public:
@@ -68,8 +92,7 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
-                                     VARIANT* result, EXCEPINFO* exception,
-                                     UINT* /*argument_error*/) noexcept override {
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         if (result != nullptr) VariantInit(result);
         if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (parameters == nullptr) return E_INVALIDARG;
@@ -78,10 +101,13 @@ public:
             return candidate.id == id && (candidate.kind & flags) != 0;
         });
         if (member == members.end()) return DISP_E_MEMBERNOTFOUND;
+        if ((member->kind == DISPATCH_PROPERTYPUT) != puts_one_value(*parameters)) return DISP_E_PARAMNOTFOUND;
         // Called back in the middle of a call, the object may lose its last other reference.
         const com::ComPtr<Derived> alive(static_cast<Derived*>(this));
         const HRESULT outcome = guarded_invoke(exception, [&] {
-            com::Variant value = member->call(*alive, Arguments(*parameters, member->types));
+            const CallArguments arguments(*parameters, member->types, member->name, argument_error);
+            if constexpr (requires { alive->on_call(*member, arguments); }) alive->on_call(*member, arguments);
+            com::Variant value = member->call(*alive, arguments);
             if (result != nullptr) *result = value.detach();
         });
         if (outcome == DISP_E_EXCEPTION) set_error_source(exception);
@@ -91,5 +117,86 @@ public:
 protected:
     using com::Object<Derived, com::Untyped<First>, More...>::Object;
 };
+
+/// The connection point of a control's one source interface. May outlive its control.
+class EventPoint final : public com::Object<EventPoint, IConnectionPoint> {
+public:
+    EventPoint(com::ModuleLifetime& module, const IID& source, IConnectionPointContainer& control) noexcept
+        : Object(module), source_(source), control_(&control) {}
+
+    /// To be called when the control goes.
+    void cut_off() noexcept { control_ = nullptr; }
+
+    /// Calls every sink; `arguments` stand last first. What the sinks answer does not concern the control.
+    void raise_event(DISPID event, std::span<VARIANT> arguments);
+
+    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* iid) noexcept override;
+    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer** container) noexcept override;
+    HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink, DWORD* cookie) noexcept override;
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override;
+    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) noexcept override;
+
+private:
+    struct Connection {
+        DWORD cookie;
+        com::ComPtr<IDispatch> sink;
+    };
+
+    IID source_;
+    IConnectionPointContainer* control_;
+    std::vector<Connection> connections_;
+    DWORD last_cookie_ = 0;
+};
+
+/// Base of a control with one source interface, `Derived::kSourceInterface`.
+template <class Derived>
+class EventfulControl : public AutomationObject<Derived, IDispatch, IConnectionPointContainer, IProvideClassInfo2> {
+public:
+    HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override {
+        if (points != nullptr) *points = nullptr;
+        return E_NOTIMPL;
+    }
+
+    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID iid, IConnectionPoint** point) noexcept override {
+        if (point == nullptr) return E_POINTER;
+        *point = nullptr;
+        if (!IsEqualGUID(iid, Derived::kSourceInterface)) return CONNECT_E_NOCONNECTION;
+        *point = com::ComPtr<IConnectionPoint>(events_.get()).detach();
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) noexcept override {
+        if (info != nullptr) *info = nullptr;
+        return E_NOTIMPL;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetGUID(DWORD kind, GUID* guid) noexcept override {
+        if (guid == nullptr) return E_POINTER;
+        *guid = GUID_NULL;
+        if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
+        *guid = Derived::kSourceInterface;
+        return S_OK;
+    }
+
+protected:
+    explicit EventfulControl(com::ModuleLifetime& module)
+        : AutomationObject<Derived, IDispatch, IConnectionPointContainer, IProvideClassInfo2>(module),
+          events_(com::make_object<EventPoint>(module, Derived::kSourceInterface, *this)) {}
+    ~EventfulControl() { events_->cut_off(); }
+
+    EventPoint& events() const noexcept { return *events_; }
+
+private:
+    com::ComPtr<EventPoint> events_;
+};
+
+/// Creates an object by programmatic identifier. Raises `RuntimeError` naming it.
+com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id);
+
+/// Calls a method or reads a property; `flags` say where it is something else. Raises `RuntimeError` with the number
+/// and the text that the object answers, or the result code of a call that did not come about.
+com::Variant call_late(IDispatch& object, const std::u16string& name,
+                       std::initializer_list<com::Variant> arguments = {},
+                       WORD flags = DISPATCH_METHOD | DISPATCH_PROPERTYGET);
 
 }  // namespace vex::sim

@@ -1,8 +1,9 @@
-// The displays that the simulated host knows, and the file that it keeps them in.
+// The displays that the simulated host knows and the units behind them, and the files that it keeps them in.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,7 +43,7 @@ std::u16string connection_line(std::int16_t kind, std::u16string_view port, std:
 /// number where one is needed.
 void read_display_field(std::u16string_view word, Display& display);
 
-/// All displays in the order of their making, found by name or line without a search.
+/// All displays in the order of their making, found by name without a search.
 class Displays {
 public:
     std::size_t size() const noexcept { return displays_.size(); }
@@ -67,15 +68,90 @@ public:
     void save(const std::filesystem::path& path) const;
 
 private:
-    /// Positions, in order, by a text that displays may share.
-    using Index = std::unordered_map<std::u16string, std::vector<std::size_t>>;
-
-    static void move_entry(Index& index, std::size_t position, const std::u16string* from, const std::u16string& to);
-
     std::vector<Display> displays_;
     std::unordered_map<std::u16string, std::size_t> by_name_;
-    Index by_line_;
-    Index by_address_;
+};
+
+/// What a display reports of the grid of units behind a master: rows and columns less one each.
+struct SlaveCounts {
+    std::int16_t y = 0;
+    std::int16_t x = 0;
+
+    /// The number of slaves: the units of the grid less the master.
+    std::int64_t slaves() const noexcept { return (std::int64_t{y} + 1) * (std::int64_t{x} + 1) - 1; }
+};
+
+constexpr std::int16_t kLowestId = -32768;
+constexpr std::int16_t kHighestId = 32767;
+
+/// Read a display ID, and a grid written "YxX". Raise `std::invalid_argument`.
+std::int16_t parse_id(std::u16string_view word);
+SlaveCounts parse_slaves(std::u16string_view word);
+
+/// A firmware file as a unit keeps it: who compares the three can tell which file it was.
+struct Firmware {
+    std::u16string name;
+    std::uint64_t size = 0;
+    std::uint32_t crc32 = 0;
+};
+
+/// What a unit holds.
+struct Content {
+    enum class State { as_delivered, empty, incomplete, firmware };
+    State state = State::as_delivered;
+    /// Of State::firmware only.
+    Firmware firmware;
+};
+
+/// What a content is called: "as delivered", "empty", "incomplete", or name, size and checksum.
+std::u16string describe(const Content& content);
+
+/// The units of all displays. A display has the units that its IDs name, the slaves behind them, and those
+/// that were put there by `set_slaves`; each is as delivered until something happens to it.
+class Units {
+public:
+    void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts);
+    /// Takes a unit off its line: nobody answers there.
+    void set_absent(const std::u16string& display, std::int16_t id);
+    void add_box(const std::u16string& display, std::u16string description);
+    /// Forgets the slaves, absences and device servers of a display; what its units hold stays.
+    void clear_hardware(const std::u16string& display);
+
+    std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const;
+    bool answers(const Display& display, std::int16_t id) const;
+    /// Device servers in front of a display, in the order in which the finder reports them.
+    std::vector<std::u16string> boxes(const std::u16string& display) const;
+
+    Content content(const std::u16string& display, std::int16_t id) const;
+    void store(const std::u16string& display, std::int16_t id, Content content);
+    /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
+    std::vector<std::int16_t> ids(const Display& display) const;
+
+    /// `file`: how messages name the text. Raises `TextError` naming the line and what was expected there.
+    static Units parse(const std::string& file, std::string_view text);
+    /// What `parse` reads back.
+    std::string text() const;
+
+    /// The same from a file. Raises `TextError`.
+    static Units load(const std::filesystem::path& path);
+    /// Raises `TextError`.
+    void save(const std::filesystem::path& path) const;
+
+private:
+    struct Unit {
+        std::optional<SlaveCounts> slaves;
+        bool absent = false;
+        Content content;
+    };
+    struct Site {
+        std::map<std::int16_t, Unit> units;
+        std::vector<std::u16string> boxes;
+    };
+
+    const Unit* find(const std::u16string& display, std::int16_t id) const;
+    void read(const Words& words);
+
+    std::map<std::u16string, Site> sites_;
 };
 
 }  // namespace vex::sim

@@ -16,6 +16,11 @@ namespace {
 /// More than any board's memory; a file of that size was chosen by mistake.
 constexpr std::uintmax_t kLargestImage = 64U << 20U;
 
+/// A flash loader is written in these: where (two bytes), and what.
+constexpr std::size_t kTriplet = 3;
+constexpr unsigned char kToRegister = 0x80;
+constexpr std::string_view kStart = "\x80\x24\x80";
+
 /// What follows the type of a record: the length of its address and what it is for.
 struct RecordType {
     enum class Use { header, data, count, terminator };
@@ -181,6 +186,34 @@ Firmware read_rabbit_image(const std::filesystem::path& path, const std::u16stri
     const std::string bytes = read_image(path, shown);
     if (bytes.empty()) throw ImageError(shown + u" is empty");
     return firmware_of(bytes, shown);
+}
+
+void read_loader_image(const std::filesystem::path& path, const std::u16string& shown) {
+    check_loader_image(read_image(path, shown), shown);
+}
+
+void check_loader_image(std::string_view bytes, const std::u16string& shown) {
+    const auto refuse = [&shown](std::size_t at) {
+        throw ImageError(shown + u", byte " + from_utf8(std::to_string(at)) + u": no flash loader");
+    };
+    for (std::size_t at = 0; at < bytes.size(); at += kTriplet) {
+        const std::string_view triplet = bytes.substr(at, kTriplet);
+        const auto first = static_cast<unsigned char>(triplet.front());
+        const bool last = at + kTriplet >= bytes.size();
+        if (triplet.size() < kTriplet || first > kToRegister || (triplet == kStart) != last) refuse(at);
+    }
+    if (bytes.empty()) refuse(0);
+}
+
+std::string make_loader_image(LoaderKind kind) {
+    constexpr char kDivider = '\xA9';
+    constexpr char kControl = '\xC4';
+    constexpr std::string_view kEcho{
+        "\xD3\x3A\xC3\x00\xCB\x7F\x28\xF8\xD3\x3A\xC0\x00\xD3\x32\xC0\x00\x18\xEE", 18};
+    const char prefix = static_cast<char>(kToRegister);
+    std::string bytes{prefix, kDivider, kind == LoaderKind::line ? '\x2F' : '\x07', prefix, kControl, '\0'};
+    for (std::size_t at = 0; at < kEcho.size(); ++at) bytes += {'\0', static_cast<char>(at), kEcho[at]};
+    return bytes.append(kStart);
 }
 
 std::uint32_t crc32(std::string_view bytes) noexcept {

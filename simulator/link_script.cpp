@@ -1,39 +1,9 @@
 // What a scenario lets happen on the links to the displays.
 #include "simulator/link_script.h"
 
-#include <array>
-#include <stdexcept>
 #include <utility>
 
-#include "core/unicode.h"
-
 namespace vex::sim {
-namespace {
-
-constexpr std::array<std::u16string_view, 9> kOperations = {
-    u"OpenConnection",
-    u"SignID",
-    u"GetSignInfo",
-    u"ResetAndClear",
-    u"DownloadFirmware",
-    u"PrepareForFirmware",
-    u"DownloadFirmwareWithLoader",
-    u"CloseConnection",
-    u"CancelTransmission",
-};
-
-}  // namespace
-
-std::u16string_view name_of(Operation operation) noexcept { return kOperations[static_cast<std::size_t>(operation)]; }
-
-Operation parse_operation(std::u16string_view name) {
-    std::string names;
-    for (std::size_t i = 0; i < kOperations.size(); ++i) {
-        if (kOperations[i] == name) return static_cast<Operation>(i);
-        names += (i == 0 ? "" : ", ") + to_utf8(kOperations[i]);
-    }
-    throw std::invalid_argument("\"" + to_utf8(name) + "\" is none of " + names);
-}
 
 template <class Content>
 bool LinkScript::Entry<Content>::takes(const Call& call) {

@@ -11,37 +11,43 @@
 
 namespace vex::sim {
 
-/// The members of the transmission control, in the order in which a session first uses them.
-enum class Operation {
-    OpenConnection,
-    SignID,
-    GetSignInfo,
-    ResetAndClear,
-    DownloadFirmware,
-    PrepareForFirmware,
-    DownloadFirmwareWithLoader,
-    CloseConnection,
-    CancelTransmission,
+/// What a scenario can disturb, by its name: a member of the transmission control, of the finder or of the display
+/// list, or the creation of an object, by its class.
+struct Operation {
+    /// Of static life.
+    std::u16string_view name;
+
+    friend constexpr bool operator==(Operation left, Operation right) noexcept { return left.name == right.name; }
+
+    static const Operation OpenConnection, SignID, GetSignInfo, ResetAndClear, DownloadFirmware, PrepareForFirmware,
+        DownloadFirmwareWithLoader, CloseConnection, CancelTransmission;
 };
 
-std::u16string_view name_of(Operation operation) noexcept;
-/// Raises `std::invalid_argument` naming the operations.
-Operation parse_operation(std::u16string_view name);
+inline constexpr Operation Operation::OpenConnection{u"OpenConnection"};
+inline constexpr Operation Operation::SignID{u"SignID"};
+inline constexpr Operation Operation::GetSignInfo{u"GetSignInfo"};
+inline constexpr Operation Operation::ResetAndClear{u"ResetAndClear"};
+inline constexpr Operation Operation::DownloadFirmware{u"DownloadFirmware"};
+inline constexpr Operation Operation::PrepareForFirmware{u"PrepareForFirmware"};
+inline constexpr Operation Operation::DownloadFirmwareWithLoader{u"DownloadFirmwareWithLoader"};
+inline constexpr Operation Operation::CloseConnection{u"CloseConnection"};
+inline constexpr Operation Operation::CancelTransmission{u"CancelTransmission"};
 
 /// Which calls something is about; what is not given matches any.
 struct CallPattern {
     std::optional<std::u16string> display;
     std::optional<std::int16_t> id;
-    Operation operation = Operation::OpenConnection;
+    Operation operation;
     /// Only the N-th matching call, from 1; 0: each.
     std::int64_t at = 0;
 };
 
-/// One call of the transmission control. The display is empty where no display answers on the line.
+/// One call. The display is empty where no display answers on the line, or none was asked about; the ID is 0 where
+/// none is addressed.
 struct Call {
     std::u16string display;
     std::int16_t id = 0;
-    Operation operation = Operation::OpenConnection;
+    Operation operation;
 };
 
 /// Something on a link, while it happens.
@@ -65,19 +71,23 @@ struct LinkEvent {
     bool succeeded = false;
 };
 
-enum class FaultKind { none, fail, raise };
+/// `replace`: the call succeeds and puts another object in the place of the one that it was given.
+enum class FaultKind { none, fail, raise, replace };
 
 /// A status message that the control says during a call, and what the user does while he sees it.
 struct ScriptedMessage {
     std::u16string text;
     /// Empty: he only reads it.
     std::function<void()> reaction;
+    bool was_read = false;
 };
 
 /// What the script has for one call.
 struct ScriptedCall {
     FaultKind fault = FaultKind::none;
     std::vector<ScriptedMessage> messages;
+
+    bool fails() const noexcept { return fault == FaultKind::fail; }
 };
 
 class LinkScript {

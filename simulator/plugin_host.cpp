@@ -2,7 +2,7 @@
 #include "simulator/plugin_host.h"
 
 #include "core/runtime_error.h"
-#include "simulator/late_call.h"
+#include "simulator/automation.h"
 
 namespace vex::sim {
 namespace {

@@ -2,6 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <random>
+#include <string>
+
+#include "platform/private_files.h"
 
 namespace vex::sim {
 
@@ -9,10 +13,18 @@ namespace vex::sim {
 class PrivateFolder {
 public:
     /// Raises `std::system_error`.
-    PrivateFolder();
+    PrivateFolder() {
+        std::random_device random;
+        do {
+            path_ = std::filesystem::temp_directory_path() / ("brivola-sim-" + std::to_string(random()));
+        } while (!platform::make_private_folder(path_));
+    }
     PrivateFolder(const PrivateFolder&) = delete;
     PrivateFolder& operator=(const PrivateFolder&) = delete;
-    ~PrivateFolder();
+    ~PrivateFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
 
     const std::filesystem::path& path() const noexcept { return path_; }
 

@@ -1,6 +1,7 @@
 // A scenario: what is installed on the simulated host, what its user does, and what must be seen.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,11 +31,9 @@ struct Scenario {
     std::vector<Statement> statements;
 };
 
-/// The text of a file that a scenario includes. Raises `std::exception` where there is none.
-using ReadIncluded = std::function<std::string(const std::u16string& name)>;
-
-/// `file`: the scenario's name in messages. Raises `TextError` for the first line that is no statement.
-Scenario parse_scenario(const std::string& file, std::string_view text, const ReadIncluded& read_included);
+/// `file`: the scenario's name in messages. `folder`: where the files that it includes lie. Raises `TextError` for the
+/// first line that is no statement.
+Scenario parse_scenario(const std::string& file, std::string_view text, const std::filesystem::path& folder = {});
 
 /// A line for each statement: how it is written.
 std::string statement_reference();

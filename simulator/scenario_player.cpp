@@ -58,16 +58,16 @@ ScenarioPlayer::ScenarioPlayer(const Scenario& scenario, Host& host, Screen& scr
       plugin_(plugin),
       errors_(errors),
       folder_(std::move(folder)),
-      registry_(host.computer.registry(), host.computer.code_page()) {
+      registry_(host.machine.registry(), host.machine.code_page()) {
     host_.choose_displays = [this] { return take(picker_).value_or(u""); };
-    host_.computer.on_program_started(
+    host_.machine.on_program_started(
         [this](const std::u16string& path) { trace().line(u"program " + in_quotes(path)); });
     screen_.set_user(this);
 }
 
 ScenarioPlayer::~ScenarioPlayer() {
     screen_.set_user(nullptr);
-    host_.computer.on_program_started(nullptr);
+    host_.machine.on_program_started(nullptr);
     host_.choose_displays = nullptr;
 }
 
@@ -111,7 +111,7 @@ const Display& ScenarioPlayer::display(const std::u16string& name) const {
 
 std::filesystem::path ScenarioPlayer::target_file(const std::u16string& path) {
     host_.save_displays();
-    std::filesystem::path real = host_.computer.writable_path(path);
+    std::filesystem::path real = host_.machine.writable_path(path);
     std::filesystem::create_directories(real.parent_path());
     return real;
 }
@@ -126,7 +126,7 @@ void ScenarioPlayer::say(CallPattern pattern, std::u16string text, std::function
             *busy = false;
         };
     }
-    host_.links.add_message(std::move(pattern), {std::move(text), std::move(bound)});
+    host_.links.add_message(std::move(pattern), {std::move(text), std::move(bound), false});
 }
 
 std::filesystem::path ScenarioPlayer::source_file(const std::u16string& name) const {
@@ -142,7 +142,7 @@ void ScenarioPlayer::start(StartMember member) {
     if (screen_.any_dialog()) throw std::invalid_argument("a dialog is still open");
     const std::u16string name(name_of(member));
     try {
-        const auto frame = com::make_object<HostSignInfo>(host_);
+        const auto frame = com::make_object<SignInfoObject>(host_);
         plugin_.start(member, frame.get());
         trace().line(u"return " + name);
     } catch (const RuntimeError& error) {
@@ -164,26 +164,26 @@ void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& ex
 
 // ---- What the screen tells ----------------------------------------------------------------------------
 
-void ScenarioPlayer::dialog_opened(const std::string& name) noexcept { trace().line(u"open " + from_utf8(name)); }
+void ScenarioPlayer::form_opened(const std::u16string& name) noexcept {
+    seen_at_work_ = false;
+    trace().line(u"open " + name);
+}
 
-void ScenarioPlayer::dialog_closed(const std::string& name) noexcept { trace().line(u"close " + from_utf8(name)); }
+void ScenarioPlayer::form_closed(const std::u16string& name) noexcept { trace().line(u"close " + name); }
 
 void ScenarioPlayer::messages_handled() noexcept {
-    if (stopped_ || !message_is_shown()) return;
-    // Taken first: what the user does may let messages be handled again.
-    if (auto reaction = std::exchange(host_.messages_shown.back().reaction, nullptr)) {
-        reaction();
-        return;
+    const auto status = screen_.find(kStatusControl);
+    ScriptedMessage* const message = status && !stopped_ ? host_.read_message(status->caption) : nullptr;
+    if (message == nullptr) return;
+    if (!std::exchange(seen_at_work_, true)) screen_.look();
+    if (message->reaction) {
+        // By value: other messages may be said meanwhile.
+        const auto reaction = message->reaction;
+        return reaction();
     }
     // A statement about a control of the busy dialog can mean no other moment. Others wait until it is done.
     const bool any = next_ < scenario_.statements.size();
-    if (!any || scenario_.statements[next_].control.empty()) return;
-    if (screen_.has_control(scenario_.statements[next_].control)) act();
-}
-
-bool ScenarioPlayer::message_is_shown() const {
-    return !host_.messages_shown.empty() && screen_.has_control(kStatusControl) &&
-           screen_.property(kStatusControl, u"Caption") == host_.messages_shown.back().text;
+    if (any && !scenario_.statements[next_].control.empty() && screen_.find(scenario_.statements[next_].control)) act();
 }
 
 forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexcept {

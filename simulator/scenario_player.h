@@ -10,14 +10,12 @@
 
 #include "simulator/host.h"
 #include "simulator/plugin_host.h"
-#include "simulator/registry_store.h"
+#include "simulator/program.h"
+#include "simulator/registry_editor.h"
 #include "simulator/scenario.h"
 #include "simulator/screen.h"
 
 namespace vex::sim {
-
-/// How a run ended; the program's exit status.
-enum ExitStatus { kPassed = 0, kFailed = 1, kBadUsage = 2 };
 
 /// What a user does about one message box.
 struct MessageChoice {
@@ -40,7 +38,7 @@ public:
 
     Host& host() noexcept { return host_; }
     Screen& screen() noexcept { return screen_; }
-    RegistryStore& registry() noexcept { return registry_; }
+    RegistryEditor& registry() noexcept { return registry_; }
     Trace& trace() noexcept { return host_.trace; }
     /// The file that a statement means. Raises `std::invalid_argument` when there is none.
     std::filesystem::path source_file(const std::u16string& name) const;
@@ -65,16 +63,13 @@ private:
     void run(const Place& place, const std::function<void(ScenarioPlayer&)>& action) noexcept;
     void report(const Place& place, const std::string& text);
 
-    void dialog_opened(const std::string& name) noexcept override;
-    void dialog_closed(const std::string& name) noexcept override;
+    void form_opened(const std::u16string& name) noexcept override;
+    void form_closed(const std::u16string& name) noexcept override;
     bool act() noexcept override;
     void messages_handled() noexcept override;
     forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override;
     std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept override;
     void beeped() noexcept override;
-
-    /// Whether the innermost status message can be read on the topmost dialog.
-    bool message_is_shown() const;
 
     const Scenario& scenario_;
     Host& host_;
@@ -82,13 +77,15 @@ private:
     PluginHost& plugin_;
     std::ostream& errors_;
     std::filesystem::path folder_;
-    RegistryStore registry_;
+    RegistryEditor registry_;
 
     std::size_t next_ = 0;
     /// Of the statement that runs, or ran last.
     Place place_;
     bool stopped_ = false;
     bool failed_ = false;
+    /// The topmost dialog has been looked at while it was at work.
+    bool seen_at_work_ = false;
 
     std::deque<std::u16string> picker_;
     std::deque<std::optional<std::u16string>> files_;

@@ -1,9 +1,11 @@
-// The statements of a scenario: what reads each of them. Internal to the scenario's sources.
+// The statements of a scenario by table. Internal to the scenario's sources.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -15,41 +17,25 @@ namespace vex::sim {
 /// What a statement does when its turn comes.
 using Action = std::function<void(ScenarioPlayer& player)>;
 
-// Each gets all words of its statement, the statement's own first, in the number that the table allows, and
-// raises `std::invalid_argument` for words that cannot be meant.
+inline constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 
-Action read_display(const Words& words);
-Action read_displays(const Words& words);
-Action read_unit(const Words& words);
-Action read_box(const Words& words);
-Action read_setting(const Words& words);
-Action read_registry(const Words& words);
-Action read_import(const Words& words);
-Action read_file_statement(const Words& words);
-Action read_copy(const Words& words);
-Action read_lines(const Words& words);
-Action read_image(const Words& words);
-Action read_fault(const Words& given);
-Action read_say(const Words& given);
-Action read_during(const Words& words);
-Action read_answer(const Words& words);
-Action read_pick_all(const Words& words);
-Action read_start(const Words& words);
-Action read_click(const Words& words);
-Action read_press(const Words& words);
-Action read_set(const Words& words);
-Action read_close(const Words& words);
-Action read_activate(const Words& words);
-Action read_retry(const Words& words);
-Action read_show(const Words& words);
-Action read_expect(const Words& words);
-Action read_rows(const Words& words);
-Action read_units(const Words& words);
+/// How one statement is written and read. `read` gets all words, the statement's own first, in a number that is
+/// allowed, and raises `std::invalid_argument` for words that cannot be meant.
+struct StatementType {
+    std::u16string_view name;
+    const char* usage;
+    std::size_t fewest_words;
+    std::size_t most_words;
+    Action (*read)(const Words& words);
+    /// Position of the word that names a control, before its first "."; 0: none.
+    std::size_t control = 0;
+};
+
+std::span<const StatementType> statements_of_host() noexcept;
+std::span<const StatementType> statements_of_user() noexcept;
 
 /// Any statement, by its first word.
 Action read_statement(const Words& words);
-
-// What the readers share.
 
 /// Raises `std::invalid_argument`: the word is what is said.
 [[noreturn]] void refuse(std::string_view what, const std::u16string& word);

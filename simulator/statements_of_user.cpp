@@ -1,11 +1,10 @@
 // The statements of a scenario about the user: what he answers, does and sees.
-#include "simulator/statements.h"
-
 #include <charconv>
 #include <limits>
 #include <utility>
 
 #include "core/unicode.h"
+#include "simulator/statements.h"
 #include "support/text.h"
 
 namespace vex::sim {
@@ -46,8 +45,6 @@ std::u16string registry_text(ScenarioPlayer& player, const RegistryPath& path, c
     const auto value = player.registry().read(path.root, path.key, name);
     return value ? player.registry().show(*value) : kNone;
 }
-
-}  // namespace
 
 // ---- What he does -------------------------------------------------------------------------------------
 
@@ -169,5 +166,25 @@ Action read_units(const Words& /*words*/) {
         }
     };
 }
+
+constexpr StatementType kStatements[] = {
+    {u"answer", "answer picker TEXT | answer openfile PATH|cancel | answer msgbox yes|no|ok", 3, 3, &read_answer},
+    {u"pick-all", "pick-all", 1, 1, &read_pick_all},
+    {u"start", "start [frame]", 1, 2, &read_start},
+    {u"click", "click CONTROL", 2, 2, &read_click, 1},
+    {u"press", "press CONTROL X Y [left|right]", 4, 5, &read_press, 1},
+    {u"set", "set CONTROL VALUE", 3, 3, &read_set, 1},
+    {u"close", "close", 1, 1, &read_close},
+    {u"activate", "activate", 1, 1, &read_activate},
+    {u"retry", "retry ROW", 2, 2, &read_retry},
+    {u"show", "show CONTROL.PROPERTY | show ROOT\\KEY NAME", 2, 3, &read_show, 1},
+    {u"expect", "expect CONTROL.PROPERTY VALUE | expect ROOT\\KEY NAME VALUE", 3, 4, &read_expect, 1},
+    {u"rows", "rows CONTROL", 2, 2, &read_rows, 1},
+    {u"units", "units", 1, 1, &read_units},
+};
+
+}  // namespace
+
+std::span<const StatementType> statements_of_user() noexcept { return kStatements; }
 
 }  // namespace vex::sim

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 
@@ -93,7 +92,7 @@ std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t 
     return number < low || number > high ? std::nullopt : std::optional(number);
 }
 
-std::vector<std::u16string> split_lines(std::string_view bytes) {
+std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark) bytes.remove_prefix(kByteOrderMark.size());
     std::vector<std::u16string> lines;
@@ -101,10 +100,48 @@ std::vector<std::u16string> split_lines(std::string_view bytes) {
         const std::size_t end = std::min(bytes.find('\n'), bytes.size());
         std::string_view line = bytes.substr(0, end);
         if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        lines.push_back(from_utf8(line));
+        const std::u16string& text = lines.emplace_back(from_utf8(line));
+        // What is no UTF-8 has become something else, and does not come back.
+        const std::string back = to_utf8(text);
+        if (back != line) {
+            const auto bad = std::ranges::mismatch(line, back).in1 - line.begin();
+            throw TextError(file, lines.size(), "byte " + std::to_string(bad + 1) + " of the line is no UTF-8");
+        }
         bytes.remove_prefix(std::min(end + 1, bytes.size()));
     }
     return lines;
+}
+
+void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
+                const std::function<void(const Words& words, std::size_t line)>& read) {
+    const std::vector<std::u16string> lines = split_lines(file, text);
+    if (!header.empty() && (lines.empty() || lines.front() != header))
+        throw TextError(file, 1, "expected the line " + to_utf8(header));
+    for (std::size_t i = header.empty() ? 0 : 1; i < lines.size(); ++i) {
+        try {
+            const Words words = split_words(lines[i]);
+            if (!words.empty()) read(words, i + 1);
+        } catch (const TextError&) {
+            throw;
+        } catch (const std::exception& error) {
+            throw TextError(file, i + 1, error.what());
+        }
+    }
+}
+
+std::string read_stream(const std::string& name, std::istream& stream) {
+    constexpr std::size_t kLargest = 64U << 20U;
+    constexpr std::size_t kPiece = 1U << 16U;
+    std::string bytes;
+    while (stream && bytes.size() <= kLargest) {
+        const std::size_t size = bytes.size();
+        bytes.resize(size + kPiece);
+        stream.read(bytes.data() + size, kPiece);
+        bytes.resize(size + static_cast<std::size_t>(stream.gcount()));
+    }
+    if (bytes.size() > kLargest) throw TextError(name, 0, "is larger than 64 MiB");
+    if (!stream.eof()) throw TextError(name, 0, "cannot be read");
+    return bytes;
 }
 
 std::string read_file(const std::filesystem::path& path) {
@@ -114,9 +151,7 @@ std::string read_file(const std::filesystem::path& path) {
     // A folder opens like a file on some systems and fails only when it is read.
     if (std::filesystem::is_directory(status)) fail(path, "is a folder");
     std::ifstream file(path, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file) fail(path, "cannot be read");
-    return bytes;
+    return read_stream(path.string(), file);
 }
 
 void replace_file(const std::filesystem::path& path, std::string_view bytes) {

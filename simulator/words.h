@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <functional>
+#include <istream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,9 +39,18 @@ std::u16string as_word(std::u16string_view text);
 /// A decimal number that fills the whole word and lies in the range.
 std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) noexcept;
 
-/// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark.
-std::vector<std::u16string> split_lines(std::string_view bytes);
+/// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark. Raises `TextError`
+/// for a byte that is no UTF-8; `file`: how messages name the text.
+std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes);
 
+/// Hands the words of each line that has some to `read`, with the line's number; what it raises, a `TextError` apart,
+/// becomes a `TextError`. `header`: what the first line must be; empty: it is like the others.
+void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
+                const std::function<void(const Words& words, std::size_t line)>& read);
+
+/// All that a stream has. Raises `TextError` without a line where it cannot be read, or is larger than anything that
+/// belongs here.
+std::string read_stream(const std::string& name, std::istream& stream);
 /// A whole file. Raises `TextError` without a line.
 std::string read_file(const std::filesystem::path& path);
 /// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.

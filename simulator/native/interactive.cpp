@@ -21,8 +21,8 @@ int play_without_scenario(const CommandLine& options) {
     CommandLine pictured = options;
     pictured.pictures = true;
     pictured.quiet = true;
-    const std::filesystem::path sample = NativeSession::samples_folder() / kSampleScenario;
-    return NativeSession(pictured).play(sample.string(), std::cout, std::cerr);
+    NativeSession session(pictured);
+    return session.play((session.samples_folder() / kSampleScenario).string(), std::cout, std::cerr);
 }
 
 }  // namespace vex::sim

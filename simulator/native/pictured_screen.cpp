@@ -1,4 +1,4 @@
-// A screen that draws what its user sees, as text.
+// Draws what the user of a screen looks at, as text.
 #include "simulator/native/pictured_screen.h"
 
 #include "platform/native/terminal/terminal_toolkit.h"
@@ -8,9 +8,6 @@ namespace vex::sim {
 namespace {
 
 namespace terminal = platform::native::terminal;
-
-/// A control handles messages before and after it shows what it says: the second time there is something to see.
-constexpr int kFirstWordsShown = 2;
 
 /// Keeps what is shown on it and presses Esc, or Enter where that does not help.
 class Photograph final : public terminal::Screen {
@@ -62,45 +59,19 @@ std::string photograph(const terminal::IconCharacters& icons, Show show) {
 
 }  // namespace
 
-PicturedScreen::PicturedScreen(NativeScreen& screen, std::ostream& out)
-    : screen_(screen), out_(out), icons_(icon_characters()) {}
+Pictures::Pictures(std::ostream& out) : out_(out), icons_(icon_characters()) {}
 
-void PicturedScreen::set_user(ScreenUser* user) noexcept {
-    user_ = user;
-    screen_.set_user(user == nullptr ? nullptr : this);
-}
+void Pictures::sees(forms::Form& form) { print(terminal::picture_of(form, icons_)); }
 
-void PicturedScreen::dialog_opened(const std::string& name) noexcept {
-    pumped_ = 0;
-    user_->dialog_opened(name);
-}
-
-bool PicturedScreen::act() noexcept {
-    draw_dialog();
-    return user_->act();
-}
-
-void PicturedScreen::messages_handled() noexcept {
-    if (++pumped_ == kFirstWordsShown) draw_dialog();
-    user_->messages_handled();
-}
-
-forms::MessageAnswer PicturedScreen::answer(const forms::MessageBox& box) noexcept {
+void Pictures::sees(const forms::MessageBox& box) {
     print(photograph(icons_, [&box](terminal::TerminalToolkit& toolkit) { toolkit.message_box(box); }));
-    return user_->answer(box);
 }
 
-std::optional<std::u16string> PicturedScreen::choose_file(const forms::OpenFileRequest& request) noexcept {
+void Pictures::sees(const forms::OpenFileRequest& request) {
     print(photograph(icons_, [&request](terminal::TerminalToolkit& toolkit) { toolkit.open_file(request); }));
-    return user_->choose_file(request);
 }
 
-void PicturedScreen::draw_dialog() {
-    forms::Form* const form = screen_.top();
-    if (form != nullptr) print(terminal::picture_of(*form, icons_));
-}
-
-void PicturedScreen::print(const std::string& picture) {
+void Pictures::print(const std::string& picture) {
     if (picture == last_) return;
     last_ = picture;
     out_ << picture << '\n';

@@ -4,7 +4,6 @@
 #include <iostream>
 #include <sstream>
 
-#include "core/runtime_error.h"
 #include "platform/native/machine.h"
 #include "platform/native/terminal/terminal_toolkit.h"
 #include "simulator/display_picker.h"
@@ -12,7 +11,6 @@
 #include "simulator/native/icon_characters.h"
 #include "simulator/pace.h"
 #include "simulator/run_progress.h"
-#include "simulator/unit_table.h"
 #include "support/text.h"
 
 namespace vex::sim {
@@ -20,7 +18,6 @@ namespace {
 
 namespace terminal = platform::native::terminal;
 
-constexpr char kSampleScenario[] = "trial.scn";
 constexpr int kEndedBySignal = 128;
 
 /// What somebody sees who has never seen this: three lines.
@@ -70,10 +67,10 @@ public:
         host_.choose_displays = nullptr;
     }
 
-    void play(PluginHost& plugin, forms::Toolkit& scripted, bool first_run) {
+    ExitStatus play(PluginHost& plugin, forms::Toolkit& scripted, bool first_run, std::ostream& errors) {
         const DesktopScope desktop(toolkit_, scripted);
         if (first_run) toolkit_.message_box({u"Brivola (simulated)", first_run_text(host_.displays.size())});
-        if (!toolkit_.ended()) plugin.start(StartMember::StartPlugin, nullptr);
+        return toolkit_.ended() ? kPassed : Session::start(plugin, errors);
     }
 
     /// The signal that ended it, if any.
@@ -104,35 +101,21 @@ private:
 }  // namespace
 
 int run_trial(NativeSession& session, const CommandLine& options) {
-    const std::filesystem::path samples = NativeSession::samples_folder();
-    std::ostream no_trace(nullptr);
     // The screen is in use until the end.
     std::ostringstream errors;
     std::ostringstream summary;
     std::optional<int> signal;
-    const ExitStatus status = run_host(
-        session.computer(), session.folders(samples), true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
-            const bool first_run = host.displays.size() == 0;
-            if (first_run) {
-                const Scenario sample = session.read_scenario(samples / kSampleScenario);
-                ScenarioPlayer player(sample, host, session.screen(), plugin, errors, samples);
-                if (const ExitStatus installed = player.play(); installed != kPassed) return installed;
-            }
-            const Units before = host.units;
-            ExitStatus played = kPassed;
-            {
-                Trial trial(host, options.speed);
-                try {
-                    trial.play(plugin, session.screen().toolkit(), first_run);
-                } catch (const RuntimeError& error) {
-                    errors << "the plug-in raised error " << error.number() << ": " << error.what() << '\n';
-                    played = kFailed;
-                }
-                signal = trial.ended_by();
-            }
-            print_changed_units(host, before, summary);
-            return played;
-        });
+    const ExitStatus status = session.try_out(errors, [&](Host& host, PluginHost& plugin, bool first_run) {
+        const Units before = host.units;
+        ExitStatus played = kPassed;
+        {
+            Trial trial(host, options.speed);
+            played = trial.play(plugin, session.screen().toolkit(), first_run, errors);
+            signal = trial.ended_by();
+        }
+        print_changed_units(host, before, summary);
+        return played;
+    });
     std::cout << summary.str() << std::flush;
     std::cerr << errors.str();
     if (signal && status == kPassed) return kEndedBySignal + *signal;

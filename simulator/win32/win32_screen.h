@@ -8,7 +8,7 @@
 
 namespace vex::sim {
 
-class Win32Screen final : public Screen, private WindowUser {
+class Win32Screen final : public Screen {
 public:
     /// `module`: the file name of the library whose dialogs are on the screen, loaded before anybody looks;
     /// empty: this program.
@@ -17,32 +17,31 @@ public:
 
     void set_user(ScreenUser* user) noexcept override;
     bool any_dialog() const noexcept override { return top_form_window() != nullptr; }
-    bool has_control(const std::u16string& name) const override;
-    ActionResult click(const std::u16string& name) override;
-    ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y) override;
-    ActionResult set(const std::u16string& name, const std::u16string& value) override;
-    ActionResult choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item) override;
-    void close() override;
-    void activate() override;
-    std::u16string property(const std::u16string& name, const std::u16string& property) const override;
-    std::vector<std::vector<std::u16string>> rows(const std::u16string& name) const override;
+    std::optional<ShownControl> find(const std::u16string& control) const override;
+    void close() override { driver_->close(dialog()); }
+    void activate() override { driver_->activate(dialog()); }
 
 private:
-    void form_opened(const std::u16string& name) noexcept override;
-    void form_closed(const std::u16string& name) noexcept override;
-    bool act() noexcept override { return user_ != nullptr && user_->act(); }
-    void messages_handled() noexcept override;
-    forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override;
-    std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept override;
-    void beeped() noexcept override;
+    std::u16string dialog_name() const override { return shown_name(dialog()); }
+    std::u16string dialog_caption() const override { return shown_text(dialog()); }
+    void do_click(const std::u16string& name) override { driver_->click(window(name)); }
+    void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
+        driver_->press(window(name), button, x, y);
+    }
+    void do_type(const std::u16string& name, const std::u16string& text) override {
+        driver_->set_text(window(name), text);
+    }
+    bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override {
+        return driver_->choose_from_menu(window(name), row, item);
+    }
 
-    /// The topmost dialog.
+    /// The topmost dialog. Raises `std::invalid_argument`.
     static WindowHandle dialog();
-    static WindowHandle control(const std::u16string& name);
-    static WindowHandle list(const std::u16string& name);
+    static WindowHandle window(const std::u16string& name) {
+        return control_window(dialog(), name);
+    }
 
     std::u16string module_;
-    ScreenUser* user_ = nullptr;
     /// While there is a user.
     std::optional<WindowDriver> driver_;
 };

@@ -50,7 +50,7 @@ FARPROC system_get_proc_address(HMODULE library, LPCSTR name) noexcept {
 
 thread_local WindowDriver* WindowDriver::current_ = nullptr;
 
-WindowDriver::WindowDriver(const std::u16string& module, WindowUser& user) : user_(user) {
+WindowDriver::WindowDriver(const std::u16string& module, ScreenUser& user) : user_(user) {
     const HMODULE watched = module_named(module);
     import_hooks_.emplace_back(watched, "PeekMessageW", &WindowDriver::peek_message);
     import_hooks_.emplace_back(watched, "WaitMessage", &WindowDriver::wait_message);

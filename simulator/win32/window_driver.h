@@ -7,35 +7,18 @@
 #include <string_view>
 #include <vector>
 
-#include "forms/toolkit.h"
+#include "simulator/screen.h"
 #include "simulator/win32/import_hook.h"
 #include "simulator/win32/window_reader.h"
 
 namespace vex::sim {
-
-/// Called on the windows' thread, in the middle of the module's loops.
-class WindowUser {
-public:
-    virtual ~WindowUser() = default;
-    virtual void form_opened(const std::u16string& name) noexcept = 0;
-    virtual void form_closed(const std::u16string& name) noexcept = 0;
-    /// The topmost form waits for input. False: there is nothing left to do; its close box is pressed then.
-    virtual bool act() noexcept = 0;
-    /// The messages that waited have been handled in the midst of some work.
-    virtual void messages_handled() noexcept = 0;
-    virtual forms::MessageAnswer answer(const forms::MessageBox& box) noexcept = 0;
-    /// Asked in place of the system's Open dialog, whose windows do not show what it was given. The path
-    /// chosen, or nothing to cancel.
-    virtual std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) noexcept = 0;
-    virtual void beeped() noexcept = 0;
-};
 
 /// One at a time on a thread.
 class WindowDriver {
 public:
     /// `module`: the file name of a loaded module whose message loops are watched; empty: this one.
     /// `user` outlives the driver. Throws RuntimeError.
-    WindowDriver(const std::u16string& module, WindowUser& user);
+    WindowDriver(const std::u16string& module, ScreenUser& user);
     WindowDriver(const WindowDriver&) = delete;
     WindowDriver& operator=(const WindowDriver&) = delete;
     ~WindowDriver();
@@ -76,7 +59,7 @@ private:
 
     static thread_local WindowDriver* current_;
 
-    WindowUser& user_;
+    ScreenUser& user_;
     std::vector<ImportHook> import_hooks_;
     HHOOK activity_hook_ = nullptr;
     HHOOK message_hook_ = nullptr;

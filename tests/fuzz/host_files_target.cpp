@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "simulator/displays.h"
-#include "simulator/units.h"
 #include "tests/fuzz/target.h"
 
 namespace {

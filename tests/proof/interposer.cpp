@@ -5,9 +5,8 @@
 
 #include "com/class_factory.h"
 #include "com/variant.h"
-#include "simulator/box_finder.h"
+#include "simulator/controls.h"
 #include "simulator/class_library.h"
-#include "simulator/transmission_control.h"
 
 namespace vex::proof {
 namespace {
@@ -79,7 +78,7 @@ public:
         const IDispatch* given = nullptr;
         if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
             // Sign information is the only object that the host gives away.
-            static const ClassFacts kSignInfo = facts<sim::HostSignInfo>(u"HostSignInfo");
+            static const ClassFacts kSignInfo = facts<sim::SignInfoObject>(u"HostSignInfo");
             auto wrapped =
                 com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
             given = result->pdispVal = wrapped.detach();
@@ -111,9 +110,9 @@ DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t*
 }  // namespace
 
 Interposer::Interposer(sim::Host& host, Meddling& meddling)
-    : cookies_{offer<sim::HostDisplayList>(host, meddling, sim::kHostDisplayListClass, u"HostDisplayList"),
-               offer<sim::HostDisplayPicker>(host, meddling, sim::kHostDisplayPickerClass, u"HostDisplayPicker"),
-               offer<sim::HostConnection>(host, meddling, sim::kHostConnectionClass, u"HostConnection"),
+    : cookies_{offer<sim::DisplayListObject>(host, meddling, sim::kHostDisplayListClass, u"HostDisplayList"),
+               offer<sim::DisplayPickerObject>(host, meddling, sim::kHostDisplayPickerClass, u"HostDisplayPicker"),
+               offer<sim::ConnectionObject>(host, meddling, sim::kHostConnectionClass, u"HostConnection"),
                offer<sim::TransmissionControl>(host, meddling, sim::kTransmissionControlClass, u"vexDispTrans"),
                offer<sim::BoxFinder>(host, meddling, sim::kBoxFinderClass, u"vexLANBoxFinder2")} {}
 

@@ -79,6 +79,7 @@ TEST_P(InterruptionTest, UninterruptedEveryDisplayIsUpdated) {
     EXPECT_EQ(connections, plan_.displays);
     EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(baseline_.calls, u"vexDispTrans.CloseConnection")),
               connections);
+    EXPECT_EQ(std::ranges::count(baseline_.calls, u"vexLANBoxFinder2.FindBoxes"), plan_.displays > 1 ? 1 : 0);
     EXPECT_EQ(baseline_.programs.size(), plan_.mode == Mode::external_tool ? plan_.displays : 0);
     if (plan_.mode == Mode::external_tool) return;
     // TQ-1 firmware goes to the first display ID only, everything else to every unit.

@@ -10,8 +10,9 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/native/machine.h"
-#include "simulator/host_classes.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/firmware_image.h"
+#include "simulator/controls.h"
+#include "simulator/native/native_machine.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"
@@ -69,10 +70,10 @@ public:
     }
 
     void pumped(forms::Form& form) override {
-        if (host_.messages_shown.empty()) return;
-        const auto reaction = std::exchange(host_.messages_shown.back().reaction, nullptr);
-        if (!reaction) return;
-        if (plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
+        const forms::Control* const status = form.find("lblStatus");
+        const sim::ScriptedMessage* const message =
+            status == nullptr ? nullptr : host_.read_message(status->caption());
+        if (message != nullptr && message->reaction && plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
     }
 
     forms::MessageAnswer answer(const forms::MessageBox&) override {
@@ -146,10 +147,15 @@ void equip(sim::Host& host, const Plan& plan) {
         display.port = u"COM" + number;
         display.version = u"1.50";
         display.ids = i % 3 == 0 ? u"1,20" : u"7";
+        if (i % 3 == 1) {
+            display.connection = sim::kNetwork;
+            display.address = u"10.0.0.7";
+        }
         const std::u16string name = display.name;
         names += (i == 0 ? u"" : u",") + name;
         host.put_display(std::move(display));
         if (i % 3 == 0) host.units.set_slaves(name, 1, {0, 2});
+        if (i % 3 == 1) host.units.add_box(name, u"UDS-10");
     }
     host.choose_displays = [names] { return names; };
 }
@@ -179,26 +185,26 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
     return result;
 }
 
-Computer::Computer() {
+Machine::Machine() {
     platform::native::use_machine_folder(folder_.path());
     for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_.path() / drive);
     write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
     write_file(u"D:\\fw\\new.BIN", "image");
-    write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", "loader");
+    write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image(sim::LoaderKind::line));
     write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
 
-Computer::~Computer() { CoUninitialize(); }
+Machine::~Machine() { CoUninitialize(); }
 
 Outcome play(const Plan& plan) {
     Outcome outcome;
     std::ostringstream shown;
     sim::Trace trace(shown, true);
     com::ModuleLifetime module;
-    sim::NativeComputer computer;
+    sim::NativeMachine machine;
     {
-        sim::Host host(trace, computer);
+        sim::Host host(trace, machine);
         host.display_file = real_path(u"C:\\Brivola\\Displays.dat");
         std::filesystem::create_directories(host.display_file.parent_path());
         equip(host, plan);
@@ -226,7 +232,7 @@ Outcome play(const Plan& plan) {
         }
         if (plan.moment) {
             host.links.add_message({std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
-                                   {u"Just a moment", [] {}});
+                                   {u"Just a moment", [] {}, false});
         }
         const Interposer interposer(host, meddling);
         const sim::HostClasses classes(host);

@@ -38,7 +38,7 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
 
 struct Plan {
     Mode mode = Mode::reset;
-    /// 1 to 3 for the interruption tests; each third one has slaves.
+    /// 1 to 3 for the interruption tests; the first of three has slaves, the second is on the network.
     std::size_t displays = 1;
     Judge judge;
     /// Until the run is over.
@@ -76,20 +76,20 @@ struct Outcome {
     bool retry_touched_others = false;
 };
 
-/// The simulated computer, with the files that plans need, on which they are played. One at a time; main makes it,
+/// The simulated machine, with the files that plans need, on which they are played. One at a time; main makes it,
 /// as it must be gone before the runtime is.
-class Computer {
+class Machine {
 public:
-    Computer();
-    Computer(const Computer&) = delete;
-    Computer& operator=(const Computer&) = delete;
-    ~Computer();
+    Machine();
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+    ~Machine();
 
 private:
     sim::PrivateFolder folder_;
 };
 
-/// Plays the plan on the computer.
+/// Plays the plan on the machine.
 Outcome play(const Plan& plan);
 
 }  // namespace vex::proof

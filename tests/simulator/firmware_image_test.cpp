@@ -32,33 +32,6 @@ TEST(MotorolaImage, TakesEveryKindOfRecord) {
     EXPECT_EQ(fault_of(std::string(kData) + "S604000001FA\n" + kEnd), "");
 }
 
-TEST(MotorolaImage, NamesLineAndFault) {
-    const struct {
-        std::string text;
-        const char* fault;
-    } cases[] = {
-        {"", "line 0: no data records"},
-        {kEnd, "line 1: no data records"},
-        {kData, "line 1: terminator is missing"},
-        {std::string(kData) + "S1050000010FEB\n" + kEnd, "line 2: checksum is EB, should be EA"},
-        {std::string("S1060000010FEA\n") + kEnd, "line 1: length is 6, but 5 bytes follow"},
-        {std::string("S1040000010FEA\n") + kEnd, "line 1: length is 4, but 5 bytes follow"},
-        {std::string("S10200FD\n") + kEnd, "line 1: length is 2"},
-        {std::string("S1\n") + kEnd, "line 1: length is 0"},
-        {std::string("S4030000FC\n") + kEnd, "line 1: record type S4 is unknown"},
-        {std::string("SX030000FC\n") + kEnd, "line 1: record type SX is unknown"},
-        {std::string(kData) + "\n:020000040000FA\n", "line 3: no S-record"},
-        {std::string("S1050000010FE\n") + kEnd, "line 1: odd number of digits"},
-        {std::string("S1050000010GEA\n") + kEnd, "line 1: a character is no hexadecimal digit"},
-        {std::string(kData) + kEnd + kData, "line 3: record behind the terminator"},
-        {std::string(kData) + "S5030002FA\n" + kEnd, "line 2: record count is 2, but 1 data records stand before it"},
-        {std::string("S1\0\0\0\0", 6) + "\n", "line 1: a character is no hexadecimal digit"},
-    };
-    for (const auto& image : cases) {
-        EXPECT_THAT(fault_of(image.text), HasSubstr(std::string("D:\\a.SHX, ") + image.fault)) << image.text;
-    }
-}
-
 TEST(MotorolaImage, OfAnySizeCanBeMade) {
     for (const std::size_t size : {1U, 31U, 32U, 33U, 255U, 70'000U})
         EXPECT_EQ(fault_of(make_motorola_image(size)), "") << size;

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/units.h"
 #include "simulator/words.h"
 #include "tests/shared/temporary_folder.h"
 
@@ -38,75 +37,6 @@ TEST(Displays, SurviveTheirFile) {
     EXPECT_EQ(read.at(0).port, u"");
     EXPECT_EQ(read.at(0).connection, -3);
     EXPECT_EQ(read.find(u""), 1U);
-}
-
-/// What is wrong with a text as the host's file.
-template <class File>
-std::string damage_of(const std::string& text) {
-    try {
-        File::parse("F", text);
-    } catch (const TextError& error) {
-        return error.what();
-    }
-    return "nothing";
-}
-
-TEST(HostFiles, NameTheDamagedLine) {
-    const std::string header = "# Brivola displays, version 1\n";
-    const std::pair<std::string, const char*> displays[] = {
-        {"", "F:1: expected the line # Brivola"},
-        {"display A\n", "F:1: expected the line # Brivola"},
-        {header + "\n# note\ndisplay\n", "F:4: expected display NAME"},
-        {header + "sign A\n", "F:2: expected display NAME"},
-        {header + "display A\ndisplay B color=red\n", "F:3: color=red is no KEY=VALUE"},
-        {header + "display A port\n", "F:2: port is no KEY=VALUE"},
-        {header + "display A connection=two\n", "F:2: connection=two needs a number"},
-        {header + "display A\ndisplay A\n", "F:3: display A stands here twice"},
-        {header + "display \"A\n", "F:2: a quote is not closed"},
-        {header + std::string("display A\0B", 11), "F:2: a control character"},
-        {header + "display A port=\xFF\xFE x\n", "F:2: x is no KEY=VALUE"},
-    };
-    for (const auto& [text, message] : displays) EXPECT_THAT(damage_of<Displays>(text), StartsWith(message)) << text;
-
-    const std::string units_header = "# Brivola units, version 1\n";
-    const std::pair<std::string, const char*> units[] = {
-        {"holds A 1 empty\n", "F:1: expected the line # Brivola"},
-        {units_header + "holds A one empty\n", "F:2: \"one\" is no display ID"},
-        {units_header + "holds A 1 full\n", "F:2: \"full\" is nothing that a unit holds"},
-        {units_header + "holds A 1 a.SHX many 0\n", "F:2: expected a size"},
-        {units_header + "holds A 1 a.SHX 1 XYZ\n", "F:2: expected a checksum"},
-        {units_header + "slaves A 1 3\n", "F:2: \"3\" is no grid"},
-        {units_header + "slaves A 1 1x2x3\n", "F:2: \"1x2x3\" is no grid"},
-        {units_header + "\nbox A\n", "F:3: expected slaves NAME"},
-    };
-    for (const auto& [text, message] : units) EXPECT_THAT(damage_of<Units>(text), StartsWith(message)) << text;
-}
-
-TEST(Displays, AreFoundOnTheirLineAlsoAfterAChange) {
-    Displays displays;
-    for (const char16_t* name : {u"A", u"B", u"C"}) {
-        Display display;
-        display.name = name;
-        display.address = u"10.0.0.1";
-        displays.put(display);
-    }
-    const std::u16string line = displays.at(0).line();
-    EXPECT_EQ(displays.first_on_line(line), 0U);
-
-    Display moved = displays.at(0);
-    moved.port = u"COM7";
-    moved.address = u"10.0.0.2";
-    displays.put(moved);
-    EXPECT_EQ(displays.size(), 3U);
-    EXPECT_EQ(displays.first_on_line(line), 1U);
-    EXPECT_EQ(displays.first_on_line(moved.line()), 0U);
-    EXPECT_THAT(displays.at_address(u"10.0.0.1"), ElementsAre(1, 2));
-    EXPECT_THAT(displays.at_address(u"10.0.0.2"), ElementsAre(0));
-
-    moved.address = u"10.0.0.1";
-    displays.put(moved);
-    EXPECT_THAT(displays.at_address(u"10.0.0.1"), ElementsAre(0, 1, 2));
-    EXPECT_THAT(displays.at_address(u"10.0.0.2"), IsEmpty());
 }
 
 TEST(Displays, ShareALineByWhatTheirConnectionUses) {

@@ -9,9 +9,9 @@
 #include "com/com.h"
 #include "platform/native/machine.h"
 #include "simulator/host.h"
-#include "simulator/host_classes.h"
-#include "simulator/late_call.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/class_library.h"
+#include "simulator/automation.h"
+#include "simulator/native/native_machine.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
@@ -41,10 +41,25 @@ protected:
     test::TemporaryFolder folder_;
     std::ostringstream out_;
     Trace trace_{out_, false};
-    NativeComputer computer_;
-    Host host_{trace_, computer_};
+    NativeMachine machine_;
+    Host host_{trace_, machine_};
     std::optional<HostClasses> classes_;
 };
+
+/// A text by reference; its owner.
+class Text {
+public:
+    explicit Text(std::u16string_view text) : text_(text) {}
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    operator com::Variant() const { return com::Variant::text_reference(text_.put_reference()); }
+
+private:
+    mutable com::Bstr text_;
+};
+
+inline void put(IDispatch& object, const std::u16string& name, const com::Variant& value) {
+    call_late(object, name, {value}, DISPATCH_PROPERTYPUT);
+}
 
 /// The text of a result.
 inline std::u16string text_of(const com::Variant& value) {

@@ -1,7 +1,9 @@
 // The simulated host's class library, called late as any client calls it.
 #include <gtest/gtest.h>
 
-#include "simulator/class_library.h"
+#include "core/unicode.h"
+
+#include "simulator/controls.h"
 #include "tests/shared/error_of.h"
 #include "tests/simulator/host_fixture.h"
 
@@ -11,10 +13,10 @@ namespace {
 class ObjectsTest : public HostFixture {
 protected:
     static com::Variant open(IDispatch& list) {
-        return call_late(list, u"OpenDisplayFile", {com::Variant::text(u"Displays.dat")});
+        return call_late(list, u"OpenDisplayFile", {Text(u"Displays.dat")});
     }
     static std::int32_t find(IDispatch& list, std::u16string_view name) {
-        return call_late(list, u"FindDisplay", {com::Variant::text(name)}).get().lVal;
+        return call_late(list, u"FindDisplay", {Text(name)}).get().lVal;
     }
     static void select(IDispatch& list, std::int32_t handle) {
         call_late(list, u"SelectDisplay", {com::Variant::int32(handle)});
@@ -37,11 +39,6 @@ TEST_F(ObjectsTest, DisplayListMakesOneDisplayCurrent) {
     // What is not known leaves the current one as it is.
     for (const std::int32_t handle : {find(*list, u"b"), 0, -1, 3, 1 << 30}) select(*list, handle);
     EXPECT_EQ(name(*list), u"B");
-    // Names come by reference, too, and stay as they were.
-    com::Bstr text(u"A");
-    const auto handle = call_late(*list, u"FindDisplay", {com::Variant::text_reference(text.put_reference())});
-    EXPECT_EQ(handle.get().lVal, 1);
-    EXPECT_EQ(text.str(), u"A");
 }
 
 TEST_F(ObjectsTest, AreNotAggregated) {
@@ -56,7 +53,7 @@ TEST_F(ObjectsTest, DisplayFileThatIsMissingOrDamagedLeavesTheOpenOne) {
     add_display(u"A");
     const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
     open(*list);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"OpenDisplayFile", {com::Variant::text(u"Other.dat")}); }), 53);
+    EXPECT_EQ(test::error_of([&] { call_late(*list, u"OpenDisplayFile", {Text(u"Other.dat")}); }), 53);
     folder_.write("Displays.dat", "# Brivola displays, version 1\ndisplay A prot=1\n");
     EXPECT_EQ(test::error_of([&] { open(*list); }), 321);
     EXPECT_EQ(name(*list), u"A");
@@ -65,12 +62,7 @@ TEST_F(ObjectsTest, DisplayFileThatIsMissingOrDamagedLeavesTheOpenOne) {
 TEST_F(ObjectsTest, WrongCallsGetTheUsualErrors) {
     const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
     EXPECT_EQ(test::error_of([&] { call_late(*list, u"NoSuchMember"); }), kMemberNotSupported);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"FindDisplay"); }), kWrongArgumentCount);
     EXPECT_EQ(test::error_of([&] { call_late(*list, u"ComPort", {com::Variant::int16(1)}); }), kWrongArgumentCount);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"SelectDisplay", {com::Variant::text(u"one")}); }), kTypeMismatch);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"SelectDisplay", {com::Variant::real(1e12)}); }), kOverflow);
-    // Arguments are converted where they can be.
-    call_late(*list, u"SelectDisplay", {com::Variant::text(u"1")});
     const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
     // Its settings are write-only.
     EXPECT_EQ(test::error_of([&] { call_late(*connection, u"ComPort"); }), kMemberNotSupported);
@@ -86,7 +78,82 @@ TEST_F(ObjectsTest, WrongCallsGetTheUsualErrors) {
               DISP_E_UNKNOWNINTERFACE);
     EXPECT_EQ(list->Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr),
               DISP_E_MEMBERNOTFOUND);
+    ASSERT_EQ(connection->GetIDsOfNames(IID_NULL, names, 1, 0, ids), S_OK);
+    EXPECT_EQ(connection->Invoke(ids[0], IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr),
+              DISP_E_PARAMNOTFOUND) << "the value is a named argument";
     EXPECT_EQ(list->Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr), S_OK);
+}
+
+/// Nothing is converted: an argument is of the declared kind, or it is refused with its place.
+TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {
+    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
+    const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
+    const auto control = create_object(u"vexDTCon4.vexDispTrans");
+    const auto finder = create_object(u"vexLantronixControls2.vexLANBoxFinder2");
+    const Text by_reference(u"D:\\a");
+    const auto text = com::Variant::text(u"D:\\a");
+    const auto word = com::Variant::int16(1);
+    const auto number = com::Variant::int32(1);
+    const auto real = com::Variant::real(1);
+    const struct {
+        IDispatch* object;
+        std::u16string member;
+        std::initializer_list<com::Variant> arguments;
+        const char16_t* wrong;
+        WORD flags = DISPATCH_METHOD;
+    } cases[] = {
+        {list.get(), u"OpenDisplayFile", {text}, u"argument 1 is text, not text by reference"},
+        {list.get(), u"FindDisplay", {text}, u"argument 1 is text, not text by reference"},
+        {list.get(), u"FindDisplay", {}, u"argument 1 is missing, not text by reference"},
+        {list.get(), u"SelectDisplay", {word}, u"argument 1 is I2, not I4"},
+        {list.get(), u"SelectDisplay", {text}, u"argument 1 is text, not I4"},
+        {connection.get(), u"SignID", {number}, u"argument 1 is I4, not I2", DISPATCH_PROPERTYPUT},
+        {connection.get(), u"ComPort", {by_reference}, u"argument 1 is text by reference, not text",
+         DISPATCH_PROPERTYPUT},
+        {control.get(), u"OpenConnection", {com::Variant::object(connection.get())},
+         u"argument 1 is object, not object by reference"},
+        {control.get(), u"OpenConnection", {com::Variant::object_reference(nullptr)},
+         u"argument 1 is object by reference, not object by reference"},
+        {control.get(), u"SignID", {number}, u"argument 1 is I4, not I2", DISPATCH_PROPERTYPUT},
+        {control.get(), u"DownloadFirmware", {text}, u"argument 1 is text, not text by reference"},
+        {control.get(), u"DownloadFirmwareWithLoader", {by_reference}, u"argument 2 is missing, not text"},
+        {control.get(), u"DownloadFirmwareWithLoader", {by_reference, by_reference},
+         u"argument 2 is text by reference, not text"},
+        {control.get(), u"DownloadFirmwareWithLoader", {text, text}, u"argument 1 is text, not text by reference"},
+        {finder.get(), u"SearchTimeout", {number}, u"argument 1 is I4, not I2", DISPATCH_PROPERTYPUT},
+        {finder.get(), u"FindBoxes", {by_reference, real, real}, u"argument 1 is text by reference, not text"},
+        {finder.get(), u"FindBoxes", {text, word, real}, u"argument 2 is I2, not R8"},
+        {finder.get(), u"FindBoxes", {text, real, number}, u"argument 3 is I4, not R8"},
+    };
+    for (const auto& bad : cases) {
+        try {
+            call_late(*bad.object, bad.member, bad.arguments, bad.flags);
+            ADD_FAILURE() << to_utf8(bad.member);
+        } catch (const RuntimeError& error) {
+            EXPECT_EQ(error.number(), kTypeMismatch);
+            EXPECT_EQ(to_utf8(error.description()), to_utf8(bad.member + u": " + bad.wrong));
+        }
+    }
+}
+
+TEST_F(ObjectsTest, ScriptedErrorsComeInPlaceOfTheCall) {
+    add_display(u"A");
+    add_display(u"B");
+    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
+    open(*list);
+    for (const char16_t* member : {u"FindDisplay", u"ComPort", u"vexLANBoxFinder2", u"SearchTimeout", u"FindBoxes"})
+        host_.links.add_fault({u"B", std::nullopt, parse_operation(member)}, FaultKind::raise);
+    EXPECT_EQ(find(*list, u"A"), 1);
+    EXPECT_EQ(test::error_of([&] { find(*list, u"B"); }), kAutomationError);
+    const auto finder = create_object(u"vexLantronixControls2.vexLANBoxFinder2");
+    select(*list, 2);
+    EXPECT_EQ(test::error_of([&] { call_late(*list, u"ComPort"); }), kAutomationError);
+    EXPECT_EQ(test::error_of([] { create_object(u"vexLantronixControls2.vexLANBoxFinder2"); }), kCannotCreateObject);
+    const auto number = com::Variant::real(1);
+    EXPECT_EQ(test::error_of([&] { call_late(*finder, u"FindBoxes", {com::Variant::text(u"a"), number, number}); }),
+              kAutomationError);
+    EXPECT_EQ(test::error_of([&] { put(*finder, u"SearchTimeout", com::Variant::int16(1)); }),
+              kAutomationError);
 }
 
 }  // namespace

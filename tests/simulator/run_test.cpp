@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <fstream>
 #include <sstream>
 
 #include "platform/private_files.h"
@@ -46,7 +47,7 @@ TEST(Run, ChecksAllExpectationsAndPrintsEach) {
               "a.scn:3: expected cmdNext.Enabled = False, found True\n"
               "a.scn:5: expected SSTab1.Tab = 3, found 0\n"
               "a.scn:6: expected HKLM\\Software\\x y = z, found (none)\n");
-    EXPECT_EQ(outcome.out, "open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n");
+    EXPECT_THAT(outcome.out, EndsWith("open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n"));
 }
 
 TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
@@ -76,7 +77,7 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
         const Outcome outcome = run(std::string("display A\nstart\n") + bad.statement + "\nshow SSTab1.Tab\n");
         EXPECT_EQ(outcome.status, kBadUsage) << bad.statement;
         EXPECT_EQ(outcome.errors, bad.message);
-        EXPECT_EQ(outcome.out, "open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n")
+        EXPECT_THAT(outcome.out, EndsWith("open dlgFirmwareWizard\nclose dlgFirmwareWizard\nreturn StartPlugin\n"))
             << bad.statement;
     }
     EXPECT_EQ(run("click cmdNext").errors, "a.scn:1: no dialog is open\n");
@@ -160,7 +161,26 @@ TEST(Run, NamesTheDamagedLineOfWhatItKept) {
     const test::TemporaryFolder folder;
     run("display A", with_data(folder));
     folder.write("data/Units.dat", "# Brivola units, version 1\nholds A 1 everything\n");
-    EXPECT_EQ(run("units", with_data(folder)).errors, "Units.dat:2: \"everything\" is nothing that a unit holds\n");
+    EXPECT_EQ(run("units", with_data(folder)).errors, (folder.path() / "data/Units.dat").string() +
+                                                          ":2: \"everything\" is nothing that a unit holds\n");
+}
+
+TEST(Run, FailsWhereItsTraceCannotBeWritten) {
+    CommandLine options;
+    options.plugin = VEX_PLUGIN_LIBRARY;
+    std::ofstream full("/dev/full");
+    std::ostringstream errors;
+    EXPECT_EQ(NativeSession(options).play_text("a.scn", "display A\nunits\n", {}, full, errors), kFailed);
+    EXPECT_EQ(errors.str(), "the trace cannot be written\n");
+}
+
+TEST(Run, ReadsNoFileWithoutEnd) {
+    try {
+        read_file("/dev/zero");
+        ADD_FAILURE();
+    } catch (const TextError& error) {
+        EXPECT_STREQ(error.what(), "/dev/zero: is larger than 64 MiB");
+    }
 }
 
 TEST(Run, SaysWhyThereIsNoPlugin) {

@@ -4,13 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <stdexcept>
 
 #include "core/unicode.h"
-#include "simulator/command_line.h"
-#include "simulator/link_script.h"
+#include "simulator/program.h"
+#include "simulator/controls.h"
 #include "simulator/words.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
@@ -19,75 +19,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-/// The first complaint about a scenario; empty: none.
-std::string complaint(const std::string& text, const std::map<std::u16string, std::string>& files = {}) {
-    try {
-        parse_scenario("a.scn", text, [&files](const std::u16string& name) {
-            const auto file = files.find(name);
-            if (file == files.end()) throw std::invalid_argument(to_utf8(name) + ": does not exist");
-            return file->second;
-        });
-    } catch (const TextError& error) {
-        return error.what();
-    }
-    return {};
-}
-
-TEST(Scenario, RefusesWhatIsNoStatement) {
-    const struct {
-        const char* text;
-        const char* message;
-    } cases[] = {
-        {"# fine\n\ndisplay A\nclik cmdNext\n", "a.scn:4: \"clik\" is no statement"},
-        {"display", "a.scn:1: expected display NAME"},
-        {"units now", "a.scn:1: expected units"},
-        {"display A porch=COM1", "a.scn:1: porch=COM1 is no KEY=VALUE"},
-        {"display A connection=x", "a.scn:1: connection=x needs a number"},
-        {"displays 0 Gate", "a.scn:1: \"0\" is no number from 1"},
-        {"unit A 1 slaves=2", "a.scn:1: \"2\" is no grid"},
-        {"unit A one slaves=1x1", "a.scn:1: \"one\" is no display ID"},
-        {"unit A 1 grid=1x1", "a.scn:1: \"grid=1x1\" is neither slaves=YxX nor absent"},
-        {"registry HKXX\\a b sz c", "a.scn:1: \"HKXX\\a\" is no ROOT\\KEY"},
-        {"registry HKLM b sz c", "a.scn:1: \"HKLM\" is no ROOT\\KEY"},
-        {"file C:\\a secret", "a.scn:1: \"secret\" is neither hidden nor folder"},
-        {"fault A 1 Reset fail", "a.scn:1: \"Reset\" is none of OpenConnection"},
-        {"fault A 1 ResetAndClear break", "a.scn:1: \"break\" is neither fail nor raise"},
-        {"fault A 1 ResetAndClear fail at=0", "a.scn:1: \"0\" is no number from 1"},
-        {"fault A 1 ResetAndClear fail once", "a.scn:1: \"once\" is not at=N"},
-        {"fault A 1 SignID fail", "a.scn:1: \"fail\" is no answer of SignID"},
-        {"say A 1 ResetAndClear", "a.scn:1: expected say NAME"},
-        {"say A 1 ResetAndClear x cmdCancel y", "a.scn:1: \"y\" is not at=N"},
-        {"during A 1 ResetAndClear x clik cmdCancel", "a.scn:1: \"clik\" is no statement"},
-        {"during A 1 ResetAndClear x during A 1 ResetAndClear y close", "a.scn:1: \"during\" is no statement for"},
-        {"answer phone yes", "a.scn:1: \"phone\" is none of picker, openfile, msgbox"},
-        {"answer msgbox maybe", "a.scn:1: \"maybe\" is none of yes, no, ok"},
-        {"start window", "a.scn:1: \"window\" is not frame"},
-        {"press picNavTree 1 2.5x", "a.scn:1: \"2.5x\" is no number of twips"},
-        {"press picNavTree 1 2 middle", "a.scn:1: \"middle\" is neither left nor right"},
-        {"retry 0", "a.scn:1: \"0\" is no number from 1"},
-        {"show cmdNext", "a.scn:1: \"cmdNext\" is no CONTROL.PROPERTY"},
-        {"show .Caption", "a.scn:1: \".Caption\" is no CONTROL.PROPERTY"},
-        {"expect cmdNext.Enabled", "a.scn:1: expected expect CONTROL.PROPERTY"},
-        {"say \"A 1 ResetAndClear x", "a.scn:1: a quote is not closed"},
-        {"include", "a.scn:1: expected include FILE"},
-    };
-    for (const auto& bad : cases) EXPECT_THAT(complaint(bad.text), StartsWith(bad.message)) << bad.text;
-}
-
-TEST(Scenario, NamesThePlaceInAnIncludedFile) {
-    EXPECT_EQ(complaint("include b.scn", {{u"b.scn", "display A"}}), "");
-    EXPECT_THAT(complaint("\ninclude b.scn", {{u"b.scn", "display A\nunits 1"}}),
-                StartsWith("b.scn:2: expected units"));
-    EXPECT_EQ(complaint("\ninclude b.scn"), "a.scn:2: b.scn: does not exist");
-    EXPECT_THAT(complaint("include b.scn", {{u"b.scn", "include b.scn"}}),
-                StartsWith("b.scn:1: files include each other too deeply"));
-}
-
 TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
     const Scenario scenario = parse_scenario("a",
                                              "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
-                                             "expect lstv.Row1.ForeColor 0",
-                                             {});
+                                             "expect lstv.Row1.ForeColor 0");
     ASSERT_EQ(scenario.statements.size(), 5U);
     EXPECT_EQ(scenario.statements[0].control, u"cmdNext");
     EXPECT_EQ(scenario.statements[1].control, u"");
@@ -109,15 +44,6 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
     EXPECT_TRUE(command_line({"run", "--help"}).help);
 }
 
-TEST(CommandLine, RefusesTheRest) {
-    const std::vector<std::string> lines[] = {
-        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"run", "a.scn", "--loud"}, {"run", "run", "a"},
-        {""}};
-    for (const std::vector<std::string>& words : lines) {
-        EXPECT_THROW(command_line(words), std::invalid_argument);
-    }
-}
-
 // ---- Words
 
 TEST(SplitWords, QuotesAndComments) {
@@ -129,14 +55,6 @@ TEST(SplitWords, QuotesAndComments) {
     EXPECT_THAT(split_words(u"\"say \"\"no\"\"\" \"\" \"\"\"\""), ElementsAre(u"say \"no\"", u"", u"\""));
     // Quotes may begin in the middle of a word, as values do.
     EXPECT_THAT(split_words(u"type=\"a b\" phone=\"\" x\"y\"z"), ElementsAre(u"type=a b", u"phone=", u"xyz"));
-}
-
-TEST(SplitWords, RefusesWhatCouldNotBeWrittenBack) {
-    EXPECT_THROW(split_words(u"a \x1B[2J"), std::invalid_argument);
-    EXPECT_THROW(split_words(u"\"a\rb\""), std::invalid_argument);
-    EXPECT_THROW(split_words(std::u16string_view(u"a\0b", 3)), std::invalid_argument);
-    EXPECT_THROW(split_words(u"a \"b"), std::invalid_argument);
-    EXPECT_THROW(split_words(u"\"a\"\""), std::invalid_argument);
 }
 
 TEST(AsWord, IsReadBack) {
@@ -158,8 +76,8 @@ TEST(ParseNumber, TakesTheWholeWordAndTheRange) {
 }
 
 TEST(SplitLines, TakesEitherEndAndAByteOrderMark) {
-    EXPECT_THAT(split_lines("\xEF\xBB\xBFone\r\ntwo\n\nfour"), ElementsAre(u"one", u"two", u"", u"four"));
-    EXPECT_THAT(split_lines(""), IsEmpty());
+    EXPECT_THAT(split_lines("a", "\xEF\xBB\xBFone\r\ntwo\n\nfour"), ElementsAre(u"one", u"two", u"", u"four"));
+    EXPECT_THAT(split_lines("a", ""), IsEmpty());
 }
 
 // ---- Which calls a fault or a message is about
@@ -179,26 +97,6 @@ TEST(LinkScript, MatchesDisplayUnitMemberAndCount) {
                                                 {{u"", -5, Operation::PrepareForFirmware}, FaultKind::raise},
                                                 {{u"A", 1, Operation::PrepareForFirmware}, FaultKind::raise}};
     for (const auto& [call, fault] : calls) EXPECT_EQ(script.next(call).fault, fault);
-}
-
-TEST(LinkScript, KeepsTheOrderOfMessagesAndTheFirstFault) {
-    LinkScript script;
-    script.add_message({u"A", 1, Operation::ResetAndClear}, {u"one", {}});
-    script.add_message({{}, {}, Operation::ResetAndClear}, {u"two", {}});
-    script.add_fault({u"A", 1, Operation::ResetAndClear}, FaultKind::raise);
-    script.add_fault({u"A", 1, Operation::ResetAndClear, 1}, FaultKind::fail);
-    const ScriptedCall call = script.next(kReset);
-    ASSERT_EQ(call.messages.size(), 2U);
-    EXPECT_EQ(call.messages[0].text, u"one");
-    EXPECT_EQ(call.messages[1].text, u"two");
-    EXPECT_EQ(call.fault, FaultKind::raise);
-}
-
-TEST(LinkScript, KnowsTheMembersByName) {
-    for (const auto operation : {Operation::OpenConnection, Operation::SignID, Operation::CancelTransmission}) {
-        EXPECT_EQ(parse_operation(name_of(operation)), operation);
-    }
-    EXPECT_THROW(parse_operation(u"resetandclear"), std::invalid_argument);
 }
 
 }  // namespace

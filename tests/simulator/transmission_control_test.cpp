@@ -7,9 +7,9 @@
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "simulator/event_point.h"
+#include "simulator/automation.h"
 #include "simulator/firmware_image.h"
-#include "simulator/host_identities.h"
+#include "simulator/class_library.h"
 #include "tests/shared/late_object.h"
 #include "tests/simulator/host_fixture.h"
 
@@ -62,24 +62,15 @@ protected:
         put(*connection, u"ComPort", com::Variant::text(port));
         put(*connection, u"ComBaud", com::Variant::text(u"9600"));
         put(*connection, u"SignID", com::Variant::int16(id));
-        return is_true(call_late(*control_, u"OpenConnection", {com::Variant::object(connection.get())}));
-    }
-
-    static void put(IDispatch& object, std::u16string name, com::Variant value) {
-        DISPID member = DISPID_UNKNOWN;
-        auto* text = const_cast<OLECHAR*>(com::ole_text(name));
-        ASSERT_EQ(object.GetIDsOfNames(IID_NULL, &text, 1, 0, &member), S_OK);
-        DISPID named = DISPID_PROPERTYPUT;
-        DISPPARAMS parameters = {&value.get(), &named, 1, 1};
-        EXPECT_EQ(object.Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr, nullptr),
-                  S_OK);
+        IDispatch* place = connection.get();
+        return is_true(call_late(*control_, u"OpenConnection", {com::Variant::object_reference(&place)}));
     }
 
     void select(std::int16_t id) { put(*control_, u"SignID", com::Variant::int16(id)); }
     bool call(std::u16string name) { return is_true(call_late(*control_, name)); }
     bool download() {
         folder_.write("drive_d/a.SHX", make_motorola_image(100));
-        return is_true(call_late(*control_, u"DownloadFirmware", {com::Variant::text(u"D:\\a.SHX")}));
+        return is_true(call_late(*control_, u"DownloadFirmware", {Text(u"D:\\a.SHX")}));
     }
     std::string held(std::int16_t id) { return to_utf8(describe(host_.units.content(u"A", id))); }
 
@@ -107,15 +98,23 @@ TEST_F(TransmissionControlTest, WorksOnAnOpenConnectionOnly) {
 
 TEST_F(TransmissionControlTest, TakesNothingButItsOwnConnectionSettings) {
     const auto other = create_object(u"vexBrivolaClasses4.HostSignInfo");
-    for (const com::Variant& settings :
-         {com::Variant::object(other.get()), com::Variant::object(nullptr), com::Variant::text(u"COM1")}) {
-        EXPECT_THROW(call_late(*control_, u"OpenConnection", {settings}), RuntimeError);
-    }
-    // By reference, the caller keeps his object.
+    IDispatch* place = nullptr;
+    const auto give = [&](IDispatch* settings) {
+        place = settings;
+        return is_true(call_late(*control_, u"OpenConnection", {com::Variant::object_reference(&place)}));
+    };
+    EXPECT_THROW(give(other.get()), RuntimeError);
+    EXPECT_THROW(give(nullptr), RuntimeError);
+    // The caller keeps his object, unless the control puts another one there, which is his then.
     const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
-    IDispatch* place = connection.get();
-    EXPECT_FALSE(is_true(call_late(*control_, u"OpenConnection", {com::Variant::object_reference(&place)})));
+    EXPECT_FALSE(give(connection.get()));
     EXPECT_EQ(place, connection.get());
+    put(*connection, u"ComPort", com::Variant::text(u"COM1"));
+    put(*connection, u"ComBaud", com::Variant::text(u"9600"));
+    put(*connection, u"ConnectionType", com::Variant::int16(1));
+    host_.links.add_fault({{}, {}, Operation::OpenConnection}, FaultKind::replace);
+    EXPECT_TRUE(give(com::ComPtr<IDispatch>(connection).detach()));
+    EXPECT_NE(com::ComPtr<IDispatch>::adopt(place).get(), connection.get());
 }
 
 TEST_F(TransmissionControlTest, AddressesTheSelectedUnit) {
@@ -134,16 +133,25 @@ TEST_F(TransmissionControlTest, LeavesAUnitAsItWasWhenItCannotTakeTheFile) {
     ASSERT_TRUE(open());
     folder_.write("drive_d/bad.SHX", "Dear customer,\n");
     const auto load = [&](const char16_t* file) {
-        return is_true(call_late(*control_, u"DownloadFirmware", {com::Variant::text(file)}));
+        return is_true(call_late(*control_, u"DownloadFirmware", {Text(file)}));
     };
     EXPECT_FALSE(load(u"D:\\bad.SHX"));
     EXPECT_EQ(heard, "D:\\bad.SHX, line 1: no S-record");
     EXPECT_FALSE(load(u"D:\\missing.SHX"));
     EXPECT_EQ(heard, "D:\\missing.SHX is no file that can be read");
     folder_.write("drive_d/empty.bin", "");
-    const auto empty = com::Variant::text(u"D:\\empty.bin");
-    EXPECT_FALSE(is_true(call_late(*control_, u"DownloadFirmwareWithLoader", {empty, empty})));
+    folder_.write("drive_d/good.bin", "content");
+    folder_.write("drive_d/loader.bin", make_loader_image(LoaderKind::line));
+    const auto load_with = [&](const char16_t* file, const char16_t* loader) {
+        return is_true(
+            call_late(*control_, u"DownloadFirmwareWithLoader", {Text(file), com::Variant::text(loader)}));
+    };
+    EXPECT_FALSE(load_with(u"D:\\empty.bin", u"D:\\loader.bin"));
+    EXPECT_FALSE(load_with(u"D:\\good.bin", u"D:\\empty.bin"));
+    EXPECT_FALSE(load_with(u"D:\\good.bin", u"D:\\good.bin"));
+    EXPECT_EQ(heard, "D:\\good.bin, byte 6: no flash loader");
     EXPECT_EQ(held(1), "as delivered");
+    EXPECT_TRUE(load_with(u"D:\\good.bin", u"D:\\loader.bin"));
 }
 
 TEST_F(TransmissionControlTest, MeansTheDisplayThatWasAskedAboutOnASharedLine) {
@@ -162,25 +170,24 @@ TEST_F(TransmissionControlTest, MeansTheDisplayThatWasAskedAboutOnASharedLine) {
     EXPECT_EQ(held(1), "empty");
 }
 
-TEST_F(TransmissionControlTest, TellsProgressEveryFewPerCent) {
+TEST_F(TransmissionControlTest, TellsItsProgressInQuarters) {
     std::vector<std::string> heard;
     listen([&](const std::u16string& text) { heard.push_back(to_utf8(text)); });
     ASSERT_TRUE(open());
     EXPECT_TRUE(download());
-    ASSERT_EQ(heard.size(), 20U);
-    EXPECT_EQ(heard.front(), "Unit 1: 5 % of a.SHX");
-    EXPECT_EQ(heard.back(), "Unit 1: 100 % of a.SHX");
+    EXPECT_THAT(heard, ElementsAre("Unit 1: 25 % of a.SHX", "Unit 1: 50 % of a.SHX", "Unit 1: 75 % of a.SHX",
+                                   "Unit 1: 100 % of a.SHX"));
     point_->Unadvise(cookie_);
     EXPECT_EQ(point_->Unadvise(cookie_), CONNECT_E_NOCONNECTION);
     EXPECT_TRUE(call(u"ResetAndClear"));
-    EXPECT_EQ(heard.size(), 20U);
+    EXPECT_EQ(heard.size(), 4U);
 }
 
 /// At each message of a download in turn: cancelled, or its connection closed, it ends false at once, and the
 /// unit holds nothing usable.
 TEST_F(TransmissionControlTest, StopsWhereverItIsInterrupted) {
     for (const std::u16string member : {u"CancelTransmission", u"CloseConnection"}) {
-        for (int moment = 1; moment <= 20; ++moment) {
+        for (int moment = 1; moment <= 4; ++moment) {
             int heard = 0;
             listen([&](const std::u16string&) {
                 if (++heard == moment) call_late(*control_, member);

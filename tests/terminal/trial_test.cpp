@@ -11,10 +11,9 @@
 #include "simulator/display_picker.h"
 #include "simulator/native/host_line.h"
 #include "simulator/native/icon_characters.h"
-#include "simulator/native/native_computer.h"
+#include "simulator/native/native_machine.h"
 #include "simulator/pace.h"
 #include "simulator/run_progress.h"
-#include "simulator/unit_table.h"
 #include "tests/terminal/fake_screen.h"
 #include "tests/terminal/terminal_process.h"
 
@@ -121,7 +120,7 @@ protected:
 
     std::ostream nowhere{nullptr};
     Trace trace{nowhere, true};
-    NativeComputer computer;
+    NativeMachine computer;
     Host host{trace, computer};
     RunProgress progress{host};
 };

@@ -2,6 +2,7 @@
 #include <deque>
 #include <utility>
 
+#include "core/unicode.h"
 #include "platform/native/terminal/terminal_toolkit.h"
 #include "platform/native/terminal/text.h"
 #include "simulator/native/native_screen.h"
@@ -26,9 +27,9 @@ private:
         explicit WatchedToolkit(TerminalSide& side) : TerminalToolkit(side), side_(side) {}
         void run_modal(forms::Form& shown, forms::Form* owner) override {
             const bool own = shown.name() == "MessageBox" || shown.name() == "Menu";
-            if (!own) side_.user_->dialog_opened(shown.name());
+            if (!own) side_.user_->form_opened(from_utf8(shown.name()));
             TerminalToolkit::run_modal(shown, owner);
-            if (!own) side_.user_->dialog_closed(shown.name());
+            if (!own) side_.user_->form_closed(from_utf8(shown.name()));
         }
 
     private:
@@ -39,20 +40,19 @@ private:
 
     void set_user(sim::ScreenUser* user) noexcept override { user_ = user; }
     bool any_dialog() const noexcept override { return toolkit_.top() != nullptr; }
-    bool has_control(const std::u16string& name) const override { return form().find(to_utf8(to_utf32(name))); }
     forms::Form& form() const override {
         if (toolkit_.top() == nullptr) throw std::invalid_argument("no dialog is open");
         return *toolkit_.top();
     }
     ActionResult click(const std::u16string& name) override {
-        const PlacedControl* placed = find(control(name));
+        const PlacedControl* placed = placed_on_screen(control(name));
         if (placed == nullptr) return ActionResult::not_possible;
         const bool enabled = placed->control->enabled();
         press_at({placed->cells.left + 1, placed->cells.top}, forms::MouseButton::left);
         return enabled ? ActionResult::done : ActionResult::not_possible;
     }
     ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
-        const PlacedControl* placed = find(control(name));
+        const PlacedControl* placed = placed_on_screen(control(name));
         if (placed == nullptr) return ActionResult::not_possible;
         const Scale scale = scale_for(size());
         press_at({placed->cells.left + static_cast<int>(x) / scale.column,
@@ -84,7 +84,7 @@ private:
     void close() override { press_at({toolkit_.top_window().picture().size().columns - 4, 0}, forms::MouseButton::left); }
 
     /// On the screen as it is drawn now.
-    const PlacedControl* find(const forms::Control& wanted) {
+    const PlacedControl* placed_on_screen(const forms::Control& wanted) {
         toolkit_.pump_messages();
         for (const PlacedControl& placed : toolkit_.top_window().controls()) {
             if (placed.control == &wanted) return &placed;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/unicode.h"
 #include "simulator/screen.h"
 
 namespace vex::test {
@@ -31,8 +32,8 @@ public:
     std::size_t actions_left() const noexcept { return actions_.size(); }
 
 private:
-    void dialog_opened(const std::string& name) noexcept override { dialogs.push_back("open " + name); }
-    void dialog_closed(const std::string& name) noexcept override { dialogs.push_back("close " + name); }
+    void form_opened(const std::u16string& name) noexcept override { dialogs.push_back("open " + to_utf8(name)); }
+    void form_closed(const std::u16string& name) noexcept override { dialogs.push_back("close " + to_utf8(name)); }
     bool act() noexcept override {
         if (actions_.empty()) return false;
         const auto action = std::move(actions_.front());

@@ -10,8 +10,8 @@
 #include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
 #include "simulator/private_folder.h"
-#include "simulator/run.h"
-#include "simulator/win32/win32_computer.h"
+#include "simulator/session.h"
+#include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
 #include "simulator/win32/window_reader.h"
 #include "tests/toolkit/test_user.h"
@@ -33,10 +33,10 @@ protected:
     /// A host with the plug-in loaded, for the time of the work.
     void run(const std::function<void(sim::Host& host, sim::PluginHost& plugin)>& work) {
         const sim::PrivateFolder folder;
-        sim::Win32Computer computer(kPlugin, folder.path(), false);
+        sim::Win32Machine machine(kPlugin, folder.path(), false);
         const auto library = std::filesystem::path(platform::win32::module_path()).parent_path() / kPlugin;
         std::ostringstream trace;
-        const auto status = sim::run_host(computer, {.data = folder.path(), .plugin_library = library, .scenario = {}},
+        const auto status = sim::run_host(machine, {.data = folder.path(), .plugin_library = library, .scenario = {}},
                                           true, trace, trace, [&work](sim::Host& host, sim::PluginHost& plugin) {
                                               work(host, plugin);
                                               return sim::kPassed;

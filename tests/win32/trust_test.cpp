@@ -5,7 +5,7 @@
 #include "platform/win32/windows_api.h"
 #include "simulator/private_folder.h"
 #include "simulator/win32/program.h"
-#include "simulator/win32/win32_computer.h"
+#include "simulator/win32/win32_machine.h"
 
 namespace vex::platform::win32 {
 namespace {
@@ -30,9 +30,9 @@ TEST(PrivateDrives, NoPathLeavesTheirFolder) {
     // The computer stands in for what the program itself uses.
     registry();
     const sim::PrivateFolder folder;
-    sim::Win32Computer computer(u"", folder.path(), false);
+    sim::Win32Machine machine(u"", folder.path(), false);
     for (const char16_t* path : {u"C:\\..\\..\\x", u"C:..\\x", u"c:/../a/../../x", u"C:\\\\x"}) {
-        EXPECT_EQ(computer.real_path(path), folder.path() / "drive_c" / "x");
+        EXPECT_EQ(machine.real_path(path), folder.path() / "drive_c" / "x");
     }
 }
 

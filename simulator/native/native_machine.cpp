@@ -1,5 +1,5 @@
-// The simulated computer of the native side, as the simulated host needs it.
-#include "simulator/native/native_computer.h"
+// The simulated machine of the native side, as the simulated host needs it.
+#include "simulator/native/native_machine.h"
 
 #include <stdexcept>
 
@@ -15,15 +15,15 @@ constexpr char16_t kRealDrive = u'Z';
 
 }  // namespace
 
-platform::Registry& NativeComputer::registry() { return platform::native::registry(); }
+platform::Registry& NativeMachine::registry() { return platform::native::registry(); }
 
-const platform::CodePage& NativeComputer::code_page() { return platform::native::code_page(); }
+const platform::CodePage& NativeMachine::code_page() { return platform::native::code_page(); }
 
-std::filesystem::path NativeComputer::real_path(const std::u16string& path) {
+std::filesystem::path NativeMachine::real_path(const std::u16string& path) {
     return platform::native::real_path(path);
 }
 
-std::filesystem::path NativeComputer::writable_path(const std::u16string& path) {
+std::filesystem::path NativeMachine::writable_path(const std::u16string& path) {
     const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
     if (path.size() < 4 || drive < u'A' || drive >= kRealDrive || path[1] != u':' || path[2] != u'\\') {
         throw std::invalid_argument("\"" + to_utf8(path) + "\" is no path on a drive of A: to Y:");
@@ -33,9 +33,9 @@ std::filesystem::path NativeComputer::writable_path(const std::u16string& path) 
     return real_path(path);
 }
 
-void NativeComputer::hide(const std::u16string& path) { platform::native::set_hidden(path, true); }
+void NativeMachine::hide(const std::u16string& path) { platform::native::set_hidden(path, true); }
 
-void NativeComputer::on_program_started(std::function<void(const std::u16string&)> listener) {
+void NativeMachine::on_program_started(std::function<void(const std::u16string&)> listener) {
     platform::native::on_program_started(std::move(listener));
 }
 

@@ -1,11 +1,11 @@
-// The computer of the Windows side: a computer of the run's own inside the real one. What the plug-in finds on drives
+// The machine of the Windows side: a machine of the run's own inside the real one. What the plug-in finds on drives
 // and in the registry, and the programs that it starts.
 #pragma once
 
 #include <vector>
 
 #include "platform/win32/windows_api.h"
-#include "simulator/computer.h"
+#include "simulator/host.h"
 #include "simulator/win32/import_hook.h"
 
 namespace vex::sim {
@@ -14,16 +14,16 @@ using OwnedKey = platform::win32::Owned<HKEY, RegCloseKey>;
 
 /// Only this module and the plug-in see the run's drives and branches: the rest of the process, the system's own
 /// libraries first of all, must find what it needs.
-class Win32Computer final : public Computer {
+class Win32Machine final : public Machine {
 public:
     /// `module`: the file name of the plug-in's library. Drive C: is `folder`\drive_c and so on. The machine and user
     /// branches of the registry, as far as the narrow-character functions go, are those of a private key, which is
-    /// removed in the end unless `keep`; then it belongs to `folder`, and is there again for the next computer of that
+    /// removed in the end unless `keep`; then it belongs to `folder`, and is there again for the next machine of that
     /// folder. Raises `RuntimeError`.
-    Win32Computer(std::u16string module, std::filesystem::path folder, bool keep);
-    Win32Computer(const Win32Computer&) = delete;
-    Win32Computer& operator=(const Win32Computer&) = delete;
-    ~Win32Computer() override;
+    Win32Machine(std::u16string module, std::filesystem::path folder, bool keep);
+    Win32Machine(const Win32Machine&) = delete;
+    Win32Machine& operator=(const Win32Machine&) = delete;
+    ~Win32Machine() override;
 
     platform::Registry& registry() override;
     const platform::CodePage& code_page() override;
@@ -52,7 +52,7 @@ private:
     static HKEY own(HKEY key) noexcept;
     static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks);
 
-    static Win32Computer* current_;
+    static Win32Machine* current_;
 
     std::u16string module_;
     std::filesystem::path folder_;

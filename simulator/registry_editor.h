@@ -29,9 +29,9 @@ struct RegistryValue {
     std::vector<std::uint8_t> bytes;
 };
 
-class RegistryStore {
+class RegistryEditor {
 public:
-    RegistryStore(platform::Registry& registry, const platform::CodePage& code_page) noexcept
+    RegistryEditor(platform::Registry& registry, const platform::CodePage& code_page) noexcept
         : registry_(registry), code_page_(code_page) {}
 
     /// The bytes of a value: TYPE sz, expand_sz, multi_sz ("\0" between), dword (decimal), binary (hex).

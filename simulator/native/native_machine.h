@@ -1,12 +1,12 @@
-// The simulated computer of the native side, as the simulated host needs it.
+// The simulated machine of the native side, as the simulated host needs it.
 #pragma once
 
-#include "simulator/computer.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
-/// Over the process's one simulated computer, which must be in its folder already.
-class NativeComputer final : public Computer {
+/// Over the process's one simulated machine, which must be in its folder already.
+class NativeMachine final : public Machine {
 public:
     platform::Registry& registry() override;
     const platform::CodePage& code_page() override;

@@ -1,10 +1,14 @@
-// The simulated host's transmission control.
-#include "simulator/transmission_control.h"
+// The simulated host's two controls.
+#include "simulator/controls.h"
+
+#include <algorithm>
+#include <cmath>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/firmware_image.h"
 #include "simulator/screen.h"
+#include "simulator/words.h"
 #include "support/text.h"
 
 namespace vex::sim {
@@ -12,13 +16,14 @@ namespace {
 
 constexpr std::u16string_view kName = u"vexDispTrans1";
 
-/// A download tells its progress this often.
+/// A download goes over the link in parts of this size, and the control says how far it is at each quarter.
 constexpr int kPercentStep = 5;
+constexpr int kPercentSaid = 25;
 /// Where the script's messages and faults come in a download: the unit holds half a program then.
 constexpr int kScriptedPercent = 50;
 
 std::u16string shown_call(Operation operation) {
-    return std::u16string(u"call ").append(kName).append(u".").append(name_of(operation));
+    return std::u16string(u"call ").append(kName).append(u".").append(operation.name);
 }
 
 /// Marks an operation as in progress.
@@ -36,6 +41,9 @@ private:
     bool& busy_;
 };
 
+constexpr std::u16string_view kFinderName = u"FindXPort";
+constexpr double kHighestHost = 255;
+
 }  // namespace
 
 std::span<const Member<TransmissionControl>> TransmissionControl::members() noexcept {
@@ -44,34 +52,32 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
         {u"OpenConnection",
          dispatch_id(0x60030065),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) { return control.open_connection(arguments); },
-         {VT_DISPATCH}},
+         [](Control& control, const CallArguments& arguments) { return control.open_connection(arguments); },
+         {kObjectReference}},
         {u"CloseConnection", dispatch_id(0x60030066), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.close_connection(); }},
+         [](Control& control, const CallArguments&) { return control.close_connection(); }},
         {u"DownloadFirmware",
          dispatch_id(0x60030067),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) { return control.download_firmware(arguments.text(0)); },
-         {VT_BSTR}},
+         [](Control& control, const CallArguments& arguments) { return control.download_firmware(arguments); },
+         {kTextReference}},
         {u"ResetAndClear", dispatch_id(0x60030068), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.reset_and_clear(); }},
+         [](Control& control, const CallArguments&) { return control.reset_and_clear(); }},
         {u"CancelTransmission", dispatch_id(0x60030069), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.cancel_transmission(); }},
+         [](Control& control, const CallArguments&) { return control.cancel_transmission(); }},
         {u"PrepareForFirmware", dispatch_id(0x6003004E), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.prepare_for_firmware(); }},
+         [](Control& control, const CallArguments&) { return control.prepare_for_firmware(); }},
         {u"GetSignInfo", dispatch_id(0x60030053), DISPATCH_METHOD,
-         [](Control& control, const Arguments&) { return control.get_sign_info(); }},
+         [](Control& control, const CallArguments&) { return control.get_sign_info(); }},
         {u"DownloadFirmwareWithLoader",
          dispatch_id(0x600300B2),
          DISPATCH_METHOD,
-         [](Control& control, const Arguments& arguments) {
-             return control.download_firmware_with_loader(arguments.text(0), arguments.text(1));
-         },
-         {VT_BSTR, VT_BSTR}},
+         [](Control& control, const CallArguments& arguments) { return control.download_firmware_with_loader(arguments); },
+         {kTextReference, VT_BSTR}},
         {u"SignID",
          dispatch_id(0x68030001),
          DISPATCH_PROPERTYPUT,
-         [](Control& control, const Arguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
+         [](Control& control, const CallArguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
          {VT_I2}},
     };
     return kMembers;
@@ -79,9 +85,10 @@ std::span<const Member<TransmissionControl>> TransmissionControl::members() noex
 
 // ---- The connection -----------------------------------------------------------------------------------
 
-com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
-    const auto object = com::ComPtr<IDispatch>(arguments.object(0)).query<IConnectionSettings>();
-    if (!object) throw RuntimeError(kTypeMismatch);
+com::Variant TransmissionControl::open_connection(const CallArguments& arguments) {
+    IDispatch** const place = arguments.object_place(0);
+    const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
+    if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
     const ConnectionSettings settings = object->settings();
     const std::int16_t id = settings.sign_id.value_or(0);
     const auto answering = host_.display_on_line(settings.line());
@@ -95,27 +102,29 @@ com::Variant TransmissionControl::open_connection(const Arguments& arguments) {
         if (!goes_on(scripted, call.operation)) return false;
         if (!answering) return refuse(u"No display answers");
         display_ = answering;
+        if (scripted.fault == FaultKind::replace)
+            com::ComPtr<IDispatch>::adopt(std::exchange(*place, com::make_object<ConnectionObject>(host_, settings).detach()));
         return true;
     });
 }
 
 com::Variant TransmissionControl::close_connection() {
     const std::u16string shown = shown_call(Operation::CloseConnection);
-    const ScriptedCall scripted = begin(call_of(Operation::CloseConnection), shown);
+    const ScriptedCall scripted = host_.begin(call_of(Operation::CloseConnection), shown);
     host_.trace.line(shown);
     tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CloseConnection)});
     if (busy_) interrupted_ = true;
     display_.reset();
     for (const ScriptedMessage& message : scripted.messages) say(message);
-    return com::Variant::boolean(scripted.fault == FaultKind::none);
+    return com::Variant::boolean(!scripted.fails());
 }
 
 com::Variant TransmissionControl::cancel_transmission() {
     const std::u16string shown = shown_call(Operation::CancelTransmission);
-    const ScriptedCall scripted = begin(call_of(Operation::CancelTransmission), shown);
+    const ScriptedCall scripted = host_.begin(call_of(Operation::CancelTransmission), shown);
     host_.trace.line(shown);
     tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CancelTransmission)});
-    const bool cancels = scripted.fault == FaultKind::none;
+    const bool cancels = !scripted.fails();
     if (busy_ && cancels) interrupted_ = true;
     for (const ScriptedMessage& message : scripted.messages) say(message);
     return com::Variant::boolean(cancels);
@@ -128,7 +137,7 @@ com::Variant TransmissionControl::put_sign_id(std::int16_t id) {
     Call call = call_of(Operation::SignID);
     call.id = id;
     const std::u16string shown = std::u16string(u"put ").append(kName).append(u".SignID").append(value);
-    const ScriptedCall scripted = begin(call, shown);
+    const ScriptedCall scripted = host_.begin(call, shown);
     host_.trace.line(shown);
     sign_id_ = id;
     for (const ScriptedMessage& message : scripted.messages) say(message);
@@ -138,7 +147,7 @@ com::Variant TransmissionControl::put_sign_id(std::int16_t id) {
 com::Variant TransmissionControl::get_sign_info() {
     const Call call = call_of(Operation::GetSignInfo);
     const std::u16string shown = shown_call(call.operation);
-    const ScriptedCall scripted = begin(call, shown);
+    const ScriptedCall scripted = host_.begin(call, shown);
     tell({.kind = LinkEvent::Kind::begins, .call = call});
     // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
     // nobody answers and no slaves are known.
@@ -146,18 +155,18 @@ com::Variant TransmissionControl::get_sign_info() {
     if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_))
         slaves = host_.units.slaves(call.display, sign_id_);
     for (const ScriptedMessage& message : scripted.messages) say(message);
-    if (scripted.fault == FaultKind::fail) {
+    if (scripted.fails()) {
         host_.trace.line(shown + u" -> " + shown_boolean(false));
         return com::Variant::boolean(false);
     }
-    const auto info = com::make_object<HostSignInfo>(host_, slaves);
+    const auto info = com::make_object<SignInfoObject>(host_, slaves);
     host_.trace.line(shown + u" -> " + info->describe());
     return com::Variant::object(info.get());
 }
 
 com::Variant TransmissionControl::reset_and_clear() {
-    return operate_unit(Operation::ResetAndClear, [this](const Display& display, const ScriptedCall& scripted) {
-        say({unit(u": resetting and clearing"), {}});
+    return operate_unit(Operation::ResetAndClear, u"", [this](const Display& display, const ScriptedCall& scripted) {
+        say({unit(u": resetting and clearing"), {}, false});
         if (!goes_on(scripted, Operation::ResetAndClear)) return false;
         host_.units.store(display.name, sign_id_, {Content::State::empty, {}});
         return true;
@@ -165,32 +174,32 @@ com::Variant TransmissionControl::reset_and_clear() {
 }
 
 com::Variant TransmissionControl::prepare_for_firmware() {
-    return operate_unit(Operation::PrepareForFirmware, [this](const Display&, const ScriptedCall& scripted) {
-        say({unit(u": preparing for firmware"), {}});
+    return operate_unit(Operation::PrepareForFirmware, u"", [this](const Display&, const ScriptedCall& scripted) {
+        say({unit(u": preparing for firmware"), {}, false});
         return goes_on(scripted, Operation::PrepareForFirmware);
     });
 }
 
-com::Variant TransmissionControl::download_firmware(const std::u16string& file) {
+com::Variant TransmissionControl::download_firmware(const CallArguments& arguments) {
     constexpr Operation kOperation = Operation::DownloadFirmware;
-    return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
+    const std::u16string file = arguments.text(0);
+    return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
-            return transfer(display, read_motorola_image(host_.computer.real_path(file), file), scripted, kOperation);
+            return transfer(display, read_motorola_image(host_.machine.real_path(file), file), scripted, kOperation);
         } catch (const ImageError& error) {
             return goes_on(scripted, kOperation) && refuse(error.reason());
         }
     });
 }
 
-com::Variant TransmissionControl::download_firmware_with_loader(const std::u16string& file,
-                                                                const std::u16string& loader) {
+com::Variant TransmissionControl::download_firmware_with_loader(const CallArguments& arguments) {
     constexpr Operation kOperation = Operation::DownloadFirmwareWithLoader;
-    return operate_unit(kOperation, [&](const Display& display, const ScriptedCall& scripted) {
+    const std::u16string file = arguments.text(0);
+    const std::u16string loader = arguments.text(1);
+    return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
-            const Firmware firmware = read_rabbit_image(host_.computer.real_path(file), file);
-            if (!std::filesystem::is_regular_file(host_.computer.real_path(loader))) {
-                throw ImageError(loader + u" is no file");
-            }
+            const Firmware firmware = read_rabbit_image(host_.machine.real_path(file), file);
+            read_loader_image(host_.machine.real_path(loader), loader);
             return transfer(display, firmware, scripted, kOperation);
         } catch (const ImageError& error) {
             return goes_on(scripted, kOperation) && refuse(error.reason());
@@ -208,7 +217,7 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
               .call = call_of(operation),
               .percent = percent,
               .bytes = static_cast<std::size_t>(firmware.size) * kPercentStep / 100});
-        say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}});
+        if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}, false});
         if (interrupted_) return refuse(u"Transmission cancelled");
         if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
     }
@@ -218,17 +227,8 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
 
 // ---- What all calls share -----------------------------------------------------------------------------
 
-ScriptedCall TransmissionControl::begin(const Call& call, const std::u16string& shown) {
-    ScriptedCall scripted = host_.links.next(call);
-    if (scripted.fault == FaultKind::raise) {
-        host_.trace.line(shown + u" -> error " + decimal_text(kAutomationError));
-        throw RuntimeError(kAutomationError, std::u16string(name_of(call.operation)) + u": the control failed");
-    }
-    return scripted;
-}
-
 com::Variant TransmissionControl::operate(const Call& call, const std::u16string& shown, const Work& work) {
-    const ScriptedCall scripted = begin(call, shown);
+    const ScriptedCall scripted = host_.begin(call, shown);
     bool done = false;
     if (busy_) {
         refuse(u"A transmission is in progress");
@@ -243,9 +243,10 @@ com::Variant TransmissionControl::operate(const Call& call, const std::u16string
     return com::Variant::boolean(done);
 }
 
-com::Variant TransmissionControl::operate_unit(Operation operation, const UnitWork& work) {
+com::Variant TransmissionControl::operate_unit(Operation operation, const std::u16string& arguments,
+                                              const UnitWork& work) {
     const Call call = call_of(operation);
-    return operate(call, shown_call(operation), [&](const ScriptedCall& scripted) {
+    return operate(call, shown_call(operation) + arguments, [&](const ScriptedCall& scripted) {
         if (!display_) return goes_on(scripted, operation) && refuse(u"No connection is open");
         // By value: what a user does meanwhile may change the host's displays.
         const Display display = host_.displays.at(*display_);
@@ -261,25 +262,25 @@ bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operat
         say(message);
         if (interrupted_) return refuse(u"Transmission cancelled");
     }
-    if (scripted.fault == FaultKind::none) return true;
+    if (!scripted.fails()) return true;
     // A message of the script's own explains the failure where it has one.
     return scripted.messages.empty()
-               ? refuse(unit(u": the line is disturbed, ").append(name_of(operation)) + u" failed")
+               ? refuse(unit(u": the line is disturbed, ").append(operation.name) + u" failed")
                : false;
 }
 
 bool TransmissionControl::refuse(const std::u16string& text) {
-    say({text, {}});
+    say({text, {}, false});
     return false;
 }
 
 void TransmissionControl::say(ScriptedMessage message) {
     host_.trace.line(std::u16string(u"event ").append(kName).append(u".StatusMessage ") + in_quotes(message.text));
     com::Bstr text(message.text);
-    host_.messages_shown.push_back(std::move(message));
+    host_.messages_said.push_back(std::move(message));
     VARIANT argument = com::Variant::text_reference(text.put_reference()).detach();
     events().raise_event(kHandledEvent, {&argument, 1});
-    host_.messages_shown.pop_back();
+    host_.messages_said.pop_back();
     if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
 }
 
@@ -291,6 +292,83 @@ Call TransmissionControl::call_of(Operation operation) const { return {called_di
 
 std::u16string TransmissionControl::unit(std::u16string_view text) const {
     return (u"Unit " + decimal_text(sign_id_)).append(text);
+}
+
+// ---- The finder ---------------------------------------------------------------------------------------
+
+std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
+    static constexpr Member<BoxFinder> kMembers[] = {
+        {u"SearchTimeout",
+         dispatch_id(0x68030001),
+         DISPATCH_PROPERTYPUT,
+         // A simulated search takes no time.
+         [](BoxFinder&, const CallArguments&) { return com::Variant(); },
+         {VT_I2}},
+        {u"FindBoxes",
+         dispatch_id(0x6003000A),
+         DISPATCH_METHOD,
+         [](BoxFinder& finder, const CallArguments& arguments) {
+             finder.find_boxes(arguments.text(0), arguments.real(1), arguments.real(2));
+             return com::Variant();
+         },
+         {VT_BSTR, VT_R8, VT_R8}},
+    };
+    return kMembers;
+}
+
+void BoxFinder::on_call(const Member<BoxFinder>& member, const CallArguments& arguments) {
+    const std::u16string shown = shown_call(kFinderName, member, arguments);
+    host_.begin({host_.display_asked_about, 0, Operation{member.name}}, shown);
+    host_.trace.line(shown);
+}
+
+void BoxFinder::find_boxes(const std::u16string& address, double first, double last) {
+    const std::size_t point = address.rfind(u'.');
+    if (point == address.npos) {
+        if (first <= 0 && last >= 0) report(address);
+        return;
+    }
+    const std::u16string network = address.substr(0, point + 1);
+    const double end = std::min(last, kHighestHost);
+    const double start = std::max(first, 0.0);
+    for (double host = std::ceil(start); host <= end; ++host)
+        report(network + decimal_text(static_cast<std::int32_t>(host)));
+}
+
+void BoxFinder::report(const std::u16string& address) {
+    for (const std::size_t index : host_.displays.at_address(address)) {
+        for (const std::u16string& description : host_.units.boxes(host_.displays.at(index).name)) {
+            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
+            com::Bstr text(description);
+            com::Bstr where(address);
+            // Last argument first.
+            VARIANT arguments[] = {com::Variant::text_reference(text.put_reference()).detach(),
+                                   com::Variant::text_reference(where.put_reference()).detach()};
+            events().raise_event(kHandledEvent, arguments);
+        }
+    }
+}
+
+// ---- Operations by name -------------------------------------------------------------------------------
+
+bool speaks(Operation operation) noexcept {
+    const auto members = TransmissionControl::members();
+    return std::ranges::find(members, operation.name, &Member<TransmissionControl>::name) != members.end();
+}
+
+bool answers_success(Operation operation) noexcept { return speaks(operation) && operation != Operation::SignID; }
+
+Operation parse_operation(std::u16string_view name) {
+    std::vector<std::u16string_view> names;
+    for (const auto& member : TransmissionControl::members()) names.push_back(member.name);
+    for (const auto& member : BoxFinder::members()) names.push_back(member.name);
+    for (const auto& member : DisplayListObject::members()) names.push_back(member.name);
+    for (const std::u16string_view id : host_class_names()) names.push_back(id.substr(id.find(u'.') + 1));
+    const auto found = std::ranges::find(names, name);
+    if (found != names.end()) return {*found};
+    std::string all;
+    for (const std::u16string_view known : names) all += (all.empty() ? "" : ", ") + to_utf8(known);
+    throw std::invalid_argument("\"" + to_utf8(name) + "\" is none of " + all);
 }
 
 }  // namespace vex::sim

@@ -1,4 +1,4 @@
-#include "simulator/win32/win32_computer.h"
+#include "simulator/win32/win32_machine.h"
 
 #include <algorithm>
 #include <exception>
@@ -34,9 +34,9 @@ OwnedKey make_key(const std::u16string& path) {
 
 }  // namespace
 
-Win32Computer* Win32Computer::current_ = nullptr;
+Win32Machine* Win32Machine::current_ = nullptr;
 
-Win32Computer::Win32Computer(std::u16string module, std::filesystem::path folder, bool keep)
+Win32Machine::Win32Machine(std::u16string module, std::filesystem::path folder, bool keep)
     : module_(std::move(module)),
       folder_(std::move(folder)),
       key_(key_of_folder(folder_)),
@@ -47,33 +47,33 @@ Win32Computer::Win32Computer(std::u16string module, std::filesystem::path folder
     current_ = this;
 }
 
-Win32Computer::~Win32Computer() {
+Win32Machine::~Win32Machine() {
     current_ = nullptr;
     if (!keep_) RegDeleteTreeW(HKEY_CURRENT_USER, wide(key_));
 }
 
-void Win32Computer::redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
-    hooks.emplace_back(module, "RegOpenKeyExA", &Win32Computer::open_key);
-    hooks.emplace_back(module, "RegCreateKeyExA", &Win32Computer::create_key);
-    hooks.emplace_back(module, "RegDeleteKeyA", &Win32Computer::delete_key);
+void Win32Machine::redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
+    hooks.emplace_back(module, "RegOpenKeyExA", &Win32Machine::open_key);
+    hooks.emplace_back(module, "RegCreateKeyExA", &Win32Machine::create_key);
+    hooks.emplace_back(module, "RegDeleteKeyA", &Win32Machine::delete_key);
 }
 
-platform::Registry& Win32Computer::registry() { return platform::win32::registry(); }
+platform::Registry& Win32Machine::registry() { return platform::win32::registry(); }
 
-const platform::CodePage& Win32Computer::code_page() { return platform::win32::code_page(); }
+const platform::CodePage& Win32Machine::code_page() { return platform::win32::code_page(); }
 
-void Win32Computer::on_program_started(std::function<void(const std::u16string&)> listener) {
+void Win32Machine::on_program_started(std::function<void(const std::u16string&)> listener) {
     watched_.clear();
     program_started_ = std::move(listener);
     if (!program_started_) return;
     const HMODULE loaded = GetModuleHandleW(wide(module_));
     if (loaded == nullptr) throw last_error(u"The module is not loaded");
     redirect_registry(loaded, watched_);
-    watched_.emplace_back(loaded, "GetFileAttributesW", &Win32Computer::get_file_attributes);
-    watched_.emplace_back(loaded, "CreateProcessW", &Win32Computer::create_process);
+    watched_.emplace_back(loaded, "GetFileAttributesW", &Win32Machine::get_file_attributes);
+    watched_.emplace_back(loaded, "CreateProcessW", &Win32Machine::create_process);
 }
 
-std::filesystem::path Win32Computer::real_path(const std::u16string& path) {
+std::filesystem::path Win32Machine::real_path(const std::u16string& path) {
     if (path.size() < 2 || path[1] != u':' || path.find(u'\0') != std::u16string::npos) return {};
     const char16_t letter = to_upper(path[0]);
     if (letter < u'A' || letter > u'Z') return {};
@@ -85,7 +85,7 @@ std::filesystem::path Win32Computer::real_path(const std::u16string& path) {
     return real ? std::filesystem::path(path) : file;
 }
 
-std::filesystem::path Win32Computer::writable_path(const std::u16string& path) {
+std::filesystem::path Win32Machine::writable_path(const std::u16string& path) {
     // Z: is the real disk on the other side, and no scenario may depend on the side.
     const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
     if (path.size() < 4 || drive < u'A' || drive >= u'Z' || path[1] != u':' || path[2] != u'\\') {
@@ -95,36 +95,36 @@ std::filesystem::path Win32Computer::writable_path(const std::u16string& path) {
     return real_path(path);
 }
 
-void Win32Computer::hide(const std::u16string& path) {
+void Win32Machine::hide(const std::u16string& path) {
     const std::filesystem::path file = real_path(path);
     const DWORD attributes = GetFileAttributesW(file.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesW(file.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN);
 }
 
-HKEY Win32Computer::own(HKEY key) noexcept {
+HKEY Win32Machine::own(HKEY key) noexcept {
     if (current_ == nullptr) return key;
     if (key == HKEY_LOCAL_MACHINE) return current_->machine_branch_.get();
     return key == HKEY_CURRENT_USER ? current_->user_branch_.get() : key;
 }
 
-LSTATUS WINAPI Win32Computer::open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept {
+LSTATUS WINAPI Win32Machine::open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept {
     static auto* const system_open = system_function<decltype(RegOpenKeyExA)>(L"advapi32.dll", "RegOpenKeyExA");
     return system_open(own(parent), path, options, access, key);
 }
 
-LSTATUS WINAPI Win32Computer::create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
+LSTATUS WINAPI Win32Machine::create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
                                          REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
                                          DWORD* disposition) noexcept {
     static auto* const system_create = system_function<decltype(RegCreateKeyExA)>(L"advapi32.dll", "RegCreateKeyExA");
     return system_create(own(parent), path, reserved, class_name, options, access, security, key, disposition);
 }
 
-LSTATUS WINAPI Win32Computer::delete_key(HKEY parent, LPCSTR path) noexcept {
+LSTATUS WINAPI Win32Machine::delete_key(HKEY parent, LPCSTR path) noexcept {
     static auto* const system_delete = system_function<decltype(RegDeleteKeyA)>(L"advapi32.dll", "RegDeleteKeyA");
     return system_delete(own(parent), path);
 }
 
-DWORD WINAPI Win32Computer::get_file_attributes(LPCWSTR path) noexcept {
+DWORD WINAPI Win32Machine::get_file_attributes(LPCWSTR path) noexcept {
     try {
         const std::filesystem::path file = current_->real_path(reinterpret_cast<const char16_t*>(path));
         return GetFileAttributesW(file.c_str());
@@ -134,7 +134,7 @@ DWORD WINAPI Win32Computer::get_file_attributes(LPCWSTR path) noexcept {
     }
 }
 
-BOOL WINAPI Win32Computer::create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL,
+BOOL WINAPI Win32Machine::create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL,
                                           DWORD, void*, LPCWSTR, STARTUPINFOW*,
                                           PROCESS_INFORMATION* information) noexcept {
     const DWORD attributes = get_file_attributes(program);

@@ -1,9 +1,12 @@
-// The command line of the simulated host.
-#include "simulator/command_line.h"
-
-#include "simulator/scenario.h"
+// The program of the simulated host.
+#include "simulator/program.h"
 
 #include <charconv>
+#include <iostream>
+
+#include "simulator/scenario.h"
+#include "simulator/session.h"
+#include "simulator/words.h"
 
 namespace vex::sim {
 namespace {
@@ -25,7 +28,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& word = arguments[i];
         const auto value = [&]() -> const std::string& {
-            if (i + 1 == arguments.size()) throw std::invalid_argument(word + " needs a value");
+            if (i + 1 == arguments.size() || arguments[i + 1].empty()) throw std::invalid_argument(word + " needs a value");
             return arguments[++i];
         };
         if (word == "--help" || word == "-h") {
@@ -70,6 +73,29 @@ std::string usage() {
            "\n"
            "Statements, one a line (# begins a comment):\n" +
            statement_reference();
+}
+
+int run_program(std::span<const std::string> words, const std::function<int(const CommandLine& options)>& play) {
+    constexpr char kName[] = "brivola-sim: ";
+    CommandLine options;
+    try {
+        options = parse_command_line(words);
+    } catch (const std::exception& error) {
+        std::cerr << kName << error.what() << "; try --help\n";
+        return kBadUsage;
+    }
+    if (options.help) {
+        std::cout << usage() << std::flush;
+        return std::cout ? kPassed : kFailed;
+    }
+    try {
+        return play(options);
+    } catch (const TextError& error) {
+        std::cerr << error.what() << '\n';
+    } catch (const std::exception& error) {
+        std::cerr << kName << message_of(error) << '\n';
+    }
+    return kBadUsage;
 }
 
 }  // namespace vex::sim

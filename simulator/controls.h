@@ -1,4 +1,5 @@
-// The simulated host's transmission control: one connection to a display, and the work on its units.
+// The simulated host's two controls: the transmission control, which has one connection to a display and works on its
+// units, and the finder of LAN device servers.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +9,7 @@
 #include <string>
 
 #include "simulator/class_library.h"
-#include "simulator/event_point.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
@@ -23,27 +24,24 @@ public:
     static std::span<const Member<TransmissionControl>> members() noexcept;
 
 private:
-    com::Variant open_connection(const Arguments& arguments);
+    com::Variant open_connection(const CallArguments& arguments);
     com::Variant close_connection();
     com::Variant cancel_transmission();
     com::Variant put_sign_id(std::int16_t id);
     com::Variant get_sign_info();
     com::Variant reset_and_clear();
     com::Variant prepare_for_firmware();
-    com::Variant download_firmware(const std::u16string& file);
-    com::Variant download_firmware_with_loader(const std::u16string& file, const std::u16string& loader);
+    com::Variant download_firmware(const CallArguments& arguments);
+    com::Variant download_firmware_with_loader(const CallArguments& arguments);
 
     /// Work on the connection or a unit; answers its success.
     using Work = std::function<bool(const ScriptedCall& scripted)>;
     using UnitWork = std::function<bool(const Display& display, const ScriptedCall& scripted)>;
 
-    /// Counts the call and takes what the script has for it. Raises the error that it has; `shown` begins the
-    /// line of the trace that tells of that.
-    ScriptedCall begin(const Call& call, const std::u16string& shown);
     /// A call that answers its success: traced, and refused while another one is in progress.
     com::Variant operate(const Call& call, const std::u16string& shown, const Work& work);
-    /// The same for the selected unit, which must be connected and answer.
-    com::Variant operate_unit(Operation operation, const UnitWork& work);
+    /// The same for the selected unit, which must be connected and answer. `arguments`: as the trace shows them.
+    com::Variant operate_unit(Operation operation, const std::u16string& arguments, const UnitWork& work);
     /// Says what the script has for the call. False when it cannot go on: cancelled, or a fault.
     bool goes_on(const ScriptedCall& scripted, Operation operation);
     /// Writes firmware into the selected unit.
@@ -69,5 +67,31 @@ private:
     /// The operation in progress was cancelled or lost its connection.
     bool interrupted_ = false;
 };
+
+/// Reports the device servers in front of the displays at the addresses that it searches.
+class BoxFinder final : public EventfulControl<BoxFinder> {
+public:
+    static constexpr const IID& kSourceInterface = kBoxFinderEvents;
+
+    explicit BoxFinder(Host& host) : EventfulControl(host.lifetime), host_(host) {}
+
+    static std::span<const Member<BoxFinder>> members() noexcept;
+    void on_call(const Member<BoxFinder>& member, const CallArguments& arguments);
+
+private:
+    /// Searches the hosts `first` to `last` of the network that `address` lies in. An address without a "."
+    /// has no host number: it stands for itself, as host 0.
+    void find_boxes(const std::u16string& address, double first, double last);
+    void report(const std::u16string& address);
+
+    Host& host_;
+};
+
+/// Whether the transmission control can speak during the operation, which is one of its own.
+bool speaks(Operation operation) noexcept;
+/// Whether the operation answers its success, and so can fail without an error.
+bool answers_success(Operation operation) noexcept;
+/// The operation of that name. Raises `std::invalid_argument` naming all.
+Operation parse_operation(std::u16string_view name);
 
 }  // namespace vex::sim

@@ -1,13 +1,17 @@
-// The command line of the simulated host.
+// The program of the simulated host: its command line and its exit statuses.
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
 
 namespace vex::sim {
+
+/// How a run ended; the program's exit status.
+enum ExitStatus { kPassed = 0, kFailed = 1, kBadUsage = 2 };
 
 struct CommandLine {
     bool help = false;
@@ -32,5 +36,8 @@ constexpr double kFastest = 1000;
 CommandLine parse_command_line(std::span<const std::string> arguments);
 
 std::string usage();
+
+/// Does what the words say: tells the usage, or lets `play` do the rest. Tells of errors, and answers the exit status.
+int run_program(std::span<const std::string> words, const std::function<int(const CommandLine& options)>& play);
 
 }  // namespace vex::sim

@@ -1,5 +1,5 @@
 // Registry values as scenarios write and show them.
-#include "simulator/registry_store.h"
+#include "simulator/registry_editor.h"
 
 #include <array>
 #include <limits>
@@ -92,7 +92,7 @@ bool is_registry_path(std::u16string_view text) noexcept {
     return text.find(u'\\') != text.npos && root_of(text) != nullptr;
 }
 
-RegistryValue RegistryStore::parse(std::u16string_view type, std::u16string_view text) const {
+RegistryValue RegistryEditor::parse(std::u16string_view type, std::u16string_view text) const {
     std::string names;
     for (const Type& entry : kTypes) {
         names += (names.empty() ? "" : ", ") + to_utf8(entry.name);
@@ -131,7 +131,7 @@ RegistryValue RegistryStore::parse(std::u16string_view type, std::u16string_view
     throw std::invalid_argument("\"" + to_utf8(type) + "\" is none of " + names);
 }
 
-std::u16string RegistryStore::show(const RegistryValue& value) const {
+std::u16string RegistryEditor::show(const RegistryValue& value) const {
     std::string text(value.bytes.begin(), value.bytes.end());
     switch (value.type) {
         case platform::kRegSz:
@@ -158,7 +158,7 @@ std::u16string RegistryStore::show(const RegistryValue& value) const {
     return show_binary(value.bytes);
 }
 
-void RegistryStore::write(std::int32_t root, std::u16string_view key, std::u16string_view name,
+void RegistryEditor::write(std::int32_t root, std::u16string_view key, std::u16string_view name,
                           const RegistryValue& value) {
     platform::RegistryKey handle = 0;
     std::int32_t result = registry_.create_key(platform::registry_key(root), narrow(code_page_, key).c_str(), "",
@@ -173,12 +173,12 @@ void RegistryStore::write(std::int32_t root, std::u16string_view key, std::u16st
     }
 }
 
-void RegistryStore::write_text(std::int32_t root, std::u16string_view key, std::u16string_view name,
+void RegistryEditor::write_text(std::int32_t root, std::u16string_view key, std::u16string_view name,
                                std::u16string_view text) {
     write(root, key, name, parse(u"sz", text));
 }
 
-std::optional<RegistryValue> RegistryStore::read(std::int32_t root, std::u16string_view key,
+std::optional<RegistryValue> RegistryEditor::read(std::int32_t root, std::u16string_view key,
                                                  std::u16string_view name) const {
     platform::RegistryKey handle = 0;
     if (registry_.open_key(platform::registry_key(root), narrow(code_page_, key).c_str(), platform::kKeyRead, handle) !=

@@ -1,0 +1,120 @@
+// One run of the simulated host.
+#include "simulator/session.h"
+
+#include <iostream>
+
+#include "core/runtime_error.h"
+#include "core/unicode.h"
+#include "simulator/host.h"
+#include "simulator/class_library.h"
+#include "simulator/plugin_host.h"
+#include "simulator/words.h"
+
+namespace vex::sim {
+namespace {
+
+constexpr char kUnitFile[] = "Units.dat";
+/// What a trial begins with.
+constexpr char kSampleScenario[] = "trial.scn";
+
+void load(Host& host, const std::filesystem::path& unit_file) {
+    host.display_file = host.machine.writable_path(Host::kDisplayFile);
+    if (std::filesystem::exists(host.display_file)) {
+        host.displays = Displays::load(host.display_file);
+    } else {
+        host.displays_changed = true;
+    }
+    if (std::filesystem::exists(unit_file)) host.units = Units::load(unit_file);
+}
+
+}  // namespace
+
+std::string message_of(const std::exception& error) {
+    const auto* const known = dynamic_cast<const RuntimeError*>(&error);
+    if (known == nullptr) return error.what();
+    // The number of what simply went wrong says nothing more.
+    const std::string text = to_utf8(known->description());
+    return known->number() == kAutomationError ? text : text + " (error " + std::to_string(known->number()) + ")";
+}
+
+ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+                    const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work) {
+    Trace trace(out, quiet);
+    Host host(trace, machine);
+    const std::filesystem::path unit_file = folders.data / kUnitFile;
+    ExitStatus status = kBadUsage;
+    bool left_behind = false;
+    try {
+        load(host, unit_file);
+        const HostClasses classes(host);
+        PluginHost plugin(folders.plugin_library);
+        status = work(host, plugin);
+        host.save_displays();
+        host.units.save(unit_file);
+        if (!plugin.can_unload()) {
+            errors << "the plug-in still has living objects\n";
+            left_behind = true;
+        }
+    } catch (const std::exception& error) {
+        errors << message_of(error) << '\n';
+        return kBadUsage;
+    }
+    if (host.lifetime.objects() != 0) {
+        errors << host.lifetime.objects() << " of the host's objects were not released\n";
+        left_behind = true;
+    }
+    return status == kPassed && left_behind ? kFailed : status;
+}
+
+Session::Session(const CommandLine& options, const std::filesystem::path& program_folder, const char* plugin_file)
+    : options_(options),
+      plugin_(options.plugin.value_or(program_folder / plugin_file)),
+      samples_(program_folder / "samples") {
+    if (!options_.data) private_.emplace();
+    data_ = options_.data ? *options_.data : private_->path();
+}
+
+ExitStatus Session::play(const std::string& file, std::ostream& out, std::ostream& errors) {
+    constexpr char kStandardInput[] = "standard input";
+    if (file == "-") return play_text(kStandardInput, read_stream(kStandardInput, std::cin), {}, out, errors);
+    return play_text(file, read_file(file), std::filesystem::path(file).parent_path(), out, errors);
+}
+
+ExitStatus Session::play_text(const std::string& name, const std::string& text, const std::filesystem::path& folder,
+                              std::ostream& out, std::ostream& errors) {
+    const Scenario scenario = parse_scenario(name, text, folder);
+    prepare(out);
+    return run_host(machine(), folders(folder), options_.quiet, out, errors, [&](Host& host, PluginHost& plugin) {
+        const ExitStatus status = ScenarioPlayer(scenario, host, screen(), plugin, errors, folder).play();
+        if (out.flush()) return status;
+        errors << "the trace cannot be written\n";
+        return status == kPassed ? kFailed : status;
+    });
+}
+
+ExitStatus Session::try_out(std::ostream& errors,
+                            const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work) {
+    std::ostream no_trace(nullptr);
+    return run_host(machine(), folders(samples_), true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
+        const bool fresh = host.displays.size() == 0;
+        if (fresh) {
+            const std::filesystem::path file = samples_ / kSampleScenario;
+            const Scenario sample = parse_scenario(file.string(), read_file(file), samples_);
+            const ExitStatus status = ScenarioPlayer(sample, host, screen(), plugin, errors, samples_).play();
+            if (status != kPassed) return status;
+        }
+        return work(host, plugin, fresh);
+    });
+}
+
+ExitStatus Session::start(PluginHost& plugin, std::ostream& errors) {
+    try {
+        plugin.start(StartMember::StartPlugin, nullptr);
+        return kPassed;
+    } catch (const RuntimeError& error) {
+        errors << "the plug-in raised error " << error.number() << ": " << to_utf8(error.description()) << '\n';
+        return kFailed;
+    }
+}
+
+}  // namespace vex::sim

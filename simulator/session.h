@@ -1,0 +1,79 @@
+// One run of the simulated host, from its data to the last look at what is left.
+#pragma once
+
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "simulator/private_folder.h"
+#include "simulator/program.h"
+#include "simulator/scenario_player.h"
+
+namespace vex::sim {
+
+/// What a user is told of an error.
+std::string message_of(const std::exception& error);
+
+/// Where a run's parts lie.
+struct RunFolders {
+    /// The host's units; its displays lie on the machine's own drive.
+    std::filesystem::path data;
+    std::filesystem::path plugin_library;
+    /// Relative files of the scenario.
+    std::filesystem::path scenario;
+};
+
+/// Loads what the host kept, registers the host's classes, loads the plug-in, does the `work`, keeps what the
+/// units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment. The trace
+/// goes to `out`, everything else to `errors`.
+ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+                    const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work);
+
+/// What a program of either side is made of: its folders, and what is played there on the side's machine and screen.
+/// One per process. Used on the thread that made it.
+class Session {
+public:
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Plays the scenario of that file; "-": standard input. Raises `std::exception` for one that is missing
+    /// or bad. The trace goes to `out`, everything else to `errors`.
+    ExitStatus play(const std::string& file, std::ostream& out, std::ostream& errors);
+    /// The same for a text; `folder`: where its relative files lie.
+    ExitStatus play_text(const std::string& name, const std::string& text, const std::filesystem::path& folder,
+                         std::ostream& out, std::ostream& errors);
+    /// Does the work on a host whose displays are those of the sample scenario, unless it has some already.
+    ExitStatus try_out(std::ostream& errors,
+                       const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work);
+    /// Opens the wizard for somebody to use.
+    static ExitStatus start(PluginHost& plugin, std::ostream& errors);
+
+    const std::filesystem::path& samples_folder() const noexcept { return samples_; }
+
+protected:
+    /// Makes the data folder's name; without one in the options, a private folder for this run.
+    Session(const CommandLine& options, const std::filesystem::path& program_folder, const char* plugin_file);
+    ~Session() = default;
+
+    virtual Machine& machine() = 0;
+    virtual Screen& screen() = 0;
+    const CommandLine& options() const noexcept { return options_; }
+    const std::filesystem::path& data() const noexcept { return data_; }
+    const std::filesystem::path& plugin() const noexcept { return plugin_; }
+    /// Before a scenario is played, whose trace goes to `out`.
+    virtual void prepare(std::ostream& /*out*/) {}
+
+private:
+    RunFolders folders(const std::filesystem::path& scenario) const { return {data_, plugin_, scenario}; }
+
+    CommandLine options_;
+    std::optional<PrivateFolder> private_;
+    std::filesystem::path data_;
+    std::filesystem::path plugin_;
+    std::filesystem::path samples_;
+};
+
+}  // namespace vex::sim

@@ -1,0 +1,160 @@
+// What is refused, and how: scenarios, the host's files, firmware and command lines.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "simulator/displays.h"
+#include "simulator/firmware_image.h"
+#include "simulator/program.h"
+#include "simulator/scenario.h"
+#include "simulator/words.h"
+#include "tests/shared/temporary_folder.h"
+
+namespace vex::sim {
+namespace {
+
+using testing::StartsWith;
+
+const std::string kDisplays = "# Brivola displays, version 1\n";
+const std::string kUnits = "# Brivola units, version 1\n";
+constexpr char kData[] = "S1050000010FEA\n";
+constexpr char kEnd[] = "S9030000FC\n";
+
+void scenario(const std::string& text) { parse_scenario("a", text); }
+void displays(const std::string& text) { Displays::parse("a", text); }
+void units(const std::string& text) { Units::parse("a", text); }
+void image(const std::string& text) { check_motorola_image(text, u"a"); }
+void loader(const std::string& text) { check_loader_image(text, u"a"); }
+/// Words with blanks between; a quote stands for an empty one.
+void command_line(const std::string& text) {
+    std::vector<std::string> words;
+    std::istringstream stream(text);
+    for (std::string word; stream >> word;) words.push_back(word == "'" ? "" : word);
+    parse_command_line(words);
+}
+
+/// The complaint; empty: there is none.
+std::string complaint(void (*read)(const std::string& text), const std::string& text) {
+    try {
+        read(text);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return {};
+}
+
+TEST(Refusals, NameThePlaceAndTheFault) {
+    const struct {
+        void (*read)(const std::string& text);
+        std::string text;
+        const char* complaint;
+    } cases[] = {
+        {scenario, "# fine\n\ndisplay A\nclik cmdNext\n", "a:4: \"clik\" is no statement"},
+        {scenario, "display", "a:1: expected display NAME"},
+        {scenario, "units now", "a:1: expected units"},
+        {scenario, "display A porch=COM1", "a:1: porch=COM1 is no KEY=VALUE"},
+        {scenario, "display A connection=x", "a:1: connection=x needs a number"},
+        {scenario, "displays 0 Gate", "a:1: \"0\" is no number from 1"},
+        {scenario, "unit A 1 slaves=2", "a:1: \"2\" is no grid"},
+        {scenario, "unit A one slaves=1x1", "a:1: \"one\" is no display ID"},
+        {scenario, "unit A 1 grid=1x1", "a:1: \"grid=1x1\" is neither slaves=YxX nor absent"},
+        {scenario, "registry HKXX\\a b sz c", "a:1: \"HKXX\\a\" is no ROOT\\KEY"},
+        {scenario, "registry HKLM b sz c", "a:1: \"HKLM\" is no ROOT\\KEY"},
+        {scenario, "file C:\\a secret", "a:1: \"secret\" is neither hidden nor folder"},
+        {scenario, "fault A 1 Reset fail", "a:1: \"Reset\" is none of OpenConnection"},
+        {scenario, "fault A 1 ResetAndClear break", "a:1: \"break\" is none of fail, raise, replace"},
+        {scenario, "fault A 1 ResetAndClear fail at=0", "a:1: \"0\" is no number from 1"},
+        {scenario, "fault A 1 ResetAndClear fail once", "a:1: \"once\" is not at=N"},
+        {scenario, "fault A 1 SignID fail", "a:1: \"fail\" is nothing that SignID does"},
+        {scenario, "fault A * FindBoxes fail", "a:1: \"fail\" is nothing that FindBoxes does"},
+        {scenario, "fault A 1 ResetAndClear replace", "a:1: \"replace\" is nothing that ResetAndClear does"},
+        {scenario, "say A * FindBoxes x", "a:1: \"FindBoxes\" is no member of the transmission control"},
+        {scenario, "loader C:\\a both", "a:1: \"both\" is neither line nor server"},
+        {scenario, "display A\n# \xC3\xA4 \xE4 \n", "a:2: byte 6 of the line is no UTF-8"},
+        {scenario, "say A 1 ResetAndClear", "a:1: expected say NAME"},
+        {scenario, "say A 1 ResetAndClear x cmdCancel y", "a:1: \"y\" is not at=N"},
+        {scenario, "during A 1 ResetAndClear x clik cmdCancel", "a:1: \"clik\" is no statement"},
+        {scenario, "during A 1 ResetAndClear x during A 1 ResetAndClear y close", "a:1: \"during\" is no statement for"},
+        {scenario, "answer phone yes", "a:1: \"phone\" is none of picker, openfile, msgbox"},
+        {scenario, "answer msgbox maybe", "a:1: \"maybe\" is none of yes, no, ok"},
+        {scenario, "start window", "a:1: \"window\" is not frame"},
+        {scenario, "press picNavTree 1 2.5x", "a:1: \"2.5x\" is no number of twips"},
+        {scenario, "press picNavTree 1 2 middle", "a:1: \"middle\" is neither left nor right"},
+        {scenario, "retry 0", "a:1: \"0\" is no number from 1"},
+        {scenario, "show cmdNext", "a:1: \"cmdNext\" is no CONTROL.PROPERTY"},
+        {scenario, "show .Caption", "a:1: \".Caption\" is no CONTROL.PROPERTY"},
+        {scenario, "expect cmdNext.Enabled", "a:1: expected expect CONTROL.PROPERTY"},
+        {scenario, "say \"A 1 ResetAndClear x", "a:1: a quote is not closed"},
+        {scenario, "include", "a:1: expected include FILE"},
+        {scenario, "say A 1 ResetAndClear \"\"a\"", "a:1: a quote is not closed"},
+        {scenario, "display \x1B[2J", "a:1: a control character"},
+        {scenario, "include no.such", "a:1: no.such: does not exist"},
+        {displays, "", "a:1: expected the line # Brivola"},
+        {displays, "display A\n", "a:1: expected the line # Brivola"},
+        {displays, kDisplays + "\n# note\ndisplay\n", "a:4: expected display NAME"},
+        {displays, kDisplays + "sign A\n", "a:2: expected display NAME"},
+        {displays, kDisplays + "display A\ndisplay B color=red\n", "a:3: color=red is no KEY=VALUE"},
+        {displays, kDisplays + "display A port\n", "a:2: port is no KEY=VALUE"},
+        {displays, kDisplays + "display A connection=two\n", "a:2: connection=two needs a number"},
+        {displays, kDisplays + "display A\ndisplay A\n", "a:3: display A stands here twice"},
+        {displays, kDisplays + "display \"A\n", "a:2: a quote is not closed"},
+        {displays, kDisplays + std::string("display A\0B", 11), "a:2: a control character"},
+        {displays, kDisplays + "display A port=\xFF\xFE x\n", "a:2: byte 16 of the line is no UTF-8"},
+        {units, "holds A 1 empty\n", "a:1: expected the line # Brivola"},
+        {units, kUnits + "holds A one empty\n", "a:2: \"one\" is no display ID"},
+        {units, kUnits + "holds A 1 full\n", "a:2: \"full\" is nothing that a unit holds"},
+        {units, kUnits + "holds A 1 a.SHX many 0\n", "a:2: expected a size"},
+        {units, kUnits + "holds A 1 a.SHX 1 XYZ\n", "a:2: expected a checksum"},
+        {units, kUnits + "slaves A 1 3\n", "a:2: \"3\" is no grid"},
+        {units, kUnits + "slaves A 1 1x2x3\n", "a:2: \"1x2x3\" is no grid"},
+        {units, kUnits + "\nbox A\n", "a:3: expected slaves NAME"},
+        {image, "", "a, line 0: no data records"},
+        {image, kEnd, "a, line 1: no data records"},
+        {image, kData, "a, line 1: terminator is missing"},
+        {image, std::string(kData) + "S1050000010FEB\n" + kEnd, "a, line 2: checksum is EB, should be EA"},
+        {image, std::string("S1060000010FEA\n") + kEnd, "a, line 1: length is 6, but 5 bytes follow"},
+        {image, std::string("S1040000010FEA\n") + kEnd, "a, line 1: length is 4, but 5 bytes follow"},
+        {image, std::string("S10200FD\n") + kEnd, "a, line 1: length is 2"},
+        {image, std::string("S1\n") + kEnd, "a, line 1: length is 0"},
+        {image, std::string("S4030000FC\n") + kEnd, "a, line 1: record type S4 is unknown"},
+        {image, std::string("SX030000FC\n") + kEnd, "a, line 1: record type SX is unknown"},
+        {image, std::string(kData) + "\n:020000040000FA\n", "a, line 3: no S-record"},
+        {image, std::string("S1050000010FE\n") + kEnd, "a, line 1: odd number of digits"},
+        {image, std::string("S1050000010GEA\n") + kEnd, "a, line 1: a character is no hexadecimal digit"},
+        {image, std::string(kData) + kEnd + kData, "a, line 3: record behind the terminator"},
+        {image, std::string(kData) + "S5030002FA\n" + kEnd, "a, line 2: record count is 2, but 1 data records stand before it"},
+        {image, std::string("S1\0\0\0\0", 6) + "\n", "a, line 1: a character is no hexadecimal digit"},
+        {loader, "", "a, byte 0: no flash loader"},
+        {loader, "\x80\x24", "a, byte 0: no flash loader"},
+        {loader, "abc\x81xy\x80\x24\x80", "a, byte 3: no flash loader"},
+        {loader, "abc\x80\x24\x80xyz", "a, byte 3: no flash loader"},
+        {loader, "abcxyz", "a, byte 3: no flash loader"},
+        {command_line, "run", "run needs a scenario file"},
+        {command_line, "a.scn", "\"a.scn\" is not understood"},
+        {command_line, "run a.scn b.scn", "\"b.scn\" is not understood"},
+        {command_line, "run run a", "\"a\" is not understood"},
+        {command_line, "run a.scn --loud", "\"--loud\" is not understood"},
+        {command_line, "'", "\"\" is not understood"},
+        {command_line, "run a.scn --data", "--data needs a value"},
+        {command_line, "run a.scn --data '", "--data needs a value"},
+        {command_line, "--speed 0.01", "\"0.01\" is no speed"},
+    };
+    for (const auto& bad : cases) EXPECT_THAT(complaint(bad.read, bad.text), StartsWith(bad.complaint)) << bad.text;
+    EXPECT_EQ(complaint(loader, make_loader_image(LoaderKind::line)), "");
+    EXPECT_NE(make_loader_image(LoaderKind::line), make_loader_image(LoaderKind::server));
+}
+
+TEST(Refusals, NameTheIncludedFile) {
+    const test::TemporaryFolder folder;
+    const std::string file = folder.write("b.scn", "display A\nunits 1").string();
+    const std::string text = "\ninclude " + file;
+    EXPECT_THAT(complaint(scenario, text), StartsWith(file + ":2: expected units"));
+    folder.write("b.scn", "include " + file);
+    EXPECT_EQ(complaint(scenario, text), file + ":1: files include each other too deeply");
+    folder.write("b.scn", "display A");
+    EXPECT_EQ(complaint(scenario, text), "");
+}
+
+}  // namespace
+}  // namespace vex::sim
