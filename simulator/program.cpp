@@ -37,6 +37,10 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
             line.quiet = true;
         } else if (word == "--pictures") {
             line.pictures = true;
+        } else if (word == "--compare") {
+            line.compare = true;
+        } else if (word == "--record") {
+            line.compare = line.record = true;
         } else if (word == "--speed") {
             line.speed = read_speed(value());
         } else if (word == "--data") {
@@ -45,13 +49,16 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
             line.plugin = value();
         } else if (word == "run" && !runs) {
             runs = true;
-        } else if (runs && !line.scenario && (word == "-" || word.substr(0, 1) != "-")) {
-            line.scenario = word;
+        } else if (runs && (word == "-" || word.substr(0, 1) != "-")) {
+            line.scenarios.push_back(word);
         } else {
             throw std::invalid_argument("\"" + word + "\" is not understood");
         }
     }
-    if (runs && !line.scenario && !line.help) throw std::invalid_argument("run needs a scenario file");
+    if ((runs || line.compare) && line.scenarios.empty() && !line.help)
+        throw std::invalid_argument("run needs a scenario file");
+    if (line.scenarios.size() > 1 && !line.compare)
+        throw std::invalid_argument("only --compare takes several scenarios");
     return line;
 }
 
@@ -62,6 +69,8 @@ std::string usage() {
            "  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is\n"
            "                         none, plays the sample scenario and draws each screen as text\n"
            "\n"
+           "  --compare      plays several FILEs and compares each trace with the one recorded in FILE.trace, messages\n"
+           "                 with FILE.errors; --record writes these anew\n"
            "  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own\n"
            "  --plugin PATH  the plug-in's library; without it the one beside this program\n"
            "  --quiet        prints no trace, only what the scenario shows\n"
