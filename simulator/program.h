@@ -18,6 +18,8 @@ struct CommandLine {
     bool help = false;
     /// The scenarios to run, one unless they are compared; "-": standard input; nothing: none was named.
     std::vector<std::string> scenarios;
+    /// Prints the controls of each dialog.
+    bool controls = false;
     /// Compares each trace with the one recorded beside the scenario.
     bool compare = false;
     /// Records the traces anew instead.

@@ -8,6 +8,7 @@
 int main(int count, char** words) {
     using namespace vex::sim;
     return run_program(std::vector<std::string>(words + 1, words + count), [](const CommandLine& options) -> int {
+        if (options.controls) return print_controls(options);
         if (options.scenarios.empty()) return play_without_scenario(options);
         const auto play = [](const CommandLine& line, const std::string& file, std::ostream& out,
                              std::ostream& errors) { return NativeSession(line).play(file, out, errors); };

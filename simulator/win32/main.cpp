@@ -1,5 +1,6 @@
 // brivola-sim, the simulated host: the Windows program.
 #include <iostream>
+#include <stdexcept>
 
 #include "platform/win32/console.h"
 #include "simulator/comparison.h"
@@ -9,6 +10,7 @@ int main() {
     using namespace vex::sim;
     vex::platform::win32::use_plain_streams();
     return run_program(vex::platform::win32::program_arguments(), [](const CommandLine& options) -> int {
+        if (options.controls) throw std::invalid_argument("controls are printed natively only");
         if (options.scenarios.empty()) {
             Win32Session session(options);
             return run_trial(session, options);

@@ -114,8 +114,8 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
 
 TEST(CommandLine, RefusesTheRest) {
     const std::vector<std::string> lines[] = {
-        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"--compare"}, {"run", "a.scn", "--data", ""}, {"run", "a.scn", "--loud"}, {"run", "run", "a"},
-        {""}};
+        {"run"}, {"a.scn"}, {"run", "a.scn", "b.scn"}, {"--data"}, {"--compare"}, {"run", "a.scn", "--data", ""},
+        {"run", "a.scn", "--loud"}, {"run", "run", "a"}, {"controls", "run", "a"}, {""}};
     for (const std::vector<std::string>& words : lines) {
         EXPECT_THROW(command_line(words), std::invalid_argument);
     }
