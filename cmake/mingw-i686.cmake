@@ -1,5 +1,6 @@
 # Windows, 32 bits.
 set(VEX_MINGW i686-w64-mingw32)
+set(VEX_EMULATOR under-wine32)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 include("${CMAKE_CURRENT_LIST_DIR}/mingw.cmake")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${VEX_MINGW_LINK}")

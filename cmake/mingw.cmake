@@ -14,3 +14,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # Windows 7 and later. The same sources make the same bytes.
 set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0601")
 set(VEX_MINGW_LINK "-static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp")
+
+# ctest runs what is built under Wine.
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/${VEX_EMULATOR}")

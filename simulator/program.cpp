@@ -28,7 +28,8 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& word = arguments[i];
         const auto value = [&]() -> const std::string& {
-            if (i + 1 == arguments.size() || arguments[i + 1].empty()) throw std::invalid_argument(word + " needs a value");
+            if (i + 1 == arguments.size() || arguments[i + 1].empty())
+                throw std::invalid_argument(word + " needs a value");
             return arguments[++i];
         };
         if (word == "--help" || word == "-h") {
@@ -37,21 +38,30 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
             line.quiet = true;
         } else if (word == "--pictures") {
             line.pictures = true;
+        } else if (word == "--compare") {
+            line.compare = true;
+        } else if (word == "--record") {
+            line.compare = line.record = true;
         } else if (word == "--speed") {
             line.speed = read_speed(value());
         } else if (word == "--data") {
             line.data = value();
         } else if (word == "--plugin") {
             line.plugin = value();
-        } else if (word == "run" && !runs) {
+        } else if (word == "controls" && !runs) {
+            line.controls = true;
+        } else if (word == "run" && !runs && !line.controls) {
             runs = true;
-        } else if (runs && !line.scenario && (word == "-" || word.substr(0, 1) != "-")) {
-            line.scenario = word;
+        } else if (runs && (word == "-" || word.substr(0, 1) != "-")) {
+            line.scenarios.push_back(word);
         } else {
             throw std::invalid_argument("\"" + word + "\" is not understood");
         }
     }
-    if (runs && !line.scenario && !line.help) throw std::invalid_argument("run needs a scenario file");
+    if ((runs || line.compare) && line.scenarios.empty() && !line.help)
+        throw std::invalid_argument("run needs a scenario file");
+    if (line.scenarios.size() > 1 && !line.compare)
+        throw std::invalid_argument("only --compare takes several scenarios");
     return line;
 }
 
@@ -59,9 +69,14 @@ std::string usage() {
     return "brivola-sim: a simulated host with displays, for the firmware plug-in\n"
            "\n"
            "  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace\n"
+           "  brivola-sim controls   prints the controls of each dialog, by the names that scenarios use (not on "
+           "Windows)\n"
            "  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is\n"
            "                         none, plays the sample scenario and draws each screen as text\n"
            "\n"
+           "  --compare      plays several FILEs and compares each trace with the one recorded in FILE.trace, "
+           "messages\n"
+           "                 with FILE.errors; --record writes these anew\n"
            "  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own\n"
            "  --plugin PATH  the plug-in's library; without it the one beside this program\n"
            "  --quiet        prints no trace, only what the scenario shows\n"

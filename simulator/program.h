@@ -7,6 +7,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace vex::sim {
 
@@ -15,8 +16,14 @@ enum ExitStatus { kPassed = 0, kFailed = 1, kBadUsage = 2 };
 
 struct CommandLine {
     bool help = false;
-    /// The scenario to run; "-": standard input; nothing: no scenario was named.
-    std::optional<std::string> scenario;
+    /// The scenarios to run, one unless they are compared; "-": standard input; nothing: none was named.
+    std::vector<std::string> scenarios;
+    /// Prints the controls of each dialog.
+    bool controls = false;
+    /// Compares each trace with the one recorded beside the scenario.
+    bool compare = false;
+    /// Records the traces anew instead.
+    bool record = false;
     /// Keeps settings, drives and units; nothing: they are private to the run.
     std::optional<std::filesystem::path> data;
     /// Nothing: the plug-in beside the program.

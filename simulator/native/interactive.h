@@ -9,4 +9,7 @@ namespace vex::sim {
 /// screens. Answers the program's exit status. Raises `std::exception`.
 int play_without_scenario(const CommandLine& options);
 
+/// Opens each of the plug-in's dialogs and prints what controls it has.
+int print_controls(const CommandLine& options);
+
 }  // namespace vex::sim

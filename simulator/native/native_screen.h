@@ -38,6 +38,7 @@ protected:
 
 private:
     std::u16string dialog_name() const override;
+    std::vector<std::u16string> control_names() const override;
     std::u16string dialog_caption() const override { return form().caption(); }
     void do_click(const std::u16string& name) override;
     void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override;

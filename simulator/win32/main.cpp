@@ -1,9 +1,11 @@
 // brivola-sim, the simulated host: the Windows program. It plays a scenario, or opens the wizard on the sample
 // displays.
 #include <iostream>
+#include <stdexcept>
 
 #include "core/unicode.h"
 #include "platform/win32/system.h"
+#include "simulator/comparison.h"
 #include "simulator/display_picker.h"
 #include "simulator/pace.h"
 #include "simulator/registry_editor.h"
@@ -60,8 +62,15 @@ ExitStatus run_trial(Win32Session& session, const CommandLine& options) {
 int main() {
     using namespace vex::sim;
     use_plain_streams();
-    return run_program(program_arguments(), [](const CommandLine& options) {
-        Win32Session session(options);
-        return options.scenario ? session.play(*options.scenario, std::cout, std::cerr) : run_trial(session, options);
+    return run_program(program_arguments(), [](const CommandLine& options) -> int {
+        if (options.controls) throw std::invalid_argument("controls are printed natively only");
+        if (options.scenarios.empty()) {
+            Win32Session session(options);
+            return run_trial(session, options);
+        }
+        const auto play = [](const CommandLine& line, const std::string& file, std::ostream& out,
+                             std::ostream& errors) { return Win32Session(line).play(file, out, errors); };
+        if (options.compare) return compare_scenarios(options, play, std::cout);
+        return play(options, options.scenarios.front(), std::cout, std::cerr);
     });
 }

@@ -34,13 +34,14 @@ TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
 CommandLine command_line(std::vector<std::string> words) { return parse_command_line(words); }
 
 TEST(CommandLine, TakesOptionsInAnyOrder) {
-    EXPECT_EQ(command_line({}).scenario, std::nullopt);
+    EXPECT_THAT(command_line({}).scenarios, IsEmpty());
     const CommandLine line = command_line({"--data", "d", "run", "--quiet", "a.scn", "--plugin", "p.so"});
-    EXPECT_EQ(line.scenario, "a.scn");
+    EXPECT_THAT(line.scenarios, ElementsAre("a.scn"));
     EXPECT_EQ(line.data, "d");
     EXPECT_EQ(line.plugin, "p.so");
     EXPECT_TRUE(line.quiet);
-    EXPECT_EQ(command_line({"run", "-"}).scenario, "-");
+    EXPECT_THAT(command_line({"run", "-"}).scenarios, ElementsAre("-"));
+    EXPECT_THAT(command_line({"run", "--compare", "a", "b"}).scenarios, ElementsAre("a", "b"));
     EXPECT_TRUE(command_line({"run", "--help"}).help);
 }
 
