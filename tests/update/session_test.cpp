@@ -265,9 +265,11 @@ TEST_F(Session, IdsAndCountsThatCannotBeUsedAreErrors) {
     EXPECT_EQ(error(u"32766", 0, 1), 0);
     // IDs that are gone when the connection stands are no units, and none is served.
     host.during["vexDispTrans.OpenConnection"] = [this](DISPPARAMS&) { display({{"SignIDs", u""}}); };
-    notebook.take();
-    EXPECT_EQ(error(u"1", 0, 0), 0);
-    EXPECT_EQ(notebook.take().find("Checking for"), std::string::npos);
+    for (const char16_t* file : {u"", u"D:\\fw\\new.SHX"}) {
+        display({{"SignIDs", u"1"}});
+        EXPECT_FALSE(play(file));
+        EXPECT_EQ(notebook.take().find("Checking for"), std::string::npos);
+    }
 }
 
 }  // namespace
