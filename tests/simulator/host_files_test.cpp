@@ -12,7 +12,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 TEST(Displays, SurviveTheirFile) {
     const test::TemporaryFolder folder;

@@ -41,14 +41,6 @@ TEST_F(ObjectsTest, DisplayListMakesOneDisplayCurrent) {
     EXPECT_EQ(name(*list), u"B");
 }
 
-TEST_F(ObjectsTest, AreNotAggregated) {
-    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
-    com::ComPtr<IUnknown> inner;
-    EXPECT_EQ(
-        CoCreateInstance(kHostDisplayPickerClass, list.get(), CLSCTX_INPROC_SERVER, IID_IUnknown, inner.put_void()),
-        CLASS_E_NOAGGREGATION);
-}
-
 TEST_F(ObjectsTest, DisplayFileThatIsMissingOrDamagedLeavesTheOpenOne) {
     add_display(u"A");
     const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");

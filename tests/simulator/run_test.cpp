@@ -91,14 +91,6 @@ TEST(Run, TakesNoMessageAnswerThatTheBoxDoesNotOffer) {
     EXPECT_EQ(outcome.errors, "a.scn:2: the message \"Not a valid SHX file!\" has no such button\n");
 }
 
-TEST(Run, NotesWhatAUserCannotDo) {
-    const Outcome outcome =
-        run("display A\nstart\nclick cmdFinish\nset optJustResetDisplays off\nclick opLoadFirmware\n");
-    EXPECT_EQ(outcome.status, kPassed);
-    EXPECT_THAT(outcome.errors, HasSubstr("a.scn:3: note: cmdFinish is disabled"));
-    EXPECT_THAT(outcome.errors, HasSubstr("a.scn:5: note: opLoadFirmware is disabled or cannot be reached"));
-}
-
 TEST(Run, DoesNotClickInItsOwnClick) {
     const Outcome outcome = run(
         "display A\nsay A 1 CloseConnection bye cmdCancel\nsay A 1 CancelTransmission stop cmdCancel\nanswer picker A\n"
@@ -189,15 +181,6 @@ TEST(Run, SaysWhyThereIsNoPlugin) {
     const Outcome outcome = run("units", options);
     EXPECT_EQ(outcome.status, kBadUsage);
     EXPECT_THAT(outcome.errors, HasSubstr("no-such-library.so"));
-}
-
-TEST(Run, FindsFilesBesideTheScenario) {
-    const test::TemporaryFolder folder;
-    folder.write("firmware.bin", "content");
-    folder.write("more.scn", "display B\n");
-    const Outcome outcome = run("include more.scn\ncopy firmware.bin D:\\a.bin\nunits", {}, folder.path());
-    EXPECT_EQ(outcome.status, kPassed) << outcome.errors;
-    EXPECT_EQ(outcome.out, "unit \"B\" 1: as delivered\n");
 }
 
 }  // namespace

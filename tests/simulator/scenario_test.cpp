@@ -1,35 +1,17 @@
-// Scenarios as texts: their words, what is refused before they run, and which calls they are about.
-#include "simulator/scenario.h"
+// Scenarios as texts: the command line, words, and which calls a fault is about.
+#include "simulator/words.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
-#include "core/unicode.h"
-#include "simulator/program.h"
 #include "simulator/controls.h"
-#include "simulator/words.h"
-#include "tests/shared/temporary_folder.h"
+#include "simulator/program.h"
 
 namespace vex::sim {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
-
-TEST(Scenario, KnowsWhichControlAStatementIsAbout) {
-    const Scenario scenario = parse_scenario("a",
-                                             "show cmdNext.Enabled\nshow HKLM\\Software\\a.b c\nclick cmdNext\nunits\n"
-                                             "expect lstv.Row1.ForeColor 0");
-    ASSERT_EQ(scenario.statements.size(), 5U);
-    EXPECT_EQ(scenario.statements[0].control, u"cmdNext");
-    EXPECT_EQ(scenario.statements[1].control, u"");
-    EXPECT_EQ(scenario.statements[2].control, u"cmdNext");
-    EXPECT_EQ(scenario.statements[3].control, u"");
-    EXPECT_EQ(scenario.statements[4].control, u"lstv");
-}
 
 CommandLine command_line(std::vector<std::string> words) { return parse_command_line(words); }
 
@@ -65,15 +47,6 @@ TEST(AsWord, IsReadBack) {
     }
     EXPECT_EQ(as_word(u"plain"), u"plain");
     EXPECT_EQ(in_quotes(u"line\r\nbreak"), u"\"line  break\"");
-}
-
-TEST(ParseNumber, TakesTheWholeWordAndTheRange) {
-    EXPECT_EQ(parse_number(u"-32768", -32768, 32767), -32768);
-    EXPECT_EQ(parse_number(u"007", 0, 10), 7);
-    for (const std::u16string_view word :
-         {u"", u"-", u"+1", u" 1", u"1 ", u"1x", u"0x1", u"32768", u"99999999999999999999"}) {
-        EXPECT_EQ(parse_number(word, -32768, 32767), std::nullopt);
-    }
 }
 
 TEST(SplitLines, TakesEitherEndAndAByteOrderMark) {

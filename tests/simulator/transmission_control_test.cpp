@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <span>
 #include <vector>
 
 #include "core/runtime_error.h"
