@@ -309,7 +309,8 @@ std::string faults_of(const forms::Form& form, Size terminal) {
         }
         if (cells.meet(placed.clip) != cells) faults += control.name() + " is cut; ";
         if (kind != ControlKind::button) continue;
-        if (text_width(parse_caption(control.caption()).text) > cells.width() - 2) faults += control.name() + " is short; ";
+        if (text_width(parse_caption(control.caption()).text) > cells.width() - 2)
+            faults += control.name() + " is short; ";
         for (const PlacedControl& other : controls) {
             const Area common = other.cells.meet(cells);
             if (&other != &placed && other.control->parent() == control.parent() && common.width() > 0 &&

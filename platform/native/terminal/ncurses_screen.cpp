@@ -53,16 +53,15 @@ constexpr std::pair<const char*, wint_t> kMoreKeys[] = {
 };
 
 constexpr std::pair<wint_t, Key> kKeys[] = {
+    {L'\r', Key::enter},     {L'\n', Key::enter},       {KEY_ENTER, Key::enter},
+    {8, Key::backspace},     {127, Key::backspace},     {KEY_BACKSPACE, Key::backspace},
+    {L'\t', Key::tab},       {KEY_BTAB, Key::back_tab}, {KEY_DC, Key::remove},
     {KEY_UP, Key::up},       {KEY_DOWN, Key::down},     {KEY_LEFT, Key::left},
     {KEY_RIGHT, Key::right}, {KEY_PPAGE, Key::page_up}, {KEY_NPAGE, Key::page_down},
-    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_BACKSPACE, Key::backspace},
-    {KEY_DC, Key::remove},   {KEY_BTAB, Key::back_tab}, {KEY_ENTER, Key::enter},
-    {KEY_F(10), Key::menu},  {KEY_F(16), Key::menu},  // the menu key of xterm
-    {KEY_F(22), Key::menu},                           // F10 with Shift
+    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_F(10), Key::menu},
+    {KEY_F(16), Key::menu},  // the menu key of xterm
+    {KEY_F(22), Key::menu},  // F10 with Shift
 };
-
-constexpr std::pair<wint_t, Key> kControls[] = {
-    {L'\r', Key::enter}, {L'\n', Key::enter}, {L'\t', Key::tab}, {8, Key::backspace}, {127, Key::backspace}};
 
 /// In the order of the library's buttons.
 constexpr MouseButton kButtons[] = {MouseButton::left, MouseButton::middle, MouseButton::right};
@@ -257,19 +256,15 @@ private:
     static constexpr char kModesOff[] = "\033[?2004l";
 
     void translate(int kind, wint_t code) {
-        if (kind == KEY_CODE_YES) {
-            if (code == KEY_MOUSE) return read_mouse();
-            if (code == kPasteBegins) return read_paste();
-            for (const auto& [known, key] : kKeys) {
-                if (known == code) inputs_.push_back(KeyPress{key});
-            }
-            return;
+        if (kind == OK && code == kEscape) return read_escaped();
+        if (kind == OK && code >= L' ' && code != 127) {
+            return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
         }
-        if (code == kEscape) return read_escaped();
-        for (const auto& [known, key] : kControls) {
-            if (known == code) return inputs_.push_back(KeyPress{key});
+        if (code == KEY_MOUSE) return read_mouse();
+        if (code == kPasteBegins) return read_paste();
+        for (const auto& [known, key] : kKeys) {
+            if (known == code) inputs_.push_back(KeyPress{key});
         }
-        if (code >= L' ') inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
     }
 
     /// The library keeps the events of one read; it gives the last one first.
