@@ -20,8 +20,8 @@ using test::TerminalProcess;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* kKeys[] = {"", "enter", "escape", "tab", "back_tab", "up", "down", "left", "right",
-                                 "page_up", "page_down", "home", "end", "backspace", "remove", "menu"};
+constexpr const char* kKeys[] = {"",      "enter",   "escape",    "tab",  "back_tab", "up",        "down",   "left",
+                                 "right", "page_up", "page_down", "home", "end",      "backspace", "remove", "menu"};
 
 std::string describe(const Input& input) {
     if (const auto* key = std::get_if<KeyPress>(&input)) {

@@ -174,7 +174,8 @@ private:
 
 TEST_F(Progress, IsOnTheHostsLineFromTheRunsBeginningToItsEnd) {
     FakeScreen screen;
-    TerminalToolkit toolkit(screen, icon_characters(), [&](auto& canvas, auto& line) { return draw_host_line(canvas, line, toolkit, progress); });
+    TerminalToolkit toolkit(screen, icon_characters(),
+                            [&](auto& canvas, auto& line) { return draw_host_line(canvas, line, toolkit, progress); });
     progress.begin_run({u"Main", u"Second"});
     RunForm form(toolkit);
     form.close.set_enabled(false);

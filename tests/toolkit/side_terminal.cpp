@@ -81,7 +81,9 @@ private:
         press(name, forms::MouseButton::right, 100, static_cast<float>(list.row_top(row - 1)));
         return std::exchange(menu_item_, std::nullopt) ? ActionResult::not_possible : ActionResult::done;
     }
-    void close() override { press_at({toolkit_.top_window().picture().size().columns - 4, 0}, forms::MouseButton::left); }
+    void close() override {
+        press_at({toolkit_.top_window().picture().size().columns - 4, 0}, forms::MouseButton::left);
+    }
 
     /// On the screen as it is drawn now.
     const PlacedControl* placed_on_screen(const forms::Control& wanted) {
@@ -124,9 +126,8 @@ private:
         }
         if (form().name() == "MessageBox") {
             const bool question = form().controls().size() > 2;
-            const auto answer =
-                user_->answer({form().caption(), form().find("text")->caption(),
-                               question ? forms::MessageButtons::yes_no : forms::MessageButtons::ok});
+            const auto answer = user_->answer({form().caption(), form().find("text")->caption(),
+                                               question ? forms::MessageButtons::yes_no : forms::MessageButtons::ok});
             if (!question) return KeyPress{Key::enter};
             return KeyPress{Key::character, answer == forms::MessageAnswer::yes ? U'y' : U'n'};
         }

@@ -106,15 +106,6 @@ void Canvas::line(Point from, Point to, Color color) noexcept {
     }
 }
 
-void Canvas::frame(const Area& area, Color color) noexcept {
-    const int right = area.right - 1;
-    const int bottom = area.bottom - 1;
-    line({area.left, area.top}, {right, area.top}, color);
-    line({area.left, bottom}, {right, bottom}, color);
-    line({area.left, area.top}, {area.left, bottom}, color);
-    line({right, area.top}, {right, bottom}, color);
-}
-
 void Canvas::paste(const Canvas& other, Point at) noexcept {
     for (int row = 0; row < other.size_.rows; ++row) {
         for (int column = 0; column < other.size_.columns; ++column) {

@@ -107,8 +107,6 @@ public:
     int text(Point at, std::u32string_view text, const Style& style) noexcept;
     /// A straight line between two cells of one row or column, both included; joins with lines it meets.
     void line(Point from, Point to, Color color) noexcept;
-    /// The outline of `area`.
-    void frame(const Area& area, Color color) noexcept;
     /// Copies all of `other` to `at`.
     void paste(const Canvas& other, Point at) noexcept;
 

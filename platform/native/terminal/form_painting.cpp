@@ -37,9 +37,12 @@ void FormWindow::draw(const Scale& scale, bool active) {
 void FormWindow::draw_frame() {
     const Area area = canvas_.area();
     const Style& title = active_ ? look::kTitle : look::kIdleTitle;
-    canvas_.frame(area, active_ ? look::kTitle.back : look::kFaint);
+    const Style edge{.fore = active_ ? look::kTitle.back : look::kFaint};
     const std::u32string line(static_cast<std::size_t>(area.width() - 2), U'─');
+    canvas_.fill(area, edge, U'│');
+    canvas_.fill({1, 1, area.right - 1, area.bottom - 1}, look::kFace);
     canvas_.text({0, 0}, U"┌" + line + U"┐", title);
+    canvas_.text({0, area.bottom - 1}, U"└" + line + U"┘", edge);
     const std::u32string text = shorten(to_utf32(form_.caption()), area.width() - 10);
     if (!text.empty()) canvas_.text({2, 0}, U" " + text + U" ", title);
     close_box_ = {area.right - 5, 0, area.right - 2, 1};

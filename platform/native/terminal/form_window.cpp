@@ -219,11 +219,11 @@ void FormWindow::handle(const KeyPress& key) {
 void FormWindow::handle(const Paste& paste) {
     Control* control = focus();
     if (control == nullptr || control->kind() != ControlKind::text_box) return;
+    // A text box has one line.
+    std::u32string line = paste.text;
+    std::erase_if(line, [](char32_t character) { return character < U' '; });
     std::u32string text = to_utf32(control->caption());
     std::size_t& at = cursor_in(*control, text);
-    // A text box has one line.
-    std::u32string line;
-    std::copy_if(paste.text.begin(), paste.text.end(), std::back_inserter(line), [](char32_t c) { return c >= U' '; });
     text.insert(at, line);
     at += line.size();
     form_.user_text(static_cast<forms::TextBox&>(*control), to_utf16(text));

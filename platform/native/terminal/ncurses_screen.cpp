@@ -9,7 +9,6 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -54,27 +53,18 @@ constexpr std::pair<const char*, wint_t> kMoreKeys[] = {
 };
 
 constexpr std::pair<wint_t, Key> kKeys[] = {
+    {L'\r', Key::enter},     {L'\n', Key::enter},       {KEY_ENTER, Key::enter},
+    {8, Key::backspace},     {127, Key::backspace},     {KEY_BACKSPACE, Key::backspace},
+    {L'\t', Key::tab},       {KEY_BTAB, Key::back_tab}, {KEY_DC, Key::remove},
     {KEY_UP, Key::up},       {KEY_DOWN, Key::down},     {KEY_LEFT, Key::left},
     {KEY_RIGHT, Key::right}, {KEY_PPAGE, Key::page_up}, {KEY_NPAGE, Key::page_down},
-    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_BACKSPACE, Key::backspace},
-    {KEY_DC, Key::remove},   {KEY_BTAB, Key::back_tab}, {KEY_ENTER, Key::enter},
-    {KEY_F(10), Key::menu},  {KEY_F(16), Key::menu},  // the menu key of xterm
-    {KEY_F(22), Key::menu},                           // F10 with Shift
+    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_F(10), Key::menu},
+    {KEY_F(16), Key::menu},  // the menu key of xterm
+    {KEY_F(22), Key::menu},  // F10 with Shift
 };
 
-constexpr std::pair<wint_t, Key> kControls[] = {
-    {L'\r', Key::enter}, {L'\n', Key::enter}, {L'\t', Key::tab}, {8, Key::backspace}, {127, Key::backspace}};
-
-constexpr std::tuple<mmask_t, MouseAction, MouseButton> kMouse[] = {
-    {BUTTON4_PRESSED, MouseAction::wheel_up, MouseButton::left},
-    {BUTTON5_PRESSED, MouseAction::wheel_down, MouseButton::left},
-    {BUTTON1_PRESSED, MouseAction::press, MouseButton::left},
-    {BUTTON2_PRESSED, MouseAction::press, MouseButton::middle},
-    {BUTTON3_PRESSED, MouseAction::press, MouseButton::right},
-    {BUTTON1_RELEASED, MouseAction::release, MouseButton::left},
-    {BUTTON2_RELEASED, MouseAction::release, MouseButton::middle},
-    {BUTTON3_RELEASED, MouseAction::release, MouseButton::right},
-};
+/// In the order of the library's buttons.
+constexpr MouseButton kButtons[] = {MouseButton::left, MouseButton::middle, MouseButton::right};
 
 /// The numbers of the sixteen colours among 256, where users do not change them.
 constexpr int kOf256[] = {16, 160, 28, 136, 18, 90, 30, 252, 240, 196, 46, 226, 25, 201, 51, 231};
@@ -133,7 +123,8 @@ void on_end(int signal) {
 void on_resize(int) { tell('r'); }
 
 /// Signals while the terminal is in use: a request to end and a new size are read like input, and whatever kills the
-/// process leaves the terminal as it was. At most one at a time; the former handlers are back after it.
+/// process leaves the terminal as it was: its modes are those of the construction. At most one at a time; the former
+/// handlers are back after it.
 class SignalWatch {
 public:
     SignalWatch() {
@@ -155,13 +146,6 @@ public:
         close(state.pipe[1]);
     }
 
-    /// Bytes that bring the terminal back when a signal kills the process or asks it a second time to end. The modes
-    /// of the terminal are those of the construction.
-    void set_farewell(const std::string& bytes) noexcept {
-        state.farewell_length =
-            static_cast<std::sig_atomic_t>(bytes.copy(state.farewell.data(), state.farewell.size()));
-    }
-
 private:
     void handle(int signal, void (*handler)(int)) {
         former_.emplace_back(signal, std::signal(signal, handler));
@@ -174,18 +158,13 @@ private:
 
 // ---- The screen ---------------------------------------------------------------------------------------
 
-/// ncurses writes in the process's character locale.
-void use_utf8() {
-    // Where the environment says nothing, as in many containers, the terminal is most likely UTF-8.
-    if (setlocale(LC_CTYPE, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
-        setlocale(LC_CTYPE, "C.UTF-8");
-    }
-}
-
 class NcursesScreen final : public Screen {
 public:
     NcursesScreen() {
-        use_utf8();
+        // Where the environment says nothing, as in many containers, the terminal is most likely UTF-8.
+        if (setlocale(LC_CTYPE, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
+            setlocale(LC_CTYPE, "C.UTF-8");
+        }
         screen_ = newterm(nullptr, stdout, stdin);
         if (screen_ == nullptr) throw RuntimeError(kCannotCreateObject, u"The terminal cannot be used");
         set_term(screen_);
@@ -201,9 +180,9 @@ public:
         if ((no_color == nullptr || *no_color == '\0') && has_colors() && start_color() == OK) colors_ = COLORS;
         // A terminal with a mouse knows of pastes, too.
         if (has_mouse()) send("\033[?2004h");
-        signals_.set_farewell(capability("rmkx") + std::string(kModesOff) +
-                              "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" + capability("sgr0") +
-                              capability("cnorm") + capability("rmcup"));
+        const std::string farewell = capability("rmkx") + kModesOff + "\033[?1000l\033[?1002l\033[?1003l\033[?1006l" +
+                                     capability("sgr0") + capability("cnorm") + capability("rmcup");
+        state.farewell_length = static_cast<int>(farewell.copy(state.farewell.data(), state.farewell.size()));
     }
     NcursesScreen(const NcursesScreen&) = delete;
     NcursesScreen& operator=(const NcursesScreen&) = delete;
@@ -277,29 +256,31 @@ private:
     static constexpr char kModesOff[] = "\033[?2004l";
 
     void translate(int kind, wint_t code) {
-        if (kind == KEY_CODE_YES) {
-            if (code == KEY_MOUSE) return read_mouse();
-            if (code == kPasteBegins) return read_paste();
-            for (const auto& [known, key] : kKeys) {
-                if (known == code) inputs_.push_back(KeyPress{key});
-            }
-            return;
+        if (kind == OK && code == kEscape) return read_escaped();
+        if (kind == OK && code >= L' ' && code != 127) {
+            return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
         }
-        if (code == kEscape) return read_escaped();
-        for (const auto& [known, key] : kControls) {
-            if (known == code) return inputs_.push_back(KeyPress{key});
+        if (code == KEY_MOUSE) return read_mouse();
+        if (code == kPasteBegins) return read_paste();
+        for (const auto& [known, key] : kKeys) {
+            if (known == code) inputs_.push_back(KeyPress{key});
         }
-        if (code >= L' ') inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
     }
 
     /// The library keeps the events of one read; it gives the last one first.
     void read_mouse() {
-        std::vector<Input> events;
+        std::vector<MouseEvent> events;
         MEVENT event;
         while (getmouse(&event) == OK) {
-            for (const auto& [mask, action, button] : kMouse) {
-                if ((event.bstate & mask) != 0) events.push_back(MouseEvent{action, button, {event.x, event.y}});
+            const auto add = [&events, at = Point{event.x, event.y}](MouseAction action, MouseButton button) {
+                events.push_back({action, button, at});
+            };
+            for (int i = 1; i <= 3; ++i) {
+                if (BUTTON_PRESS(event.bstate, i)) add(MouseAction::press, kButtons[i - 1]);
+                if (BUTTON_RELEASE(event.bstate, i)) add(MouseAction::release, kButtons[i - 1]);
             }
+            if (BUTTON_PRESS(event.bstate, 4)) add(MouseAction::wheel_up, MouseButton::left);
+            if (BUTTON_PRESS(event.bstate, 5)) add(MouseAction::wheel_down, MouseButton::left);
         }
         inputs_.insert(inputs_.end(), events.rbegin(), events.rend());
     }
