@@ -37,6 +37,9 @@ namespace {
 using forms::MouseButton;
 
 constexpr wint_t kEscape = 27;
+/// In milliseconds, how long the rest of a character may take behind an escape that the library has given up on. It
+/// drops the bytes that it has of a character whose rest does not come in time.
+constexpr int kRestDelay = 20;
 constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED |
                                  BUTTON3_PRESSED | BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON5_PRESSED;
 /// Codes of our own for marks that the library does not know.
@@ -225,7 +228,7 @@ public:
                 follow_size();
                 return Resized{};
             }
-            // What the library has read ahead cannot be waited for.
+            // What the library has read ahead behind an escape or a sequence cannot be waited for.
             pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {state.pipe[0], POLLIN, 0}};
             poll(sources, 2, wait && !read_ahead_ ? -1 : 0);
             const bool readable = sources[0].revents != 0;
@@ -234,11 +237,11 @@ public:
                 continue;
             }
             // The rest of a character or a sequence may come late.
-            wtimeout(stdscr, readable ? ESCDELAY : 0);
+            wtimeout(stdscr, readable ? ESCDELAY : kRestDelay);
             wint_t code = 0;
             const int kind = get_wch(&code);
-            read_ahead_ = kind != ERR;
-            if (read_ahead_) {
+            read_ahead_ = kind == KEY_CODE_YES || (kind == OK && code == kEscape);
+            if (kind != ERR) {
                 translate(kind, code);
             } else if ((sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
                 ended_ = true;
@@ -300,7 +303,7 @@ private:
     /// sequences are passed over as a whole.
     void read_escaped() {
         // The library has waited for what may follow.
-        wtimeout(stdscr, 0);
+        wtimeout(stdscr, kRestDelay);
         wint_t code = 0;
         int kind = get_wch(&code);
         if (kind == ERR || (kind == OK && code == kEscape)) return inputs_.push_back(KeyPress{Key::escape});
