@@ -93,23 +93,22 @@ LRESULT ControlWindow::system_handling(UINT message, WPARAM wide_parameter, LPAR
     return CallWindowProcW(system_procedure_, window_, message, wide_parameter, long_parameter);
 }
 
-/// Enter presses the push button that has the focus, however it came there, and else the form's own default one; its
-/// border shows which it is.
 void ControlWindow::show_default_button() const noexcept {
-    const auto show = [](HWND child, LPARAM focused) -> BOOL {
-        const auto& focus = *reinterpret_cast<const ControlWindow*>(focused);
-        const ControlWindow* button = from(child);
-        if (button == nullptr || button->control_.kind() != forms::ControlKind::button) return TRUE;
-        const bool is_default = focus.control_.kind() == forms::ControlKind::button
-                                    ? button == &focus
-                                    : static_cast<const forms::Button&>(button->control_).is_default;
-        const LONG_PTR style = is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
-        if ((GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK) != style) {
-            SendMessageW(child, BM_SETSTYLE, static_cast<WPARAM>(style), TRUE);
-        }
-        return TRUE;
-    };
-    EnumChildWindows(GetAncestor(window_, GA_ROOT), show, reinterpret_cast<LPARAM>(this));
+    EnumChildWindows(GetAncestor(window_, GA_ROOT), show_whether_default, reinterpret_cast<LPARAM>(this));
+}
+
+BOOL CALLBACK ControlWindow::show_whether_default(HWND child, LPARAM focused) noexcept {
+    const auto& focus = *reinterpret_cast<const ControlWindow*>(focused);
+    const ControlWindow* button = from(child);
+    if (button == nullptr || button->control_.kind() != forms::ControlKind::button) return TRUE;
+    const bool is_default = focus.control_.kind() == forms::ControlKind::button
+                                ? button == &focus
+                                : static_cast<const forms::Button&>(button->control_).is_default;
+    const LONG_PTR style = is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
+    if ((GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK) != style) {
+        SendMessageW(child, BM_SETSTYLE, static_cast<WPARAM>(style), TRUE);
+    }
+    return TRUE;
 }
 
 LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wide_parameter,

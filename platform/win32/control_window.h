@@ -52,7 +52,10 @@ protected:
     LRESULT system_handling(UINT message, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
 private:
+    /// Enter presses the push button that has the focus, however it came there, and else the form's own default
+    /// one; the buttons' borders show which it is.
     void show_default_button() const noexcept;
+    static BOOL CALLBACK show_whether_default(HWND child, LPARAM focused) noexcept;
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide_parameter, LPARAM long_parameter) noexcept;
 
     Surface& parent_;
