@@ -19,7 +19,8 @@ start_wine() {
   wineserver=$(command -v wineserver64 wineserver || ls /usr/lib/wine/wineserver64 2>/dev/null) || return 1
   wineserver=${wineserver%%$'\n'*}
   command -v Xvfb >/dev/null || return 1
-  export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
+  # With file names of any script.
+  export LC_ALL=C.UTF-8 WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
   mkdir -p build
   display=$(mktemp)
   Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp 9>"$display" >/dev/null 2>&1 &
