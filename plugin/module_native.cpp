@@ -4,7 +4,7 @@
 #include "platform/native/machine.h"
 #include "plugin/embedded_icons.h"
 #include "plugin/module.h"
-#include "support/text.h"
+#include "support/file_routines.h"
 
 namespace vex::plugin {
 

@@ -2,7 +2,7 @@
 #include "platform/win32/pictures.h"
 #include "platform/win32/system.h"
 #include "plugin/module.h"
-#include "support/text.h"
+#include "support/file_routines.h"
 
 namespace vex::plugin {
 

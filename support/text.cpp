@@ -1,4 +1,4 @@
-// Texts: their pieces, the folder of a path, and the numbers that they stand for.
+// Texts: their pieces, and the numbers that they stand for.
 #include "support/text.h"
 
 #include <algorithm>
@@ -114,15 +114,6 @@ std::vector<std::u16string> split(std::u16string_view text, char16_t separator) 
         if (end == std::u16string_view::npos) return pieces;
         start = end + 1;
     }
-}
-
-std::u16string GetPathOnly(const std::u16string& path) {
-    // Positions count from 1 and are 16-bit, and callers were written to expect the overflow.
-    constexpr std::size_t kLastPosition = std::numeric_limits<std::int16_t>::max();
-    const std::size_t backslash = path.rfind(u'\\');
-    const bool found = backslash != std::u16string::npos;
-    if ((found ? backslash + 1 : path.size()) > kLastPosition) throw RuntimeError(kOverflow);
-    return found ? path.substr(0, backslash) : path;
 }
 
 std::int32_t to_int32(std::u16string_view text) {

@@ -1,4 +1,4 @@
-// Texts: their pieces, the folder of a path, and the numbers that they stand for.
+// Texts: their pieces, and the numbers that they stand for.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,6 @@ namespace vex {
 
 /// The pieces between separators, empty ones included, nothing trimmed. An empty text has no pieces.
 std::vector<std::u16string> split(std::u16string_view text, char16_t separator);
-
-/// Everything before the last backslash, without it; the whole path when there is none. Only backslashes
-/// separate folders. Raises kOverflow when the last backslash, or without one the length, lies beyond
-/// 32767 characters.
-std::u16string GetPathOnly(const std::u16string& path);
 
 /// A text that must be a decimal number; it is rounded, a half to the even neighbour. Blanks around it, a sign, a
 /// fraction and an exponent are fine. Raises kTypeMismatch for a text that is no number, kOverflow beyond the range.

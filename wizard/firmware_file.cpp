@@ -1,7 +1,7 @@
 // Step 4 of the wizard: which firmware file.
 #include "core/unicode.h"
+#include "support/file_routines.h"
 #include "support/mod_reg_access.h"
-#include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"
 
 namespace vex {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "support/file_routines.h"
 #include "support/text.h"
 #include "update/display_facts.h"
 #include "tests/shared/error_of.h"
