@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/native/registry_tree.h"
+#include "platform/native/registry_store.h"
 
 namespace vex::platform::native {
 namespace {
