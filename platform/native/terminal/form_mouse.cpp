@@ -38,7 +38,7 @@ void FormWindow::handle(const MouseEvent& event) {
         mouse_release(event);
     } else if (const PlacedControl* placed = control_at(event.at)) {
         auto pane = pane_of(*placed->control);
-        if (pane) pane->scroll_rows(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows);
+        if (pane) pane->scroll(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows, 0);
     }
     handling_ = outer;
 }

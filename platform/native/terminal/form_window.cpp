@@ -170,8 +170,7 @@ void FormWindow::move_option(Control& option, int direction) {
 std::vector<std::u32string> FormWindow::keys() {
     std::vector<std::u32string> hints;
     const Control* control = focus();
-    const bool button = control != nullptr && control->kind() == ControlKind::button;
-    const Control* pressed = button ? control : button_with(form_, &forms::Button::is_default);
+    const Control* pressed = button_of_enter();
     if (pressed != nullptr) hints.push_back(hint(U"Enter", *pressed));
     if (control != nullptr && control->kind() == ControlKind::check_box) hints.emplace_back(U"Space check");
     if (control != nullptr && control->kind() == ControlKind::option_button) hints.emplace_back(U"↑↓ choose");
@@ -216,10 +215,7 @@ void FormWindow::handle(const Paste& paste) {
 }
 
 void FormWindow::press_key(const KeyPress& key) {
-    if (key.key == Key::character && key.alt) {
-        if (!press_mnemonic(key.character)) owner_.beep();
-        return;
-    }
+    if (key.key == Key::character && key.alt) return press_mnemonic(key.character);
     if (key.key == Key::tab) return move_focus(1);
     if (key.key == Key::back_tab) return move_focus(-1);
     if (key.key == Key::enter) return press_enter();
@@ -234,31 +230,30 @@ void FormWindow::press_key(const KeyPress& key) {
         const int direction = forth ? 1 : -1;
         control->kind() == ControlKind::option_button ? move_option(*control, direction) : move_focus(direction);
     } else if (key.key == Key::character) {
-        if (key.character == U' ') {
-            form_.raise_click(*control);
-        } else if (!press_mnemonic(key.character)) {
-            owner_.beep();
-        }
+        key.character == U' ' ? form_.raise_click(*control) : press_mnemonic(key.character);
     }
 }
 
-bool FormWindow::press_mnemonic(char32_t letter) {
+void FormWindow::press_mnemonic(char32_t letter) {
     for (Control* control : form_.controls()) {
         const char32_t own = mnemonic_of(*control);
         if (own == 0 || !same_letter(own, letter)) continue;
         // Who presses a button from elsewhere goes on there.
         if (control->kind() != ControlKind::button) set_focus(*control);
-        form_.raise_click(*control);
-        return true;
+        return form_.raise_click(*control);
     }
-    return false;
+    owner_.beep();
+}
+
+/// The one with the focus, or the default one.
+Control* FormWindow::button_of_enter() {
+    Control* const control = focus();
+    const bool button = control != nullptr && control->kind() == ControlKind::button;
+    return button ? control : button_with(form_, &forms::Button::is_default);
 }
 
 void FormWindow::press_enter() {
-    Control* control = focus();
-    if (control == nullptr || control->kind() != ControlKind::button) {
-        control = button_with(form_, &forms::Button::is_default);
-    }
+    Control* const control = button_of_enter();
     control == nullptr ? owner_.beep() : form_.raise_click(*control);
 }
 
@@ -296,8 +291,8 @@ bool FormWindow::edit(forms::TextBox& box, const KeyPress& key) {
 void FormWindow::move_in(ListView& list, const KeyPress& key) {
     auto pane = pane_of(list);
     if (!pane) return;
-    if (key.key == Key::left) return pane->scroll_columns(-kColumnStep);
-    if (key.key == Key::right) return pane->scroll_columns(kColumnStep);
+    if (key.key == Key::left) return pane->scroll(0, -kColumnStep);
+    if (key.key == Key::right) return pane->scroll(0, kColumnStep);
     if (key.key == Key::character && key.character != U' ') {
         // Letters belong into the field that says what the list shows.
         for (Control* control : form_.controls()) {

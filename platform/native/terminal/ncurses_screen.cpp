@@ -59,15 +59,13 @@ constexpr std::pair<const char*, wint_t> kMoreKeys[] = {
     {"\033[29~", KEY_F(16)}, {"\033OM", KEY_ENTER}, {"\033[200~", kPasteBegins}, {"\033[201~", kPasteEnds},
 };
 
+/// F16 is the menu key of xterm, F22 is F10 with Shift.
 constexpr std::pair<wint_t, Key> kKeys[] = {
-    {L'\r', Key::enter},     {L'\n', Key::enter},       {KEY_ENTER, Key::enter},
-    {8, Key::backspace},     {127, Key::backspace},     {KEY_BACKSPACE, Key::backspace},
-    {L'\t', Key::tab},       {KEY_BTAB, Key::back_tab}, {KEY_DC, Key::remove},
-    {KEY_UP, Key::up},       {KEY_DOWN, Key::down},     {KEY_LEFT, Key::left},
-    {KEY_RIGHT, Key::right}, {KEY_PPAGE, Key::page_up}, {KEY_NPAGE, Key::page_down},
-    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_F(10), Key::menu},
-    {KEY_F(16), Key::menu},  // the menu key of xterm
-    {KEY_F(22), Key::menu},  // F10 with Shift
+    {L'\r', Key::enter},         {L'\n', Key::enter},        {KEY_ENTER, Key::enter},    {8, Key::backspace},
+    {127, Key::backspace},       {L'\t', Key::tab},          {KEY_BTAB, Key::back_tab},  {KEY_DC, Key::remove},
+    {KEY_UP, Key::up},           {KEY_DOWN, Key::down},      {KEY_LEFT, Key::left},      {KEY_RIGHT, Key::right},
+    {KEY_PPAGE, Key::page_up},   {KEY_NPAGE, Key::page_down}, {KEY_HOME, Key::home},      {KEY_END, Key::end},
+    {KEY_BACKSPACE, Key::backspace}, {KEY_F(10), Key::menu}, {KEY_F(16), Key::menu},     {KEY_F(22), Key::menu},
 };
 
 /// In the order of the library's buttons.
@@ -289,15 +287,13 @@ private:
         std::vector<MouseEvent> events;
         MEVENT event;
         while (getmouse(&event) == OK) {
-            const auto add = [&events, at = Point{event.x, event.y}](MouseAction action, MouseButton button) {
-                events.push_back({action, button, at});
-            };
+            const Point at{event.x, event.y};
             for (int i = 1; i <= 3; ++i) {
-                if (BUTTON_PRESS(event.bstate, i)) add(MouseAction::press, kButtons[i - 1]);
-                if (BUTTON_RELEASE(event.bstate, i)) add(MouseAction::release, kButtons[i - 1]);
+                if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, kButtons[i - 1], at});
+                if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, kButtons[i - 1], at});
             }
-            if (BUTTON_PRESS(event.bstate, 4)) add(MouseAction::wheel_up, MouseButton::left);
-            if (BUTTON_PRESS(event.bstate, 5)) add(MouseAction::wheel_down, MouseButton::left);
+            if (BUTTON_PRESS(event.bstate, 4)) events.push_back({MouseAction::wheel_up, MouseButton::left, at});
+            if (BUTTON_PRESS(event.bstate, 5)) events.push_back({MouseAction::wheel_down, MouseButton::left, at});
         }
         inputs_.insert(inputs_.end(), events.rbegin(), events.rend());
     }
