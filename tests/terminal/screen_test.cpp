@@ -131,7 +131,7 @@ TEST(TerminalScreen, NoKeyHoldsUpWorkThatOnlyLooksForInput) {
     const auto expect = [&process](const char* begin, const char* end, const char* line) {
         process.send(begin);
         // Too long for the library to put the two together.
-        usleep(300'000);
+        usleep(100'000);
         process.send(end);
         EXPECT_EQ(process.hear(), line) << end;
     };

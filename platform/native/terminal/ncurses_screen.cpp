@@ -44,6 +44,9 @@ constexpr wint_t kEscape = 27;
 /// a character may take behind an escape that the library has given up on: it drops the bytes that it has of a
 /// character whose rest does not come in time.
 constexpr int kRestDelay = 20;
+/// How long a sequence may take to go on while there is work: shorter than the library's own time, so that Esc still
+/// meets the dialog that it was pressed on.
+constexpr auto kEscapeDelay = 400ms;
 constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED |
                                  BUTTON3_PRESSED | BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON5_PRESSED;
 /// Codes of our own for marks that the library does not know.
@@ -317,7 +320,7 @@ private:
         wint_t code = 0;
         int kind = get_wch(&code);
         if (kind == ERR && !waited) {
-            escape_due_ = Clock::now() + escape_delay_ * 1ms;
+            escape_due_ = Clock::now() + kEscapeDelay;
             return;
         }
         if (kind == ERR || (kind == OK && code == kEscape)) return inputs_.push_back(KeyPress{Key::escape});
