@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 
 #include "core/unicode.h"
 
@@ -205,8 +206,9 @@ void append_quoted(std::string& text, std::u16string_view content) {
     text += '"';
 }
 
-void append_hex(std::string& text, std::uint32_t number, int digits) {
-    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) text += "0123456789abcdef"[(number >> shift) & 15];
+void append_hex(std::string& text, std::uint32_t number, int least_digits) {
+    char digits[9];
+    text.append(digits, static_cast<std::size_t>(std::snprintf(digits, sizeof digits, "%0*x", least_digits, number)));
 }
 
 /// Whether a value can stand between quotation marks on one line: a text that is terminated by its one null,
@@ -261,10 +263,8 @@ void append_value(std::string& text, const RegistryValue& value) {
     } else {
         text += "hex";
         if (value.type != kRegBinary) {
-            int digits = 1;
-            while (digits < 8 && value.type >> (4 * digits) != 0) ++digits;
             text += '(';
-            append_hex(text, value.type, digits);
+            append_hex(text, value.type, 1);
             text += ')';
         }
         text += ':';

@@ -4,8 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/native/registry_text.h"
-#include "platform/native/registry_tree.h"
+#include "platform/native/registry_store.h"
 #include "tests/fuzz/target.h"
 
 namespace {

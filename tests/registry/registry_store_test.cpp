@@ -28,7 +28,7 @@ constexpr RegistryKey kRoot = registry_key(kHkeyLocalMachine);
 const CodePage1252 kCodePage;
 const std::string kHeader(kRegistryHeader);
 
-/// A computer's registry as one process sees it.
+/// A computer's registry as one process sees it. Paths begin at HKEY_LOCAL_MACHINE.
 struct Process {
     explicit Process(const test::TemporaryFolder& folder) { service.use_folder(folder.path()); }
 
@@ -39,25 +39,27 @@ struct Process {
     }
     std::int32_t write(const std::string& path, const std::string& name, const std::string& text) {
         RegistryKey key = 0;
-        result = service.create_key(kRoot, path.c_str(), nullptr, kKeyAllAccess, {}, key);
-        if (result == kSuccess) {
-            result = service.set_value(key, name.c_str(), kRegSz, reinterpret_cast<const std::uint8_t*>(text.c_str()),
-                                       static_cast<std::uint32_t>(text.size() + 1));
-        }
+        const std::int32_t created = service.create_key(kRoot, path.c_str(), nullptr, kKeyAllAccess, {}, key);
+        if (created != kSuccess) return created;
+        const auto* data = reinterpret_cast<const std::uint8_t*>(text.c_str());
+        const auto size = static_cast<std::uint32_t>(text.size() + 1);
+        const std::int32_t written = service.set_value(key, name.c_str(), kRegSz, data, size);
         service.close_key(key);
-        return result;
+        return written;
     }
     /// A text, or the result code in parentheses.
     std::string read(RegistryKey key, const std::string& name) {
         std::uint32_t type = 0;
         std::string text(100'000, '\0');
         auto size = static_cast<std::uint32_t>(text.size());
-        result = service.query_value(key, name.c_str(), type, reinterpret_cast<std::uint8_t*>(text.data()), size);
+        if (key != 0) {
+            auto* data = reinterpret_cast<std::uint8_t*>(text.data());
+            result = service.query_value(key, name.c_str(), type, data, size);
+        }
         return result == kSuccess ? text.substr(0, size - 1) : '(' + std::to_string(result) + ')';
     }
     std::string read(const std::string& path, const std::string& name) {
         const RegistryKey key = open(path, kKeyRead);
-        if (key == 0) return '(' + std::to_string(result) + ')';
         std::string text = read(key, name);
         service.close_key(key);
         return text;
@@ -123,16 +125,15 @@ TEST_F(RegistryStoreTest, TheFileLooksLikeAnExportAndIsTheOwnersAlone) {
 }
 
 TEST_F(RegistryStoreTest, EveryKindOfChangeLasts) {
+    const struct {
+        const char *path, *name, *text;
+    } values[] = {{"A", "kept", "1"}, {"A", "changed", "old"}, {"A", "CHANGED", "new"}, {"A", "gone", "x"},
+                  {"B\\C", "v", "x"}, {"Key]\" [", "a\nb\\\"=", "line\nbreak\\\""}};
     {
         Process process(folder);
-        process.write("A", "kept", "1");
-        process.write("A", "changed", "old");
-        process.write("A", "CHANGED", "new");
-        process.write("A", "gone", "x");
+        for (const auto& [path, name, text] : values) EXPECT_EQ(process.write(path, name, text), kSuccess);
         process.service.delete_value(process.open("A"), "GONE");
-        process.write("B\\C", "v", "x");
         process.service.delete_key(kRoot, "B\\C");
-        process.write("Key]\" [", "a\nb\\\"=", "line\nbreak\\\"");
         std::string deep = "k";
         for (std::size_t i = 0; i < kMaxKeyDepth; ++i) deep += "\\k";
         for (const std::string& path : {std::string("line\nbreak"), deep, std::string(256, 'k')}) {
@@ -143,9 +144,7 @@ TEST_F(RegistryStoreTest, EveryKindOfChangeLasts) {
         EXPECT_EQ(std::filesystem::last_write_time(file), written) << "what it holds is not written again";
     }
     Process again(folder);
-    EXPECT_EQ(again.read("A", "kept"), "1");
-    EXPECT_EQ(again.read("A", "changed"), "new");
-    EXPECT_EQ(again.read("A", "gone"), "(2)");
+    EXPECT_EQ(again.read("A", "kept") + again.read("A", "changed") + again.read("A", "gone"), "1new(2)");
     EXPECT_EQ(again.read("Key]\" [", "A\nB\\\"="), "line\nbreak\\\"");
     EXPECT_NE(again.open("B"), 0);
     EXPECT_EQ(again.open("B\\C"), 0);
@@ -202,15 +201,13 @@ TEST_F(RegistryStoreTest, ProcessesThatWriteAtOnceLoseNothing) {
         }
         return true;
     };
-    Child one([&] { return write_all("one "); });
-    Child two([&] { return write_all("two "); });
-    EXPECT_TRUE(one.succeeds());
-    EXPECT_TRUE(two.succeeds());
+    Child other([&] { return write_all("other "); });
+    EXPECT_TRUE(write_all("own "));
+    EXPECT_TRUE(other.succeeds());
     Process process(folder);
-    for (int i = 0; i < 300; ++i) {
-        for (const std::string prefix : {"one ", "two "}) {
-            ASSERT_EQ(process.read("Key " + std::to_string(i % 7), prefix + std::to_string(i)), "v");
-        }
+    for (int i = 0; i < 600; ++i) {
+        const std::string name = (i % 2 == 0 ? "own " : "other ") + std::to_string(i / 2);
+        ASSERT_EQ(process.read("Key " + std::to_string(i / 2 % 7), name), "v");
     }
 }
 
@@ -268,10 +265,8 @@ TEST_F(RegistryStoreTest, OpenKeysLiveOnWhileOthersChangeTheFile) {
 TEST_F(RegistryStoreTest, ThreadsMayShareOneRegistry) {
     Process process(folder);
     std::thread other([&] {
-        RegistryKey key = 0;
         for (int i = 0; i < 200; ++i) {
-            process.service.create_key(kRoot, "Other", nullptr, kKeyAllAccess, {}, key);
-            process.service.set_value(key, std::to_string(i).c_str(), kRegBinary, nullptr, 0);
+            process.write("Other", std::to_string(i), "");
             if (i % 10 == 0) process.service.use_folder(folder.path());
         }
     });
@@ -332,38 +327,34 @@ TEST_F(RegistryStoreTest, WhereNothingCanBeWrittenNothingChanges) {
 
 // ---- Roots and other computers
 
-TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachine) {
-    Process process(folder);
-    constexpr RegistryKey kClasses = registry_key(kHkeyClassesRoot);
-    RegistryKey key = 0;
-    ASSERT_EQ(process.service.create_key(kClasses, "Some.Class\\CLSID", nullptr, kKeyAllAccess, {}, key), kSuccess);
-    EXPECT_NE(process.open("SOFTWARE\\Classes\\some.class\\clsid"), 0);
-    EXPECT_EQ(process.service.delete_key(kClasses, ""), kAccessDenied);
-    EXPECT_EQ(process.service.delete_key(kRoot, "Software\\Classes"), kAccessDenied);
-    EXPECT_EQ(process.service.delete_key(kRoot, ""), kAccessDenied);
-    EXPECT_THAT(read_file(file), HasSubstr("[HKEY_LOCAL_MACHINE\\Software\\Classes\\Some.Class\\CLSID]"));
-}
-
-TEST_F(RegistryStoreTest, OtherComputersAreFoldersWithARegistryOfTheirOwn) {
+TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachineAndOtherComputersAreFolders) {
     const auto remote_file =
         folder.write("remote/Workshop/registry", kHeader + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"far\"");
     Process process(folder);
+    RegistryService& service = process.service;
+    constexpr RegistryKey kClasses = registry_key(kHkeyClassesRoot);
+    RegistryKey key = 0;
+    ASSERT_EQ(service.create_key(kClasses, "Some.Class\\CLSID", nullptr, kKeyAllAccess, {}, key), kSuccess);
+    EXPECT_NE(process.open("SOFTWARE\\Classes\\some.class\\clsid"), 0);
+    EXPECT_THAT(read_file(file), HasSubstr("[HKEY_LOCAL_MACHINE\\Software\\Classes\\Some.Class\\CLSID]"));
+    for (const auto& [root, path] : {std::pair(kClasses, ""), {kRoot, "Software\\Classes"}, {kRoot, ""}}) {
+        EXPECT_EQ(service.delete_key(root, path), kAccessDenied);
+    }
+
     process.write("Key", "v", "near");
     RegistryKey remote = 0;
-    ASSERT_EQ(process.service.connect_registry("\\\\WORKSHOP", kRoot, remote), kSuccess);
-    RegistryKey key = 0;
-    ASSERT_EQ(process.service.open_key(remote, "Key", kKeyAllAccess, key), kSuccess);
+    ASSERT_EQ(service.connect_registry("\\\\WORKSHOP", kRoot, remote), kSuccess);
+    ASSERT_EQ(service.open_key(remote, "Key", kKeyAllAccess, key), kSuccess);
     EXPECT_EQ(process.read(key, "v"), "far");
-    EXPECT_EQ(process.service.set_value(key, "w", kRegBinary, nullptr, 0), kSuccess);
+    EXPECT_EQ(service.set_value(key, "w", kRegBinary, nullptr, 0), kSuccess);
     EXPECT_THAT(read_file(remote_file), HasSubstr("\"w\"=hex:\n"));
     EXPECT_EQ(process.read("Key", "w"), "(2)");
-
     for (const char* absent : {"nowhere", "\\\\..", ".", "Workshop/../Workshop", "remote"}) {
-        EXPECT_EQ(process.service.connect_registry(absent, kRoot, remote), kBadNetPath) << absent;
+        EXPECT_EQ(service.connect_registry(absent, kRoot, remote), kBadNetPath) << absent;
         EXPECT_EQ(remote, 0);
     }
-    EXPECT_EQ(process.service.connect_registry("Workshop", registry_key(kHkeyCurrentUser), remote), kInvalidHandle);
-    EXPECT_EQ(process.service.connect_registry(nullptr, key, remote), kInvalidHandle) << "no root";
+    EXPECT_EQ(service.connect_registry("Workshop", registry_key(kHkeyCurrentUser), remote), kInvalidHandle);
+    EXPECT_EQ(service.connect_registry(nullptr, key, remote), kInvalidHandle) << "no root";
 }
 
 }  // namespace

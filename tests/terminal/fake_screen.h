@@ -11,75 +11,58 @@
 
 namespace vex::platform::native::terminal {
 
+/// What a sign on a keyboard stands for; every other character is that character's key.
+inline KeyPress key_of(char32_t sign) {
+    constexpr std::u32string_view kSigns = U"⏎⎋⇥⇤↑↓←→⇞⇟⇱⇲⌫⌦☰";
+    const std::size_t at = kSigns.find(sign);
+    return at == kSigns.npos ? KeyPress{Key::character, sign} : KeyPress{static_cast<Key>(at + 1)};
+}
+
 class FakeScreen final : public Screen {
 public:
     Size size_now = kSmallestTerminal;
     int beeps = 0;
     Canvas canvas{{0, 0}};
-    std::optional<Point> cursor;
 
-    void keys(std::initializer_list<Key> pressed) {
-        for (const Key key : pressed) steps_.push_back({KeyPress{key}, {}});
+    void then(Input input) { steps_.emplace_back(std::move(input), nullptr); }
+    void keys(std::u32string_view signs) {
+        for (const char32_t sign : signs) then(key_of(sign));
     }
-    void type(std::u32string_view text) {
-        for (const char32_t character : text) steps_.push_back({KeyPress{Key::character, character}, {}});
-    }
-    void alt(char32_t character) { steps_.push_back({KeyPress{Key::character, character, true}, {}}); }
-    void paste(std::u32string text) { steps_.push_back({Paste{std::move(text)}, {}}); }
-    void mouse(MouseAction action, Point at, forms::MouseButton button = forms::MouseButton::left) {
-        steps_.push_back({MouseEvent{action, button, at}, {}});
-    }
-    void click(Point at) {
-        mouse(MouseAction::press, at);
-        mouse(MouseAction::release, at);
+    void click(Point at, forms::MouseButton button = forms::MouseButton::left) {
+        then(MouseEvent{MouseAction::press, button, at});
+        then(MouseEvent{MouseAction::release, button, at});
     }
     /// Looks at the screen between two steps. What it adds is done before what was to follow.
-    void look(std::function<void()> at_screen) { steps_.push_back({Resized{}, std::move(at_screen)}); }
+    void look(std::function<void()> at_screen) { steps_.emplace_back(Resized{}, std::move(at_screen)); }
 
     bool shows(std::string_view text) const { return text_picture(canvas).find(text) != std::string::npos; }
-    /// The first cell of a text on the screen; it must be there.
+    /// The first cell of a text on the screen.
     Point find(std::u32string_view text) const {
         for (int row = 0; row < canvas.size().rows; ++row) {
             std::u32string line;
-            for (int column = 0; column < canvas.size().columns; ++column) {
-                line.push_back(canvas.cell({column, row}).character);
-            }
-            const std::size_t found = line.find(text);
-            if (found != std::u32string::npos) return {static_cast<int>(found), row};
+            for (int i = 0; i < canvas.size().columns; ++i) line += canvas.cell({i, row}).character;
+            if (line.find(text) != line.npos) return {static_cast<int>(line.find(text)), row};
         }
         return {-1, -1};
     }
-    /// The last row, where the keys are told.
-    std::string last_line() const {
-        const std::string picture = text_picture(canvas);
-        return picture.substr(picture.rfind('\n', picture.size() - 2) + 1);
-    }
 
     Size size() const override { return size_now; }
-    void show(const Canvas& shown, std::optional<Point> place) override {
-        canvas = shown;
-        cursor = place;
-    }
+    void show(const Canvas& shown, std::optional<Point>) override { canvas = shown; }
     /// A user who has nothing left to do ends the process, so that no test waits for ever.
     std::optional<Input> read(bool wait) override {
         if (steps_.empty()) return wait ? std::optional<Input>(Ended{}) : std::nullopt;
-        const Step step = std::move(steps_.front());
+        const auto [input, look] = std::move(steps_.front());
         steps_.pop_front();
-        if (step.look) {
-            std::deque<Step> later = std::exchange(steps_, {});
-            step.look();
-            steps_.insert(steps_.end(), later.begin(), later.end());
-        }
-        return step.input;
+        if (!look) return input;
+        const auto later = std::exchange(steps_, {});
+        look();
+        steps_.insert(steps_.end(), later.begin(), later.end());
+        return input;
     }
     void beep() override { ++beeps; }
 
 private:
-    struct Step {
-        Input input;
-        std::function<void()> look;
-    };
-    std::deque<Step> steps_;
+    std::deque<std::pair<Input, std::function<void()>>> steps_;
 };
 
 }  // namespace vex::platform::native::terminal

@@ -1,100 +1,68 @@
 // The Open dialog.
-#include <filesystem>
-#include <fstream>
-
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 #include "platform/native/machine.h"
 #include "platform/native/terminal/terminal_toolkit.h"
+#include "tests/shared/temporary_folder.h"
 #include "tests/terminal/fake_screen.h"
 
 namespace vex::platform::native::terminal {
 namespace {
 
-/// C: with two firmware folders, and an empty D:.
-class FileBox : public testing::Test {
-protected:
-    FileBox() {
-        std::filesystem::create_directories(root / "drive_c" / "fw" / "old");
-        std::filesystem::create_directories(root / "drive_d");
-        for (const char* name : {"new.bin", "alpha.BIN", "sign.shx", "newer.bin"}) {
-            std::ofstream(root / "drive_c" / "fw" / name) << "x";
-        }
-        std::filesystem::permissions(root, std::filesystem::perms::owner_all);
-        use_machine_folder(root);
+TEST(FileBox, ListFollowsTheFieldAndOpenTakesWhatIsMarked) {
+    const test::TemporaryFolder machine;
+    std::filesystem::create_directories(machine / "drive_c/fw/old");
+    std::filesystem::create_directories(machine / "drive_d");
+    for (const char* name : {"new.bin", "alpha.BIN", "sign.shx", "newer.bin"}) {
+        test::write_file(machine / "drive_c/fw" / name, "x");
     }
-    ~FileBox() override { std::filesystem::remove_all(root); }
-
-    std::optional<std::u16string> open(std::u16string folder, std::u16string name = {}, std::uint32_t flags = 0x81000) {
-        return toolkit.open_file({std::move(folder), std::move(name), u"Rabbit Files(*.BIN)|*.BIN;*.B?", flags});
-    }
-
-    const std::filesystem::path root =
-        std::filesystem::temp_directory_path() / ("vex_file_box_" + std::to_string(getpid()));
+    std::filesystem::permissions(machine.path(), std::filesystem::perms::owner_all);
+    use_machine_folder(machine.path());
+    const struct {
+        const char16_t *folder, *file;
+        /// Before and after what is to be seen and what is not.
+        const char32_t* keys;
+        const char *shown, *hidden;
+        const char32_t* more_keys;
+        std::optional<std::u16string> answer;
+    } cases[] = {
+        {u"C:\\fw\\", u"", U"", "   ..\\", "sign.shx", U"↓↓⏎", u"C:\\fw\\new.bin"},
+        {u"C:\\fw", u"C:\\fw\\newer.bin", U"", "Rabbit Files(*.BIN)", "all drives", U"⏎", u"C:\\fw\\newer.bin"},
+        {u"C:\\fw\\missing\\deeper", u"", U"", "›alpha.BIN", "missing", U"⏎", u"C:\\fw\\alpha.BIN"},
+        // A name in any case; the only one that begins so; any that exists.
+        {u"C:\\fw", u"", U"NEW.bin", "›new.bin", "newer.bin", U"⏎", u"C:\\fw\\new.bin"},
+        {u"C:\\fw", u"", U"al", "alpha.BIN", "new.bin", U"⏎", u"C:\\fw\\alpha.BIN"},
+        {u"D:", u"", U"c:\\fw\\sign.shx", "sign.shx", "alpha.BIN", U"⏎", u"c:\\fw\\sign.shx"},
+        // Several begin so: none is taken. A folder is opened, not answered.
+        {u"C:\\fw", u"", U"ne⏎", "File not found", "?", U"⎋⎋", std::nullopt},
+        {u"C:\\fw\\old", u"", U"\\fw⏎", "alpha.BIN", "File not found", U"⎋", std::nullopt},
+        // Up to the drives, and back.
+        {u"C:\\fw", u"", U"↓⇱⏎↓⇱⏎", "all drives", "new.bin", U"⏎⏎⏎", u"C:\\fw\\alpha.BIN"},
+    };
     FakeScreen screen;
-    TerminalToolkit toolkit{screen};
-};
-
-TEST_F(FileBox, OffersFoldersAndTheFilesOfTheFilter) {
-    screen.look([&] {
-        EXPECT_LT(screen.find(U"..\\").row, screen.find(U"old\\").row);
-        EXPECT_LT(screen.find(U"old\\").row, screen.find(U"›alpha.BIN").row);
-        EXPECT_FALSE(screen.shows("sign.shx"));
-        EXPECT_TRUE(screen.shows("Rabbit Files(*.BIN)"));
-        EXPECT_TRUE(screen.shows("C:\\fw\\"));
-    });
-    screen.keys({Key::down, Key::down, Key::enter});
-    EXPECT_EQ(open(u"C:\\fw\\"), u"C:\\fw\\new.bin") << "down leads into the list";
-    screen.keys({Key::enter});
-    EXPECT_EQ(open(u"C:\\fw", u"C:\\fw\\newer.bin"), u"C:\\fw\\newer.bin") << "the name it was given";
-    screen.keys({Key::enter});
-    EXPECT_EQ(open(u"C:\\fw\\missing\\deeper"), u"C:\\fw\\alpha.BIN") << "the nearest folder there is";
-}
-
-TEST_F(FileBox, TakesWhatWasTyped) {
-    screen.type(U"NEW.bin");
-    screen.look([&] { EXPECT_FALSE(screen.shows("alpha.BIN")) << "the list follows"; });
-    screen.keys({Key::enter});
-    EXPECT_EQ(open(u"C:\\fw"), u"C:\\fw\\new.bin") << "though another begins alike";
-    screen.type(U"al");
-    screen.keys({Key::enter});
-    EXPECT_EQ(open(u"C:\\fw"), u"C:\\fw\\alpha.BIN") << "the only one that begins so";
-    screen.paste(U"c:\\fw\\sign.shx\n");
-    screen.keys({Key::enter});
-    EXPECT_EQ(open(u"D:"), u"c:\\fw\\sign.shx") << "any name that exists, whatever the filter";
-    screen.type(U"ne");
-    screen.keys({Key::enter});
-    screen.look([&] { EXPECT_TRUE(screen.shows("File not found")) << "several begin so: none is taken"; });
-    screen.keys({Key::escape, Key::escape});
-    EXPECT_EQ(open(u"C:\\fw"), std::nullopt);
-    screen.type(U"a.bin");
-    screen.keys({Key::enter});
-    EXPECT_EQ(open(u"D:", {}, 0x80000), u"D:\\a.bin") << "without the flag it need not exist";
-    screen.type(U"\\fw");
-    screen.keys({Key::enter});
-    screen.look([&] { EXPECT_TRUE(screen.shows("alpha.BIN")) << "a folder is opened, not answered"; });
-    screen.keys({Key::escape});
-    EXPECT_EQ(open(u"C:\\fw\\old"), std::nullopt);
-    EXPECT_FALSE(toolkit.ended());
-}
-
-TEST_F(FileBox, WalksThroughFoldersUpToTheDrives) {
-    screen.keys({Key::down, Key::home, Key::enter, Key::down, Key::home, Key::enter});
-    screen.look([&] {
-        EXPECT_TRUE(screen.shows("all drives"));
-        EXPECT_TRUE(screen.shows("D:\\"));
-    });
-    screen.keys({Key::enter, Key::enter});
+    TerminalToolkit toolkit(screen);
+    const auto open = [&](std::u16string folder, std::u16string file, std::uint32_t flags) {
+        return toolkit.open_file({std::move(folder), std::move(file), u"Rabbit Files(*.BIN)|*.BIN;*.B?", flags});
+    };
+    for (const auto& each : cases) {
+        screen.keys(each.keys);
+        screen.look([&] {
+            EXPECT_TRUE(screen.shows(each.shown)) << text_picture(screen.canvas);
+            EXPECT_FALSE(screen.shows(each.hidden)) << text_picture(screen.canvas);
+        });
+        screen.keys(each.more_keys);
+        EXPECT_EQ(open(each.folder, each.file, 0x81000), each.answer);
+    }
+    screen.keys(U"a.bin⏎");
+    EXPECT_EQ(open(u"D:", u"", 0x80000), u"D:\\a.bin") << "without the flag it need not exist";
     // A click marks a row, a second one opens it; one on nothing does nothing.
     screen.look([&] {
-        EXPECT_TRUE(screen.shows("C:\\fw\\"));
         screen.click(screen.find(U"new.bin"));
         screen.click({40, 17});
+        screen.click(screen.find(U"new.bin"));
     });
-    screen.look([&] { screen.click(screen.find(U"new.bin")); });
-    EXPECT_EQ(open(u"C:\\fw"), u"C:\\fw\\new.bin");
+    EXPECT_EQ(open(u"C:\\fw", u"", 0x81000), u"C:\\fw\\new.bin");
+    EXPECT_FALSE(toolkit.ended());
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // A process on a pseudo terminal, for tests of what happens to a real one.
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -26,14 +24,14 @@ namespace vex::test {
 /// A process whose terminal the test holds the other end of.
 class TerminalProcess {
 public:
-    /// `body` runs there; what it writes to the descriptor is what `heard` answers.
-    explicit TerminalProcess(const std::function<void(int report)>& body, const char* terminal = "xterm-256color",
-                             bool colors = true) {
-        std::array<int, 2> channel{};
-        if (pipe(channel.data()) != 0) throw std::runtime_error("pipe");
-        winsize size{24, 80, 0, 0};
+    /// `body` runs there; what it writes to the descriptor is what `hear` answers.
+    explicit TerminalProcess(const std::function<void(int report)>& body, const char* terminal = "xterm-256color") {
+        int channel[2];
         int own_end = -1;
-        if (openpty(&terminal_, &own_end, nullptr, nullptr, &size) != 0) throw std::runtime_error("openpty");
+        const winsize size{24, 80, 0, 0};
+        if (pipe(channel) != 0 || openpty(&terminal_, &own_end, nullptr, nullptr, &size) != 0) {
+            throw std::runtime_error("there is no pseudo terminal");
+        }
         // Before the process can change them.
         tcgetattr(terminal_, &modes_);
         process_ = fork();
@@ -42,7 +40,6 @@ public:
             close(channel[0]);
             login_tty(own_end);
             setenv("TERM", terminal, 1);
-            colors ? unsetenv("NO_COLOR") : setenv("NO_COLOR", "1", 1);
             body(channel[1]);
             _exit(0);
         }
@@ -76,32 +73,21 @@ public:
 
     /// The next line that the process reports.
     std::string hear() {
-        const auto deadline = std::chrono::steady_clock::now() + kPatience;
-        while (heard_.find('\n') == std::string::npos) {
-            if (!listen(deadline)) return "(nothing)";
-        }
+        if (!listen_until([this] { return heard_.find('\n') != heard_.npos; })) return "(nothing)";
         const std::string line = heard_.substr(0, heard_.find('\n'));
         heard_.erase(0, line.size() + 1);
         return line;
     }
     /// Waits until the screen has been sent `text` after what earlier waits found.
     bool sees(std::string_view text) {
-        const auto deadline = std::chrono::steady_clock::now() + kPatience;
-        std::size_t found = std::string::npos;
-        while ((found = screen_.find(text, seen_)) == std::string::npos) {
-            if (!listen(deadline)) return false;
-        }
-        seen_ = found + text.size();
+        if (!listen_until([&] { return screen_.find(text, seen_) != screen_.npos; })) return false;
+        seen_ = screen_.find(text, seen_) + text.size();
         return true;
     }
     /// Waits for the end and answers its status as `waitpid` tells it.
     int wait() {
-        const auto deadline = std::chrono::steady_clock::now() + kPatience;
-        while (waitpid(process_, &status_, WNOHANG) == 0) {
-            listen(std::min(deadline, std::chrono::steady_clock::now() + std::chrono::milliseconds(20)));
-            if (std::chrono::steady_clock::now() > deadline) return -1;
-        }
-        while (listen(std::chrono::steady_clock::now())) {
+        listen_until([this] { return waitpid(process_, &status_, WNOHANG) != 0; });
+        while (listen(0)) {
         }
         return status_;
     }
@@ -114,34 +100,34 @@ public:
     }
 
 private:
-    bool listen(std::chrono::steady_clock::time_point deadline) {
-        std::array<pollfd, 2> sources{{{report_, POLLIN, 0}, {terminal_, POLLIN, 0}}};
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        if (poll(sources.data(), sources.size(), static_cast<int>(std::max<std::int64_t>(0, left.count()))) <= 0)
-            return false;
-        std::array<char, 4096> bytes{};
-        ssize_t total = 0;
-        for (std::size_t i = 0; i < sources.size(); ++i) {
-            if ((sources[i].revents & POLLIN) == 0) continue;
-            const ssize_t count = read(sources[i].fd, bytes.data(), bytes.size());
-            if (count <= 0) continue;
-            (i == 0 ? heard_ : screen_).append(bytes.data(), static_cast<std::size_t>(count));
-            total += count;
+    template <class Condition>
+    bool listen_until(Condition met) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!met()) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            listen(20);
         }
-        return total > 0;
+        return true;
+    }
+    bool listen(int milliseconds) {
+        pollfd sources[] = {{report_, POLLIN, 0}, {terminal_, POLLIN, 0}};
+        poll(sources, 2, milliseconds);
+        bool anything = false;
+        for (const pollfd& source : sources) {
+            char bytes[4096];
+            const ssize_t count = (source.revents & POLLIN) != 0 ? read(source.fd, bytes, sizeof bytes) : 0;
+            if (count <= 0) continue;
+            (source.fd == report_ ? heard_ : screen_).append(bytes, static_cast<std::size_t>(count));
+            anything = true;
+        }
+        return anything;
     }
 
     pid_t process_ = -1;
-    int terminal_ = -1;
-    int report_ = -1;
-    int status_ = -1;
+    int terminal_ = -1, report_ = -1, status_ = -1;
     termios modes_{};
-    std::string heard_;
-    std::string screen_;
+    std::string heard_, screen_;
     std::size_t seen_ = 0;
-
-    static constexpr std::chrono::seconds kPatience{20};
 };
 
 }  // namespace vex::test

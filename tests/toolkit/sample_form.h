@@ -19,33 +19,22 @@ public:
         list.small_icons = &icons;
         cmdOk.is_default = true;
         cmdCancel.is_cancel = true;
-        forms::Control* const panel_area = &panel;
-        forms::Control* const page_area = &pages;
         lay_out({
             {.control = panel, .name = "panel", .at = {0, 0, 1500, 3000}, .back = forms::kDarkGrey},
-            {.control = line, .name = "line", .parent = panel_area, .at = {150, 150, 0, 1200}, .fore = forms::kWhite},
-            {.control = shape, .name = "shape", .parent = panel_area, .at = {300, 300, 450, 300}},
-            {.control = panel_label, .name = "panel_label", .parent = panel_area, .at = {300, 900, 900, 195},
-             .text = u"On the panel", .fore = forms::kWhite},
+            {line, "line", &panel, -1, {150, 150, 0, 1200}},
+            {shape, "shape", &panel, -1, {300, 300, 450, 300}},
+            {panel_label, "panel_label", &panel, -1, {300, 900, 900, 195}, u"On the panel"},
             {.control = pages, .name = "pages", .at = {1500, -330, 4500, 4080}, .tab_index = 2},
-            {.control = label, .name = "label", .parent = page_area, .page = 0, .at = {150, 450, 4200, 450},
-             .text = u"Label & text"},
-            {.control = text, .name = "text", .parent = page_area, .page = 0, .at = {150, 900, 3000, 330},
-             .tab_index = 3, .accessible_name = u"Some text"},
-            {.control = option_a, .name = "option_a", .parent = page_area, .page = 0, .at = {150, 1350, 3000, 285},
-             .text = u"Option &A", .tab_index = 4},
-            {.control = option_b, .name = "option_b", .parent = page_area, .page = 0, .at = {150, 1650, 3000, 285},
-             .text = u"Option &B", .tab_index = 5},
-            {.control = check, .name = "check", .parent = page_area, .page = 0, .at = {150, 2100, 3000, 285},
-             .text = u"Check", .tab_index = 6},
-            {.control = etched, .name = "etched", .parent = page_area, .page = 0, .at = {150, 2550, 4200, 0}},
-            {.control = list, .name = "list", .parent = page_area, .page = 1, .at = {150, 450, 4200, 2400},
-             .tab_index = 7, .accessible_name = u"Rows"},
-            {.control = lone_option, .name = "lone_option", .parent = page_area, .page = 1,
-             .at = {150, 3000, 3000, 285}, .text = u"Alone", .tab_index = 8},
-            {.control = cmdOk, .name = "cmdOk", .at = {3000, 3900, 1200, 375}, .text = u"OK", .tab_index = 0},
-            {.control = cmdCancel, .name = "cmdCancel", .at = {4500, 3900, 1200, 375}, .text = u"Cancel",
-             .tab_index = 1},
+            {label, "label", &pages, 0, {150, 450, 4200, 450}, u"Label & text"},
+            {text, "text", &pages, 0, {150, 900, 3000, 330}, u"", 3},
+            {option_a, "option_a", &pages, 0, {150, 1350, 3000, 285}, u"Option &A", 4},
+            {option_b, "option_b", &pages, 0, {150, 1650, 3000, 285}, u"Option &B", 5},
+            {check, "check", &pages, 0, {150, 2100, 3000, 285}, u"Check", 6},
+            {etched, "etched", &pages, 0, {150, 2550, 4200, 0}},
+            {list, "list", &pages, 1, {150, 450, 4200, 2400}, u"", 7},
+            {lone_option, "lone_option", &pages, 1, {150, 3000, 3000, 285}, u"Alone", 8},
+            {cmdOk, "cmdOk", nullptr, -1, {3000, 3900, 1200, 375}, u"OK", 0},
+            {cmdCancel, "cmdCancel", nullptr, -1, {4500, 3900, 1200, 375}, u"Cancel", 1},
         });
         etched.etched = true;
         cmdOk.on_click = [this] { clicked("cmdOk"); };
@@ -55,7 +44,7 @@ public:
         };
         check.on_click = [this] { clicked("check"); };
         option_b.on_click = [this] { clicked("option_b"); };
-        for (forms::Control* pressed : std::vector<forms::Control*>{&panel, &panel_label, &list}) {
+        for (forms::Control* pressed : std::initializer_list<forms::Control*>{&panel, &panel_label, &list}) {
             pressed->on_mouse_down = [this, pressed](forms::MouseButton button, float x, float y) {
                 presses.push_back({pressed->name(), button, x, y});
                 if (on_press) on_press(presses.back());

@@ -12,7 +12,6 @@ namespace vex::test {
 namespace {
 
 using namespace platform::native::terminal;
-using sim::ActionResult;
 
 class TerminalSide final : public Side, private sim::NativeScreen, private platform::native::terminal::Screen {
 public:
@@ -40,64 +39,41 @@ private:
 
     void set_user(sim::ScreenUser* user) noexcept override { user_ = user; }
     bool any_dialog() const noexcept override { return toolkit_.top() != nullptr; }
-    forms::Form& form() const override {
-        if (toolkit_.top() == nullptr) throw std::invalid_argument("no dialog is open");
-        return *toolkit_.top();
-    }
-    ActionResult click(const std::u16string& name) override {
-        const PlacedControl* placed = placed_on_screen(control(name));
-        if (placed == nullptr) return ActionResult::not_possible;
-        const bool enabled = placed->control->enabled();
-        press_at({placed->cells.left + 1, placed->cells.top}, forms::MouseButton::left);
-        return enabled ? ActionResult::done : ActionResult::not_possible;
-    }
-    ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
-        const PlacedControl* placed = placed_on_screen(control(name));
-        if (placed == nullptr) return ActionResult::not_possible;
+    forms::Form& form() const override { return *toolkit_.top(); }
+    void do_click(const std::u16string& name) override { press_on(name, forms::MouseButton::left, {1, 0}); }
+    void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
         const Scale scale = scale_for(size());
-        press_at({placed->cells.left + static_cast<int>(x) / scale.column,
-                  placed->cells.top + static_cast<int>(y) / scale.row},
-                 button);
-        return ActionResult::done;
+        press_on(name, button, {static_cast<int>(x) / scale.column, static_cast<int>(y) / scale.row});
     }
-    ActionResult set(const std::u16string& name, const std::u16string& value) override {
-        forms::Control& target = control(name);
-        if (target.kind() != forms::ControlKind::text_box) {
-            const bool on = target.kind() == forms::ControlKind::check_box
-                                ? static_cast<forms::CheckBox&>(target).value() != 0
-                                : static_cast<forms::OptionButton&>(target).value();
-            return on == (value == u"on") ? ActionResult::done : click(name);
-        }
-        const ActionResult result = click(name);
+    void do_type(const std::u16string& name, const std::u16string& value) override {
+        do_click(name);
         inputs_.push_back(KeyPress{Key::end});
-        inputs_.insert(inputs_.end(), target.caption().size(), KeyPress{Key::backspace});
+        inputs_.insert(inputs_.end(), control(name).caption().size(), KeyPress{Key::backspace});
         for (const char32_t character : to_utf32(value)) inputs_.push_back(KeyPress{Key::character, character});
         toolkit_.pump_messages();
-        return result;
     }
-    ActionResult choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item) override {
+    bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override {
         menu_item_ = item;
         const auto& list = static_cast<const forms::ListView&>(control(name));
-        press(name, forms::MouseButton::right, 100, static_cast<float>(list.row_top(row - 1)));
-        return std::exchange(menu_item_, std::nullopt) ? ActionResult::not_possible : ActionResult::done;
+        do_press(name, forms::MouseButton::right, 100, static_cast<float>(list.row_top(row)));
+        return !std::exchange(menu_item_, std::nullopt);
     }
     void close() override {
         press_at({toolkit_.top_window().picture().size().columns - 4, 0}, forms::MouseButton::left);
     }
 
-    /// On the screen as it is drawn now.
-    const PlacedControl* placed_on_screen(const forms::Control& wanted) {
+    void press_on(const std::u16string& name, forms::MouseButton button, Point within) {
+        // Where it is drawn by now.
         toolkit_.pump_messages();
         for (const PlacedControl& placed : toolkit_.top_window().controls()) {
-            if (placed.control == &wanted) return &placed;
+            if (placed.control != &control(name)) continue;
+            return press_at({placed.cells.left + within.column, placed.cells.top + within.row}, button);
         }
-        return nullptr;
     }
     void press_at(Point at, forms::MouseButton button) {
-        const Point window = toolkit_.top_place();
-        const Point place{at.column + window.column, at.row + window.row};
-        inputs_.push_back(MouseEvent{MouseAction::press, button, place});
-        inputs_.push_back(MouseEvent{MouseAction::release, button, place});
+        at = {at.column + toolkit_.top_place().column, at.row + toolkit_.top_place().row};
+        inputs_.insert(inputs_.end(), {MouseEvent{MouseAction::press, button, at},
+                                       MouseEvent{MouseAction::release, button, at}});
         toolkit_.pump_messages();
     }
 
@@ -114,26 +90,21 @@ private:
         }
         if (!wait) {
             user_->messages_handled();
-            return std::nullopt;
-        }
-        if (form().name() == "Menu") {
-            const std::u16string item = *std::exchange(menu_item_, std::nullopt);
+        } else if (form().name() == "Menu") {
+            const std::u32string item = to_utf32(*std::exchange(menu_item_, std::nullopt));
             for (const forms::Control* choice : form().controls()) {
-                if (to_utf16(parse_caption(choice->caption()).text) != item) continue;
-                return KeyPress{Key::character, parse_caption(choice->caption()).text.front()};
+                if (parse_caption(choice->caption()).text == item) return KeyPress{Key::character, item.front()};
             }
             return KeyPress{Key::escape};
-        }
-        if (form().name() == "MessageBox") {
+        } else if (form().name() == "MessageBox") {
             const bool question = form().controls().size() > 2;
             const auto answer = user_->answer({form().caption(), form().find("text")->caption(),
                                                question ? forms::MessageButtons::yes_no : forms::MessageButtons::ok});
             if (!question) return KeyPress{Key::enter};
             return KeyPress{Key::character, answer == forms::MessageAnswer::yes ? U'y' : U'n'};
-        }
-        if (!user_->act()) {
+        } else if (!user_->act()) {
             close();
-            if (toolkit_.top() != nullptr) form().hide();
+            if (any_dialog()) form().hide();
         }
         return std::nullopt;
     }

@@ -26,8 +26,7 @@ protected:
     }
     void add_rows(std::size_t count) {
         for (std::size_t row = 0; row < count; ++row) {
-            const std::string number = std::to_string(row + 1);
-            form.list.add_row({}, u"Row " + std::u16string(number.begin(), number.end()), u"good");
+            form.list.add_row({}, u"Row " + from_utf8(std::to_string(row + 1)), u"good");
         }
     }
 
@@ -51,16 +50,11 @@ TEST_F(ToolkitContract, FormIsActivatedOnceBeforeTheUserActsAndWhenItIsBroughtTo
     EXPECT_EQ(form.view(), nullptr);
 }
 
-TEST_F(ToolkitContract, HiddenFormStaysLoadedAndCanBeShownAgain) {
+TEST_F(ToolkitContract, HiddenFormStaysLoadedAndItsCloseBoxIsARequestThatItMayRefuse) {
     form.on_activate = [&] { form.hide(); };
     form.show_modal();
     EXPECT_TRUE(form.loaded());
     form.on_activate = nullptr;
-    show();
-    EXPECT_THAT(form.log, ElementsAre("load", "activate", "activate", "cmdCancel"));
-}
-
-TEST_F(ToolkitContract, CloseBoxIsARequestThatTheFormMayRefuse) {
     form.refuses_to_close = true;
     user.then([&] { screen.close(); }).then([&] {
         EXPECT_TRUE(form.loaded());
@@ -68,7 +62,7 @@ TEST_F(ToolkitContract, CloseBoxIsARequestThatTheFormMayRefuse) {
         screen.close();
     });
     form.show_modal();
-    EXPECT_THAT(form.log, ElementsAre("load", "activate", "close box", "close box", "unloaded"));
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "activate", "close box", "close box", "unloaded"));
 }
 
 TEST_F(ToolkitContract, ModalFormKeepsTheOneBelowFromTakingInput) {
@@ -93,16 +87,6 @@ TEST_F(ToolkitContract, ModalFormKeepsTheOneBelowFromTakingInput) {
     EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
 }
 
-TEST_F(ToolkitContract, FormCanBeShownInsideAnActivation) {
-    SampleForm inner(side->toolkit(), "dlgInner");
-    inner.on_activate = [&] { inner.hide(); };
-    form.on_activate = [&] {
-        form.on_activate = nullptr;
-        inner.show_modal();
-    };
-    show();
-    EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
-}
 
 // ---- Errors -------------------------------------------------------------------------------------------
 
@@ -116,12 +100,11 @@ TEST_F(ToolkitContract, ErrorOfAHandlerEndsTheDisplayAndIsRaisedWhereTheFormWasS
     EXPECT_EQ(error_of([&] { form.show_modal(); }), kSubscriptOutOfRange);
 }
 
-TEST_F(ToolkitContract, ErrorGoesUpThroughAllModalForms) {
+TEST_F(ToolkitContract, FormShownInsideAnActivationSendsItsErrorUpThroughAllModalForms) {
     SampleForm inner(side->toolkit(), "dlgInner");
     inner.on_activate = [] { throw RuntimeError(kOverflow); };
-    form.on_any_click = [&](const std::string&) { inner.show_modal(&form); };
-    user.then([&] { screen.click(u"cmdOk"); });
-    EXPECT_THROW(form.show_modal(), RuntimeError);
+    form.on_activate = [&] { inner.show_modal(); };
+    EXPECT_EQ(error_of([&] { form.show_modal(); }), kOverflow);
     EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
 }
 
@@ -181,26 +164,20 @@ TEST_F(ToolkitContract, OptionsOfOneContainerExcludeEachOther) {
     EXPECT_THAT(form.log, ElementsAre("load", "activate", "option_b", "option_b", "cmdCancel"));
 }
 
-TEST_F(ToolkitContract, CheckBoxTogglesBeforeItsHandlerRuns) {
+TEST_F(ToolkitContract, CheckBoxTogglesBeforeItsHandlerRunsAndWhatIsTypedIsTheText) {
     std::vector<int> values;
     form.on_any_click = [&](const std::string&) { values.push_back(form.check.value()); };
     user.then([&] {
         screen.click(u"check");
         screen.set(u"check", u"on");
         screen.set(u"check", u"off");
+        for (const std::u16string text : {u"D:\\fw\\\u00FCber.shx", u""}) {
+            EXPECT_EQ(screen.set(u"text", text), ActionResult::done);
+            EXPECT_EQ(form.text.text(), text);
+        }
     });
     show();
     EXPECT_THAT(values, ElementsAre(1, 0, 0));
-}
-
-TEST_F(ToolkitContract, WhatTheUserTypesIsTheText) {
-    user.then([&] {
-        EXPECT_EQ(screen.set(u"text", u"D:\\fw\\\u00FCber.shx"), ActionResult::done);
-        EXPECT_EQ(form.text.text(), u"D:\\fw\\\u00FCber.shx");
-        screen.set(u"text", u"");
-        EXPECT_EQ(form.text.text(), u"");
-    });
-    show();
 }
 
 TEST_F(ToolkitContract, DisabledHiddenAndPagedAwayControlsTakeNothing) {
@@ -222,23 +199,21 @@ TEST_F(ToolkitContract, DisabledHiddenAndPagedAwayControlsTakeNothing) {
 }
 
 TEST_F(ToolkitContract, PressesOnAPanelComeInItsTwips) {
-    user.then([&] {
-        // On the background, on a shape (which lets it through), on the label (which takes it itself).
-        screen.press(u"panel", forms::MouseButton::left, 30, 2700);
-        screen.press(u"panel", forms::MouseButton::right, 450, 450);
-        screen.press(u"panel_label", forms::MouseButton::left, 45, 60);
-    });
-    show();
-    const SampleForm::Press expected[] = {{"panel", forms::MouseButton::left, 30, 2700},
-                                          {"panel", forms::MouseButton::right, 450, 450},
-                                          {"panel_label", forms::MouseButton::left, 45, 60}};
-    ASSERT_EQ(form.presses.size(), std::size(expected));
-    for (std::size_t i = 0; i < std::size(expected); ++i) {
-        EXPECT_EQ(form.presses[i].control, expected[i].control);
-        EXPECT_EQ(form.presses[i].button, expected[i].button);
-        EXPECT_NEAR(form.presses[i].x, expected[i].x, side->coarseness() + 0.01F);
-        EXPECT_NEAR(form.presses[i].y, expected[i].y, side->coarseness() + 0.01F);
+    // On the background, on a shape (which lets it through), on the label (which takes it itself).
+    const SampleForm::Press presses[] = {{"panel", forms::MouseButton::left, 30, 2700},
+                                         {"panel", forms::MouseButton::right, 450, 450},
+                                         {"panel_label", forms::MouseButton::left, 45, 60}};
+    for (const SampleForm::Press& each : presses) {
+        user.then([&] {
+            screen.press(from_utf8(each.control), each.button, each.x, each.y);
+            const SampleForm::Press& got = form.presses.back();
+            EXPECT_TRUE(got.control == each.control && got.button == each.button) << got.control;
+            EXPECT_NEAR(got.x, each.x, side->coarseness() + 0.01F);
+            EXPECT_NEAR(got.y, each.y, side->coarseness() + 0.01F);
+        });
     }
+    show();
+    EXPECT_EQ(form.presses.size(), std::size(presses));
 }
 
 // ---- Lists --------------------------------------------------------------------------------------------
@@ -252,7 +227,6 @@ TEST_F(ToolkitContract, RowsAreShownWithTheirCellsAndColors) {
         form.list.set_icon(1, u"bad");
         EXPECT_EQ(screen.rows(u"list"),
                   (std::vector<std::vector<std::u16string>>{{u"Row 1", u""}, {u"Row 2", u"Updated - "}}));
-        EXPECT_EQ(shown(u"list", u"Row2"), u"\"Row 2\" | \"Updated - \"");
         EXPECT_EQ(shown(u"list", u"Row2.ForeColor"), u"0x0064FF64");
         EXPECT_EQ(shown(u"list", u"Row1.ForeColor"), u"0x00000000");
         form.list.clear();
@@ -307,23 +281,20 @@ TEST_F(ToolkitContract, ContextMenuRaisesTheItemChosenOrNothing) {
 // ---- In the midst of work -----------------------------------------------------------------------------
 
 TEST_F(ToolkitContract, PumpingServesTheUserInTheMidstOfWorkAndAHiddenFormEndsAfterIt) {
-    for (const auto& [clicked, log] : {std::pair(u"check", "check"), std::pair(u"cmdCancel", "cmdCancel")}) {
+    for (const char16_t* clicked : {u"check", u"cmdCancel"}) {
         SampleForm busy(side->toolkit());
         busy.on_any_click = [&](const std::string& control) {
             if (control != "cmdOk") return;
             side->toolkit().pump_messages();
             busy.log.push_back("pumped");
-            side->toolkit().pump_messages();
-            busy.log.push_back("done");
         };
         user.on_messages_handled = [&, pumpings = 0]() mutable {
             if (busy.log.back() == "cmdOk" && pumpings++ == 0) screen.click(clicked);
         };
         user.then([&] { screen.click(u"cmdOk"); });
         busy.show_modal();
-        EXPECT_THAT(busy.log, testing::IsSupersetOf({"load", "activate", "cmdOk", log, "pumped", "done"}));
-        EXPECT_EQ(busy.log[3], log);
-        EXPECT_EQ(busy.log[4], "pumped");
+        busy.log.resize(5);
+        EXPECT_THAT(busy.log, ElementsAre("load", "activate", "cmdOk", to_utf8(clicked), "pumped"));
     }
 }
 
@@ -333,17 +304,16 @@ TEST_F(ToolkitContract, MessageBoxShowsItsTextsAndTellsTheAnswer) {
     std::vector<MessageAnswer> given;
     form.on_any_click = [&](const std::string& control) {
         if (control != "cmdOk") return;
-        given.push_back(side->toolkit().message_box({u"Title", u"Not a valid SHX file!", MessageButtons::ok}));
-        given.push_back(side->toolkit().message_box({u"Verify", u"Are you sure?", MessageButtons::yes_no}));
-        given.push_back(side->toolkit().message_box({u"Verify", u"Are you sure?", MessageButtons::yes_no}));
+        for (const MessageButtons buttons : {MessageButtons::ok, MessageButtons::yes_no, MessageButtons::yes_no}) {
+            given.push_back(side->toolkit().message_box({u"Title", u"Not a valid SHX file!", buttons}));
+        }
     };
     user.answers = {MessageAnswer::ok, MessageAnswer::no, MessageAnswer::yes};
     user.then([&] { screen.click(u"cmdOk"); });
     show();
     EXPECT_THAT(given, ElementsAre(MessageAnswer::ok, MessageAnswer::no, MessageAnswer::yes));
     ASSERT_EQ(user.boxes.size(), 3U);
-    EXPECT_EQ(user.boxes[0].title, u"Title");
-    EXPECT_EQ(user.boxes[0].text, u"Not a valid SHX file!");
+    EXPECT_EQ(user.boxes[0].title + u": " + user.boxes[0].text, u"Title: Not a valid SHX file!");
     EXPECT_EQ(user.boxes[0].buttons, MessageButtons::ok);
     EXPECT_EQ(user.boxes[1].buttons, MessageButtons::yes_no);
 }

@@ -1,4 +1,4 @@
-// A form on the terminal while it is shown.
+// A form on the terminal while it is shown: its focus and the keyboard.
 #include "platform/native/terminal/form_window.h"
 
 #include <utility>
@@ -13,7 +13,6 @@ using forms::Control;
 using forms::ControlKind;
 using forms::ListView;
 
-constexpr std::ptrdiff_t kWheelRows = 3;
 constexpr int kColumnStep = 8;
 constexpr int kLongestHint = 18;
 
@@ -66,20 +65,6 @@ char32_t mnemonic_of(const Control& control) {
 
 std::u32string hint(std::u32string_view key, const Control& control) {
     return std::u32string(key).append(U" ").append(shorten(parse_caption(control.caption()).text, kLongestHint));
-}
-
-float middle(int cell, forms::Twips per_cell) noexcept {
-    return (static_cast<float>(cell) + 0.5F) * static_cast<float>(per_cell);
-}
-
-/// `value` strictly between the edges of a stretch.
-float inside(float value, forms::Twips start, forms::Twips length) noexcept {
-    return std::clamp(value, static_cast<float>(start) + 1, static_cast<float>(start + length) - 1);
-}
-
-/// Whether the container is asked what a press here means.
-bool part_of_its_panel(const Control& control) noexcept {
-    return control.kind() == ControlKind::label || control.kind() == ControlKind::shape;
 }
 
 Control* first_focus(const forms::Form& form) {
@@ -185,8 +170,7 @@ void FormWindow::move_option(Control& option, int direction) {
 std::vector<std::u32string> FormWindow::keys() {
     std::vector<std::u32string> hints;
     const Control* control = focus();
-    const bool button = control != nullptr && control->kind() == ControlKind::button;
-    const Control* pressed = button ? control : button_with(form_, &forms::Button::is_default);
+    const Control* pressed = button_of_enter();
     if (pressed != nullptr) hints.push_back(hint(U"Enter", *pressed));
     if (control != nullptr && control->kind() == ControlKind::check_box) hints.emplace_back(U"Space check");
     if (control != nullptr && control->kind() == ControlKind::option_button) hints.emplace_back(U"↑↓ choose");
@@ -231,10 +215,7 @@ void FormWindow::handle(const Paste& paste) {
 }
 
 void FormWindow::press_key(const KeyPress& key) {
-    if (key.key == Key::character && key.alt) {
-        if (!press_mnemonic(key.character)) owner_.beep();
-        return;
-    }
+    if (key.key == Key::character && key.alt) return press_mnemonic(key.character);
     if (key.key == Key::tab) return move_focus(1);
     if (key.key == Key::back_tab) return move_focus(-1);
     if (key.key == Key::enter) return press_enter();
@@ -249,31 +230,30 @@ void FormWindow::press_key(const KeyPress& key) {
         const int direction = forth ? 1 : -1;
         control->kind() == ControlKind::option_button ? move_option(*control, direction) : move_focus(direction);
     } else if (key.key == Key::character) {
-        if (key.character == U' ') {
-            form_.raise_click(*control);
-        } else if (!press_mnemonic(key.character)) {
-            owner_.beep();
-        }
+        key.character == U' ' ? form_.raise_click(*control) : press_mnemonic(key.character);
     }
 }
 
-bool FormWindow::press_mnemonic(char32_t letter) {
+void FormWindow::press_mnemonic(char32_t letter) {
     for (Control* control : form_.controls()) {
         const char32_t own = mnemonic_of(*control);
         if (own == 0 || !same_letter(own, letter)) continue;
         // Who presses a button from elsewhere goes on there.
         if (control->kind() != ControlKind::button) set_focus(*control);
-        form_.raise_click(*control);
-        return true;
+        return form_.raise_click(*control);
     }
-    return false;
+    owner_.beep();
+}
+
+/// The one with the focus, or the default one.
+Control* FormWindow::button_of_enter() {
+    Control* const control = focus();
+    const bool button = control != nullptr && control->kind() == ControlKind::button;
+    return button ? control : button_with(form_, &forms::Button::is_default);
 }
 
 void FormWindow::press_enter() {
-    Control* control = focus();
-    if (control == nullptr || control->kind() != ControlKind::button) {
-        control = button_with(form_, &forms::Button::is_default);
-    }
+    Control* const control = button_of_enter();
     control == nullptr ? owner_.beep() : form_.raise_click(*control);
 }
 
@@ -311,8 +291,8 @@ bool FormWindow::edit(forms::TextBox& box, const KeyPress& key) {
 void FormWindow::move_in(ListView& list, const KeyPress& key) {
     auto pane = pane_of(list);
     if (!pane) return;
-    if (key.key == Key::left) return pane->scroll_columns(-kColumnStep);
-    if (key.key == Key::right) return pane->scroll_columns(kColumnStep);
+    if (key.key == Key::left) return pane->scroll(0, -kColumnStep);
+    if (key.key == Key::right) return pane->scroll(0, kColumnStep);
     if (key.key == Key::character && key.character != U' ') {
         // Letters belong into the field that says what the list shows.
         for (Control* control : form_.controls()) {
@@ -369,97 +349,6 @@ void FormWindow::open_menu() {
     const auto pane = pane_of(*list);
     if (!pane) return;
     mouse_press({MouseAction::press, forms::MouseButton::right, {find(*list)->cells.left + 2, pane->place_of(row)}});
-}
-
-// ---- The mouse ----------------------------------------------------------------------------------------
-
-void FormWindow::handle(const MouseEvent& event) {
-    owner_.invalidate();
-    const bool outer = std::exchange(handling_, true);
-    if (event.action == MouseAction::press) {
-        mouse_press(event);
-    } else if (event.action == MouseAction::release) {
-        mouse_release(event);
-    } else if (const PlacedControl* placed = control_at(event.at)) {
-        auto pane = pane_of(*placed->control);
-        if (pane) pane->scroll_rows(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows);
-    }
-    handling_ = outer;
-}
-
-void FormWindow::mouse_press(const MouseEvent& event) {
-    const bool left = event.button == forms::MouseButton::left;
-    pressed_ = nullptr;
-    pointer_ = event.at;
-    close_pressed_ = left && close_box_.contains(event.at);
-    const PlacedControl* placed = control_at(event.at);
-    if (placed == nullptr || !placed->control->enabled()) return;
-    Control& control = *placed->control;
-    const Area cells = placed->cells;
-    if (auto pane = pane_of(control)) {
-        set_focus(control);
-        if (event.at.row == cells.top) return;
-        if (pane->on_scroll_bar(event.at)) {
-            if (left) pane->scroll_to(event.at.row);
-            return;
-        }
-        pressed_row_ = pane->row_at(event.at);
-    }
-    const bool had_focus = focus() == &control;
-    set_focus(control);
-    raise_mouse_down(*placed, event);
-    // The handler may have changed what stands here.
-    if (!left || !control.enabled() || !control.reachable()) return;
-    pressed_ = &control;
-    if (control.kind() == ControlKind::list_view) {
-        auto& list = static_cast<ListView&>(control);
-        if (!pressed_row_ || *pressed_row_ >= list.row_count()) {
-            pressed_ = nullptr;
-        } else {
-            form_.user_selection(list, pressed_row_);
-        }
-    } else if (control.kind() == ControlKind::text_box && had_focus) {
-        const std::u32string text = to_utf32(control.caption());
-        std::size_t& at = cursor_in(control, text);
-        const std::size_t first = first_seen(text, at, cells.width() - 2);
-        const int column = std::max(0, event.at.column - cells.left - 1);
-        at = first + beginning(std::u32string_view(text).substr(first), column).size();
-    }
-}
-
-void FormWindow::mouse_release(const MouseEvent& event) {
-    const Control* const pressed = std::exchange(pressed_, nullptr);
-    if (std::exchange(close_pressed_, false) && close_box_.contains(event.at)) return request_close();
-    const PlacedControl* placed = control_at(event.at);
-    if (pressed == nullptr || placed == nullptr || placed->control != pressed) return;
-    const auto pane = pane_of(*pressed);
-    if (pane && pane->row_at(event.at) != pressed_row_) return;
-    form_.raise_click(*placed->control);
-}
-
-void FormWindow::raise_mouse_down(const PlacedControl& placed, const MouseEvent& event) {
-    Control& control = *placed.control;
-    const bool part_of_panel = part_of_its_panel(control) && control.parent() != nullptr;
-    Control& taker = part_of_panel ? *control.parent() : control;
-    const PlacedControl* taker_placed = find(taker);
-    // A label on a page.
-    if (taker_placed == nullptr) return;
-    float x = middle(event.at.column - taker_placed->cells.left, scale_.column);
-    float y = middle(event.at.row - taker_placed->cells.top, scale_.row);
-    // What the user sees there is what he hits: cells are coarser than twips.
-    if (part_of_panel) {
-        x = inside(x, control.place().left, control.place().width);
-        y = inside(y, control.place().top, control.place().height);
-    } else {
-        for (const Control* other : form_.controls()) {
-            const forms::Rect& at = other->place();
-            if (other->parent() == &taker && part_of_its_panel(*other) && x == inside(x, at.left, at.width) &&
-                y == inside(y, at.top, at.height)) {
-                y = static_cast<float>(at.top + at.height);
-            }
-        }
-    }
-    form_.raise_mouse_down(taker, event.button, x, y);
 }
 
 }  // namespace vex::platform::native::terminal

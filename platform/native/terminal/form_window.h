@@ -82,7 +82,8 @@ private:
     void press_key(const KeyPress& key);
     void move_focus(int direction);
     void move_option(forms::Control& option, int direction);
-    bool press_mnemonic(char32_t letter);
+    void press_mnemonic(char32_t letter);
+    forms::Control* button_of_enter();
     void press_enter();
     void press_escape();
     void request_close();

@@ -93,14 +93,9 @@ void ListPane::scroll_to(int row) noexcept {
     limit();
 }
 
-void ListPane::scroll_rows(std::ptrdiff_t rows) noexcept {
-    scroll_.top =
-        static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, static_cast<std::ptrdiff_t>(scroll_.top) + rows));
-    limit();
-}
-
-void ListPane::scroll_columns(int cells) noexcept {
-    scroll_.left += cells;
+void ListPane::scroll(std::ptrdiff_t rows, int columns) noexcept {
+    scroll_.top += static_cast<std::size_t>(std::max(rows, -static_cast<std::ptrdiff_t>(scroll_.top)));
+    scroll_.left += columns;
     limit();
 }
 

@@ -40,8 +40,7 @@ public:
     bool on_scroll_bar(Point at) const noexcept { return overflows() && at.column == cells_.right - 1; }
     /// Where a press on the scroll bar leads.
     void scroll_to(int row) noexcept;
-    void scroll_rows(std::ptrdiff_t rows) noexcept;
-    void scroll_columns(int cells) noexcept;
+    void scroll(std::ptrdiff_t rows, int columns) noexcept;
 
     void paint(Canvas& canvas, bool focused, const IconCharacters& icons) const;
 

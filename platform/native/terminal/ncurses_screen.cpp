@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -34,12 +35,18 @@
 namespace vex::platform::native::terminal {
 namespace {
 
+using namespace std::chrono_literals;
 using forms::MouseButton;
+using Clock = std::chrono::steady_clock;
 
 constexpr wint_t kEscape = 27;
-/// In milliseconds, how long the rest of a character may take behind an escape that the library has given up on. It
-/// drops the bytes that it has of a character whose rest does not come in time.
+/// In milliseconds, how long who only looks for input is held up by a sequence that has begun, and how long the rest of
+/// a character may take behind an escape that the library has given up on: it drops the bytes that it has of a
+/// character whose rest does not come in time.
 constexpr int kRestDelay = 20;
+/// How long a sequence may take to go on while there is work: shorter than the library's own time, so that Esc still
+/// meets the dialog that it was pressed on.
+constexpr auto kEscapeDelay = 400ms;
 constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED |
                                  BUTTON3_PRESSED | BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON5_PRESSED;
 /// Codes of our own for marks that the library does not know.
@@ -55,15 +62,13 @@ constexpr std::pair<const char*, wint_t> kMoreKeys[] = {
     {"\033[29~", KEY_F(16)}, {"\033OM", KEY_ENTER}, {"\033[200~", kPasteBegins}, {"\033[201~", kPasteEnds},
 };
 
+/// F16 is the menu key of xterm, F22 is F10 with Shift.
 constexpr std::pair<wint_t, Key> kKeys[] = {
-    {L'\r', Key::enter},     {L'\n', Key::enter},       {KEY_ENTER, Key::enter},
-    {8, Key::backspace},     {127, Key::backspace},     {KEY_BACKSPACE, Key::backspace},
-    {L'\t', Key::tab},       {KEY_BTAB, Key::back_tab}, {KEY_DC, Key::remove},
-    {KEY_UP, Key::up},       {KEY_DOWN, Key::down},     {KEY_LEFT, Key::left},
-    {KEY_RIGHT, Key::right}, {KEY_PPAGE, Key::page_up}, {KEY_NPAGE, Key::page_down},
-    {KEY_HOME, Key::home},   {KEY_END, Key::end},       {KEY_F(10), Key::menu},
-    {KEY_F(16), Key::menu},  // the menu key of xterm
-    {KEY_F(22), Key::menu},  // F10 with Shift
+    {L'\r', Key::enter},         {L'\n', Key::enter},        {KEY_ENTER, Key::enter},    {8, Key::backspace},
+    {127, Key::backspace},       {L'\t', Key::tab},          {KEY_BTAB, Key::back_tab},  {KEY_DC, Key::remove},
+    {KEY_UP, Key::up},           {KEY_DOWN, Key::down},      {KEY_LEFT, Key::left},      {KEY_RIGHT, Key::right},
+    {KEY_PPAGE, Key::page_up},   {KEY_NPAGE, Key::page_down}, {KEY_HOME, Key::home},      {KEY_END, Key::end},
+    {KEY_BACKSPACE, Key::backspace}, {KEY_F(10), Key::menu}, {KEY_F(16), Key::menu},     {KEY_F(22), Key::menu},
 };
 
 /// In the order of the library's buttons.
@@ -176,6 +181,7 @@ public:
         nonl();
         intrflush(stdscr, FALSE);
         keypad(stdscr, TRUE);
+        escape_delay_ = ESCDELAY;
         for (const auto& [bytes, code] : kMoreKeys) define_key(bytes, static_cast<int>(code));
         mousemask(kMouseEvents, nullptr);
         mouseinterval(0);
@@ -230,18 +236,28 @@ public:
             }
             // What the library has read ahead behind an escape or a sequence cannot be waited for.
             pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {state.pipe[0], POLLIN, 0}};
-            poll(sources, 2, wait && !read_ahead_ ? -1 : 0);
+            const int patience = escape_due_ ? std::max(0, static_cast<int>((*escape_due_ - Clock::now()) / 1ms)) : -1;
+            poll(sources, 2, wait && !read_ahead_ ? patience : 0);
             const bool readable = sources[0].revents != 0;
+            if (escape_due_ && (readable || Clock::now() >= *escape_due_)) {
+                escape_due_.reset();
+                read_ahead_ = readable;
+                read_escaped(true);
+                continue;
+            }
             if (!readable && !read_ahead_) {
                 if (!wait && sources[1].revents == 0) return std::nullopt;
                 continue;
             }
             // The rest of a character or a sequence may come late.
-            wtimeout(stdscr, readable ? ESCDELAY : kRestDelay);
+            set_escdelay(wait ? escape_delay_ : kRestDelay);
+            wtimeout(stdscr, readable ? escape_delay_ : kRestDelay);
             wint_t code = 0;
             const int kind = get_wch(&code);
             read_ahead_ = kind == KEY_CODE_YES || (kind == OK && code == kEscape);
-            if (kind != ERR) {
+            if (kind == OK && code == kEscape) {
+                read_escaped(wait);
+            } else if (kind != ERR) {
                 translate(kind, code);
             } else if ((sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
                 ended_ = true;
@@ -259,7 +275,6 @@ private:
     static constexpr char kModesOff[] = "\033[?2004l";
 
     void translate(int kind, wint_t code) {
-        if (kind == OK && code == kEscape) return read_escaped();
         if (kind == OK && code >= L' ' && code != 127) {
             return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
         }
@@ -275,15 +290,13 @@ private:
         std::vector<MouseEvent> events;
         MEVENT event;
         while (getmouse(&event) == OK) {
-            const auto add = [&events, at = Point{event.x, event.y}](MouseAction action, MouseButton button) {
-                events.push_back({action, button, at});
-            };
+            const Point at{event.x, event.y};
             for (int i = 1; i <= 3; ++i) {
-                if (BUTTON_PRESS(event.bstate, i)) add(MouseAction::press, kButtons[i - 1]);
-                if (BUTTON_RELEASE(event.bstate, i)) add(MouseAction::release, kButtons[i - 1]);
+                if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, kButtons[i - 1], at});
+                if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, kButtons[i - 1], at});
             }
-            if (BUTTON_PRESS(event.bstate, 4)) add(MouseAction::wheel_up, MouseButton::left);
-            if (BUTTON_PRESS(event.bstate, 5)) add(MouseAction::wheel_down, MouseButton::left);
+            if (BUTTON_PRESS(event.bstate, 4)) events.push_back({MouseAction::wheel_up, MouseButton::left, at});
+            if (BUTTON_PRESS(event.bstate, 5)) events.push_back({MouseAction::wheel_down, MouseButton::left, at});
         }
         inputs_.insert(inputs_.end(), events.rbegin(), events.rend());
     }
@@ -292,32 +305,36 @@ private:
         Paste paste;
         wint_t code = 0;
         // A paste without an end ends when nothing more comes.
-        wtimeout(stdscr, ESCDELAY);
+        set_escdelay(escape_delay_);
+        wtimeout(stdscr, escape_delay_);
         for (int kind = get_wch(&code); kind != ERR && code != kPasteEnds; kind = get_wch(&code)) {
             if (kind == OK) paste.text.push_back(static_cast<char32_t>(code));
         }
         inputs_.push_back(std::move(paste));
     }
 
-    /// An escape character that begins no sequence the library knows: Alt sends it before a character, and unknown
-    /// sequences are passed over as a whole.
-    void read_escaped() {
-        // The library has waited for what may follow.
+    /// An escape character that begins no sequence the library has known: Alt sends it before a character, and unknown
+    /// sequences are passed over as a whole. `waited`: for as long as something may follow that belongs to it.
+    void read_escaped(bool waited) {
         wtimeout(stdscr, kRestDelay);
         wint_t code = 0;
         int kind = get_wch(&code);
+        if (kind == ERR && !waited) {
+            escape_due_ = Clock::now() + kEscapeDelay;
+            return;
+        }
         if (kind == ERR || (kind == OK && code == kEscape)) return inputs_.push_back(KeyPress{Key::escape});
         if (kind == KEY_CODE_YES) return translate(kind, code);
         const bool text = code == L']' || code == L'^' || code == L'_' || code == L'P';
         const bool letter = code == L'O' || code == L'P' || !(text || code == L'[');
         const bool sequence = text || code == L'[' || code == L'O';
-        wtimeout(stdscr, letter ? 0 : ESCDELAY);
+        wtimeout(stdscr, letter ? 0 : escape_delay_);
         wint_t next = 0;
         kind = sequence ? get_wch(&next) : ERR;
         if (kind == ERR && letter && code >= L' ') {
             return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code), true});
         }
-        wtimeout(stdscr, ESCDELAY);
+        wtimeout(stdscr, escape_delay_);
         if (text) {
             // To the bell or the string terminator.
             while (kind == OK && next != 7 && next != kEscape) kind = get_wch(&next);
@@ -325,9 +342,13 @@ private:
             return;
         }
         // Parameters, then a letter or a sign.
-        while (kind == OK && next >= L' ' && next < L'@') kind = get_wch(&next);
-        if (kind == OK && next == kEscape) read_escaped();
-        if (kind == KEY_CODE_YES) translate(kind, next);
+        std::string bytes = {'\033', static_cast<char>(code)};
+        for (; kind == OK && next >= L' ' && next < L'@'; kind = get_wch(&next)) bytes += static_cast<char>(next);
+        if (kind == KEY_CODE_YES) return translate(kind, next);
+        if (kind == OK && next == kEscape) return read_escaped(true);
+        // One that the library does know, but could not wait for.
+        const int known = kind == OK ? key_defined((bytes + static_cast<char>(next)).c_str()) : 0;
+        if (known > 0) translate(KEY_CODE_YES, static_cast<wint_t>(known));
     }
 
     static void follow_size() {
@@ -362,6 +383,10 @@ private:
     int colors_ = 0;
     bool ended_ = false;
     bool read_ahead_ = false;
+    /// In milliseconds, how long the rest of a sequence may take.
+    int escape_delay_ = 0;
+    /// When an escape character that came alone is the key of that name.
+    std::optional<Clock::time_point> escape_due_;
     std::deque<Input> inputs_;
 };
 

@@ -83,8 +83,6 @@ bool too_small(Size size) noexcept {
 TerminalToolkit::TerminalToolkit(Screen& screen, IconCharacters icons, HostLine host_line)
     : screen_(screen), icons_(std::move(icons)), host_line_(std::move(host_line)) {}
 
-TerminalToolkit::~TerminalToolkit() = default;
-
 forms::Form* TerminalToolkit::top() const noexcept {
     return windows_.empty() ? nullptr : &windows_.back()->window.form();
 }

@@ -25,7 +25,6 @@ public:
     explicit TerminalToolkit(Screen& screen, IconCharacters icons = {}, HostLine host_line = {});
     TerminalToolkit(const TerminalToolkit&) = delete;
     TerminalToolkit& operator=(const TerminalToolkit&) = delete;
-    ~TerminalToolkit() override;
 
     void run_modal(forms::Form& form, forms::Form* owner) override;
     void pump_messages() override;

@@ -38,12 +38,10 @@ std::u32string to_utf32(std::u16string_view text) {
     std::u32string characters;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char32_t unit = text[i];
-        const bool high = unit >= 0xD800 && unit < 0xDC00;
-        if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
-            characters.push_back(0x10000 + ((unit - 0xD800) << 10) + (static_cast<char32_t>(text[++i]) - 0xDC00));
-        } else {
-            characters.push_back(unit >= 0xD800 && unit < 0xE000 ? U'\uFFFD' : unit);
-        }
+        const char32_t next = i + 1 < text.size() ? text[i + 1] : 0;
+        const bool pair = unit >> 10 == 0x36 && next >> 10 == 0x37;
+        characters += pair ? 0x10000 + ((unit & 0x3FF) << 10) + (next & 0x3FF) : unit >> 11 == 0x1B ? U'\uFFFD' : unit;
+        if (pair) ++i;
     }
     return characters;
 }
@@ -51,12 +49,9 @@ std::u32string to_utf32(std::u16string_view text) {
 std::u16string to_utf16(std::u32string_view text) {
     std::u16string units;
     for (const char32_t character : text) {
-        if (character < 0x10000) {
-            units.push_back(static_cast<char16_t>(character));
-        } else {
-            units.push_back(static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10)));
-            units.push_back(static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
-        }
+        const bool pair = character >= 0x10000;
+        if (pair) units += static_cast<char16_t>(0xD7C0 + (character >> 10));
+        units += static_cast<char16_t>(pair ? 0xDC00 + (character & 0x3FF) : character);
     }
     return units;
 }
