@@ -8,7 +8,8 @@
 
 namespace {
 
-using vex::bench::kMinimalClassKey;
+constexpr char kMinimalClassKey[] = "CLSID\\{6F3B9A52-1C0D-4E7B-9A41-5D2E83B716C4}";
+constexpr char kMinimalServerKey[] = "CLSID\\{6F3B9A52-1C0D-4E7B-9A41-5D2E83B716C4}\\InprocServer32";
 
 std::atomic<long> objects{0};
 
@@ -40,6 +41,16 @@ private:
     std::atomic<ULONG> references_{1};
 };
 
+/// Makes an object for its first reference's owner.
+template <class Made>
+HRESULT give(REFIID iid, void** object) noexcept {
+    auto* made = new (std::nothrow) Made;
+    if (made == nullptr) return E_OUTOFMEMORY;
+    const HRESULT result = made->QueryInterface(iid, object);
+    made->Release();
+    return result;
+}
+
 /// An automation object without members.
 class Empty final : public Counted<IDispatch, IID_IDispatch> {
 public:
@@ -62,11 +73,7 @@ public:
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        auto* made = new (std::nothrow) Empty;
-        if (made == nullptr) return E_OUTOFMEMORY;
-        const HRESULT result = made->QueryInterface(iid, object);
-        made->Release();
-        return result;
+        return give<Empty>(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
         objects += lock != 0 ? 1 : -1;
@@ -74,9 +81,9 @@ public:
     }
 };
 
-bool set(HKEY key, const char* name, const char* text) noexcept {
-    const auto size = static_cast<DWORD>(std::strlen(text) + 1);
-    return RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), size) == ERROR_SUCCESS;
+bool set(const char* key, const char* name, const char* text) noexcept {
+    return RegSetKeyValueA(HKEY_CLASSES_ROOT, key, name, REG_SZ, text, static_cast<DWORD>(std::strlen(text) + 1)) ==
+           ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -88,11 +95,7 @@ HRESULT STDAPICALLTYPE DllCanUnloadNow() { return objects == 0 ? S_OK : S_FALSE;
 HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
     *object = nullptr;
     if (!IsEqualGUID(clsid, vex::bench::kMinimalClass)) return CLASS_E_CLASSNOTAVAILABLE;
-    auto* factory = new (std::nothrow) Factory;
-    if (factory == nullptr) return E_OUTOFMEMORY;
-    const HRESULT result = factory->QueryInterface(iid, object);
-    factory->Release();
-    return result;
+    return give<Factory>(iid, object);
 }
 
 HRESULT STDAPICALLTYPE DllRegisterServer() {
@@ -102,25 +105,13 @@ HRESULT STDAPICALLTYPE DllRegisterServer() {
     GetModuleHandleExA(kByAddress, reinterpret_cast<LPCSTR>(&objects), &own);
     GetModuleFileNameA(own, path, MAX_PATH);
 
-    HKEY type = nullptr;
-    HKEY server = nullptr;
-    const bool written =
-        RegCreateKeyExA(HKEY_CLASSES_ROOT, kMinimalClassKey, 0, nullptr, 0, KEY_WRITE, nullptr, &type, nullptr) ==
-            ERROR_SUCCESS &&
-        set(type, nullptr, "Minimal server") &&
-        RegCreateKeyExA(type, "InprocServer32", 0, nullptr, 0, KEY_WRITE, nullptr, &server, nullptr) == ERROR_SUCCESS &&
-        set(server, nullptr, path) && set(server, "ThreadingModel", "Apartment");
-    if (server != nullptr) RegCloseKey(server);
-    if (type != nullptr) RegCloseKey(type);
+    const bool written = set(kMinimalClassKey, nullptr, "Minimal server") && set(kMinimalServerKey, nullptr, path) &&
+                         set(kMinimalServerKey, "ThreadingModel", "Apartment");
     return written ? S_OK : SELFREG_E_CLASS;
 }
 
 HRESULT STDAPICALLTYPE DllUnregisterServer() {
-    HKEY type = nullptr;
-    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, kMinimalClassKey, 0, KEY_WRITE, &type) != ERROR_SUCCESS)
-        return SELFREG_E_CLASS;
-    RegDeleteKeyA(type, "InprocServer32");
-    RegCloseKey(type);
+    RegDeleteKeyA(HKEY_CLASSES_ROOT, kMinimalServerKey);
     return RegDeleteKeyA(HKEY_CLASSES_ROOT, kMinimalClassKey) == ERROR_SUCCESS ? S_OK : SELFREG_E_CLASS;
 }
 
