@@ -95,8 +95,7 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
             EXPECT_EQ(call_early(nullptr), E_POINTER);
         }
 
-        std::u16string name = member.name;
-        auto* text = reinterpret_cast<LPOLESTR>(name.data());
+        LPOLESTR text = ole_name(member.name);
         DISPID id = DISPID_UNKNOWN;
         EXPECT_EQ(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), S_OK);
         EXPECT_EQ(id, member.id);
@@ -119,17 +118,18 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
 
 TEST_F(Members, OtherIndexesFailForTextsAndAreNoPictures) {
     const auto catalogue = make(kCatalogueClass);
-    for (const int index : {1, -1, -101, -200, 32767, -32768}) {
-        const std::vector<Variant> arguments{Variant::int16(static_cast<std::int16_t>(index))};
+    for (const std::int16_t index : std::vector<std::int16_t>{1, -1, -101, -200, 32767, -32768}) {
+        const auto get = [&](DISPID member) {
+            return call(*catalogue, member, DISPATCH_PROPERTYGET, {Variant::int16(index)});
+        };
         for (const DISPID member : {kPluginNames, kPluginDescription, kPluginDescriptiveName}) {
-            const Outcome outcome = call(*catalogue, member, DISPATCH_PROPERTYGET, arguments);
+            const Outcome outcome = get(member);
             EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
             EXPECT_EQ(outcome.code, error_code(9));
-            EXPECT_EQ(outcome.description, u"Subscript out of range");
-            EXPECT_EQ(outcome.source, u"vexFirmWarePlugin");
+            EXPECT_EQ(outcome.description + u"|" + outcome.source, u"Subscript out of range|vexFirmWarePlugin");
             EXPECT_EQ(outcome.value.type(), VT_EMPTY);
         }
-        const Outcome picture = call(*catalogue, kPluginPic, DISPATCH_PROPERTYGET, arguments);
+        const Outcome picture = get(kPluginPic);
         EXPECT_EQ(picture.result, S_OK) << index;
         EXPECT_EQ(picture.value.type(), VT_DISPATCH);
         EXPECT_EQ(picture.value.get().pdispVal, nullptr);
@@ -147,11 +147,10 @@ TEST_F(Members, ErrorsOfEarlyCallsComeAsErrorInformation) {
     ASSERT_EQ(GetErrorInfo(0, info.put()), S_OK);
     com::Bstr description, source;
     GUID raised_by{};
-    info->GetDescription(description.put());
-    info->GetSource(source.put());
-    info->GetGUID(&raised_by);
-    EXPECT_EQ(description.str(), u"Subscript out of range");
-    EXPECT_EQ(source.str(), u"vexFirmWarePlugin");
+    EXPECT_EQ(info->GetDescription(description.put()), S_OK);
+    EXPECT_EQ(info->GetSource(source.put()), S_OK);
+    EXPECT_EQ(info->GetGUID(&raised_by), S_OK);
+    EXPECT_EQ(description.str() + u"|" + source.str(), u"Subscript out of range|vexFirmWarePlugin");
     EXPECT_TRUE(IsEqualGUID(raised_by, kCatalogueInterface));
     EXPECT_EQ(names(1, &poisoned), error_code(9));
     EXPECT_EQ(names(0, name.put()), S_OK);
@@ -164,11 +163,12 @@ TEST_F(Members, HaveOneTypeDescriptionOrNone) {
     EXPECT_EQ(catalogue->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(catalogue->GetTypeInfoCount(&count), S_OK);
     EXPECT_LE(count, 1U);
-    com::ComPtr<ITypeInfo> type;
+    auto* type = reinterpret_cast<ITypeInfo*>(std::uintptr_t{0xDEAD});
     EXPECT_EQ(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
-    EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, type.put()), DISP_E_BADINDEX);
-    EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.put())), count == 1);
-    EXPECT_EQ(static_cast<bool>(type), count == 1);
+    EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, &type), DISP_E_BADINDEX);
+    EXPECT_EQ(type, nullptr);
+    EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type)), count == 1);
+    EXPECT_EQ(com::ComPtr<ITypeInfo>::adopt(type).get() != nullptr, count == 1);
 }
 
 }  // namespace
