@@ -95,46 +95,42 @@ std::string describe(ITypeInfo& type) {
            guid_text(attributes_of(*implemented(*table_side, 0)).guid) + "\n" + members(*table_side);
 }
 
-class TypeLibraryLoader : public PluginTest {
-protected:
-    void SetUp() override {
-        PluginTest::SetUp();
-        ASSERT_EQ(LoadTypeLibEx(plugin_file().c_str(), REGKIND_NONE, library_.put()), S_OK);
-    }
-    void TearDown() override {
-        library_.reset();
-        PluginTest::TearDown();
-    }
+using TypeLibraryLoader = PluginTest;
 
-    com::ComPtr<ITypeLib> library_;
-};
+com::ComPtr<ITypeLib> load_type_library() {
+    com::ComPtr<ITypeLib> library;
+    EXPECT_EQ(LoadTypeLibEx(plugin_file().c_str(), REGKIND_NONE, library.put()), S_OK);
+    return library;
+}
 
 TEST_F(TypeLibraryLoader, ShowsWhatTheContractSays) {
+    const auto library = load_type_library();
     TLIBATTR* attributes = nullptr;
-    ASSERT_EQ(library_->GetLibAttr(&attributes), S_OK);
-    std::string text = "library " + documentation(*library_.get(), -1, " with help ", " ") +
+    ASSERT_EQ(library->GetLibAttr(&attributes), S_OK);
+    std::string text = "library " + documentation(*library.get(), -1, " with help ", " ") +
                        guid_text(attributes->guid) + " " + std::to_string(attributes->wMajorVerNum) + "." +
                        std::to_string(attributes->wMinorVerNum) + ", locale " + std::to_string(attributes->lcid) +
                        ", system " + std::to_string(attributes->syskind) + ", no help\n";
     EXPECT_EQ(attributes->wLibFlags & ~LIBFLAG_FHASDISKIMAGE, 0);
-    library_->ReleaseTLibAttr(attributes);
-    for (UINT i = 0; i < library_->GetTypeInfoCount(); ++i) {
+    library->ReleaseTLibAttr(attributes);
+    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
         com::ComPtr<ITypeInfo> type;
-        ASSERT_EQ(library_->GetTypeInfo(i, type.put()), S_OK);
+        ASSERT_EQ(library->GetTypeInfo(i, type.put()), S_OK);
         text += describe(*type);
     }
     EXPECT_EQ(text, kExpectedTypeLibrary);
 }
 
 TEST_F(TypeLibraryLoader, FindsTypesByIdentityAndNamesByTheirHash) {
+    const auto library = load_type_library();
     com::ComPtr<ITypeInfo> type;
     for (const GUID& guid : {kCatalogueClass, kCatalogueInterface, kEntryClass, kEntryInterface})
-        EXPECT_EQ(library_->GetTypeInfoOfGuid(guid, type.put()), S_OK);
+        EXPECT_EQ(library->GetTypeInfoOfGuid(guid, type.put()), S_OK);
     for (const plugin::Class& described : plugin::kLibrary.classes) {
         for (const plugin::Member& member : described.default_interface.members) {
             std::wstring name(member.name.begin(), member.name.end());
             BOOL found = FALSE;
-            EXPECT_EQ(library_->IsName(name.data(), 0, &found), S_OK);
+            EXPECT_EQ(library->IsName(name.data(), 0, &found), S_OK);
             EXPECT_TRUE(found) << member.name;
             const ULONG hash = LHashValOfNameSys(SYS_WIN32, 0x0409, name.c_str()) & 0xFFFF;
             EXPECT_EQ(hash, type_library::name_hash(member.name));
