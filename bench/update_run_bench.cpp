@@ -41,11 +41,9 @@ public:
     std::function<void(forms::Form&)> once;
 
     bool act(forms::Form& form) override {
-        if (const auto action = std::exchange(once, nullptr)) {
-            action(form);
-            return form.running();
-        }
-        return false;
+        const auto action = std::exchange(once, nullptr);
+        if (action) action(form);
+        return action && form.running();
     }
 };
 
