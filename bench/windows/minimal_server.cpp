@@ -9,7 +9,6 @@
 namespace {
 
 constexpr char kMinimalClassKey[] = "CLSID\\{6F3B9A52-1C0D-4E7B-9A41-5D2E83B716C4}";
-constexpr char kMinimalServerKey[] = "CLSID\\{6F3B9A52-1C0D-4E7B-9A41-5D2E83B716C4}\\InprocServer32";
 
 std::atomic<long> objects{0};
 
@@ -81,9 +80,9 @@ public:
     }
 };
 
-bool set(const char* key, const char* name, const char* text) noexcept {
-    return RegSetKeyValueA(HKEY_CLASSES_ROOT, key, name, REG_SZ, text, static_cast<DWORD>(std::strlen(text) + 1)) ==
-           ERROR_SUCCESS;
+bool set(HKEY key, const char* name, const char* text) noexcept {
+    const auto size = static_cast<DWORD>(std::strlen(text) + 1);
+    return RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), size) == ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -105,13 +104,25 @@ HRESULT STDAPICALLTYPE DllRegisterServer() {
     GetModuleHandleExA(kByAddress, reinterpret_cast<LPCSTR>(&objects), &own);
     GetModuleFileNameA(own, path, MAX_PATH);
 
-    const bool written = set(kMinimalClassKey, nullptr, "Minimal server") && set(kMinimalServerKey, nullptr, path) &&
-                         set(kMinimalServerKey, "ThreadingModel", "Apartment");
+    HKEY type = nullptr;
+    HKEY server = nullptr;
+    const bool written =
+        RegCreateKeyExA(HKEY_CLASSES_ROOT, kMinimalClassKey, 0, nullptr, 0, KEY_WRITE, nullptr, &type, nullptr) ==
+            ERROR_SUCCESS &&
+        set(type, nullptr, "Minimal server") &&
+        RegCreateKeyExA(type, "InprocServer32", 0, nullptr, 0, KEY_WRITE, nullptr, &server, nullptr) == ERROR_SUCCESS &&
+        set(server, nullptr, path) && set(server, "ThreadingModel", "Apartment");
+    if (server != nullptr) RegCloseKey(server);
+    if (type != nullptr) RegCloseKey(type);
     return written ? S_OK : SELFREG_E_CLASS;
 }
 
 HRESULT STDAPICALLTYPE DllUnregisterServer() {
-    RegDeleteKeyA(HKEY_CLASSES_ROOT, kMinimalServerKey);
+    HKEY type = nullptr;
+    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, kMinimalClassKey, 0, KEY_WRITE, &type) != ERROR_SUCCESS)
+        return SELFREG_E_CLASS;
+    RegDeleteKeyA(type, "InprocServer32");
+    RegCloseKey(type);
     return RegDeleteKeyA(HKEY_CLASSES_ROOT, kMinimalClassKey) == ERROR_SUCCESS ? S_OK : SELFREG_E_CLASS;
 }
 

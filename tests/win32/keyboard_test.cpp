@@ -94,18 +94,6 @@ TEST_F(KeyboardTest, FocusLeavesWhatCanNoLongerBeUsed) {
     });
 }
 
-TEST_F(KeyboardTest, MenuKeyIsARightPressInTheSelectedRow) {
-    show_list({u"Row 1", u"Row 2", u"Row 3"});
-    form.list.select(1);
-    form.on_press = [&](const SampleForm::Press& press) {
-        EXPECT_GT(press.y, static_cast<float>(form.list.row_top(1)));
-        EXPECT_LT(press.y, static_cast<float>(form.list.row_top(2)));
-    };
-    show([&] { SendMessageW(window_of(u"list"), WM_CONTEXTMENU, 0, -1); });
-    ASSERT_EQ(form.presses.size(), 1U);
-    EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
-}
-
 TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
     show_list({});
     form.list.select(std::nullopt);
@@ -131,10 +119,15 @@ TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
     show();
 }
 
-TEST_F(KeyboardTest, ArrowsAndLettersSelectRows) {
+TEST_F(KeyboardTest, ArrowsAndLettersSelectRowsAndTheMenuKeyIsARightPressThere) {
     show_list({u"Alpha", u"Beta", u"Gamma"});
     user.then(focus(u"list")).then(key(VK_DOWN)).then([&] {
         EXPECT_EQ(form.list.selected(), 1U);
+        SendMessageW(GetFocus(), WM_CONTEXTMENU, 0, -1);
+        ASSERT_EQ(form.presses.size(), 1U);
+        EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
+        EXPECT_GT(form.presses[0].y, static_cast<float>(form.list.row_top(1)));
+        EXPECT_LT(form.presses[0].y, static_cast<float>(form.list.row_top(2)));
         PostMessageW(GetFocus(), WM_CHAR, u'g', 1);
     });
     show([&] { EXPECT_EQ(form.list.selected(), 2U); });
