@@ -35,28 +35,16 @@ double milliseconds(const std::function<void()>& action) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-/// Of several rounds the one that was disturbed least.
-double fastest(const std::vector<double>& rounds) { return std::ranges::min(rounds); }
-
 /// Acts once when the modal loop is idle, then closes what is open.
 class User final : public forms::ScriptedUser {
 public:
     std::function<void(forms::Form&)> once;
 
-    void form_opened(forms::Form&) override {}
-    void form_closed(forms::Form&) override {}
     bool act(forms::Form& form) override {
-        if (const auto action = std::exchange(once, nullptr)) {
-            action(form);
-            return form.running();
-        }
-        return false;
+        const auto action = std::exchange(once, nullptr);
+        if (action) action(form);
+        return action && form.running();
     }
-    void pumped(forms::Form&) override {}
-    forms::MessageAnswer answer(const forms::MessageBox&) override { return forms::MessageAnswer::ok; }
-    std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) override { return {}; }
-    const forms::MenuItem* choose(const forms::Menu&) override { return nullptr; }
-    void beep() override {}
 };
 
 /// A simulated host with displays of its own, and the services of a plug-in beside it.
@@ -82,13 +70,8 @@ public:
     User user;
     forms::ScriptedToolkit toolkit{user};
     com::ModuleLifetime module;
-    Services services{toolkit,
-                      platform::native::registry(),
-                      platform::native::files(),
-                      platform::native::processes(),
-                      platform::native::code_page(),
-                      module,
-                      u"C:\\Host"};
+    Services services{toolkit, platform::native::registry(), platform::native::files(), platform::native::processes(),
+                      platform::native::code_page(), module, u"C:\\Host"};
 
 private:
     std::ostringstream nowhere_;
@@ -110,8 +93,7 @@ void run_through_plugin(Bed& bed, const std::u16string& firmware,
 }
 
 struct Figures {
-    double plugin;
-    double bare;
+    double plugin, bare;
     std::size_t events;
 };
 
@@ -120,14 +102,11 @@ Figures compare(std::size_t displays, const std::u16string& firmware, std::chron
     Recording recording;
     {
         Bed bed(displays);
-        proof::Meddling meddling;
-        meddling.observer = &recording;
-        const proof::Interposer interposer(bed.host, meddling);
+        const RecordedClasses recorded(recording, bed.host);
         const sim::HostClasses classes(bed.host);
         run_through_plugin(bed, firmware);
     }
-    std::vector<double> plugin;
-    std::vector<double> bare;
+    std::vector<double> plugin, bare;
     for (int round = 0; round < rounds; ++round) {
         for (const bool through_plugin : {true, false}) {
             Bed bed(displays);
@@ -138,14 +117,12 @@ Figures compare(std::size_t displays, const std::u16string& firmware, std::chron
                     return true;
                 };
             const sim::HostClasses classes(bed.host);
-            if (through_plugin) {
-                plugin.push_back(milliseconds([&] { run_through_plugin(bed, firmware); }));
-            } else {
-                bare.push_back(milliseconds([&] { recording.replay(); }));
-            }
+            (through_plugin ? plugin : bare).push_back(milliseconds([&] {
+                through_plugin ? run_through_plugin(bed, firmware) : recording.replay();
+            }));
         }
     }
-    return {fastest(plugin), fastest(bare), recording.size()};
+    return {std::ranges::min(plugin), std::ranges::min(bare), recording.size()};
 }
 
 std::u16string make_firmware() {
@@ -156,17 +133,9 @@ std::u16string make_firmware() {
     return path;
 }
 
-/// One run through the plug-in alone, for a count of its instructions.
-void run_once(std::size_t displays) {
-    Bed bed(displays);
-    const sim::HostClasses classes(bed.host);
-    run_through_plugin(bed, {});
-}
-
 void print_runs() {
     std::printf("update run, reset and clear, without link delay; goal: ratio 2 at most\n");
-    std::printf("%10s %12s %12s %8s %16s %14s\n", "displays", "plug-in ms", "bare ms", "ratio", "us per display",
-                "events");
+    std::puts("  displays   plug-in ms      bare ms    ratio   us per display         events");
     for (const std::size_t displays : {1, 10, 100, 1'000, 10'000}) {
         const Figures figures = compare(displays, {}, std::chrono::milliseconds(0), displays > 1000 ? 5 : 21);
         std::printf("%10zu %12.3f %12.3f %8.2f %16.2f %14zu\n", displays, figures.plugin, figures.bare,
@@ -199,7 +168,7 @@ double refresh_time(forms::Form& wizard) {
     for (int i = 0; i < 21; ++i) {
         times.push_back(milliseconds([&] { wizard.raise_mouse_down(tree, forms::MouseButton::left, 700, 1500); }));
     }
-    return fastest(times);
+    return std::ranges::min(times);  // the round that was disturbed least
 }
 
 void print_refresh() {
@@ -210,10 +179,8 @@ void print_refresh() {
         const sim::HostClasses classes(bed.host);
         dlgFirmwareWizard wizard(bed.services, [](forms::Form&) {});
         bed.user.once = [rows](forms::Form& form) {
-            form.raise_click(*form.find("cmdNext"));
-            form.raise_click(*form.find("opLoadFirmware"));
-            form.raise_click(*form.find("cmdNext"));
-            form.raise_click(*form.find("cmdChooseDisplay"));
+            for (const char* control : {"cmdNext", "opLoadFirmware", "cmdNext", "cmdChooseDisplay"})
+                form.raise_click(*form.find(control));
             std::printf("%10zu rows %10.3f ms\n", rows, refresh_time(form));
             form.raise_click(*form.find("cmdCancel"));
         };
@@ -231,7 +198,9 @@ int main(int count, char** arguments) {
     std::filesystem::create_directories(folder.path() / "drive_c");
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     if (count > 1) {
-        vex::bench::run_once(std::stoul(arguments[1]));
+        vex::bench::Bed bed(std::stoul(arguments[1]));
+        const vex::sim::HostClasses classes(bed.host);
+        vex::bench::run_through_plugin(bed, {});
     } else {
         vex::bench::print_runs();
         vex::bench::print_memory();

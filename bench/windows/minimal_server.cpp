@@ -8,7 +8,7 @@
 
 namespace {
 
-using vex::bench::kMinimalClassKey;
+constexpr char kMinimalClassKey[] = "CLSID\\{6F3B9A52-1C0D-4E7B-9A41-5D2E83B716C4}";
 
 std::atomic<long> objects{0};
 
@@ -40,6 +40,16 @@ private:
     std::atomic<ULONG> references_{1};
 };
 
+/// Makes an object for its first reference's owner.
+template <class Made>
+HRESULT give(REFIID iid, void** object) noexcept {
+    auto* made = new (std::nothrow) Made;
+    if (made == nullptr) return E_OUTOFMEMORY;
+    const HRESULT result = made->QueryInterface(iid, object);
+    made->Release();
+    return result;
+}
+
 /// An automation object without members.
 class Empty final : public Counted<IDispatch, IID_IDispatch> {
 public:
@@ -62,11 +72,7 @@ public:
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        auto* made = new (std::nothrow) Empty;
-        if (made == nullptr) return E_OUTOFMEMORY;
-        const HRESULT result = made->QueryInterface(iid, object);
-        made->Release();
-        return result;
+        return give<Empty>(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) noexcept override {
         objects += lock != 0 ? 1 : -1;
@@ -88,11 +94,7 @@ HRESULT STDAPICALLTYPE DllCanUnloadNow() { return objects == 0 ? S_OK : S_FALSE;
 HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
     *object = nullptr;
     if (!IsEqualGUID(clsid, vex::bench::kMinimalClass)) return CLASS_E_CLASSNOTAVAILABLE;
-    auto* factory = new (std::nothrow) Factory;
-    if (factory == nullptr) return E_OUTOFMEMORY;
-    const HRESULT result = factory->QueryInterface(iid, object);
-    factory->Release();
-    return result;
+    return give<Factory>(iid, object);
 }
 
 HRESULT STDAPICALLTYPE DllRegisterServer() {

@@ -3,11 +3,8 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
-#include <functional>
 #include <optional>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "bench/windows/minimal_server.h"
@@ -27,19 +24,16 @@ using platform::Library;
 using platform::win32::LateLibrary;
 using Microseconds = double;
 
-constexpr double kGoal = 1.5;
-constexpr int kRounds = 101;
+constexpr std::size_t kRounds = 101;
 constexpr int kObjects = 1000;
 constexpr int kObjectsByClassId = 20;
 
 void check(HRESULT result, const char* what) {
-    if (SUCCEEDED(result)) return;
-    char text[80];
-    std::snprintf(text, sizeof text, "%s fails: %08lx", what, static_cast<unsigned long>(result));
-    throw RuntimeError(result, from_utf8(text));
+    if (FAILED(result)) throw RuntimeError(result, from_utf8(what) + u" fails");
 }
 
-Microseconds time_of(const std::function<void()>& action) {
+template <class Action>
+Microseconds time_of(const Action& action) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     action();
@@ -58,16 +52,14 @@ struct Server {
     com::ComPtr<IDispatch> create() const {
         const auto get_class_object = library->function<decltype(&DllGetClassObject)>("DllGetClassObject");
         com::ComPtr<IClassFactory> factory;
-        check(get_class_object(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.put())), "DllGetClassObject");
+        check(get_class_object(clsid, IID_IClassFactory, factory.put_void()), "DllGetClassObject");
         com::ComPtr<IDispatch> object;
-        check(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(object.put())),
-              "CreateInstance");
+        check(factory->CreateInstance(nullptr, IID_IDispatch, object.put_void()), "CreateInstance");
         return object;
     }
     com::ComPtr<IDispatch> create_by_class_id() const {
         com::ComPtr<IDispatch> object;
-        check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                               reinterpret_cast<void**>(object.put())),
+        check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()),
               "CoCreateInstance");
         return object;
     }
@@ -77,38 +69,18 @@ struct Server {
 using Servers = std::array<Server, 2>;
 using Times = std::array<std::vector<Microseconds>, 2>;
 
-Microseconds median(std::vector<Microseconds> times) {
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::ranges::nth_element(times, middle);
-    return *middle;
-}
-
-void print_headings() {
-    std::printf("%-34s %21s %21s %15s\n", "microseconds", "product", "minimal server", "ratio");
-    std::printf("%-34s %10s %10s %10s %10s %7s %7s\n", "", "minimum", "median", "minimum", "median", "minimum",
-                "median");
-}
-
-/// `per`: how many things of each server a time is for.
+/// The fastest rounds. `per`: how many things of each server a time is for.
 void print(const char* what, const Times& times, std::array<double, 2> per = {1, 1}) {
-    std::array<Microseconds, 2> least{};
-    std::array<Microseconds, 2> middle{};
-    for (std::size_t i = 0; i < 2; ++i) {
-        least[i] = std::ranges::min(times[i]) / per[i];
-        middle[i] = median(times[i]) / per[i];
-    }
-    std::printf("%-34s %10.3f %10.3f %10.3f %10.3f %7.2f %7.2f\n", what, least[0], middle[0], least[1], middle[1],
-                least[0] / least[1], middle[0] / middle[1]);
+    const Microseconds product = std::ranges::min(times[0]) / per[0], minimal = std::ranges::min(times[1]) / per[1];
+    std::printf("%-34s %10.3f %10.3f %7.2f\n", what, product, minimal, product / minimal);
 }
 
 /// Measures both in turn; who comes first changes from round to round.
 template <class Measure>
-void in_turn(Servers& servers, Measure&& measure) {
-    for (int round = 0; round < kRounds; ++round) {
-        for (int turn = 0; turn < 2; ++turn) {
-            const auto which = static_cast<std::size_t>((round + turn) % 2);
-            measure(servers[which], which);
-        }
+void in_turn(Servers& servers, const Measure& measure) {
+    for (std::size_t turn = 0; turn < 2 * kRounds; ++turn) {
+        const std::size_t which = (turn + turn / 2) % 2;
+        measure(servers[which], which);
     }
 }
 
@@ -117,18 +89,15 @@ void measure_load(Servers& servers, const char* what) {
     in_turn(servers, [&](const Server& server, std::size_t which) {
         times[which].push_back(time_of([&] {
             const Library library(server.file);
-            for (const char* name :
-                 {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}) {
+            for (const char* name : {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"})
                 (void)library.function<void (*)()>(name);
-            }
         }));
     });
     print(what, times);
 }
 
 void measure_registration(Servers& servers) {
-    Times written;
-    Times removed;
+    Times written, removed;
     in_turn(servers, [&](const Server& server, std::size_t which) {
         written[which].push_back(time_of([&] { server.call("DllRegisterServer"); }));
         removed[which].push_back(time_of([&] { server.call("DllUnregisterServer"); }));
@@ -145,9 +114,7 @@ void measure_registration(Servers& servers) {
 }
 
 void measure_objects(Servers& servers) {
-    Times created;
-    Times created_by_class_id;
-    Times released;
+    Times created, created_by_class_id, released;
     for (Server& server : servers) server.call("DllRegisterServer");
     in_turn(servers, [&](const Server& server, std::size_t which) {
         std::vector<com::ComPtr<IDispatch>> objects;
@@ -172,24 +139,19 @@ void measure(const std::filesystem::path& folder) {
     Servers servers{
         Server{folder / "vexFirmwarePlugin.dll", plugin::kFirmWareUtilClass.id, entries.size(), keys.size()},
         Server{folder / "minimal_server.dll", kMinimalClass, kMinimalValues, kMinimalKeys}};
-    const auto size = [](const Server& server) { return static_cast<unsigned long>(file_size(server.file)); };
-    std::printf(
-        "server: product %lu bytes, minimal server %lu bytes, %d bits; at most %.1f times its costs are allowed\n",
-        size(servers[0]), size(servers[1]), static_cast<int>(sizeof(void*) * 8), kGoal);
-    const auto registered = [](const Server& server) {
-        return std::to_string(server.registry_values) + " in " + std::to_string(server.registry_keys) + " keys";
-    };
-    std::printf("registry values: product %s, minimal server %s\n", registered(servers[0]).c_str(),
-                registered(servers[1]).c_str());
-    print_headings();
+    std::printf("a server's costs, %d bits; goal: at most 1.5 times those of the minimal one\n",
+                static_cast<int>(sizeof(void*) * 8));
+    for (const Server& server : servers) {
+        std::printf("%s: %lu bytes, registers %zu values in %zu keys\n", server.file.filename().string().c_str(),
+                    static_cast<unsigned long>(file_size(server.file)), server.registry_values, server.registry_keys);
+    }
+    std::printf("%-34s %10s %10s %7s\n", "microseconds", "product", "minimal", "ratio");
 
     measure_load(servers, "load and free, in a bare process");
     {
         // What every automation host with windows has loaded already.
-        const LateLibrary automation(u"oleaut32.dll");
-        const LateLibrary windows(u"user32.dll");
-        const LateLibrary dialogs(u"comdlg32.dll");
-        const LateLibrary controls(u"comctl32.dll");
+        const LateLibrary automation(u"oleaut32.dll"), windows(u"user32.dll"), dialogs(u"comdlg32.dll"),
+            controls(u"comctl32.dll");
         measure_load(servers, "load and free, in a host");
     }
     for (Server& server : servers) server.library.emplace(server.file);

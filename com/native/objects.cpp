@@ -112,7 +112,8 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** info) noexcept {
     return *info == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
-HRESULT SetErrorInfo(ULONG /*reserved*/, IErrorInfo* info) noexcept {
+HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) noexcept {
+    if (reserved != 0) return E_INVALIDARG;
     vex::com::native::current_error = vex::com::ComPtr<IErrorInfo>(info);
     return S_OK;
 }

@@ -172,7 +172,7 @@ int ListWindow::find_item(const NMLVFINDITEMW& search) const {
 std::optional<LRESULT> ListWindow::message(UINT message, WPARAM wide_parameter, LPARAM long_parameter) {
     // Told only when it next has something to do: counting anew for each of many rows would take long.
     if (std::exchange(stale_, false)) show_rows();
-    if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, FALSE);
+    if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(window(), nullptr, TRUE);
     if (message == WM_CONTEXTMENU) {
         // By mouse, the press has been told already.
         constexpr LPARAM kByKeyboard = -1;

@@ -38,72 +38,43 @@ TEST_F(About, ShowsTheCompanyOrThePrivateLabelAfreshEachTime) {
 TEST_F(About, LooksForTheSystemInformationInOnePlaceOnly) {
     machine_key("SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set_text("PATH", "C:\\Gone.exe");
     machine_key("SOFTWARE\\Microsoft\\Shared Tools Location").set_text("MSINFO", "C:\\Info");
+    const auto started = [this] {
+        about.StartSysInfo();
+        return notebook.take();
+    };
+    const std::string refusal = "ask \"vexFirmWarePlugin\" \"System Information Is Unavailable At This Time\" ok\n";
     programs_start = false;
-    about.StartSysInfo();
-    EXPECT_EQ(notebook.take(), log(R"(
-start C:\Gone.exe
-ask "vexFirmWarePlugin" "System Information Is Unavailable At This Time" ok
-)")) << "the second place is not tried";
+    EXPECT_EQ(started(), "start C:\\Gone.exe\n" + refusal) << "the second place is not tried";
     delete_tree(platform::registry_key(platform::kHkeyLocalMachine), "SOFTWARE\\Microsoft\\Shared Tools");
     programs_start = true;
-    about.StartSysInfo();
-    EXPECT_EQ(notebook.take(), log(R"(
-is there C:\Info\MSINFO32.EXE
-start C:\Info\MSINFO32.EXE
-)"));
+    EXPECT_EQ(started(), "is there C:\\Info\\MSINFO32.EXE\nstart C:\\Info\\MSINFO32.EXE\n");
     files_exist = false;
-    about.StartSysInfo();
-    EXPECT_EQ(notebook.take(), log(R"(
-is there C:\Info\MSINFO32.EXE
-ask "vexFirmWarePlugin" "System Information Is Unavailable At This Time" ok
-)"));
+    EXPECT_EQ(started(), "is there C:\\Info\\MSINFO32.EXE\n" + refusal);
 }
 
-class KeyValue : public About {
-protected:
-    bool get(std::u16string& value) { return about.GetKeyValue(platform::kHkeyLocalMachine, u"Software\\Values", u"v", value); }
-    std::u16string number(std::vector<std::uint8_t> bytes, std::u16string before = u"") {
-        values_.set("v", platform::kRegDword, std::move(bytes));
-        EXPECT_TRUE(get(before));
-        return before;
-    }
-
-    const Key values_ = machine_key("Software\\Values");
-};
-
-TEST_F(KeyValue, TextsComeAsTheyAre) {
-    std::u16string value = u"old";
-    values_.set_text("v", "C:\\a b");
-    EXPECT_TRUE(get(value));
-    EXPECT_EQ(value, u"C:\\a b");
-    values_.set("v", platform::kRegSz, bytes_of("unended"));
-    EXPECT_TRUE(get(value));
-    EXPECT_EQ(value.substr(0, 7), u"unended");
-    EXPECT_EQ(registry.last_access, 0x2003FU);
-}
-
-TEST_F(KeyValue, NumbersLoseTheZerosOfTheirBytes) {
-    EXPECT_EQ(number({0x10, 0, 0, 0}), u"16");
-    EXPECT_EQ(number({0x34, 0x12, 0, 0}), u"4660");
-    EXPECT_EQ(number({0x04, 0x03, 0x02, 0x01}), u"4660") << "1, 2, 3, 4 and not 01, 02, 03, 04: kept";
-    EXPECT_EQ(number({0xFF, 0xFF, 0xFF, 0xFF}), u"-1") << "32 bits keep their sign";
-    EXPECT_EQ(number({1, 0, 0, 0}, u"2"), u"8193") << "behind the digits that the caller had there: kept";
-    std::u16string wrong = u"x";
-    EXPECT_EQ(error_of([&] { get(wrong); }), kTypeMismatch);
-}
-
-TEST_F(KeyValue, OtherTypesLeaveTheTextAndFailuresEmptyIt) {
-    const auto value_of = [this](const char16_t* path, const char16_t* name, bool succeeds) {
-        std::u16string value = u"old";
-        EXPECT_EQ(about.GetKeyValue(platform::kHkeyLocalMachine, path, name, value), succeeds);
-        return value;
+TEST_F(About, TextsAndNumbersOfTheRegistryAreReadAndNothingElse) {
+    const Key values = machine_key("Software\\Values");
+    const auto read = [this](const char16_t* path, const char16_t* name, std::u16string value = u"old") {
+        const bool succeeds = about.GetKeyValue(platform::kHkeyLocalMachine, path, name, value);
+        return succeeds ? value : u"failed: " + value;
     };
-    values_.set("v", platform::kRegBinary, {1, 2});
-    EXPECT_EQ(value_of(u"Software\\Values", u"v", true), u"old");
-    EXPECT_EQ(value_of(u"Software\\Values", u"missing", false), u"");
-    values_.set_text("v", std::string(1100, 'x'));
-    EXPECT_EQ(value_of(u"Software\\Values", u"v", false), u"") << "more than the buffer of 1024 bytes holds";
-    EXPECT_EQ(value_of(u"NoSuchKey", u"v", false), u"");
+    const auto value = [&](std::uint32_t type, const Bytes& data, const std::u16string& before = u"") {
+        values.set("v", type, data);
+        return read(u"Software\\Values", u"v", before);
+    };
+    EXPECT_EQ(value(platform::kRegSz, bytes_of({"C:\\a b\0", 7})), u"C:\\a b");
+    EXPECT_TRUE(value(platform::kRegSz, bytes_of("unended")).starts_with(u"unended"));
+    EXPECT_EQ(registry.last_access, 0x2003FU);
+    EXPECT_EQ(value(platform::kRegDword, {0x10, 0, 0, 0}), u"16");
+    EXPECT_EQ(value(platform::kRegDword, {0x34, 0x12, 0, 0}), u"4660");
+    EXPECT_EQ(value(platform::kRegDword, {0x04, 0x03, 0x02, 0x01}), u"4660") << "not 01, 02, 03, 04: kept";
+    EXPECT_EQ(value(platform::kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}), u"-1") << "32 bits keep their sign";
+    EXPECT_EQ(value(platform::kRegDword, {1, 0, 0, 0}, u"2"), u"8193") << "behind the caller's digits: kept";
+    EXPECT_EQ(error_of([&] { value(platform::kRegDword, {1, 0, 0, 0}, u"x"); }), kTypeMismatch);
+    EXPECT_EQ(value(platform::kRegBinary, {1, 2}, u"old"), u"old");
+    EXPECT_EQ(value(platform::kRegSz, Bytes(1100, 'x')), u"failed: ") << "more than the buffer of 1024 bytes holds";
+    EXPECT_EQ(read(u"Software\\Values", u"missing"), u"failed: ");
+    EXPECT_EQ(read(u"NoSuchKey", u"v"), u"failed: ");
 }
 
 }  // namespace

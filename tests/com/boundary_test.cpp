@@ -74,13 +74,6 @@ TEST(Boundary, ErrorInformationBecomesAnException) {
 
 // ---- Each thread's error information
 
-void set_error(std::u16string description) {
-    com::ComPtr<ICreateErrorInfo> info;
-    ASSERT_EQ(CreateErrorInfo(info.put()), S_OK);
-    EXPECT_EQ(info->SetDescription(reinterpret_cast<LPOLESTR>(description.data())), S_OK);
-    EXPECT_EQ(SetErrorInfo(0, info.query<IErrorInfo>().get()), S_OK);
-}
-
 std::u16string take_error() {
     com::ComPtr<IErrorInfo> info;
     if (GetErrorInfo(0, info.put()) != S_OK) return u"none";
@@ -90,13 +83,22 @@ std::u16string take_error() {
 }
 
 TEST(ErrorInformation, IsTakenOnceByItsOwnThread) {
-    set_error(u"mine");
+    guarded_method(IID_IClassFactory, [] { throw RuntimeError(1, u"mine"); });
     std::u16string seen;
     std::thread([&seen] { seen = take_error(); }).join();
     EXPECT_EQ(seen, u"none");
     EXPECT_EQ(take_error(), u"mine");
     EXPECT_EQ(take_error(), u"none");
-    set_error(u"old");
+
+    guarded_method(IID_IClassFactory, [] { throw RuntimeError(1, u"old"); });
+    com::ComPtr<IErrorInfo> error;
+    GUID raised_by{};
+    ASSERT_EQ(GetErrorInfo(0, error.put()), S_OK);
+    EXPECT_EQ(error->GetGUID(&raised_by), S_OK);
+    EXPECT_TRUE(IsEqualGUID(raised_by, IID_IClassFactory));
+    EXPECT_EQ(SetErrorInfo(1, error.get()), E_INVALIDARG) << "the first argument is reserved";
+    EXPECT_EQ(take_error(), u"none");
+    EXPECT_EQ(SetErrorInfo(0, error.get()), S_OK);
     EXPECT_EQ(SetErrorInfo(0, nullptr), S_OK);
     EXPECT_EQ(take_error(), u"none");
 }

@@ -3,7 +3,6 @@
 
 #include "core/runtime_error.h"
 #include "forms/common_dialog.h"
-#include "forms/scripted_toolkit.h"
 #include "tests/shared/error_of.h"
 #include "tests/shared/notebook.h"
 
@@ -183,15 +182,6 @@ TEST_F(FormsTest, ListKeysAreUniqueAndIconsKnown) {
     dialog.list.clear();
     EXPECT_FALSE(dialog.list.selected());
     EXPECT_EQ(error_of([this] { dialog.list.add_row(u"A", u"A"); }), 0) << "clearing frees the keys";
-}
-
-TEST_F(FormsTest, AScriptedUserFindsTheTopmostFormAsLongAsItIsShown) {
-    ScriptedUser user;
-    ScriptedToolkit toolkit(user);
-    Dialog shown(toolkit, "shown");
-    shown.on_activate = [&] { EXPECT_EQ(toolkit.top(), &shown); };
-    shown.show_modal();
-    EXPECT_EQ(toolkit.top(), nullptr);
 }
 
 TEST_F(FormsTest, TheFileDialogKeepsItsNameThroughACancel) {

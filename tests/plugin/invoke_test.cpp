@@ -5,6 +5,8 @@ namespace vex::plugin_test {
 namespace {
 
 using com::Variant;
+using Variants = std::vector<Variant>;
+using Invoke = PluginTest;
 
 /// A value of a type that has no factory; what it refers to stays the caller's.
 template <class Place>
@@ -22,58 +24,48 @@ Variant missing() {
     return value;
 }
 
-using Invoke = PluginTest;
-
-Outcome name_at(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
-    return call(*make(kCatalogueClass), kPluginNames, DISPATCH_PROPERTYGET, arguments, names);
+Outcome get(DISPID member, const Variants& arguments, const std::vector<DISPID>& names = {}) {
+    return call(*make(kCatalogueClass), member, DISPATCH_PROPERTYGET, arguments, names);
 }
-
-Outcome total(const std::vector<Variant>& arguments, const std::vector<DISPID>& names = {}) {
-    return call(*make(kCatalogueClass), kTotalPlugins, DISPATCH_PROPERTYGET, arguments, names);
+Outcome name_at(const Variants& arguments, const std::vector<DISPID>& names = {}) {
+    return get(kPluginNames, arguments, names);
 }
-
-Outcome start_pre_transmit(const std::vector<Variant>& arguments) {
+Outcome start_pre_transmit(const Variants& arguments) {
     return call(*make(kEntryClass), kStartPreTransmit, DISPATCH_METHOD, arguments);
 }
 
-/// The argument is at fault, and the call says so.
-void expect_fault(const Outcome& outcome, HRESULT result) {
-    EXPECT_EQ(outcome.result, result);
-    EXPECT_EQ(outcome.argument, 0U);
-}
-
-TEST_F(Invoke, TakesAnIndexOfEveryTypeThatConverts) {
+TEST_F(Invoke, TakesArgumentsOfEveryTypeThatConverts) {
     SHORT short_zero = 0;
     LONG long_zero = 0;
     com::Bstr text(u"0");
     BSTR text_zero = text.get();
-    VARIANT inner = Variant::int32(0).get();
+    VARIANT zero_value = Variant::int32(0).get();
     for (const Variant& zero :
          {Variant::int16(0), Variant::int32(0), Variant::real(0.4), Variant::boolean(false), Variant::text(u" 0 "),
           Variant(), value_of(VT_BYREF | VT_I2, &short_zero), value_of(VT_BYREF | VT_I4, &long_zero),
-          value_of(VT_BYREF | VT_BSTR, &text_zero), value_of(VT_BYREF | VT_VARIANT, &inner)}) {
-        const Outcome outcome = name_at({zero});
-        EXPECT_EQ(outcome.result, S_OK) << zero.type();
-        EXPECT_EQ(outcome.value.type(), VT_BSTR) << zero.type();
+          value_of(VT_BYREF | VT_BSTR, &text_zero), value_of(VT_BYREF | VT_VARIANT, &zero_value)}) {
+        EXPECT_EQ(name_at({zero}).value.type(), VT_BSTR) << zero.type();
     }
     EXPECT_EQ(name_at({Variant::boolean(true)}).code, error_code(9)) << "true is -1";
     EXPECT_EQ(name_at({Variant::int16(0)}, {0}).result, S_OK) << "by name";
-}
 
-TEST_F(Invoke, TakesObjectsByValueAndByReference) {
     const auto object = make(kCatalogueClass);
     IDispatch* mine = object.get();
     IDispatch* none = nullptr;
     IUnknown* plain = mine;
-    VARIANT inner = value_of(VT_DISPATCH, mine).detach();
+    VARIANT object_value = value_of(VT_DISPATCH, mine).detach();
     for (const Variant& given : {Variant::object(mine), Variant::object(nullptr), Variant::object_reference(&mine),
-                                 Variant::object_reference(&none), value_of(VT_BYREF | VT_VARIANT, &inner),
+                                 Variant::object_reference(&none), value_of(VT_BYREF | VT_VARIANT, &object_value),
                                  value_of(VT_BYREF | VT_UNKNOWN, &plain)}) {
         EXPECT_EQ(start_pre_transmit({given}).result, S_OK) << given.type();
     }
 }
 
 TEST_F(Invoke, TellsTheArgumentAtFault) {
+    const auto expect_fault = [](const Outcome& outcome, HRESULT result) {
+        EXPECT_EQ(outcome.result, result);
+        EXPECT_EQ(outcome.argument, 0U);
+    };
     VARIANT nothing = value_of<SHORT>(VT_BYREF | VT_I2).get();
     VARIANT left_out = missing().get();
     const Variant null_value = value_of<void>(VT_NULL);
@@ -97,16 +89,14 @@ TEST_F(Invoke, TellsTheArgumentAtFault) {
 
 TEST_F(Invoke, CountsArguments) {
     const Variant zero = Variant::int16(0);
-    EXPECT_EQ(name_at({}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(name_at({zero, zero}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(name_at({zero, zero}, {0}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(total({zero}).result, DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(total({zero}, {0}).result, DISP_E_NONAMEDARGS);
-    EXPECT_EQ(start_pre_transmit({}).result, DISP_E_BADPARAMCOUNT);
+    for (const Outcome& outcome : {name_at({}), name_at({zero, zero}), name_at({zero, zero}, {0}),
+                                   get(kTotalPlugins, {zero}), start_pre_transmit({})}) {
+        EXPECT_EQ(outcome.result, DISP_E_BADPARAMCOUNT);
+    }
+    EXPECT_EQ(get(kTotalPlugins, {zero}, {0}).result, DISP_E_NONAMEDARGS);
     // The one parameter that may be left out, in either way; then the member runs, as far as it can here.
-    const auto entry = make(kEntryClass);
-    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD).code, error_code(429));
-    EXPECT_EQ(call(*entry, kStartPlugin, DISPATCH_METHOD, {missing()}).code, error_code(429));
+    for (const Variants& arguments : {Variants{}, {missing()}})
+        EXPECT_EQ(call(*make(kEntryClass), kStartPlugin, DISPATCH_METHOD, arguments).code, error_code(429));
 }
 
 TEST_F(Invoke, RefusesCallsThatAreNone) {
@@ -118,18 +108,17 @@ TEST_F(Invoke, RefusesCallsThatAreNone) {
         EXPECT_EQ(call(*catalogue, kPluginNames, DISPATCH_PROPERTYGET, parameters).result, E_INVALIDARG);
     }
     // Callers may have no use for answers.
-    DISPPARAMS none{}, one_index{&zero, nullptr, 1, 0};
-    const auto name = [&](DISPPARAMS& parameters) {
-        return catalogue->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &parameters, nullptr, nullptr,
+    DISPPARAMS one_index{&zero, nullptr, 1, 0};
+    const auto name = [&](REFIID reserved) {
+        return catalogue->Invoke(kPluginNames, reserved, 0, DISPATCH_PROPERTYGET, &one_index, nullptr, nullptr,
                                  nullptr);
     };
-    EXPECT_EQ(name(one_index), S_OK);
+    EXPECT_EQ(name(IID_NULL), S_OK);
+    EXPECT_EQ(name(IID_IUnknown), DISP_E_UNKNOWNINTERFACE);
     zero.iVal = 5;
-    EXPECT_EQ(name(one_index), DISP_E_EXCEPTION);
+    EXPECT_EQ(name(IID_NULL), DISP_E_EXCEPTION);
     zero.vt = VT_NULL;
-    EXPECT_EQ(name(one_index), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(catalogue->Invoke(kTotalPlugins, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
-              DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(name(IID_NULL), DISP_E_TYPEMISMATCH);
     for (const DISPID unknown : std::vector<DISPID>{0x68030005, 0x6802FFFF, DISPID_VALUE, kDoesFrameEdit}) {
         EXPECT_EQ(call(*catalogue, unknown, DISPATCH_PROPERTYGET | DISPATCH_METHOD).result, DISP_E_MEMBERNOTFOUND);
     }
@@ -138,25 +127,21 @@ TEST_F(Invoke, RefusesCallsThatAreNone) {
 
 TEST_F(Invoke, FindsNamesOfMembersAndTheirParameters) {
     const auto catalogue = make(kCatalogueClass);
-    std::u16string member = u"pluginnames", parameter = u"IINDEX", nonsense = u"iIndices";
-    LPOLESTR names[] = {reinterpret_cast<LPOLESTR>(member.data()), reinterpret_cast<LPOLESTR>(parameter.data()),
-                        reinterpret_cast<LPOLESTR>(nonsense.data())};
+    LPOLESTR names[] = {ole_name(u"pluginnames"), ole_name(u"IINDEX"), ole_name(u"iIndices")};
     DISPID ids[3] = {7, 7, 7};
     const auto find = [&](REFIID reserved, LPOLESTR* what, UINT count) {
         return catalogue->GetIDsOfNames(reserved, what, count, LOCALE_USER_DEFAULT, ids);
     };
     EXPECT_EQ(find(IID_NULL, names, 3), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(ids[0], kPluginNames);
-    EXPECT_EQ(ids[1], 0);
-    EXPECT_EQ(ids[2], DISPID_UNKNOWN);
+    EXPECT_EQ(std::vector<DISPID>(ids, ids + 3), (std::vector<DISPID>{kPluginNames, 0, DISPID_UNKNOWN}));
     EXPECT_EQ(find(IID_NULL, names, 2), S_OK);
     EXPECT_EQ(find(IID_IUnknown, names, 1), DISP_E_UNKNOWNINTERFACE);
     EXPECT_EQ(find(IID_NULL, names, 0), E_INVALIDARG);
     EXPECT_EQ(find(IID_NULL, nullptr, 1), E_INVALIDARG);
     names[1] = nullptr;
     EXPECT_EQ(find(IID_NULL, names, 2), E_INVALIDARG);
-    for (std::u16string name : {u"StartPlugin", u"PluginName", u"PluginNamess", u""}) {
-        auto* text = reinterpret_cast<LPOLESTR>(name.data());
+    for (const char16_t* name : {u"StartPlugin", u"PluginName", u"PluginNamess", u""}) {
+        LPOLESTR text = ole_name(name);
         EXPECT_EQ(find(IID_NULL, &text, 1), DISP_E_UNKNOWNNAME);
         EXPECT_EQ(ids[0], DISPID_UNKNOWN);
     }

@@ -1,6 +1,7 @@
 // What the members of the two classes answer, called through the virtual table and late.
 #include <cstring>
 
+#include "core/unicode.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -8,9 +9,9 @@ namespace {
 
 using com::Variant;
 
-constexpr char16_t kName[] = u"vexFirmwarePlugin.vexFirmwareUtil";
-constexpr char16_t kDescription[] = u"Reset and Clear Display and also Load Firmware!";
-constexpr char16_t kDescriptiveName[] = u"Reset & Clear/Load Firmware";
+constexpr char kName[] = "vexFirmwarePlugin.vexFirmwareUtil";
+constexpr char kDescription[] = "Reset and Clear Display and also Load Firmware!";
+constexpr char kDescriptiveName[] = "Reset & Clear/Load Firmware";
 
 enum class Takes { nothing, index, object };
 
@@ -20,26 +21,26 @@ struct Member {
     DISPID id;
     const char16_t* name;
     Takes argument;
-    VARTYPE result;
-    const char16_t* text = u"";
+    VARTYPE type;
+    const char* answer;
     /// Where no desktop is, or no host with its display list, a wizard cannot open.
     HRESULT code = S_OK;
 };
 
 const Member kMembers[] = {
-    {kCatalogueClass, 7, kTotalPlugins, u"TOTALPLUGINS", Takes::nothing, VT_I2},
+    {kCatalogueClass, 7, kTotalPlugins, u"TOTALPLUGINS", Takes::nothing, VT_I2, "1"},
     {kCatalogueClass, 8, kPluginNames, u"PLUGINNAMES", Takes::index, VT_BSTR, kName},
     {kCatalogueClass, 9, kPluginDescription, u"PLUGINDESCRIPTION", Takes::index, VT_BSTR, kDescription},
-    {kCatalogueClass, 10, kPluginPic, u"PLUGINPIC", Takes::index, VT_DISPATCH},
+    {kCatalogueClass, 10, kPluginPic, u"PLUGINPIC", Takes::index, VT_DISPATCH, "icon"},
     {kCatalogueClass, 11, kPluginDescriptiveName, u"PLUGINDESCRIPTIVENAME", Takes::index, VT_BSTR, kDescriptiveName},
-    {kEntryClass, 7, kStartPlugin, u"STARTPLUGIN", Takes::object, VT_EMPTY, u"", error_code(429)},
-    {kEntryClass, 8, kDoesFrameEdit, u"DOESFRAMEEDIT", Takes::nothing, VT_BOOL},
-    {kEntryClass, 9, kStartFrameFeature, u"STARTFRAMEFEATURE", Takes::object, VT_EMPTY, u"", error_code(429)},
-    {kEntryClass, 10, 0x60030003, u"DOESPRETRANSMIT", Takes::nothing, VT_BOOL},
-    {kEntryClass, 11, kStartPreTransmit, u"STARTPRETRANSMIT", Takes::object, VT_EMPTY},
+    {kEntryClass, 7, kStartPlugin, u"STARTPLUGIN", Takes::object, VT_EMPTY, "", error_code(429)},
+    {kEntryClass, 8, kDoesFrameEdit, u"DOESFRAMEEDIT", Takes::nothing, VT_BOOL, "0"},
+    {kEntryClass, 9, kStartFrameFeature, u"STARTFRAMEFEATURE", Takes::object, VT_EMPTY, "", error_code(429)},
+    {kEntryClass, 10, 0x60030003, u"DOESPRETRANSMIT", Takes::nothing, VT_BOOL, "0"},
+    {kEntryClass, 11, kStartPreTransmit, u"STARTPRETRANSMIT", Takes::object, VT_EMPTY, ""},
     {kEntryClass, 12, kGetMyName, u"GETMYNAME", Takes::nothing, VT_BSTR, kName},
     {kEntryClass, 13, 0x60030006, u"GETMYDESCRIPTION", Takes::nothing, VT_BSTR, kDescription},
-    {kEntryClass, 14, 0x60030007, u"GETMYPICTURE", Takes::nothing, VT_DISPATCH},
+    {kEntryClass, 14, 0x60030007, u"GETMYPICTURE", Takes::nothing, VT_DISPATCH, "icon"},
     {kEntryClass, 15, 0x60030008, u"GETMYDESCRIPTIVENAME", Takes::nothing, VT_BSTR, kDescriptiveName},
 };
 
@@ -49,25 +50,16 @@ HRESULT call_slot(IUnknown* object, std::size_t slot, Arguments... arguments) {
     return reinterpret_cast<Method>((*reinterpret_cast<void***>(object))[slot])(object, arguments...);
 }
 
-void expect_icon(IDispatch* object) {
-    ASSERT_NE(object, nullptr);
-    const auto picture = com::ComPtr<IDispatch>(object).query<IPicture>();
-    ASSERT_TRUE(picture);
+/// What a member has answered; an icon is a picture as wide as 16 pixels of 1/96 inch.
+std::string shown(const VARIANT& value) {
+    if (value.vt == VT_BSTR) return to_utf8(com::view(value.bstrVal));
+    if (value.vt == VT_I2 || value.vt == VT_BOOL) return std::to_string(value.iVal);
+    if (value.vt != VT_DISPATCH || value.pdispVal == nullptr) return "";
+    const auto picture = com::ComPtr<IDispatch>(value.pdispVal).query<IPicture>();
     SHORT type = 0;
     OLE_XSIZE_HIMETRIC width = 0;
-    EXPECT_TRUE(picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK);
-    EXPECT_EQ(type, PICTYPE_ICON);
-    EXPECT_NEAR(width, 423, 1) << "16 pixels of 1/96 inch";
-}
-
-void expect_answer(const Member& member, const VARIANT& value) {
-    switch (member.result) {
-        case VT_I2: EXPECT_EQ(value.iVal, 1); break;
-        case VT_BOOL: EXPECT_EQ(value.boolVal, VARIANT_FALSE); break;
-        case VT_BSTR: EXPECT_EQ(com::view(value.bstrVal), member.text); break;
-        case VT_DISPATCH: expect_icon(value.pdispVal); break;
-        default: break;
-    }
+    const bool told = picture && picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK;
+    return told && type == PICTYPE_ICON && width >= 422 && width <= 424 ? "icon" : "no icon";
 }
 
 using Members = PluginTest;
@@ -89,14 +81,13 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
             }
         };
         EXPECT_EQ(call_early(&early.get().dblVal), member.code);
-        early.get().vt = member.result;
-        expect_answer(member, early.get());
+        early.get().vt = member.type;
+        EXPECT_EQ(shown(early.get()), member.answer);
         if (member.argument != Takes::object) {
             EXPECT_EQ(call_early(nullptr), E_POINTER);
         }
 
-        std::u16string name = member.name;
-        auto* text = reinterpret_cast<LPOLESTR>(name.data());
+        LPOLESTR text = ole_name(member.name);
         DISPID id = DISPID_UNKNOWN;
         EXPECT_EQ(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), S_OK);
         EXPECT_EQ(id, member.id);
@@ -108,8 +99,8 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
         const Outcome late = call(*object, member.id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments);
         EXPECT_EQ(late.result, member.code == S_OK ? S_OK : DISP_E_EXCEPTION);
         EXPECT_EQ(late.code, member.code);
-        ASSERT_EQ(late.value.type(), member.result);
-        expect_answer(member, late.value.get());
+        EXPECT_EQ(late.value.type(), member.type);
+        EXPECT_EQ(shown(late.value.get()), member.answer);
         EXPECT_EQ(mine, object.get()) << "the argument is left alone";
 
         const WORD other_kind = IsEqualGUID(member.clsid, kEntryClass) ? DISPATCH_PROPERTYGET : DISPATCH_METHOD;
@@ -119,17 +110,18 @@ TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
 
 TEST_F(Members, OtherIndexesFailForTextsAndAreNoPictures) {
     const auto catalogue = make(kCatalogueClass);
-    for (const int index : {1, -1, -101, -200, 32767, -32768}) {
-        const std::vector<Variant> arguments{Variant::int16(static_cast<std::int16_t>(index))};
+    for (const std::int16_t index : std::vector<std::int16_t>{1, -1, -101, -200, 32767, -32768}) {
+        const auto get = [&](DISPID member) {
+            return call(*catalogue, member, DISPATCH_PROPERTYGET, {Variant::int16(index)});
+        };
         for (const DISPID member : {kPluginNames, kPluginDescription, kPluginDescriptiveName}) {
-            const Outcome outcome = call(*catalogue, member, DISPATCH_PROPERTYGET, arguments);
+            const Outcome outcome = get(member);
             EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
             EXPECT_EQ(outcome.code, error_code(9));
-            EXPECT_EQ(outcome.description, u"Subscript out of range");
-            EXPECT_EQ(outcome.source, u"vexFirmWarePlugin");
+            EXPECT_EQ(outcome.description + u"|" + outcome.source, u"Subscript out of range|vexFirmWarePlugin");
             EXPECT_EQ(outcome.value.type(), VT_EMPTY);
         }
-        const Outcome picture = call(*catalogue, kPluginPic, DISPATCH_PROPERTYGET, arguments);
+        const Outcome picture = get(kPluginPic);
         EXPECT_EQ(picture.result, S_OK) << index;
         EXPECT_EQ(picture.value.type(), VT_DISPATCH);
         EXPECT_EQ(picture.value.get().pdispVal, nullptr);
@@ -147,11 +139,10 @@ TEST_F(Members, ErrorsOfEarlyCallsComeAsErrorInformation) {
     ASSERT_EQ(GetErrorInfo(0, info.put()), S_OK);
     com::Bstr description, source;
     GUID raised_by{};
-    info->GetDescription(description.put());
-    info->GetSource(source.put());
-    info->GetGUID(&raised_by);
-    EXPECT_EQ(description.str(), u"Subscript out of range");
-    EXPECT_EQ(source.str(), u"vexFirmWarePlugin");
+    EXPECT_EQ(info->GetDescription(description.put()), S_OK);
+    EXPECT_EQ(info->GetSource(source.put()), S_OK);
+    EXPECT_EQ(info->GetGUID(&raised_by), S_OK);
+    EXPECT_EQ(description.str() + u"|" + source.str(), u"Subscript out of range|vexFirmWarePlugin");
     EXPECT_TRUE(IsEqualGUID(raised_by, kCatalogueInterface));
     EXPECT_EQ(names(1, &poisoned), error_code(9));
     EXPECT_EQ(names(0, name.put()), S_OK);
@@ -164,11 +155,12 @@ TEST_F(Members, HaveOneTypeDescriptionOrNone) {
     EXPECT_EQ(catalogue->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(catalogue->GetTypeInfoCount(&count), S_OK);
     EXPECT_LE(count, 1U);
-    com::ComPtr<ITypeInfo> type;
+    auto* type = reinterpret_cast<ITypeInfo*>(std::uintptr_t{0xDEAD});
     EXPECT_EQ(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
-    EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, type.put()), DISP_E_BADINDEX);
-    EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.put())), count == 1);
-    EXPECT_EQ(static_cast<bool>(type), count == 1);
+    EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, &type), DISP_E_BADINDEX);
+    EXPECT_EQ(type, nullptr);
+    EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type)), count == 1);
+    EXPECT_EQ(com::ComPtr<ITypeInfo>::adopt(type).get() != nullptr, count == 1);
 }
 
 }  // namespace

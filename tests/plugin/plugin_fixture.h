@@ -12,16 +12,13 @@
 #include "com/com_ptr.h"
 #include "com/variant.h"
 #include "platform/library.h"
-#include "platform/registry.h"
 
 namespace vex::plugin_test {
 
 // ---- What each side has of its own
 
-/// The plug-in's library file: the one that the environment variable VEX_PLUGIN names, else that beside the test
-/// program.
+/// The plug-in's library file, beside the test program.
 std::filesystem::path plugin_file();
-platform::Registry& registry();
 /// What the registry calls the platform of the type library.
 extern const char* const kPlatform;
 /// Whether a library can be registered wherever it lies.
@@ -57,14 +54,9 @@ Function* plugin_function(const char* name) {
 }
 
 inline HRESULT can_unload_now() { return plugin_function<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(); }
-
 inline HRESULT class_object(REFCLSID clsid, REFIID iid, void** object) {
     return plugin_function<decltype(DllGetClassObject)>("DllGetClassObject")(clsid, iid, object);
 }
-
-inline HRESULT register_server() { return plugin_function<decltype(DllRegisterServer)>("DllRegisterServer")(); }
-
-inline HRESULT unregister_server() { return plugin_function<decltype(DllUnregisterServer)>("DllUnregisterServer")(); }
 
 inline com::ComPtr<IClassFactory> factory_of(REFCLSID clsid) {
     com::ComPtr<IClassFactory> factory;
@@ -94,13 +86,14 @@ protected:
 
 // ---- Late calls
 
+inline LPOLESTR ole_name(const char16_t* text) { return const_cast<LPOLESTR>(reinterpret_cast<LPCOLESTR>(text)); }
+
 struct Outcome {
     HRESULT result = E_UNEXPECTED;
     com::Variant value;
     /// Of an exception.
     HRESULT code = S_OK;
-    std::u16string description;
-    std::u16string source;
+    std::u16string description, source;
     /// The argument at fault, counted as in the argument array; 999 when none is told.
     UINT argument = 999;
 };
@@ -110,13 +103,10 @@ inline Outcome call(IDispatch& object, DISPID member, WORD flags, DISPPARAMS* pa
     EXCEPINFO exception{};
     outcome.result = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, parameters, outcome.value.put(),
                                    &exception, &outcome.argument);
-    com::Bstr description, source, help_file;
-    *description.put() = exception.bstrDescription;
-    *source.put() = exception.bstrSource;
-    *help_file.put() = exception.bstrHelpFile;
     outcome.code = exception.scode;
-    outcome.description = description.str();
-    outcome.source = source.str();
+    outcome.description = com::view(exception.bstrDescription);
+    outcome.source = com::view(exception.bstrSource);
+    for (BSTR text : {exception.bstrDescription, exception.bstrSource, exception.bstrHelpFile}) SysFreeString(text);
     return outcome;
 }
 
@@ -125,9 +115,7 @@ inline Outcome call(IDispatch& object, DISPID member, WORD flags, const std::vec
                     std::vector<DISPID> names = {}) {
     // Borrowed copies.
     std::vector<VARIANTARG> reversed;
-    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
-        reversed.push_back(argument->get());
-    }
+    for (auto at = arguments.rbegin(); at != arguments.rend(); ++at) reversed.push_back(at->get());
     DISPPARAMS parameters{reversed.data(), names.data(), static_cast<UINT>(reversed.size()),
                           static_cast<UINT>(names.size())};
     return call(object, member, flags, &parameters);

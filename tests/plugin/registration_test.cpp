@@ -1,70 +1,65 @@
 // The registration: what it writes, that hosts find the classes by it, and that it goes without a trace.
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <optional>
 #include <set>
 
 #include "core/unicode.h"
 #include "platform/class_keys.h"
 #include "tests/plugin/plugin_fixture.h"
+#include "tests/registry/test_key.h"
 
 namespace vex::plugin_test {
 namespace {
 
-using platform::kSuccess;
+using platform::write_class_text;
+using Lines = std::set<std::string>;
 
 constexpr char kCatalogueKey[] = "CLSID\\{09D14609-0E72-4D6E-A3B6-D8409C897702}";
 constexpr char kEntryKey[] = "CLSID\\{4802794B-38DD-46AD-A290-F27825C71CEA}";
-constexpr char kLibraryKey[] = "TypeLib\\{2D044802-8D89-4ECD-8C1F-F3529143EDDE}";
+constexpr char kLibraryId[] = "{2D044802-8D89-4ECD-8C1F-F3529143EDDE}";
 constexpr char kInterfaceKey[] = "Interface\\{28D15CCC-A58D-44F0-8AAF-3EECB0736FA9}";
-
-using Lines = std::set<std::string>;
-
-using platform::write_class_text;
 
 /// Every key and every value at and below a key, one a line.
 void read_all(platform::RegistryKey parent, const std::string& path, const std::string& shown, Lines& lines) {
-    platform::RegistryKey key = 0;
-    if (registry().open_key(parent, path.c_str(), platform::kKeyRead, key) != kSuccess) return;
+    const test::Key key = test::Key::opened(parent, path, platform::kKeyRead);
+    if (!key) return;
     lines.insert(shown);
-    std::array<char, 260> name{};
     for (std::uint32_t index = 0;; ++index) {
-        auto length = static_cast<std::uint32_t>(name.size());
-        std::array<char, 4096> data{};
-        auto size = static_cast<std::uint32_t>(data.size() - 1);
-        std::uint32_t type = 0;
-        const auto result = registry().enum_value(key, index, name.data(), length, type,
-                                                  reinterpret_cast<std::uint8_t*>(data.data()), size);
+        std::array<char, 260> name{};
+        std::array<std::uint8_t, 4096> data{};
+        std::uint32_t length = name.size(), size = data.size() - 1, type = 0;
+        const auto result =
+            test::side_registry().enum_value(key.get(), index, name.data(), length, type, data.data(), size);
         if (result == platform::kNoMoreItems) break;
         lines.insert(shown + " " + name.data() + "=" + (type == platform::kRegSz ? "" : std::to_string(type) + ":") +
-                     data.data());
+                     reinterpret_cast<const char*>(data.data()));
     }
-    for (std::uint32_t index = 0;; ++index) {
-        auto length = static_cast<std::uint32_t>(name.size());
-        if (registry().enum_key(key, index, name.data(), length) != kSuccess) break;
+    for (const std::string& name : key.subkeys()) {
         // The same once more, as programs of the other kind see it.
-        if (std::string(name.data()) == "Wow6432Node") continue;
+        if (name == "Wow6432Node") continue;
         // Systems differ in how they spell this one.
-        const bool is_libraries = equal_ignoring_case(from_utf8(name.data()), u"TypeLib") && shown.empty();
-        const std::string spelled = is_libraries ? "TypeLib" : name.data();
-        read_all(key, name.data(), shown.empty() ? spelled : shown + "\\" + spelled, lines);
+        const bool is_libraries = equal_ignoring_case(from_utf8(name), u"TypeLib") && shown.empty();
+        read_all(key.get(), name, (shown.empty() ? "" : shown + "\\") + (is_libraries ? "TypeLib" : name), lines);
     }
-    registry().close_key(key);
 }
 
 /// What one has and the other has not.
 Lines difference(const Lines& left, const Lines& right) {
     Lines lines;
-    std::set_symmetric_difference(left.begin(), left.end(), right.begin(), right.end(),
-                                  std::inserter(lines, lines.end()));
+    std::ranges::set_symmetric_difference(left, right, std::inserter(lines, lines.end()));
     return lines;
 }
+
+using Export = decltype(DllRegisterServer);
+HRESULT register_server() { return plugin_function<Export>("DllRegisterServer")(); }
+HRESULT unregister_server() { return plugin_function<Export>("DllUnregisterServer")(); }
 
 class Registration : public PluginTest {
 protected:
     void SetUp() override {
         PluginTest::SetUp();
+        test::side_registry();  // puts it in place
         unregister_server();
         // As every Windows has them.
         for (const char16_t* key : {u"CLSID", u"Interface", u"TypeLib"}) {
@@ -100,23 +95,23 @@ HRESULT create(const char16_t* programmatic_id) {
 TEST_F(Registration, WritesThisAndNothingElse) {
     EXPECT_TRUE(FAILED(create(u"vexFirmWarePlugin.vexFirmWareUtil")));
     ASSERT_EQ(register_server(), S_OK);
-    EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil"), S_OK);
-    EXPECT_EQ(create(u"vexFirmwarePlugin.vexFirmwareUtil"), S_OK) << "as the catalogue spells it";
-    EXPECT_EQ(create(u"vexFirmWarePlugin.PluginData"), S_OK);
+    for (const char16_t* identifier : {u"vexFirmWarePlugin.vexFirmWareUtil", u"vexFirmwarePlugin.vexFirmwareUtil",
+                                       u"vexFirmWarePlugin.PluginData"}) {
+        EXPECT_EQ(create(identifier), S_OK);
+    }
     const Lines written = changed();
     const std::string server = std::string(kEntryKey) + "\\InprocServer32 =";
     const std::string file = written.lower_bound(server)->substr(server.size());
     const std::string folder = file.substr(0, file.find_last_of('\\'));
     EXPECT_EQ(file.substr(1, 2), ":\\") << "a full path";
     EXPECT_TRUE(equal_ignoring_case(from_utf8(file.substr(folder.size() + 1)), plugin_file().filename().u16string()));
-    const std::string library_id = std::string(kLibraryKey).substr(8);
 
     Lines expected;
     const auto key = [&](const std::string& path, const std::vector<std::string>& values = {}) {
         expected.insert(path);
         for (const std::string& value : values) expected.insert(path + " " + value);
     };
-    const std::string library = kLibraryKey;
+    const std::string library = std::string("TypeLib\\") + kLibraryId;
     key(library);
     key(library + "\\1.0", {"=vexFirmwarePlugin"});
     key(library + "\\1.0\\0");
@@ -128,13 +123,13 @@ TEST_F(Registration, WritesThisAndNothingElse) {
         key(class_key, {"=" + identifier});
         key(class_key + "\\InprocServer32", {"=" + file, "ThreadingModel=Apartment"});
         key(class_key + "\\ProgID", {"=" + identifier});
-        key(class_key + "\\TypeLib", {"=" + library_id});
+        key(class_key + "\\TypeLib", {std::string("=") + kLibraryId});
         key(class_key + "\\VERSION", {"=1.0"});
         key(identifier, {"=" + identifier});
         key(identifier + "\\CLSID", {"=" + class_key.substr(6)});
         key(interface_key, {"=" + interface_name});
         key(interface_key + "\\ProxyStubClsid32", {"={00020424-0000-0000-C000-000000000046}"});
-        key(interface_key + "\\TypeLib", {"=" + library_id, "Version=1.0"});
+        key(interface_key + "\\TypeLib", {std::string("=") + kLibraryId, "Version=1.0"});
     };
     type(kCatalogueKey, "vexFirmWarePlugin.PluginData", kInterfaceKey, "_PluginData");
     type(kEntryKey, "vexFirmWarePlugin.vexFirmWareUtil", "Interface\\{4EA9496B-9BA4-4BD0-A367-C0E0A837B2E4}",
@@ -161,10 +156,8 @@ TEST_F(Registration, GoesWhateverItHasBecome) {
     EXPECT_EQ(unregister_server(), S_OK);
     EXPECT_EQ(changed(), (Lines{kEntryKey, std::string(kEntryKey) + " Owner=someone else", kInterfaceKey, settings,
                                 settings + " Owner=nobody"}));
-    for (const char* key : {kEntryKey, settings.c_str(), kInterfaceKey}) {
-        platform::remove_class_text(from_utf8(key), u"Owner");
-        platform::remove_empty_class_key(from_utf8(key));
-    }
+    for (const char* key : {kEntryKey, kInterfaceKey})
+        test::delete_tree(platform::registry_key(platform::kHkeyClassesRoot), key);
     EXPECT_EQ(changed(), Lines{});
 }
 
@@ -174,11 +167,10 @@ TEST_F(Registration, LeadsIntoFoldersThatNoCodePageHolds) {
     const auto copy = folder / plugin_file().filename();
     std::filesystem::copy_file(plugin_file(), copy, std::filesystem::copy_options::overwrite_existing);
     std::optional<platform::Library> library(copy);
-    using Export = HRESULT(STDAPICALLTYPE*)();
-    const HRESULT result = library->function<Export>("DllRegisterServer")();
+    const HRESULT result = library->function<Export*>("DllRegisterServer")();
     EXPECT_EQ(SUCCEEDED(result), kAnyFolderIsRegistered) << "better refused than a path that leads nowhere";
     EXPECT_EQ(create(u"vexFirmWarePlugin.vexFirmWareUtil") == S_OK, kAnyFolderIsRegistered);
-    EXPECT_EQ(library->function<Export>("DllUnregisterServer")(), S_OK);
+    EXPECT_EQ(library->function<Export*>("DllUnregisterServer")(), S_OK);
     EXPECT_EQ(changed(), Lines{});
     CoFreeUnusedLibraries();
     library.reset();

@@ -24,10 +24,8 @@ TEST(Rules, VersionNumbersReadOneCharacterBeforeTheLastPoint) {
     for (const auto& one : cases) EXPECT_DOUBLE_EQ(version_number(one.text), one.number);
     EXPECT_FALSE(version_number(u"1.41") < 1.41);
     EXPECT_EQ(error_of([] { version_number(u".5"); }), kInvalidProcedureCall);
-    EXPECT_TRUE(is_kqs_controller(u"kqS"));
-    EXPECT_TRUE(is_kqs_controller(u"KQSomething"));
-    EXPECT_FALSE(is_kqs_controller(u"KQ"));
-    EXPECT_FALSE(is_kqs_controller(u" KQS"));
+    EXPECT_TRUE(is_kqs_controller(u"kqS") && is_kqs_controller(u"KQSomething"));
+    EXPECT_FALSE(is_kqs_controller(u"KQ") || is_kqs_controller(u" KQS"));
 }
 
 TEST(Rules, HostNumbersStandBehindTheLastPoint) {
@@ -43,8 +41,7 @@ TEST(Rules, SplittingLosesNothing) {
 }
 
 TEST(Rules, BoardFamiliesByTypeTextAndByCode) {
-    EXPECT_TRUE(is_tq1_type_text(u"TQ-1 - Street"));
-    EXPECT_TRUE(is_tq1_type_text(u"tq-1 - "));
+    EXPECT_TRUE(is_tq1_type_text(u"TQ-1 - Street") && is_tq1_type_text(u"tq-1 - "));
     for (const char16_t* text : {u"", u"TQ-1", u"TQ-1 -", u"TQ-1 -x", u" TQ-1 - ", u"TQ-1  - "})
         EXPECT_FALSE(is_tq1_type_text(text));
     for (std::int32_t code = INT16_MIN; code <= INT16_MAX; ++code) {
@@ -53,11 +50,9 @@ TEST(Rules, BoardFamiliesByTypeTextAndByCode) {
 }
 
 TEST(Rules, LanBoxesAreToldByTheFirstWordOfThree) {
-    EXPECT_EQ(lan_box_type(u"UDS before XPort"), u"XPort");
-    EXPECT_EQ(lan_box_type(u"MSS4 or UDS"), u"UDS");
-    EXPECT_EQ(lan_box_type(u"MSS"), u"MSS");
-    EXPECT_EQ(lan_box_type(u"xport uds mss"), u"Unknown");
-    EXPECT_EQ(lan_box_type(u""), u"Unknown");
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
+        {u"UDS before XPort", u"XPort"}, {u"MSS4 or UDS", u"UDS"}, {u"MSS", u"MSS"}, {u"xport uds mss", u"Unknown"}};
+    for (const auto& [text, type] : cases) EXPECT_EQ(lan_box_type(text), type);
 }
 
 TEST(Rules, PathsEndBeforeTheirLastBackslash) {

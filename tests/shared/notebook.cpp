@@ -137,15 +137,13 @@ void Screen::changed(forms::Control& control, forms::Change change) {
 }
 
 /// An object of any of the host's classes; a control raises its one event to the sink that it is given.
-class HostObject final : public com::Object<HostObject, IDispatch, IProvideClassInfo2, IConnectionPointContainer,
-                                            IConnectionPoint> {
+class HostObject final : public com::Object<HostObject, com::Untyped<IDispatch>, IProvideClassInfo2,
+                                            IConnectionPointContainer, IConnectionPoint> {
 public:
     HostObject(RecordedHost& host, const HostClass& of) : Object(host.objects), host_(host), class_(of) {}
 
     const char* name() const { return class_.name; }
 
-    HRESULT GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
-    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
     HRESULT GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
         if (!class_.members.empty()) return DISP_E_UNKNOWNNAME;
         const auto found = std::ranges::find(host_.names_, *names);

@@ -1,18 +1,11 @@
-// How many window and graphics handles this process holds.
+// Whether window and graphics handles of this process stay behind.
 #pragma once
 
-#include "platform/win32/windows_api.h"
+#include <functional>
 
 namespace vex::test {
 
-struct HandleCounts {
-    unsigned long user = 0;
-    unsigned long graphics = 0;
-
-    bool operator==(const HandleCounts&) const = default;
-};
-
-/// Windows tells the numbers. Wine does not (it answers 0); there every possible handle is looked at.
-HandleCounts count_handles();
+/// Expects as many handles after so many uses of something as before them.
+void expect_no_handle_stays(int times, const std::function<void()>& use);
 
 }  // namespace vex::test

@@ -9,9 +9,24 @@ namespace {
 
 using testing::ElementsAre;
 
-class KeyboardTest : public WindowTest {};
+class KeyboardTest : public WindowTest {
+protected:
+    /// What the user does: puts the focus somewhere, as a dialog over the form does when it goes, or presses a key.
+    auto focus(const char16_t* control) {
+        return [this, control] { SetFocus(window_of(control)); };
+    }
+    auto key(WPARAM key) {
+        return [this, key] { press_key(key); };
+    }
+    /// The list with rows, and the first one selected.
+    void show_list(std::initializer_list<const char16_t*> rows) {
+        form.pages.set_tab(1);
+        for (const char16_t* name : rows) form.list.add_row({}, name);
+        form.list.select(0);
+    }
+};
 
-TEST_F(KeyboardTest, TabFollowsTheKeyboardOrderAndComesRound) {
+TEST_F(KeyboardTest, TabFollowsTheKeyboardOrderAndArrowsChooseAmongOptions) {
     form.on_load = [&] { form.option_a.set_value(true); };
     // What lies on the pages comes where they stand, whatever its own numbers.
     form.pages.set_tab_index(1);
@@ -22,58 +37,40 @@ TEST_F(KeyboardTest, TabFollowsTheKeyboardOrderAndComesRound) {
             press_key(VK_TAB);
         });
     }
-    show();
+    user.then(focus(u"option_a")).then(key(VK_DOWN));
+    show([&] {
+        EXPECT_EQ(focused(), u"option_b");
+        EXPECT_TRUE(form.option_b.value() && !form.option_a.value());
+    });
     // Of options only the chosen one is a stop.
     EXPECT_THAT(visited, ElementsAre(u"cmdOk", u"text", u"option_a", u"check", u"cmdCancel", u"cmdOk"));
 }
 
-TEST_F(KeyboardTest, ArrowsChooseAmongOptions) {
-    form.on_load = [&] { form.option_a.set_value(true); };
-    user.then([&] { SetFocus(window_of(u"option_a")); }).then([&] { press_key(VK_DOWN); }).then([&] {
-        EXPECT_EQ(focused(), u"option_b");
-        EXPECT_TRUE(form.option_b.value());
-        EXPECT_FALSE(form.option_a.value());
-    });
-    show();
-}
-
 TEST_F(KeyboardTest, EnterPressesTheButtonThatHasTheFocusAndElseTheDefaultOne) {
-    const auto has_border = [&](const char16_t* button) {
-        return (GetWindowLongPtrW(window_of(button), GWL_STYLE) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+    const auto expect_border_of = [&](const std::u16string& button) {
+        for (const char16_t* each : {u"cmdOk", u"cmdCancel"}) {
+            const auto type = GetWindowLongPtrW(window_of(each), GWL_STYLE) & BS_TYPEMASK;
+            EXPECT_EQ(type == BS_DEFPUSHBUTTON, each == button);
+        }
     };
-    const auto give_focus = [&](const char16_t* control) {
-        // As after a dialog over the form, not as the Tab key does.
-        return [&, control] { SetFocus(window_of(control)); };
-    };
-    const auto press_enter = [&] { press_key(VK_RETURN); };
-    user.then(give_focus(u"cmdCancel"))
-        .then([&] { EXPECT_TRUE(has_border(u"cmdCancel") && !has_border(u"cmdOk")); })
-        .then(give_focus(u"text"))
-        .then([&] { EXPECT_TRUE(has_border(u"cmdOk") && !has_border(u"cmdCancel")); })
-        .then(press_enter)
-        .then(give_focus(u"cmdCancel"))
-        .then(press_enter);
+    user.then(focus(u"cmdCancel"))
+        .then([&] { expect_border_of(u"cmdCancel"); })
+        .then(focus(u"text"))
+        .then([&] { expect_border_of(u"cmdOk"); })
+        .then(key(VK_RETURN))
+        .then(focus(u"cmdCancel"))
+        .then(key(VK_RETURN));
     form.show_modal();
     EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdOk", "cmdCancel"));
 }
 
-TEST_F(KeyboardTest, EscPressesTheCancelButtonUnlessItIsDisabled) {
-    user.then([&] {
-            form.cmdCancel.set_enabled(false);
-            press_key(VK_ESCAPE);
-        })
-        .then([&] {
-            EXPECT_THAT(form.log, ElementsAre("load", "activate"));
-            form.cmdCancel.set_enabled(true);
-            press_key(VK_ESCAPE);
-        });
+TEST_F(KeyboardTest, EscPressesTheCancelButtonUnlessItIsDisabledAndMnemonicsChooseTheirControl) {
+    form.cmdCancel.set_enabled(false);
+    user.then(key(VK_ESCAPE))
+        .then([&] { PostMessageW(GetFocus(), WM_SYSCHAR, u'b', KF_ALTDOWN << 16 | 1); })
+        .then([&] { form.cmdCancel.set_enabled(true); })
+        .then(key(VK_ESCAPE));
     form.show_modal();
-    EXPECT_THAT(form.log, ElementsAre("load", "activate", "cmdCancel"));
-}
-
-TEST_F(KeyboardTest, MnemonicChoosesItsControl) {
-    user.then([&] { press_alt_and(u'b'); }).then([&] { EXPECT_TRUE(form.option_b.value()); });
-    show();
     EXPECT_THAT(form.log, ElementsAre("load", "activate", "option_b", "cmdCancel"));
 }
 
@@ -89,32 +86,19 @@ TEST_F(KeyboardTest, FocusLeavesWhatCanNoLongerBeUsed) {
             EXPECT_NE(focused(), u"text");
             EXPECT_NE(GetFocus(), nullptr);
             SetFocus(window_of(u"list"));
-        })
-        .then([&] {
-            form.list.set_visible(false);
-            EXPECT_NE(focused(), u"list");
-            EXPECT_TRUE(IsWindowEnabled(GetFocus()) && IsWindowVisible(GetFocus()));
         });
-    show();
-}
-
-TEST_F(KeyboardTest, MenuKeyIsARightPressInTheSelectedRow) {
-    form.pages.set_tab(1);
-    for (const char16_t* name : {u"Row 1", u"Row 2", u"Row 3"}) form.list.add_row({}, name);
-    form.list.select(1);
-    form.on_press = [&](const SampleForm::Press& press) {
-        EXPECT_GT(press.y, static_cast<float>(form.list.row_top(1)));
-        EXPECT_LT(press.y, static_cast<float>(form.list.row_top(2)));
-    };
-    user.then([&] { SendMessageW(window_of(u"list"), WM_CONTEXTMENU, 0, -1); });
-    show();
-    ASSERT_EQ(form.presses.size(), 1U);
-    EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
+    show([&] {
+        form.list.set_visible(false);
+        EXPECT_NE(focused(), u"list");
+        EXPECT_TRUE(IsWindowEnabled(GetFocus()) && IsWindowVisible(GetFocus()));
+    });
 }
 
 TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
-    form.pages.set_tab(1);
-    const auto rows_look = [&] {
+    show_list({});
+    form.list.select(std::nullopt);
+    const auto rows_look = [&](const char16_t* focused) {
+        SetFocus(window_of(focused));
         const HWND list = window_of(u"list");
         RECT area = {};
         GetClientRect(list, &area);
@@ -127,27 +111,26 @@ TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
     for (const std::size_t rows : {0U, 1U}) {
         user.then([&, rows] {
             if (rows > 0) form.list.add_row({}, u"Row 1");
-            SetFocus(window_of(u"cmdOk"));
-            const auto without_focus = rows_look();
-            SetFocus(window_of(u"list"));
-            EXPECT_NE(rows_look(), without_focus);
+            const auto without_focus = rows_look(u"cmdOk");
+            EXPECT_NE(rows_look(u"list"), without_focus);
+            EXPECT_EQ(rows_look(u"cmdOk"), without_focus);
         });
     }
     show();
 }
 
-TEST_F(KeyboardTest, ArrowsAndLettersSelectRows) {
-    form.pages.set_tab(1);
-    for (const char16_t* name : {u"Alpha", u"Beta", u"Gamma"}) form.list.add_row({}, name);
-    form.list.select(0);
-    user.then([&] { SetFocus(window_of(u"list")); })
-        .then([&] { press_key(VK_DOWN); })
-        .then([&] {
-            EXPECT_EQ(form.list.selected(), 1U);
-            PostMessageW(GetFocus(), WM_CHAR, u'g', 1);
-        })
-        .then([&] { EXPECT_EQ(form.list.selected(), 2U); });
-    show();
+TEST_F(KeyboardTest, ArrowsAndLettersSelectRowsAndTheMenuKeyIsARightPressThere) {
+    show_list({u"Alpha", u"Beta", u"Gamma"});
+    user.then(focus(u"list")).then(key(VK_DOWN)).then([&] {
+        EXPECT_EQ(form.list.selected(), 1U);
+        SendMessageW(GetFocus(), WM_CONTEXTMENU, 0, -1);
+        ASSERT_EQ(form.presses.size(), 1U);
+        EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
+        EXPECT_GT(form.presses[0].y, static_cast<float>(form.list.row_top(1)));
+        EXPECT_LT(form.presses[0].y, static_cast<float>(form.list.row_top(2)));
+        PostMessageW(GetFocus(), WM_CHAR, u'g', 1);
+    });
+    show([&] { EXPECT_EQ(form.list.selected(), 2U); });
 }
 
 }  // namespace

@@ -28,59 +28,57 @@ protected:
         if (IsWindow(host)) DestroyWindow(host);
     }
 
-    HWND host;
-    HWND host_field;
-    HWND other;
+    /// A click on the form's OK opens the inner form.
+    void open_inner(forms::Form* owner) {
+        form.on_any_click = [this, owner](const std::string& control) {
+            if (control != "cmdOk") return;
+            below = form_window();
+            inner.show_modal(owner);
+            came_back = GetActiveWindow() == below;
+        };
+        user.then([this] { screen.click(u"cmdOk"); });
+    }
+    bool was_quit(WPARAM code) {
+        MSG message = {};
+        return PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) && message.wParam == code;
+    }
+
+    HWND host, host_field, other;
+    SampleForm inner{side->toolkit(), "dlgInner"};
+    HWND below = nullptr;
+    bool came_back = false;
 };
 
 TEST_F(ModalityTest, HostTakesNoInputMeanwhileAndGetsItsFocusBack) {
-    user.then([&] {
+    show([&] {
         EXPECT_FALSE(IsWindowEnabled(host));
         EXPECT_EQ(GetWindow(form_window(), GW_OWNER), nullptr);
         EXPECT_EQ(GetActiveWindow(), form_window());
     });
-    show();
     EXPECT_TRUE(IsWindowEnabled(host));
     EXPECT_FALSE(IsWindowEnabled(other)) << "it was disabled before";
     EXPECT_EQ(GetActiveWindow(), host);
     EXPECT_EQ(GetFocus(), host_field);
-}
-
-TEST_F(ModalityTest, HostTakesInputAgainAfterAnError) {
     form.on_any_click = [](const std::string&) { throw RuntimeError(kOverflow); };
     user.then([&] { screen.click(u"cmdOk"); });
     EXPECT_THROW(form.show_modal(), RuntimeError);
-    EXPECT_TRUE(IsWindowEnabled(host));
+    EXPECT_TRUE(IsWindowEnabled(host)) << "after an error too";
 }
 
 TEST_F(ModalityTest, CloseRequestToAFormBelowIsIgnored) {
-    SampleForm inner(side->toolkit(), "dlgInner");
-    HWND below = nullptr;
-    form.on_any_click = [&](const std::string& control) {
-        if (control != "cmdOk") return;
-        below = form_window();
-        inner.show_modal(&form);
-    };
-    user.then([&] { screen.click(u"cmdOk"); }).then([&] {
+    open_inner(&form);
+    show([&] {
         EXPECT_EQ(GetWindow(form_window(), GW_OWNER), below);
         SendMessageW(below, WM_CLOSE, 0, 0);
         EXPECT_TRUE(form.loaded());
         screen.click(u"cmdCancel");
     });
-    show();
     EXPECT_THAT(form.log, testing::Not(Contains("close box")));
 }
 
 TEST_F(ModalityTest, PressOnAFormBelowBringsTheTopOneForward) {
-    SampleForm inner(side->toolkit(), "dlgInner");
-    HWND below = nullptr;
-    form.on_any_click = [&](const std::string& control) {
-        if (control != "cmdOk") return;
-        below = form_window();
-        inner.show_modal();
-        EXPECT_EQ(GetActiveWindow(), below);
-    };
-    user.then([&] { screen.click(u"cmdOk"); }).then([&] {
+    open_inner(nullptr);
+    show([&] {
         const HWND top = form_window();
         const auto stands_over_all = [top] { return GetTopWindow(nullptr) == top; };
         EXPECT_EQ(GetWindow(top, GW_OWNER), nullptr);
@@ -92,7 +90,7 @@ TEST_F(ModalityTest, PressOnAFormBelowBringsTheTopOneForward) {
         EXPECT_TRUE(stands_over_all());
         screen.click(u"cmdCancel");
     });
-    show();
+    EXPECT_TRUE(came_back);
 }
 
 std::wstring refusal_reason;
@@ -129,33 +127,25 @@ TEST_F(ModalityTest, EndOfTheSessionUnloadsTheFormUnlessItRefuses) {
 }
 
 TEST_F(ModalityTest, RequestToQuitEndsAllFormsAndIsLeftForTheHost) {
-    SampleForm inner(side->toolkit(), "dlgInner");
-    form.on_any_click = [&](const std::string&) { inner.show_modal(&form); };
-    user.then([&] { screen.click(u"cmdOk"); }).then([&] { PostQuitMessage(7); });
+    open_inner(&form);
+    user.then([&] { PostQuitMessage(7); });
     form.show_modal();
     EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
-    MSG message = {};
-    ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-    EXPECT_EQ(message.wParam, 7U);
-}
-
-TEST_F(ModalityTest, RequestToQuitIsSeenInTheMidstOfWorkAndKept) {
+    EXPECT_TRUE(was_quit(7));
     form.on_any_click = [&](const std::string&) {
-        PostQuitMessage(7);
+        PostQuitMessage(8);
         side->toolkit().pump_messages();
         form.log.push_back("work goes on");
     };
     user.then([&] { screen.click(u"cmdOk"); });
     form.show_modal();
     EXPECT_THAT(form.log, Contains("work goes on"));
-    MSG message = {};
-    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_TRUE(was_quit(8)) << "seen in the midst of work";
 }
 
 TEST_F(ModalityTest, DestroyedOwnerTakesTheFormWithIt) {
-    SampleForm inner(side->toolkit(), "dlgInner");
-    form.on_any_click = [&](const std::string&) { inner.show_modal(&form); };
-    user.then([&] { screen.click(u"cmdOk"); }).then([&] { DestroyWindow(GetWindow(form_window(), GW_OWNER)); });
+    open_inner(&form);
+    user.then([&] { DestroyWindow(GetWindow(form_window(), GW_OWNER)); });
     form.show_modal();
     for (const SampleForm* destroyed : {&form, &inner}) {
         EXPECT_EQ(destroyed->view(), nullptr);

@@ -18,14 +18,11 @@ namespace {
 struct DialogUser {
     std::u16string name_to_type;
     UINT button = IDOK;
-    std::u16string folder;
-    std::u16string name;
+    std::filesystem::path folder, name;
     std::u16string filter;
 };
 
 DialogUser* current_user = nullptr;
-
-std::u16string text_of(HWND dialog, int id) { return sim::shown_text(GetDlgItem(dialog, id)); }
 
 /// Acts as soon as the dialog has its controls.
 void CALLBACK look(HWND, UINT, UINT_PTR timer, DWORD) {
@@ -33,12 +30,11 @@ void CALLBACK look(HWND, UINT, UINT_PTR timer, DWORD) {
     if (dialog == nullptr || GetDlgItem(dialog, IDOK) == nullptr) return;
     KillTimer(nullptr, timer);
     const int name_id = GetDlgItem(dialog, cmb13) != nullptr ? cmb13 : edt1;
-    std::u16string folder(MAX_PATH, u'\0');
-    const LRESULT length = SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(folder.data()));
-    folder.resize(length > 0 ? static_cast<std::size_t>(length) - 1 : 0);
+    wchar_t folder[MAX_PATH] = {};
+    SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(folder));
     current_user->folder = folder;
-    current_user->name = text_of(dialog, name_id);
-    current_user->filter = text_of(dialog, cmb1);
+    current_user->name = sim::shown_text(GetDlgItem(dialog, name_id));
+    current_user->filter = sim::shown_text(GetDlgItem(dialog, cmb1));
     if (!current_user->name_to_type.empty()) {
         SetDlgItemTextW(dialog, name_id, platform::win32::wide(current_user->name_to_type));
     }
@@ -53,39 +49,35 @@ protected:
     }
     ~OpenFileTest() override { OleUninitialize(); }
 
-    std::optional<std::u16string> choose(const forms::OpenFileRequest& request) {
+    std::optional<std::u16string> choose(const std::u16string& initial_folder, const std::u16string& last_name = {}) {
         current_user = &user;
         SetTimer(nullptr, 0, 50, look);
-        return platform::win32::desktop().open_file(request);
+        return platform::win32::desktop().open_file(
+            {initial_folder, last_name, u"Motorola SHX Files(*.SHX)|*.SHX", 0x81000});
     }
-    std::u16string path(const char16_t* name) const { return (folder.path() / name).u16string(); }
 
     sim::PrivateFolder folder;
+    const std::u16string file = (folder.path() / "new.SHX").u16string();
     DialogUser user;
-    const std::u16string filter = u"Motorola SHX Files(*.SHX)|*.SHX";
-    static constexpr std::uint32_t kFlags = 0x81000;
 };
 
-TEST_F(OpenFileTest, ChosenFileIsToldByItsFullPathAndTheCurrentFolderStays) {
+TEST_F(OpenFileTest, ChosenFileIsToldByItsFullPathAndOfferedAgainAndTheCurrentFolderStays) {
     const std::filesystem::path current = std::filesystem::current_path();
     user.name_to_type = u"new.SHX";
-    EXPECT_EQ(choose({folder.path().u16string(), {}, filter, kFlags}), path(u"new.SHX"));
-    EXPECT_EQ(std::filesystem::path(user.folder), folder.path());
-    EXPECT_EQ(user.filter, u"Motorola SHX Files(*.SHX)");
+    EXPECT_EQ(choose(folder.path().u16string()), file);
+    EXPECT_EQ(user.folder, folder.path());
     EXPECT_EQ(std::filesystem::current_path(), current);
-}
-
-TEST_F(OpenFileTest, NameOfTheLastChoiceIsOfferedAgain) {
-    EXPECT_EQ(choose({{}, path(u"new.SHX"), filter, kFlags}), path(u"new.SHX"));
-    EXPECT_EQ(std::filesystem::path(user.folder), folder.path());
-    EXPECT_EQ(std::filesystem::path(user.name).filename(), u"new.SHX");
+    user = {};
+    EXPECT_EQ(choose({}, file), file);
+    EXPECT_EQ(user.folder, folder.path());
+    EXPECT_EQ(user.name.filename(), u"new.SHX");
 }
 
 TEST_F(OpenFileTest, CancelTellsNothingAndAFolderThatIsGoneIsNoReasonToShowNoDialog) {
-    user.button = IDCANCEL;
     for (const std::u16string& initial : {folder.path().u16string(), std::u16string(u"X:\\no such folder")}) {
-        user.filter.clear();
-        EXPECT_EQ(choose({initial, {}, filter, kFlags}), std::nullopt);
+        user = {};
+        user.button = IDCANCEL;
+        EXPECT_EQ(choose(initial), std::nullopt);
         EXPECT_EQ(user.filter, u"Motorola SHX Files(*.SHX)");
     }
 }

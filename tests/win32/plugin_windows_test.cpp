@@ -133,18 +133,9 @@ void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
 TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
     const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, close_top_form);
     run([](sim::Host&, sim::PluginHost& plugin) {
-        const auto open_some = [&plugin](int count) {
-            for (int opened = 0; opened < count; ++opened) plugin.start(sim::StartMember::StartPlugin, nullptr);
-        };
-        // The first ones make what the system keeps for all.
-        open_some(3);
-        const HandleCounts before = count_handles();
         const char* number = std::getenv("VEX_WIZARDS");
-        open_some(number == nullptr ? 10 : std::atoi(number));
-        const HandleCounts after = count_handles();
-        EXPECT_GT(before.graphics, 0U);
-        EXPECT_EQ(after.user, before.user);
-        EXPECT_EQ(after.graphics, before.graphics);
+        expect_no_handle_stays(number == nullptr ? 10 : std::atoi(number),
+                               [&] { plugin.start(sim::StartMember::StartPlugin, nullptr); });
     });
     KillTimer(nullptr, timer);
 }

@@ -1,6 +1,7 @@
 // What the Windows side takes nobody's word for: where libraries lie and paths lead, and what a clean-up may remove.
 #include <gtest/gtest.h>
 
+#include "platform/class_keys.h"
 #include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 #include "simulator/private_folder.h"
@@ -36,26 +37,17 @@ TEST(PrivateDrives, NoPathLeavesTheirFolder) {
     }
 }
 
-sim::OwnedKey class_root_key(const char16_t* path, const std::u16string& text) {
-    HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                   static_cast<DWORD>(2 * (text.size() + 1)));
-    return sim::OwnedKey(key);
-}
-
-bool exists(const char16_t* path) {
-    HKEY key = nullptr;
-    return RegOpenKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, KEY_READ, &key) == ERROR_SUCCESS && RegCloseKey(key) == 0;
-}
-
 TEST(ClassRegistration, RemovesNoKeyThatIsNoClass) {
-    class_root_key(u"Vex.Test\\CLSID", u"VexTestIsNoIdentity");
-    class_root_key(u"CLSID\\VexTestIsNoIdentity", u"");
+    constexpr char16_t kBystander[] = u"CLSID\\VexTestIsNoIdentity";
+    write_class_text(u"Vex.Test\\CLSID", u"", u"VexTestIsNoIdentity");
+    write_class_text(kBystander, u"", u"x");
     sim::remove_class(u"Vex.Test");
-    EXPECT_FALSE(exists(u"Vex.Test"));
-    EXPECT_TRUE(exists(u"CLSID\\VexTestIsNoIdentity"));
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(u"CLSID\\VexTestIsNoIdentity"));
+    const auto holds_text = [](const char16_t* key) {
+        return RegGetValueW(HKEY_CLASSES_ROOT, wide(key), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, nullptr) == 0;
+    };
+    EXPECT_FALSE(holds_text(u"Vex.Test\\CLSID"));
+    EXPECT_TRUE(holds_text(kBystander));
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(kBystander));
 }
 
 }  // namespace

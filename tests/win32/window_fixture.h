@@ -21,12 +21,9 @@ protected:
     /// A key press, as the keyboard driver puts it into the thread's queue. The form has handled it by the
     /// user's next action.
     void press_key(WPARAM key) { PostMessageW(GetFocus(), WM_KEYDOWN, key, 1); }
-    void press_alt_and(char16_t letter) {
-        constexpr LPARAM kAltIsDown = 1 << 29;
-        PostMessageW(GetFocus(), WM_SYSCHAR, letter, kAltIsDown | 1);
-    }
-    /// Shows the form until the user has nothing left to do.
-    void show() {
+    /// Shows the form until the user has nothing left to do; `last` is what he does at the end.
+    void show(std::function<void()> last = [] {}) {
+        user.then(std::move(last));
         user.then([this] { screen.click(u"cmdCancel"); });
         form.show_modal();
         EXPECT_EQ(user.actions_left(), 0U);

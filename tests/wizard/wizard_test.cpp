@@ -226,12 +226,9 @@ close dlgFirmwareWizard
 TEST_F(Wizard, ARefusedStepStillChecksTheTypes) {
     pick(u"A");
     displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}};
-    EXPECT_EQ(play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdBack", "opLoadFirmware", "--", "@390,2480"}), log(R"(
-lblFirmwareFileNotification: This file will be in Rabbit BIN format.
-set chkUseExternalApp=shown
-beep
-close dlgFirmwareWizard
-)"));
+    EXPECT_EQ(play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdBack", "opLoadFirmware", "--", "@390,2480"}),
+              "lblFirmwareFileNotification: This file will be in Rabbit BIN format.\nset chkUseExternalApp=shown\nbeep\n"
+              "close dlgFirmwareWizard\n");
 }
 
 TEST_F(Wizard, ButtonsStandUntilTheNextRefresh) {
@@ -296,27 +293,23 @@ TEST_F(Wizard, TheRecentDisplayIsListedByItselfWhereItCanBeLoaded) {
 
 TEST_F(Wizard, FirmwareFilesAreTakenByTheirEnding) {
     pick(u"A");
-    const auto browse = [this](const char* type_is_tq1, std::optional<std::u16string> file) {
-        displays[u"A"] = {{"DisplayTypeName", from_utf8(type_is_tq1)}};
+    const auto browse = [this](const char16_t* type, std::optional<std::u16string> file) {
+        displays[u"A"] = {{"DisplayTypeName", type}};
         screen.file = std::move(file);
         return play({"cmdNext", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "--", "cmdFirmwareBrowse"});
     };
     const auto remembered = [this] {
         return ReadHostSetting(services, u"Brivola3", u"Firmware", u"LastFilePath", u"nothing");
     };
-    EXPECT_EQ(browse("Z180", std::nullopt), log(R"(
-choose file in "C:\Plugin\bin\Firmware" named "" "Motorola SHX Files(*.SHX)|*.SHX" 081000
-close dlgFirmwareWizard
-)"));
+    const std::string shx = " named \"\" \"Motorola SHX Files(*.SHX)|*.SHX\" 081000\n";
+    EXPECT_EQ(browse(u"Z180", std::nullopt),
+              "choose file in \"C:\\Plugin\\bin\\Firmware\"" + shx + "close dlgFirmwareWizard\n");
     EXPECT_EQ(remembered(), u"");
-    EXPECT_THAT(browse("Z180", u"SHX"), testing::HasSubstr("txtFirmwareFilename: SHX"));
-    EXPECT_EQ(browse("Z180", u"D:\\fw\\x.SHX2"), log(R"(
-choose file in "SHX" named "" "Motorola SHX Files(*.SHX)|*.SHX" 081000
-ask "vexFirmWarePlugin" "Not a valid SHX file!" ok
-close dlgFirmwareWizard
-)"));
+    EXPECT_THAT(browse(u"Z180", u"SHX"), testing::HasSubstr("txtFirmwareFilename: SHX"));
+    EXPECT_EQ(browse(u"Z180", u"D:\\fw\\x.SHX2"),
+              "choose file in \"SHX\"" + shx + "ask \"vexFirmWarePlugin\" \"Not a valid SHX file!\" ok\nclose dlgFirmwareWizard\n");
     EXPECT_EQ(remembered(), u"D:\\fw");
-    EXPECT_EQ(browse("TQ-1 - ", u"HX"), log(R"(
+    EXPECT_EQ(browse(u"TQ-1 - ", u"HX"), log(R"(
 choose file in "D:\fw" named "" "Rabbit Files(*.BIN)|*.BIN" 081000
 ask "vexFirmWarePlugin" "Not a valid Rabbit file!" ok
 close dlgFirmwareWizard
