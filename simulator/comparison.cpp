@@ -21,18 +21,36 @@ std::vector<std::string> lines_of(const std::string& text) {
     return lines;
 }
 
-/// What comes several times in a row as one line.
+/// "OBJECT." of a line that tells what one object is asked or says; otherwise empty.
+std::string object_of(const std::string& line) {
+    const std::size_t begin = line.find(' ') + 1;
+    const std::size_t end = line.find_first_of(".\" ", begin);
+    return begin != 0 && end != line.npos && line[end] == '.' ? line.substr(begin, end + 1 - begin) : std::string();
+}
+
+/// What comes several times in a row as one, and what follows of one object on its line, as far as that is wide enough.
 std::string folded(const std::string& text) {
+    constexpr std::size_t kWidth = 120;
     const std::vector<std::string> lines = lines_of(text);
-    std::string result;
+    std::vector<std::string> result;
+    std::string last_object;
     for (auto line = lines.begin(); line != lines.end();) {
         const auto next = std::find_if(line, lines.end(), [&line](const std::string& other) { return other != *line; });
-        result += *line;
-        if (next - line > 1) result += " (" + std::to_string(next - line) + " times)";
-        result += '\n';
+        const std::string times = next - line > 1 ? " (" + std::to_string(next - line) + " times)" : std::string();
+        const std::string object = object_of(*line);
+        std::string more = "; " + *line + times;
+        more.erase(more.find(object), object.size());
+        if (!object.empty() && object == last_object && result.back().size() + more.size() <= kWidth) {
+            result.back() += more;
+        } else {
+            result.push_back(*line + times);
+        }
+        last_object = object;
         line = next;
     }
-    return result;
+    std::string whole;
+    for (const std::string& line : result) whole += line + '\n';
+    return whole;
 }
 
 /// From the first line that differs to the last.

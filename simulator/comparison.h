@@ -14,8 +14,9 @@ using PlayScenario = std::function<ExitStatus(const CommandLine& options, const 
                                               std::ostream& errors)>;
 
 /// Plays each of the scenarios in its own folder. A scenario is as recorded when it passes, its trace is that of
-/// FILE.trace, where what comes several times in a row is one line, and its messages are those of FILE.errors, or none
-/// where that file is missing. Prints a line for each, and what differs.
+/// FILE.trace, where what comes several times in a row is told once and what one object is asked and says shares lines,
+/// and its messages are those of FILE.errors, or none where that file is missing. Prints a line for each, and what
+/// differs.
 ExitStatus compare_scenarios(const CommandLine& options, const PlayScenario& play, std::ostream& out);
 
 }  // namespace vex::sim

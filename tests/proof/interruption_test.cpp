@@ -148,10 +148,11 @@ TEST_P(InterruptionTest, AConfirmedCancelStopsEverything) {
             EXPECT_EQ(outcome.rows[row], row < own ? kUpdated : row == own ? kCancelled : kNotUpdated);
         }
         check_untouched(outcome, own + 1);
-        // The cancellation comes first, the close right after it.
-        ASSERT_GE(outcome.calls_after_cancel.size(), 2U);
-        EXPECT_EQ(outcome.calls_after_cancel[0], u"vexDispTrans.CancelTransmission");
-        EXPECT_EQ(outcome.calls_after_cancel[1], u"vexDispTrans.CloseConnection");
+        // No call at all comes before the cancellation, and the close comes right after it.
+        ASSERT_TRUE(outcome.calls_before_cancel);
+        ASSERT_GE(outcome.calls.size(), *outcome.calls_before_cancel + 2);
+        EXPECT_EQ(outcome.calls[*outcome.calls_before_cancel], u"vexDispTrans.CancelTransmission");
+        EXPECT_EQ(outcome.calls[*outcome.calls_before_cancel + 1], u"vexDispTrans.CloseConnection");
         // No unit beyond the one in work is changed: what was to come holds what it held.
         const Words& units = outcome.units[own];
         const Words& all = baseline_.units[own];
