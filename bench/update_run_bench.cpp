@@ -17,7 +17,7 @@
 #include "forms/scripted_toolkit.h"
 #include "platform/native/machine.h"
 #include "simulator/class_library.h"
-#include "simulator/native/native_machine.h"
+#include "simulator/native/native_session.h"
 #include "simulator/private_folder.h"
 #include "support/services.h"
 #include "support/text.h"

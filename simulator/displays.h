@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,17 +32,22 @@ struct Display {
     std::u16string ids = u"1";
     std::u16string version = u"V2.00";
 
-    /// What a connection must name to reach this display; displays on one line share it.
+    /// What a connection must name to reach this display, by its kind; displays on one line share it.
     std::u16string line() const;
+
+    /// One that is not there: all its fields are empty.
+    static Display none() { return {{}, {}, {}, {}, {}, {}, 0, {}, {}, {}}; }
 };
 
-/// The line that a connection with these settings uses: settings that its kind does not need do not count.
-std::u16string connection_line(std::int16_t kind, std::u16string_view port, std::u16string_view baud,
-                               std::u16string_view phone, std::u16string_view address);
+/// Reads NAME KEY=VALUE..., from the second word. Raises `std::invalid_argument` for an unknown key or a value that is
+/// no number where one is needed.
+Display read_display(const Words& words);
 
-/// Reads "KEY=VALUE" into a display. Raises `std::invalid_argument` for an unknown key or a value that is no
-/// number where one is needed.
-void read_display_field(std::u16string_view word, Display& display);
+/// What a file holds, which `parse` of a class reads. Raises `TextError`.
+template <class Records>
+Records load(const std::filesystem::path& path) {
+    return Records::parse(path.string(), read_file(path));
+}
 
 /// All displays in the order of their making, found by name without a search.
 class Displays {
@@ -62,11 +68,6 @@ public:
     /// What `parse` reads back.
     std::string text() const;
 
-    /// The same from a file. Raises `TextError`.
-    static Displays load(const std::filesystem::path& path);
-    /// Raises `TextError`.
-    void save(const std::filesystem::path& path) const;
-
 private:
     std::vector<Display> displays_;
     std::unordered_map<std::u16string, std::size_t> by_name_;
@@ -81,8 +82,7 @@ struct SlaveCounts {
     std::int64_t slaves() const noexcept { return (std::int64_t{y} + 1) * (std::int64_t{x} + 1) - 1; }
 };
 
-constexpr std::int16_t kLowestId = -32768;
-constexpr std::int16_t kHighestId = 32767;
+constexpr std::int16_t kHighestId = std::numeric_limits<std::int16_t>::max();
 
 /// Read a display ID, and a grid written "YxX". Raise `std::invalid_argument`.
 std::int16_t parse_id(std::u16string_view word);
@@ -131,11 +131,6 @@ public:
     static Units parse(const std::string& file, std::string_view text);
     /// What `parse` reads back.
     std::string text() const;
-
-    /// The same from a file. Raises `TextError`.
-    static Units load(const std::filesystem::path& path);
-    /// Raises `TextError`.
-    void save(const std::filesystem::path& path) const;
 
 private:
     struct Unit {

@@ -7,66 +7,48 @@
 namespace vex::sim {
 namespace {
 
-using RegisterServer = HRESULT(STDAPICALLTYPE*)();
-using CanUnloadNow = HRESULT(STDAPICALLTYPE*)();
+using ServerFunction = HRESULT(STDAPICALLTYPE*)();
 
-constexpr char16_t kCatalogue[] = u"vexFirmWarePlugin.PluginData";
-
-/// What the plug-in's contract says of its results.
-template <VARTYPE Type>
-const VARIANT& expect_type(const com::Variant& value) {
-    if (value.type() != Type) throw RuntimeError(kTypeMismatch);
-    return value.get();
-}
-
-std::u16string text_of(const com::Variant& value) {
-    return std::u16string(com::view(expect_type<VT_BSTR>(value).bstrVal));
+/// Reads a member of the catalogue, which answers what the plug-in's contract says.
+com::Variant ask(IDispatch& catalogue, const std::u16string& member, VARTYPE type,
+                 std::initializer_list<com::Variant> index = {}) {
+    com::Variant answer = call_late(catalogue, member, index);
+    if (answer.type() != type) throw RuntimeError(kTypeMismatch);
+    return answer;
 }
 
 }  // namespace
 
-std::u16string_view name_of(StartMember member) noexcept {
-    return member == StartMember::StartPlugin ? u"StartPlugin" : u"StartFrameFeature";
-}
-
 PluginHost::PluginHost(const std::filesystem::path& library) : library_(library) {
-    const HRESULT result = library_.function<RegisterServer>("DllRegisterServer")();
+    const HRESULT result = library_.function<ServerFunction>("DllRegisterServer")();
     if (FAILED(result)) throw RuntimeError(result, u"the plug-in does not register itself");
-    read_catalogue();
-}
-
-PluginHost::~PluginHost() = default;
-
-void PluginHost::read_catalogue() {
-    const auto catalogue = create_object(kCatalogue);
-    const std::int16_t total = expect_type<VT_I2>(call_late(*catalogue, u"TotalPlugins")).iVal;
-    for (std::int16_t i = 0; i < total; ++i) {
+    const auto catalogue = create_object(u"vexFirmWarePlugin.PluginData");
+    const std::int16_t total = ask(*catalogue, u"TotalPlugins", VT_I2).get().iVal;
+    if (total < 1) throw RuntimeError(kSubscriptOutOfRange, u"the plug-in offers no feature");
+    for (std::int16_t i = total; i-- > 0;) {
         const auto index = com::Variant::int16(i);
-        features_.push_back({
-            .name = text_of(call_late(*catalogue, u"PluginNames", {index})),
-            .description = text_of(call_late(*catalogue, u"PluginDescription", {index})),
-            .caption = text_of(call_late(*catalogue, u"PluginDescriptiveName", {index})),
-            .has_picture = expect_type<VT_DISPATCH>(call_late(*catalogue, u"PluginPic", {index})).pdispVal != nullptr,
-        });
+        for (const char16_t* text : {u"PluginDescription", u"PluginDescriptiveName"})
+            ask(*catalogue, text, VT_BSTR, {index});
+        ask(*catalogue, u"PluginPic", VT_DISPATCH, {index});
+        entry_class_ = com::view(ask(*catalogue, u"PluginNames", VT_BSTR, {index}).get().bstrVal);
     }
-    if (features_.empty()) throw RuntimeError(kSubscriptOutOfRange, u"the plug-in offers no feature");
 }
 
-void PluginHost::start(StartMember member, IDispatch* object) {
-    const auto entry = create_object(features_.front().name);
-    if (member == StartMember::StartPlugin) {
+void PluginHost::start(IDispatch* frame) {
+    const auto entry = create_object(entry_class_);
+    if (frame == nullptr) {
         call_late(*entry, u"StartPlugin");
         return;
     }
     // By reference, as hosts hand over their frame. It stays ours.
-    IDispatch* frame = object;
-    call_late(*entry, u"StartFrameFeature", {com::Variant::object_reference(&frame)});
-    if (frame != object) throw RuntimeError(kAutomationError, u"the plug-in replaced the host's object");
+    IDispatch* given = frame;
+    call_late(*entry, u"StartFrameFeature", {com::Variant::object_reference(&given)});
+    if (given != frame) throw RuntimeError(kAutomationError, u"the plug-in replaced the host's object");
 }
 
 bool PluginHost::can_unload() const {
     CoFreeUnusedLibraries();
-    return library_.function<CanUnloadNow>("DllCanUnloadNow")() == S_OK;
+    return library_.function<ServerFunction>("DllCanUnloadNow")() == S_OK;
 }
 
 }  // namespace vex::sim

@@ -10,26 +10,18 @@
 
 #include "simulator/private_folder.h"
 #include "simulator/program.h"
-#include "simulator/scenario_player.h"
+#include "simulator/scenario.h"
 
 namespace vex::sim {
 
 /// What a user is told of an error.
 std::string message_of(const std::exception& error);
 
-/// Where a run's parts lie.
-struct RunFolders {
-    /// The host's units; its displays lie on the machine's own drive.
-    std::filesystem::path data;
-    std::filesystem::path plugin_library;
-    /// Relative files of the scenario.
-    std::filesystem::path scenario;
-};
-
-/// Loads what the host kept, registers the host's classes, loads the plug-in, does the `work`, keeps what the
-/// units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment. The trace
-/// goes to `out`, everything else to `errors`.
-ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+/// Loads what the host kept, its units in the folder `data`, registers the host's classes, loads the plug-in, does the
+/// `work`, keeps what the units hold, lets everything go and looks for what stayed behind. Needs an initialised
+/// apartment. The trace goes to `out`, everything else to `errors`.
+ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const std::filesystem::path& plugin_library,
+                    bool quiet, std::ostream& out, std::ostream& errors,
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work);
 
 /// What a program of either side is made of: its folders, and what is played there on the side's machine and screen.
@@ -67,8 +59,6 @@ protected:
     virtual void prepare(std::ostream& /*out*/) {}
 
 private:
-    RunFolders folders(const std::filesystem::path& scenario) const { return {data_, plugin_, scenario}; }
-
     CommandLine options_;
     std::optional<PrivateFolder> private_;
     std::filesystem::path data_;

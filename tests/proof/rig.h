@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "forms/scripted_toolkit.h"
-#include "simulator/link_script.h"
+#include "simulator/host.h"
 #include "simulator/private_folder.h"
 #include "tests/proof/interposer.h"
 
