@@ -1,3 +1,4 @@
+// The machine of the Windows side.
 #include "simulator/win32/win32_machine.h"
 
 #include <algorithm>
@@ -85,16 +86,6 @@ std::filesystem::path Win32Machine::real_path(const std::u16string& path) {
     return real ? std::filesystem::path(path) : file;
 }
 
-std::filesystem::path Win32Machine::writable_path(const std::u16string& path) {
-    // Z: is the real disk on the other side, and no scenario may depend on the side.
-    const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
-    if (path.size() < 4 || drive < u'A' || drive >= u'Z' || path[1] != u':' || path[2] != u'\\') {
-        throw std::invalid_argument("\"" + to_utf8(path) + "\" is no path on a drive of A: to Y:");
-    }
-    std::filesystem::create_directories(real_path(path.substr(0, 3)));
-    return real_path(path);
-}
-
 void Win32Machine::hide(const std::u16string& path) {
     const std::filesystem::path file = real_path(path);
     const DWORD attributes = GetFileAttributesW(file.c_str());
@@ -113,8 +104,8 @@ LSTATUS WINAPI Win32Machine::open_key(HKEY parent, LPCSTR path, DWORD options, R
 }
 
 LSTATUS WINAPI Win32Machine::create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
-                                         REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
-                                         DWORD* disposition) noexcept {
+                                        REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
+                                        DWORD* disposition) noexcept {
     static auto* const system_create = system_function<decltype(RegCreateKeyExA)>(L"advapi32.dll", "RegCreateKeyExA");
     return system_create(own(parent), path, reserved, class_name, options, access, security, key, disposition);
 }
@@ -135,8 +126,8 @@ DWORD WINAPI Win32Machine::get_file_attributes(LPCWSTR path) noexcept {
 }
 
 BOOL WINAPI Win32Machine::create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL,
-                                          DWORD, void*, LPCWSTR, STARTUPINFOW*,
-                                          PROCESS_INFORMATION* information) noexcept {
+                                         DWORD, void*, LPCWSTR, STARTUPINFOW*,
+                                         PROCESS_INFORMATION* information) noexcept {
     const DWORD attributes = get_file_attributes(program);
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         SetLastError(ERROR_FILE_NOT_FOUND);

@@ -28,7 +28,6 @@ public:
     platform::Registry& registry() override;
     const platform::CodePage& code_page() override;
     std::filesystem::path real_path(const std::u16string& path) override;
-    std::filesystem::path writable_path(const std::u16string& path) override;
     void hide(const std::u16string& path) override;
     /// The plug-in must be loaded by then, and until nobody listens. Meanwhile it looks for files on the run's drives,
     /// and the programs that it starts are only told of.
@@ -38,6 +37,8 @@ public:
     void show_real_disks() noexcept { real_disks_ = true; }
 
 private:
+    const std::filesystem::path& drives() const override { return folder_; }
+
     static DWORD WINAPI get_file_attributes(LPCWSTR path) noexcept;
     static BOOL WINAPI create_process(LPCWSTR program, LPWSTR command_line, SECURITY_ATTRIBUTES* process,
                                       SECURITY_ATTRIBUTES* thread, BOOL inherit, DWORD flags, void* environment,

@@ -13,7 +13,6 @@
 #include "simulator/session.h"
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
-#include "simulator/win32/window_reader.h"
 #include "tests/toolkit/test_user.h"
 #include "tests/win32/handle_counts.h"
 
@@ -36,8 +35,8 @@ protected:
         sim::Win32Machine machine(kPlugin, folder.path(), false);
         const auto library = std::filesystem::path(platform::win32::module_path()).parent_path() / kPlugin;
         std::ostringstream trace;
-        const auto status = sim::run_host(machine, {.data = folder.path(), .plugin_library = library, .scenario = {}},
-                                          true, trace, trace, [&work](sim::Host& host, sim::PluginHost& plugin) {
+        const auto status = sim::run_host(machine, folder.path(), library, true, trace, trace,
+                                          [&work](sim::Host& host, sim::PluginHost& plugin) {
                                               work(host, plugin);
                                               return sim::kPassed;
                                           });
@@ -116,7 +115,7 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
                 EXPECT_TRUE(may_end_session(2));
                 for (const auto& [name, window] : open_forms()) SendMessageW(window, WM_ENDSESSION, TRUE, 0);
             });
-        plugin.start(sim::StartMember::StartPlugin, nullptr);
+        plugin.start();
         EXPECT_EQ(user.actions_left(), 0U);
         EXPECT_GT(calls, 0);
         host.on_link = nullptr;
@@ -135,7 +134,7 @@ TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
     const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, close_top_form);
     run([](sim::Host&, sim::PluginHost& plugin) {
         const auto open_some = [&plugin](int count) {
-            for (int opened = 0; opened < count; ++opened) plugin.start(sim::StartMember::StartPlugin, nullptr);
+            for (int opened = 0; opened < count; ++opened) plugin.start();
         };
         // The first ones make what the system keeps for all.
         open_some(3);
