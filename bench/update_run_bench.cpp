@@ -18,7 +18,7 @@
 #include "platform/native/machine.h"
 #include "simulator/class_library.h"
 #include "simulator/native/native_session.h"
-#include "simulator/private_folder.h"
+#include "simulator/words.h"
 #include "support/services.h"
 #include "support/text.h"
 #include "update/dlg_disp_updater.h"

@@ -1,7 +1,6 @@
 // Automation objects by table, their events, and calls by name.
 #include "simulator/automation.h"
 
-#include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <vector>

@@ -1,8 +1,6 @@
 // The simulated host's class library, and its classes.
 #include "simulator/class_library.h"
 
-#include <string>
-
 #include "com/class_factory.h"
 #include "core/digits.h"
 #include "core/runtime_error.h"

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
@@ -25,21 +26,6 @@ constexpr int kScriptedPercent = 50;
 std::u16string shown_call(Operation operation) {
     return std::u16string(u"call ").append(kName).append(u".").append(operation.name);
 }
-
-/// Marks an operation as in progress.
-class Busy {
-public:
-    Busy(bool& busy, bool& interrupted) noexcept : busy_(busy) {
-        busy = true;
-        interrupted = false;
-    }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-    ~Busy() { busy_ = false; }
-
-private:
-    bool& busy_;
-};
 
 constexpr std::u16string_view kFinderName = u"FindXPort";
 constexpr double kHighestHost = 255;
@@ -226,7 +212,9 @@ com::Variant TransmissionControl::operate(Operation operation, const std::u16str
     if (busy_) {
         refuse(u"A transmission is in progress");
     } else {
-        const Busy busy(busy_, interrupted_);
+        const std::unique_ptr<bool, void (*)(bool*)> busy(&busy_, [](bool* flag) { *flag = false; });
+        busy_ = true;
+        interrupted_ = false;
         operation_ = operation;
         tell({.kind = LinkEvent::Kind::begins, .call = call});
         done = interrupted_ ? refuse(u"Transmission cancelled") : work(scripted);
@@ -316,11 +304,14 @@ com::Variant BoxFinder::find_boxes(const CallArguments& arguments) {
 }
 
 void BoxFinder::report(const std::u16string& address) {
-    for (const std::size_t index : host_.displays.at_address(address)) {
-        for (const std::u16string& description : host_.units.boxes(host_.displays.at(index).name)) {
-            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
-            sinks_.raise_event(kHandledEvent, {address, description});
-        }
+    // Collected first: what a user does meanwhile may change the host's displays.
+    std::vector<std::u16string> found;
+    for (const Display& display : host_.displays) {
+        if (display.address == address) std::ranges::copy(host_.units.boxes(display.name), std::back_inserter(found));
+    }
+    for (const std::u16string& description : found) {
+        host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
+        sinks_.raise_event(kHandledEvent, {address, description});
     }
 }
 

@@ -2,10 +2,8 @@
 #include "simulator/displays.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
 #include <stdexcept>
-#include <utility>
 
 #include "core/digits.h"
 #include "core/runtime_error.h"
@@ -47,9 +45,11 @@ std::u16string written(const Display& display) {
 
 constexpr std::u16string_view kUnitsHeader = u"# Brivola units, version 1";
 
+constexpr std::int16_t kLowestId = std::numeric_limits<std::int16_t>::min();
+
 /// A number of 16 bits.
 std::optional<std::int16_t> parse_int16(std::u16string_view word) {
-    const auto number = parse_number(word, std::numeric_limits<std::int16_t>::min(), kHighestId);
+    const auto number = parse_number(word, kLowestId, kHighestId);
     return number ? std::optional(static_cast<std::int16_t>(*number)) : std::nullopt;
 }
 
@@ -104,19 +104,6 @@ std::optional<std::size_t> Displays::find(const std::u16string& name) const {
     return entry == by_name_.end() ? std::nullopt : std::optional(entry->second);
 }
 
-std::optional<std::size_t> Displays::first_on_line(const std::u16string& line) const {
-    const auto found = std::ranges::find(displays_, line, &Display::line);
-    return found == displays_.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - displays_.begin()));
-}
-
-std::vector<std::size_t> Displays::at_address(const std::u16string& address) const {
-    std::vector<std::size_t> positions;
-    for (std::size_t i = 0; i < displays_.size(); ++i) {
-        if (displays_[i].address == address) positions.push_back(i);
-    }
-    return positions;
-}
-
 void Displays::put(Display display) {
     const auto [entry, fresh] = by_name_.try_emplace(display.name, displays_.size());
     if (fresh) displays_.emplace_back();
@@ -164,83 +151,55 @@ std::u16string describe(const Content& content) {
 }
 
 void Units::set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts) {
-    Unit& unit = sites_[display].units[id];
+    Unit& unit = units_[{display, id}];
     unit.slaves = counts;
     unit.absent = false;
 }
 
-void Units::set_absent(const std::u16string& display, std::int16_t id) { sites_[display].units[id].absent = true; }
-
-void Units::add_box(const std::u16string& display, std::u16string description) {
-    sites_[display].boxes.push_back(std::move(description));
-}
-
 void Units::clear_hardware(const std::u16string& display) {
-    const auto site = sites_.find(display);
-    if (site == sites_.end()) return;
-    site->second.boxes.clear();
-    for (auto& [id, unit] : site->second.units) {
-        unit.slaves.reset();
-        unit.absent = false;
+    boxes_.erase(display);
+    for (auto unit = units_.lower_bound({display, kLowestId}); unit != units_.end() && unit->first.first == display;
+         ++unit) {
+        unit->second.slaves.reset();
+        unit->second.absent = false;
     }
 }
 
-const Units::Unit* Units::find(const std::u16string& display, std::int16_t id) const {
-    const auto site = sites_.find(display);
-    if (site == sites_.end()) return nullptr;
-    const auto unit = site->second.units.find(id);
-    return unit == site->second.units.end() ? nullptr : &unit->second;
-}
-
-std::optional<SlaveCounts> Units::slaves(const std::u16string& display, std::int16_t id) const {
-    const Unit* unit = find(display, id);
-    return unit == nullptr ? std::nullopt : unit->slaves;
+Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
+    const auto unit = units_.find({display, id});
+    return unit == units_.end() ? Unit() : unit->second;
 }
 
 bool Units::answers(const Display& display, std::int16_t id) const {
-    if (const Unit* unit = find(display.name, id)) {
-        if (unit->absent || unit->slaves) return !unit->absent;
-    }
-    for (const std::int16_t master : masters(display)) {
-        const auto counts = slaves(display.name, master);
-        if (id >= master && id <= master + (counts ? counts->slaves() : 0)) return true;
-    }
-    return false;
+    const Unit unit = find(display.name, id);
+    if (unit.absent || unit.slaves) return !unit.absent;
+    return std::ranges::any_of(masters(display), [&](std::int16_t master) {
+        return id >= master && id <= master + slaves(display.name, master).value_or(SlaveCounts()).slaves();
+    });
 }
 
 std::vector<std::u16string> Units::boxes(const std::u16string& display) const {
-    const auto site = sites_.find(display);
-    return site == sites_.end() ? std::vector<std::u16string>() : site->second.boxes;
-}
-
-Content Units::content(const std::u16string& display, std::int16_t id) const {
-    const Unit* unit = find(display, id);
-    return unit == nullptr ? Content() : unit->content;
-}
-
-void Units::store(const std::u16string& display, std::int16_t id, Content content) {
-    sites_[display].units[id].content = std::move(content);
+    std::vector<std::u16string> descriptions;
+    const auto [first, last] = boxes_.equal_range(display);
+    for (auto box = first; box != last; ++box) descriptions.push_back(box->second);
+    return descriptions;
 }
 
 std::vector<std::int16_t> Units::ids(const Display& display) const {
     std::vector<std::int16_t> result;
     std::set<std::int16_t> seen;
-    const auto add = [&result, &seen](std::int64_t id) {
-        if (id <= kHighestId && seen.insert(static_cast<std::int16_t>(id)).second) {
-            result.push_back(static_cast<std::int16_t>(id));
-        }
+    const auto add = [&result, &seen](std::int16_t id) {
+        if (seen.insert(id).second) result.push_back(id);
     };
     for (const std::int16_t master : masters(display)) {
         add(master);
-        const auto counts = slaves(display.name, master);
-        const std::int64_t last = std::min<std::int64_t>(master + (counts ? counts->slaves() : 0), kHighestId);
-        for (std::int64_t id = master + 1; id <= last; ++id) add(id);
+        const std::int64_t last = master + slaves(display.name, master).value_or(SlaveCounts()).slaves();
+        for (std::int64_t id = master + 1; id <= std::min<std::int64_t>(last, kHighestId); ++id)
+            add(static_cast<std::int16_t>(id));
     }
-    const auto site = sites_.find(display.name);
-    if (site != sites_.end()) {
-        for (const auto& [id, unit] : site->second.units) {
-            if (unit.slaves) add(id);
-        }
+    for (auto unit = units_.lower_bound({display.name, kLowestId});
+         unit != units_.end() && unit->first.first == display.name; ++unit) {
+        if (unit->second.slaves) add(unit->first.second);
     }
     return result;
 }
@@ -280,24 +239,21 @@ std::string Units::text() const {
     const auto line = [&lines](std::u16string_view what, const std::u16string& display) -> std::u16string& {
         return lines.append(what).append(u" ").append(as_word(display));
     };
-    for (const auto& [display, site] : sites_) {
-        for (const auto& [id, unit] : site.units) {
-            const std::u16string number = u" " + decimal_text(id);
-            if (unit.slaves)
-                line(u"slaves", display) +=
-                    number + u" " + decimal_text(unit.slaves->y) + u"x" + decimal_text(unit.slaves->x) + u"\n";
-            if (unit.absent) line(u"absent", display) += number + u"\n";
-            const auto& [state, firmware] = unit.content;
-            if (state == Content::State::as_delivered) continue;
-            line(u"holds", display) +=
-                number + u" " +
-                (state == Content::State::firmware ? as_word(firmware.name) + u" " + digits_of(firmware.size, 10) +
-                                                         u" " + digits_of(firmware.crc32, 16, 8)
-                                                   : as_word(describe(unit.content))) +
-                u"\n";
-        }
-        for (const std::u16string& box : site.boxes) line(u"box", display) += u" " + as_word(box) + u"\n";
+    for (const auto& [place, unit] : units_) {
+        const std::u16string number = u" " + decimal_text(place.second);
+        if (unit.slaves)
+            line(u"slaves", place.first) +=
+                number + u" " + decimal_text(unit.slaves->y) + u"x" + decimal_text(unit.slaves->x) + u"\n";
+        if (unit.absent) line(u"absent", place.first) += number + u"\n";
+        const auto& [state, firmware] = unit.content;
+        if (state == Content::State::as_delivered) continue;
+        const std::u16string held =
+            state == Content::State::firmware
+                ? as_word(firmware.name) + u" " + digits_of(firmware.size, 10) + u" " + digits_of(firmware.crc32, 16, 8)
+                : as_word(describe(unit.content));
+        line(u"holds", place.first) += number + u" " + held + u"\n";
     }
+    for (const auto& [display, box] : boxes_) line(u"box", display) += u" " + as_word(box) + u"\n";
     return to_utf8(lines);
 }
 

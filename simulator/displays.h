@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "simulator/words.h"
@@ -56,10 +57,8 @@ public:
     const Display& at(std::size_t index) const { return displays_.at(index); }
     /// Exact comparison.
     std::optional<std::size_t> find(const std::u16string& name) const;
-    /// The first display on a line.
-    std::optional<std::size_t> first_on_line(const std::u16string& line) const;
-    /// All displays of that network address, whatever their kind of connection.
-    std::vector<std::size_t> at_address(const std::u16string& address) const;
+    auto begin() const noexcept { return displays_.begin(); }
+    auto end() const noexcept { return displays_.end(); }
     /// Adds a display or puts it into the place of the one of that name.
     void put(Display display);
 
@@ -112,18 +111,24 @@ class Units {
 public:
     void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts);
     /// Takes a unit off its line: nobody answers there.
-    void set_absent(const std::u16string& display, std::int16_t id);
-    void add_box(const std::u16string& display, std::u16string description);
+    void set_absent(const std::u16string& display, std::int16_t id) { units_[{display, id}].absent = true; }
+    void add_box(const std::u16string& display, const std::u16string& description) {
+        boxes_.emplace(display, description);
+    }
     /// Forgets the slaves, absences and device servers of a display; what its units hold stays.
     void clear_hardware(const std::u16string& display);
 
-    std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const;
+    std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const {
+        return find(display, id).slaves;
+    }
     bool answers(const Display& display, std::int16_t id) const;
     /// Device servers in front of a display, in the order in which the finder reports them.
     std::vector<std::u16string> boxes(const std::u16string& display) const;
 
-    Content content(const std::u16string& display, std::int16_t id) const;
-    void store(const std::u16string& display, std::int16_t id, Content content);
+    Content content(const std::u16string& display, std::int16_t id) const { return find(display, id).content; }
+    void store(const std::u16string& display, std::int16_t id, const Content& content) {
+        units_[{display, id}].content = content;
+    }
     /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
     std::vector<std::int16_t> ids(const Display& display) const;
 
@@ -138,15 +143,13 @@ private:
         bool absent = false;
         Content content;
     };
-    struct Site {
-        std::map<std::int16_t, Unit> units;
-        std::vector<std::u16string> boxes;
-    };
+    using Place = std::pair<std::u16string, std::int16_t>;
 
-    const Unit* find(const std::u16string& display, std::int16_t id) const;
+    Unit find(const std::u16string& display, std::int16_t id) const;
     void read(const Words& words);
 
-    std::map<std::u16string, Site> sites_;
+    std::map<Place, Unit> units_;
+    std::multimap<std::u16string, std::u16string> boxes_;
 };
 
 }  // namespace vex::sim

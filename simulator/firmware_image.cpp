@@ -174,18 +174,12 @@ std::string make_loader_image(LoaderKind kind) {
 }
 
 std::uint32_t crc32(std::string_view bytes) noexcept {
-    static constexpr auto kTable = [] {
-        constexpr std::uint32_t kPolynomial = 0xEDB88320U;
-        std::array<std::uint32_t, 256> table{};
-        for (std::uint32_t i = 0; i < table.size(); ++i) {
-            std::uint32_t value = i;
-            for (int bit = 0; bit < 8; ++bit) value = (value >> 1U) ^ ((value & 1U) != 0 ? kPolynomial : 0);
-            table[i] = value;
-        }
-        return table;
-    }();
+    constexpr std::uint32_t kPolynomial = 0xEDB88320U;
     std::uint32_t value = ~0U;
-    for (const char byte : bytes) value = (value >> 8U) ^ kTable[(value ^ static_cast<unsigned char>(byte)) & 0xFFU];
+    for (const char byte : bytes) {
+        value ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit) value = (value >> 1U) ^ ((value & 1U) != 0 ? kPolynomial : 0);
+    }
     return ~value;
 }
 

@@ -1,7 +1,7 @@
 // What the simulated host's objects share.
 #include "simulator/host.h"
 
-#include <utility>
+#include <algorithm>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
@@ -73,7 +73,9 @@ void Host::save_displays() {
 
 std::optional<std::size_t> Host::display_on_line(const std::u16string& line) const {
     const auto asked = displays.find(display_asked_about);
-    return asked && displays.at(*asked).line() == line ? asked : displays.first_on_line(line);
+    if (asked && displays.at(*asked).line() == line) return asked;
+    const auto first = std::ranges::find(displays, line, &Display::line);
+    return first == displays.end() ? std::nullopt : displays.find(first->name);
 }
 
 }  // namespace vex::sim

@@ -8,6 +8,7 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/class_library.h"
+#include "simulator/session.h"
 
 namespace vex::sim {
 namespace {

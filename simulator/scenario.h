@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "simulator/host.h"
-#include "simulator/plugin_host.h"
 #include "simulator/program.h"
 #include "simulator/registry_editor.h"
 #include "simulator/screen.h"
@@ -19,6 +18,7 @@
 
 namespace vex::sim {
 
+class PluginHost;
 class ScenarioPlayer;
 
 /// Where a statement stands.

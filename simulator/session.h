@@ -1,4 +1,4 @@
-// One run of the simulated host, from its data to the last look at what is left.
+// One run of the simulated host with its plug-in, from its data to the last look at what is left.
 #pragma once
 
 #include <exception>
@@ -8,11 +8,31 @@
 #include <ostream>
 #include <string>
 
-#include "simulator/private_folder.h"
+#include "com/com_ptr.h"
+#include "platform/library.h"
 #include "simulator/program.h"
 #include "simulator/scenario.h"
 
 namespace vex::sim {
+
+/// The plug-in as its host uses it: registered, asked for its catalogue, created by the name that it gave.
+/// Used on the host's thread; needs an initialised apartment.
+class PluginHost {
+public:
+    /// Loads and registers the library, and reads the catalogue. Raises `RuntimeError`.
+    explicit PluginHost(const std::filesystem::path& library);
+
+    /// Creates the first feature's entry class by its name and starts it, by StartFrameFeature with a `frame`, else by
+    /// StartPlugin; returns when its dialog is closed. Raises the `RuntimeError` that the plug-in answers.
+    void start(IDispatch* frame = nullptr);
+
+    /// Whether the plug-in agrees to be unloaded now.
+    bool can_unload() const;
+
+private:
+    platform::Library library_;
+    std::u16string entry_class_;
+};
 
 /// What a user is told of an error.
 std::string message_of(const std::exception& error);

@@ -82,8 +82,7 @@ void box(const Words& words, Player player) {
 void units(const Words& /*words*/, Player player) {
     if (player == nullptr) return;
     const Host& host = player->host;
-    for (std::size_t i = 0; i < host.displays.size(); ++i) {
-        const Display& display = host.displays.at(i);
+    for (const Display& display : host.displays) {
         for (const std::int16_t id : host.units.ids(display)) {
             host.trace.print(u"unit " + in_quotes(display.name) + u" " + decimal_text(id) + u": " +
                              describe(host.units.content(display.name, id)));
@@ -207,8 +206,7 @@ void answer(const Words& words, Player player) {
 void pick_all(const Words& /*words*/, Player player) {
     if (player == nullptr) return;
     std::u16string names;
-    const Displays& displays = player->host.displays;
-    for (std::size_t i = 0; i < displays.size(); ++i) names += (i == 0 ? u"" : u",") + displays.at(i).name;
+    for (const Display& display : player->host.displays) names += (names.empty() ? u"" : u",") + display.name;
     player->picker_answers.push_back(std::move(names));
 }
 

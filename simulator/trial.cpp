@@ -270,8 +270,7 @@ Trial::~Trial() {
 void print_changed_units(const Host& host, const Units& before, std::ostream& out) {
     std::vector<std::array<std::u16string, 3>> lines{{u"Display", u"Unit", u"Holds now"}};
     std::size_t unchanged = 0;
-    for (std::size_t i = 0; i < host.displays.size(); ++i) {
-        const Display& display = host.displays.at(i);
+    for (const Display& display : host.displays) {
         for (const std::int16_t id : host.units.ids(display)) {
             const std::u16string content = describe(host.units.content(display.name, id));
             if (content == describe(before.content(display.name, id))) {

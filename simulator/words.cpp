@@ -6,7 +6,6 @@
 #include <system_error>
 
 #include "core/unicode.h"
-#include "platform/private_files.h"
 
 namespace vex::sim {
 namespace {

@@ -1,4 +1,5 @@
-// Lines of words: the writing that scenarios and the simulated host's own files share, and files as a whole.
+// Lines of words: the writing that scenarios and the simulated host's own files share; files as a whole, and a folder
+// for one run alone.
 #pragma once
 
 #include <charconv>
@@ -7,10 +8,13 @@
 #include <functional>
 #include <istream>
 #include <optional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/private_files.h"
 
 namespace vex::sim {
 
@@ -64,5 +68,28 @@ std::string read_file(const std::filesystem::path& path);
 /// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.
 /// Raises `TextError` without a line.
 void replace_file(const std::filesystem::path& path, std::string_view bytes);
+
+/// A new folder, for its owner alone, among the system's temporary files; removed in the end.
+class PrivateFolder {
+public:
+    /// Raises `std::system_error`.
+    PrivateFolder() {
+        std::random_device random;
+        do {
+            path_ = std::filesystem::temp_directory_path() / ("brivola-sim-" + std::to_string(random()));
+        } while (!platform::make_private_folder(path_));
+    }
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+    ~PrivateFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    const std::filesystem::path& path() const noexcept { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
 
 }  // namespace vex::sim

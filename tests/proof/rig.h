@@ -12,7 +12,7 @@
 
 #include "forms/scripted_toolkit.h"
 #include "simulator/host.h"
-#include "simulator/private_folder.h"
+#include "simulator/words.h"
 #include "tests/proof/interposer.h"
 
 namespace vex::proof {

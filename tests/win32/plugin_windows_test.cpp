@@ -9,7 +9,7 @@
 
 #include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
-#include "simulator/private_folder.h"
+#include "simulator/words.h"
 #include "simulator/session.h"
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"

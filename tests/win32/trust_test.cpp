@@ -3,7 +3,7 @@
 
 #include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
-#include "simulator/private_folder.h"
+#include "simulator/words.h"
 #include "simulator/win32/win32_session.h"
 
 namespace vex::platform::win32 {
