@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/code_page.h"
-#include "platform/registry.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
@@ -25,8 +24,7 @@ bool is_registry_path(std::u16string_view text) noexcept;
 /// Writing makes the missing keys, and raises `std::runtime_error` with the registry's result code when it refuses.
 class RegistryEditor {
 public:
-    RegistryEditor(platform::Registry& registry, const platform::CodePage& code_page) noexcept
-        : registry_(registry), code_page_(code_page) {}
+    explicit RegistryEditor(Machine& machine) : registry_(machine.registry()), code_page_(machine.code_page()) {}
 
     /// TYPE: sz, expand_sz, multi_sz ("\0" between), dword (decimal), binary (hex). Raises `std::invalid_argument` for
     /// another type, or a text that is no value of it.

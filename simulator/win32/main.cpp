@@ -20,10 +20,9 @@ int run_trial(const CommandLine& options) {
     session.machine().show_real_disks();
     return session.try_out(std::cerr, [&](Host& host, PluginHost& plugin, bool fresh) {
         // The Open dialog shows the real disks, so it begins where the sample firmware really is.
-        if (fresh) {
-            RegistryEditor(host.machine.registry(), host.machine.code_page())
+        if (fresh)
+            RegistryEditor(host.machine)
                 .write({.key = kFirmwareSettings}, u"LastFilePath", u"sz", session.samples_folder().u16string());
-        }
         forms::Toolkit& desktop = platform::win32::desktop();
         RunProgress progress(host);
         const Trial trial(host, desktop, progress, Pace(desktop, options.speed, [] { return false; }));

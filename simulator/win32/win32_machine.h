@@ -39,19 +39,8 @@ public:
 private:
     const std::filesystem::path& drives() const override { return folder_; }
 
-    static DWORD WINAPI get_file_attributes(LPCWSTR path) noexcept;
-    static BOOL WINAPI create_process(LPCWSTR program, LPWSTR command_line, SECURITY_ATTRIBUTES* process,
-                                      SECURITY_ATTRIBUTES* thread, BOOL inherit, DWORD flags, void* environment,
-                                      LPCWSTR folder, STARTUPINFOW* startup, PROCESS_INFORMATION* information) noexcept;
-
-    static LSTATUS WINAPI open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept;
-    static LSTATUS WINAPI create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
-                                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
-                                     DWORD* disposition) noexcept;
-    static LSTATUS WINAPI delete_key(HKEY parent, LPCSTR path) noexcept;
-    /// The private key in place of the machine's or the user's branch, else the key itself.
-    static HKEY own(HKEY key) noexcept;
-    static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks);
+    /// What this module and the plug-in call in place of the system.
+    struct Hooks;
 
     static Win32Machine* current_;
 
