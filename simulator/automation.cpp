@@ -1,9 +1,9 @@
 // Automation objects by table, their events, and calls by name.
 #include "simulator/automation.h"
 
-#include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <vector>
 
 #include "com/late_call.h"
 #include "core/runtime_error.h"
@@ -18,7 +18,7 @@ std::u16string name_of_type(VARTYPE type) {
     constexpr std::pair<VARTYPE, std::u16string_view> kNames[] = {
         {VT_I2, u"I2"}, {VT_I4, u"I4"}, {VT_R8, u"R8"}, {VT_BSTR, u"text"}, {VT_DISPATCH, u"object"}};
     const VARTYPE base = type & VT_TYPEMASK;
-    std::u16string text = u"type " + decimal_text(static_cast<std::int32_t>(base));
+    std::u16string text = u"type " + decimal_text(base);
     for (const auto& [value, name] : kNames) {
         if (value == base) text = name;
     }
@@ -33,7 +33,8 @@ std::u16string shown_number(double number) {
 
 }  // namespace
 
-CallArguments::CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong)
+CallArguments::CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member,
+                             UINT* wrong)
     : parameters_(parameters) {
     const auto end = std::find(types.begin(), types.end(), VARTYPE{VT_EMPTY});
     const auto count = static_cast<UINT>(end - types.begin());
@@ -42,7 +43,8 @@ CallArguments::CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& 
         const bool missing = i >= parameters.cArgs;
         if (!missing && at(i).vt == types[i] && ((types[i] & VT_BYREF) == 0 || at(i).byref != nullptr)) continue;
         if (wrong != nullptr) *wrong = missing ? 0 : parameters.cArgs - 1 - i;
-        throw RuntimeError(kTypeMismatch, std::u16string(member) + u": argument " + decimal_text(static_cast<std::int32_t>(i + 1)) + u" is " +
+        throw RuntimeError(kTypeMismatch, std::u16string(member) + u": argument " +
+                                              decimal_text(static_cast<std::int32_t>(i + 1)) + u" is " +
                                               (missing ? u"missing" : name_of_type(at(i).vt)) + u", not " +
                                               name_of_type(types[i]));
     }
@@ -83,52 +85,34 @@ void set_error_source(EXCEPINFO* exception) noexcept {
     exception->bstrSource = SysAllocString(reinterpret_cast<const OLECHAR*>(u"Brivola"));
 }
 
-void EventPoint::raise_event(DISPID event, std::span<VARIANT> arguments) {
-    // A sink may connect or disconnect anybody while it is called.
-    const std::vector<Connection> connections = connections_;
-    for (const Connection& connection : connections) {
-        DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
-        connection.sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
-                                nullptr);
-    }
-}
-
-HRESULT EventPoint::GetConnectionInterface(IID* iid) noexcept {
-    if (iid == nullptr) return E_POINTER;
-    *iid = source_;
-    return S_OK;
-}
-
-HRESULT EventPoint::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
-    if (container == nullptr) return E_POINTER;
-    *container = com::ComPtr<IConnectionPointContainer>(control_).detach();
-    return control_ == nullptr ? E_UNEXPECTED : S_OK;
-}
-
-HRESULT EventPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
+HRESULT Sinks::advise(IUnknown* sink, const IID& source, DWORD* cookie) noexcept {
     if (sink == nullptr || cookie == nullptr) return E_POINTER;
     *cookie = 0;
     return guarded_method(IID_IConnectionPoint, [&] {
         com::ComPtr<IDispatch> target;
-        if (FAILED(sink->QueryInterface(source_, target.put_void()))) return CONNECT_E_CANNOTCONNECT;
-        connections_.push_back({last_cookie_ + 1, std::move(target)});
-        *cookie = ++last_cookie_;
+        if (FAILED(sink->QueryInterface(source, target.put_void()))) return CONNECT_E_CANNOTCONNECT;
+        sinks_[++last_cookie_] = std::move(target);
+        *cookie = last_cookie_;
         return S_OK;
     });
 }
 
-HRESULT EventPoint::Unadvise(DWORD cookie) noexcept {
-    const auto entry = std::find_if(connections_.begin(), connections_.end(),
-                                    [cookie](const Connection& connection) { return connection.cookie == cookie; });
-    if (entry == connections_.end()) return CONNECT_E_NOCONNECTION;
-    const Connection released = std::move(*entry);
-    connections_.erase(entry);
-    return S_OK;
+HRESULT Sinks::unadvise(DWORD cookie) noexcept {
+    return sinks_.extract(cookie).empty() ? CONNECT_E_NOCONNECTION : S_OK;
 }
 
-HRESULT EventPoint::EnumConnections(IEnumConnections** connections) noexcept {
-    if (connections != nullptr) *connections = nullptr;
-    return E_NOTIMPL;
+void Sinks::raise_event(DISPID event, std::initializer_list<std::u16string_view> texts) {
+    std::vector<com::Bstr> owned;
+    std::vector<VARIANT> arguments;
+    owned.reserve(texts.size());
+    // Last argument first.
+    for (auto text = std::rbegin(texts); text != std::rend(texts); ++text)
+        arguments.push_back(com::Variant::text_reference(owned.emplace_back(*text).put_reference()).detach());
+    // A sink may connect or disconnect anybody while it is called.
+    for (const auto sinks = sinks_; const auto& [cookie, sink] : sinks) {
+        DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+        sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
+    }
 }
 
 com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {

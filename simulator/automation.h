@@ -4,14 +4,15 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
+#include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "com/boundary.h"
 #include "com/object.h"
 #include "com/variant.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
@@ -55,7 +56,7 @@ struct Member {
     DISPID id;
     /// DISPATCH_METHOD, DISPATCH_PROPERTYGET or DISPATCH_PROPERTYPUT.
     WORD kind;
-    com::Variant (*call)(Object& object, const CallArguments& arguments);
+    com::Variant (Object::*call)(const CallArguments& arguments);
     ArgumentTypes types = {};
 };
 
@@ -80,6 +81,9 @@ void set_error_source(EXCEPINFO* exception) noexcept;
 template <class Derived, class First, class... More>
 class AutomationObject : public com::Object<Derived, com::Untyped<First>, More...> {
 public:
+    explicit AutomationObject(Host& host) noexcept
+        : com::Object<Derived, com::Untyped<First>, More...>(host.lifetime), host_(host) {}
+
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                             DISPID* ids) noexcept override {
         if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
@@ -107,7 +111,7 @@ public:
         const HRESULT outcome = guarded_invoke(exception, [&] {
             const CallArguments arguments(*parameters, member->types, member->name, argument_error);
             if constexpr (requires { alive->on_call(*member, arguments); }) alive->on_call(*member, arguments);
-            com::Variant value = member->call(*alive, arguments);
+            com::Variant value = (alive.get()->*member->call)(arguments);
             if (result != nullptr) *result = value.detach();
         });
         if (outcome == DISP_E_EXCEPTION) set_error_source(exception);
@@ -115,79 +119,70 @@ public:
     }
 
 protected:
-    using com::Object<Derived, com::Untyped<First>, More...>::Object;
+    Host& host_;
 };
 
-/// The connection point of a control's one source interface. May outlive its control.
-class EventPoint final : public com::Object<EventPoint, IConnectionPoint> {
+/// Who hears the events of a control.
+class Sinks {
 public:
-    EventPoint(com::ModuleLifetime& module, const IID& source, IConnectionPointContainer& control) noexcept
-        : Object(module), source_(source), control_(&control) {}
-
-    /// To be called when the control goes.
-    void cut_off() noexcept { control_ = nullptr; }
-
-    /// Calls every sink; `arguments` stand last first. What the sinks answer does not concern the control.
-    void raise_event(DISPID event, std::span<VARIANT> arguments);
-
-    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* iid) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer** container) noexcept override;
-    HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink, DWORD* cookie) noexcept override;
-    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override;
-    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) noexcept override;
+    HRESULT advise(IUnknown* sink, const IID& source, DWORD* cookie) noexcept;
+    HRESULT unadvise(DWORD cookie) noexcept;
+    /// Calls every sink with the texts, by reference. What the sinks answer does not concern the control.
+    void raise_event(DISPID event, std::initializer_list<std::u16string_view> texts);
 
 private:
-    struct Connection {
-        DWORD cookie;
-        com::ComPtr<IDispatch> sink;
-    };
-
-    IID source_;
-    IConnectionPointContainer* control_;
-    std::vector<Connection> connections_;
+    std::map<DWORD, com::ComPtr<IDispatch>> sinks_;
     DWORD last_cookie_ = 0;
 };
 
-/// Base of a control with one source interface, `Derived::kSourceInterface`.
+/// Base of a control with one source interface, `Derived::kSourceInterface`, whose connection point it is.
 template <class Derived>
-class EventfulControl : public AutomationObject<Derived, IDispatch, IConnectionPointContainer, IProvideClassInfo2> {
+class EventfulControl
+    : public AutomationObject<Derived, IDispatch, IConnectionPointContainer, IConnectionPoint, IProvideClassInfo2> {
 public:
-    HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override {
-        if (points != nullptr) *points = nullptr;
-        return E_NOTIMPL;
-    }
+    using AutomationObject<Derived, IDispatch, IConnectionPointContainer, IConnectionPoint,
+                           IProvideClassInfo2>::AutomationObject;
 
+    HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override {
+        return offers_none(points);
+    }
     HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID iid, IConnectionPoint** point) noexcept override {
         if (point == nullptr) return E_POINTER;
-        *point = nullptr;
-        if (!IsEqualGUID(iid, Derived::kSourceInterface)) return CONNECT_E_NOCONNECTION;
-        *point = com::ComPtr<IConnectionPoint>(events_.get()).detach();
+        const bool own = IsEqualGUID(iid, Derived::kSourceInterface);
+        *point = com::ComPtr<IConnectionPoint>(own ? this : nullptr).detach();
+        return own ? S_OK : CONNECT_E_NOCONNECTION;
+    }
+    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* iid) noexcept override {
+        return GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, iid);
+    }
+    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer** container) noexcept override {
+        if (container == nullptr) return E_POINTER;
+        *container = com::ComPtr<IConnectionPointContainer>(this).detach();
         return S_OK;
     }
-
-    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) noexcept override {
-        if (info != nullptr) *info = nullptr;
-        return E_NOTIMPL;
+    HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink, DWORD* cookie) noexcept override {
+        return sinks_.advise(sink, Derived::kSourceInterface, cookie);
     }
-
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override { return sinks_.unadvise(cookie); }
+    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) noexcept override {
+        return offers_none(connections);
+    }
+    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) noexcept override { return offers_none(info); }
     HRESULT STDMETHODCALLTYPE GetGUID(DWORD kind, GUID* guid) noexcept override {
         if (guid == nullptr) return E_POINTER;
-        *guid = GUID_NULL;
-        if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
-        *guid = Derived::kSourceInterface;
-        return S_OK;
+        *guid = kind == GUIDKIND_DEFAULT_SOURCE_DISP_IID ? Derived::kSourceInterface : GUID_NULL;
+        return kind == GUIDKIND_DEFAULT_SOURCE_DISP_IID ? S_OK : E_INVALIDARG;
     }
 
 protected:
-    explicit EventfulControl(com::ModuleLifetime& module)
-        : AutomationObject<Derived, IDispatch, IConnectionPointContainer, IProvideClassInfo2>(module),
-          events_(com::make_object<EventPoint>(module, Derived::kSourceInterface, *this)) {}
-    ~EventfulControl() { events_->cut_off(); }
-
-    EventPoint& events() const noexcept { return *events_; }
+    Sinks sinks_;
 
 private:
-    com::ComPtr<EventPoint> events_;
+    template <class Interface>
+    static HRESULT offers_none(Interface** object) noexcept {
+        if (object != nullptr) *object = nullptr;
+        return E_NOTIMPL;
+    }
 };
 
 /// Creates an object by programmatic identifier. Raises `RuntimeError` naming it.

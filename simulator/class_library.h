@@ -2,10 +2,13 @@
 // offers the host's classes to the process, as its libraries would.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "com/com.h"
@@ -23,19 +26,17 @@ inline constexpr CLSID kHostDisplayPickerClass = {
 inline constexpr IID kHostDisplayPickerInterface = {
     0xB9E8076B, 0x9E1E, 0x4977, {0x90, 0x0F, 0x21, 0x98, 0x1F, 0x89, 0xF6, 0xE4}};
 
-// Callers find the rest by programmatic identifier; these identities are the simulated host's own.
-inline constexpr CLSID kHostConnectionClass = {
-    0x6E0B2F4D, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-inline constexpr IID kConnectionSettingsInterface = {
-    0x6E0B2F4E, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-inline constexpr CLSID kHostSignInfoClass = {
-    0x6E0B2F4F, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-inline constexpr CLSID kTransmissionControlClass = {
-    0x6E0B2F50, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-inline constexpr IID kTransmissionEvents = {
-    0x6E0B2F51, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-inline constexpr CLSID kBoxFinderClass = {0x6E0B2F52, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-inline constexpr IID kBoxFinderEvents = {0x6E0B2F53, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
+/// Callers find the rest by programmatic identifier; these identities are the simulated host's own.
+constexpr GUID own_identity(unsigned char last) noexcept {
+    return {0x6E0B2F00U + last, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
+}
+inline constexpr CLSID kHostConnectionClass = own_identity(0x4D);
+inline constexpr IID kConnectionSettingsInterface = own_identity(0x4E);
+inline constexpr CLSID kHostSignInfoClass = own_identity(0x4F);
+inline constexpr CLSID kTransmissionControlClass = own_identity(0x50);
+inline constexpr IID kTransmissionEvents = own_identity(0x51);
+inline constexpr CLSID kBoxFinderClass = own_identity(0x52);
+inline constexpr IID kBoxFinderEvents = own_identity(0x53);
 
 /// Where the plug-in's event stands among the events of either control.
 inline constexpr DISPID kHandledEvent = 9;
@@ -44,71 +45,13 @@ inline constexpr DISPID kHandledEvent = 9;
 struct IHostDisplayList : IDispatch {};
 struct IHostDisplayPicker : IDispatch {};
 
-}  // namespace vex::sim
-
-namespace vex::com {
-VEX_INTERFACE(sim::IHostDisplayList, IDispatch, sim::kHostDisplayListInterface);
-VEX_INTERFACE(sim::IHostDisplayPicker, IDispatch, sim::kHostDisplayPickerInterface);
-}  // namespace vex::com
-
-namespace vex::sim {
-
-/// The displays of the host's file, one of them current: the first one after opening, then the one that was
-/// selected last. Before opening, and of a host without displays, the fields are empty.
-class DisplayListObject final : public AutomationObject<DisplayListObject, IHostDisplayList> {
-public:
-    explicit DisplayListObject(Host& host) noexcept : AutomationObject(host.lifetime), host_(host) {}
-
-    static std::span<const Member<DisplayListObject>> members() noexcept;
-    void on_call(const Member<DisplayListObject>& member, const CallArguments& arguments);
-
-private:
-    /// Reads the file anew. Raises 53 for any other file and a missing one, 321 for a damaged one.
-    void open(const std::u16string& file_name);
-    /// A handle is a position from 1; 0 for a name that is not known.
-    std::int32_t find(const std::u16string& name) const;
-    /// An unknown handle leaves the current display as it is.
-    void select(std::int32_t handle);
-    bool is_handle(std::int32_t handle) const noexcept {
-        return handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size();
-    }
-    const Display& current() const;
-    com::Variant text(std::u16string Display::*field) const { return com::Variant::text(current().*field); }
-
-    template <std::u16string Display::*Field>
-    static com::Variant get(DisplayListObject& list, const CallArguments& /*none*/) {
-        return list.text(Field);
-    }
-
-    Host& host_;
-    Displays displays_;
-    std::size_t current_ = 0;
-};
-
-/// The host's selection dialog.
-class DisplayPickerObject final : public AutomationObject<DisplayPickerObject, IHostDisplayPicker> {
-public:
-    explicit DisplayPickerObject(Host& host) noexcept : AutomationObject(host.lifetime), host_(host) {}
-
-    static std::span<const Member<DisplayPickerObject>> members() noexcept;
-
-private:
-    Host& host_;
-};
-
-/// What a connection is asked to use; what was not set has no value.
+/// What a connection is asked to use.
 struct ConnectionSettings {
-    std::optional<std::int16_t> connection_type;
-    std::optional<std::u16string> com_port;
-    std::optional<std::u16string> phone_number;
-    std::optional<std::u16string> network_address;
-    std::optional<std::u16string> com_baud;
-    std::optional<std::int16_t> sign_id;
-
-    /// `KEY=VALUE` of those that were set, in the order of the members.
-    std::u16string describe() const;
-    /// The line that these settings name.
-    std::u16string line() const;
+    /// Of which only what names its line counts.
+    Display target = Display::none();
+    std::int16_t sign_id = 0;
+    /// ` KEY=VALUE` of those that were set, in the order of the members.
+    std::array<std::u16string, 6> shown;
 };
 
 /// How the transmission control reads the settings, which are write-only to everybody else.
@@ -119,30 +62,72 @@ struct IConnectionSettings : IUnknown {
 }  // namespace vex::sim
 
 namespace vex::com {
+VEX_INTERFACE(sim::IHostDisplayList, IDispatch, sim::kHostDisplayListInterface);
+VEX_INTERFACE(sim::IHostDisplayPicker, IDispatch, sim::kHostDisplayPickerInterface);
 VEX_INTERFACE(sim::IConnectionSettings, IUnknown, sim::kConnectionSettingsInterface);
-}
+}  // namespace vex::com
 
 namespace vex::sim {
+
+/// The displays of the host's file, one of them current: the first one after opening, then the one that was
+/// selected last. Before opening, and of a host without displays, the fields are empty.
+class DisplayListObject final : public AutomationObject<DisplayListObject, IHostDisplayList> {
+public:
+    using AutomationObject::AutomationObject;
+
+    static std::span<const Member<DisplayListObject>> members() noexcept;
+    void on_call(const Member<DisplayListObject>& member, const CallArguments& arguments);
+
+private:
+    /// Reads the file anew. Raises 53 for any other file and a missing one, 321 for a damaged one.
+    com::Variant open(const CallArguments& arguments);
+    /// A handle is a position from 1; 0 for a name that is not known.
+    com::Variant find(const CallArguments& arguments);
+    /// An unknown handle leaves the current display as it is.
+    com::Variant select(const CallArguments& arguments);
+    template <auto Field>
+    com::Variant get(const CallArguments& /*none*/) {
+        return com::Variant::text(current().*Field);
+    }
+    com::Variant connection(const CallArguments& /*none*/) { return com::Variant::int16(current().connection); }
+
+    bool is_handle(std::int32_t handle) const noexcept {
+        return handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size();
+    }
+    const Display& current();
+
+    Displays displays_;
+    std::size_t current_ = 0;
+};
+
+/// The host's selection dialog.
+class DisplayPickerObject final : public AutomationObject<DisplayPickerObject, IHostDisplayPicker> {
+public:
+    using AutomationObject::AutomationObject;
+
+    static std::span<const Member<DisplayPickerObject>> members() noexcept;
+
+private:
+    com::Variant show(const CallArguments& /*none*/) { return com::Variant::text(host_.choose_displays()); }
+};
 
 class ConnectionObject final : public AutomationObject<ConnectionObject, IDispatch, IConnectionSettings> {
 public:
     explicit ConnectionObject(Host& host, ConnectionSettings settings = {}) noexcept
-        : AutomationObject(host.lifetime), settings_(std::move(settings)) {}
+        : AutomationObject(host), settings_(std::move(settings)) {}
 
     static std::span<const Member<ConnectionObject>> members() noexcept;
+    void on_call(const Member<ConnectionObject>& member, const CallArguments& arguments);
     const ConnectionSettings& STDMETHODCALLTYPE settings() noexcept override { return settings_; }
 
 private:
-    template <std::optional<std::u16string> ConnectionSettings::*Field>
-    static com::Variant put_text(ConnectionObject& connection, const CallArguments& arguments) {
-        connection.settings_.*Field = arguments.text(0);
+    template <auto Field>
+    com::Variant put_text(const CallArguments& arguments) {
+        settings_.target.*Field = arguments.text(0);
         return {};
     }
-    template <std::optional<std::int16_t> ConnectionSettings::*Field>
-    static com::Variant put_number(ConnectionObject& connection, const CallArguments& arguments) {
-        connection.settings_.*Field = arguments.int16(0);
-        return {};
-    }
+    com::Variant put_connection(const CallArguments& arguments);
+    com::Variant put_sign_id(const CallArguments& arguments);
 
     ConnectionSettings settings_;
 };
@@ -151,13 +136,20 @@ private:
 class SignInfoObject final : public AutomationObject<SignInfoObject, IDispatch> {
 public:
     explicit SignInfoObject(Host& host, std::optional<SlaveCounts> slaves = {}) noexcept
-        : AutomationObject(host.lifetime), slaves_(slaves) {}
+        : AutomationObject(host), has_slaves_(slaves.has_value()), counts_(slaves.value_or(SlaveCounts())) {}
 
     static std::span<const Member<SignInfoObject>> members() noexcept;
     std::u16string describe() const;
 
 private:
-    std::optional<SlaveCounts> slaves_;
+    com::Variant has_slaves(const CallArguments& /*none*/) { return com::Variant::boolean(has_slaves_); }
+    template <auto Field>
+    com::Variant count(const CallArguments& /*none*/) {
+        return com::Variant::int16(counts_.*Field);
+    }
+
+    bool has_slaves_;
+    SlaveCounts counts_;
 };
 
 /// While it lives, the host's classes can be created by class id and by programmatic identifier. Needs an
@@ -175,6 +167,6 @@ private:
 };
 
 /// The programmatic identifiers of the host's classes.
-std::vector<std::u16string_view> host_class_names();
+std::vector<std::u16string> host_class_names();
 
 }  // namespace vex::sim

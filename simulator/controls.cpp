@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
@@ -26,21 +27,6 @@ std::u16string shown_call(Operation operation) {
     return std::u16string(u"call ").append(kName).append(u".").append(operation.name);
 }
 
-/// Marks an operation as in progress.
-class Busy {
-public:
-    Busy(bool& busy, bool& interrupted) noexcept : busy_(busy) {
-        busy = true;
-        interrupted = false;
-    }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-    ~Busy() { busy_ = false; }
-
-private:
-    bool& busy_;
-};
-
 constexpr std::u16string_view kFinderName = u"FindXPort";
 constexpr double kHighestHost = 255;
 
@@ -48,37 +34,21 @@ constexpr double kHighestHost = 255;
 
 std::span<const Member<TransmissionControl>> TransmissionControl::members() noexcept {
     using Control = TransmissionControl;
+    constexpr WORD kMethod = DISPATCH_METHOD;
     static constexpr Member<Control> kMembers[] = {
-        {u"OpenConnection",
-         dispatch_id(0x60030065),
-         DISPATCH_METHOD,
-         [](Control& control, const CallArguments& arguments) { return control.open_connection(arguments); },
-         {kObjectReference}},
-        {u"CloseConnection", dispatch_id(0x60030066), DISPATCH_METHOD,
-         [](Control& control, const CallArguments&) { return control.close_connection(); }},
-        {u"DownloadFirmware",
-         dispatch_id(0x60030067),
-         DISPATCH_METHOD,
-         [](Control& control, const CallArguments& arguments) { return control.download_firmware(arguments); },
-         {kTextReference}},
-        {u"ResetAndClear", dispatch_id(0x60030068), DISPATCH_METHOD,
-         [](Control& control, const CallArguments&) { return control.reset_and_clear(); }},
-        {u"CancelTransmission", dispatch_id(0x60030069), DISPATCH_METHOD,
-         [](Control& control, const CallArguments&) { return control.cancel_transmission(); }},
-        {u"PrepareForFirmware", dispatch_id(0x6003004E), DISPATCH_METHOD,
-         [](Control& control, const CallArguments&) { return control.prepare_for_firmware(); }},
-        {u"GetSignInfo", dispatch_id(0x60030053), DISPATCH_METHOD,
-         [](Control& control, const CallArguments&) { return control.get_sign_info(); }},
+        {u"OpenConnection", dispatch_id(0x60030065), kMethod, &Control::open_connection, {kObjectReference}},
+        {u"CloseConnection", dispatch_id(0x60030066), kMethod, &Control::close_connection},
+        {u"DownloadFirmware", dispatch_id(0x60030067), kMethod, &Control::download_firmware, {kTextReference}},
+        {u"ResetAndClear", dispatch_id(0x60030068), kMethod, &Control::reset_and_clear},
+        {u"CancelTransmission", dispatch_id(0x60030069), kMethod, &Control::cancel_transmission},
+        {u"PrepareForFirmware", dispatch_id(0x6003004E), kMethod, &Control::prepare_for_firmware},
+        {u"GetSignInfo", dispatch_id(0x60030053), kMethod, &Control::get_sign_info},
         {u"DownloadFirmwareWithLoader",
          dispatch_id(0x600300B2),
-         DISPATCH_METHOD,
-         [](Control& control, const CallArguments& arguments) { return control.download_firmware_with_loader(arguments); },
+         kMethod,
+         &Control::download_firmware_with_loader,
          {kTextReference, VT_BSTR}},
-        {u"SignID",
-         dispatch_id(0x68030001),
-         DISPATCH_PROPERTYPUT,
-         [](Control& control, const CallArguments& arguments) { return control.put_sign_id(arguments.int16(0)); },
-         {VT_I2}},
+        {u"SignID", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT, &Control::put_sign_id, {VT_I2}},
     };
     return kMembers;
 }
@@ -90,61 +60,65 @@ com::Variant TransmissionControl::open_connection(const CallArguments& arguments
     const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
     if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
     const ConnectionSettings settings = object->settings();
-    const std::int16_t id = settings.sign_id.value_or(0);
-    const auto answering = host_.display_on_line(settings.line());
+    const auto answering = host_.display_on_line(settings.target.line());
     if (!display_ && !busy_) {
         called_display_ = answering ? host_.displays.at(*answering).name : u"";
-        sign_id_ = id;
+        sign_id_ = settings.sign_id;
     }
-    const Call call = call_of(Operation::OpenConnection);
-    return operate(call, shown_call(call.operation) + u" " + settings.describe(), [&](const ScriptedCall& scripted) {
-        if (display_) return goes_on(scripted, call.operation) && refuse(u"A connection is open already");
-        if (!goes_on(scripted, call.operation)) return false;
+    constexpr Operation kOperation = Operation::OpenConnection;
+    std::u16string shown;
+    for (const std::u16string& setting : settings.shown) shown += setting;
+    return operate(kOperation, shown, [&](const ScriptedCall& scripted) {
+        if (!goes_on(scripted, kOperation)) return false;
+        if (display_) return refuse(u"A connection is open already");
         if (!answering) return refuse(u"No display answers");
         display_ = answering;
-        if (scripted.fault == FaultKind::replace)
-            com::ComPtr<IDispatch>::adopt(std::exchange(*place, com::make_object<ConnectionObject>(host_, settings).detach()));
+        if (scripted.fault == FaultKind::replace) {
+            auto other = com::make_object<ConnectionObject>(host_, settings);
+            com::ComPtr<IDispatch>::adopt(std::exchange(*place, other.detach()));
+        }
         return true;
     });
 }
 
-com::Variant TransmissionControl::close_connection() {
-    const std::u16string shown = shown_call(Operation::CloseConnection);
-    const ScriptedCall scripted = host_.begin(call_of(Operation::CloseConnection), shown);
+ScriptedCall TransmissionControl::begin_at_once(const Call& call, const std::u16string& shown) {
+    ScriptedCall scripted = host_.begin(call, shown);
     host_.trace.line(shown);
-    tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CloseConnection)});
+    tell({.kind = LinkEvent::Kind::begins, .call = call});
+    return scripted;
+}
+
+com::Variant TransmissionControl::close_connection(const CallArguments& /*none*/) {
+    constexpr Operation kOperation = Operation::CloseConnection;
+    const ScriptedCall scripted = begin_at_once(call_of(kOperation), shown_call(kOperation));
     if (busy_) interrupted_ = true;
     display_.reset();
-    for (const ScriptedMessage& message : scripted.messages) say(message);
+    say_all(scripted);
     return com::Variant::boolean(!scripted.fails());
 }
 
-com::Variant TransmissionControl::cancel_transmission() {
-    const std::u16string shown = shown_call(Operation::CancelTransmission);
-    const ScriptedCall scripted = host_.begin(call_of(Operation::CancelTransmission), shown);
-    host_.trace.line(shown);
-    tell({.kind = LinkEvent::Kind::begins, .call = call_of(Operation::CancelTransmission)});
-    const bool cancels = !scripted.fails();
-    if (busy_ && cancels) interrupted_ = true;
-    for (const ScriptedMessage& message : scripted.messages) say(message);
-    return com::Variant::boolean(cancels);
+com::Variant TransmissionControl::cancel_transmission(const CallArguments& /*none*/) {
+    constexpr Operation kOperation = Operation::CancelTransmission;
+    const ScriptedCall scripted = begin_at_once(call_of(kOperation), shown_call(kOperation));
+    if (busy_ && !scripted.fails()) interrupted_ = true;
+    say_all(scripted);
+    return com::Variant::boolean(!scripted.fails());
 }
 
 // ---- Units --------------------------------------------------------------------------------------------
 
-com::Variant TransmissionControl::put_sign_id(std::int16_t id) {
-    const std::u16string value = u" = " + decimal_text(id);
+com::Variant TransmissionControl::put_sign_id(const CallArguments& arguments) {
+    const std::int16_t id = arguments.int16(0);
     Call call = call_of(Operation::SignID);
     call.id = id;
-    const std::u16string shown = std::u16string(u"put ").append(kName).append(u".SignID").append(value);
-    const ScriptedCall scripted = host_.begin(call, shown);
-    host_.trace.line(shown);
+    const std::u16string shown = std::u16string(u"put ").append(kName).append(u".SignID =") + arguments.shown();
+    const ScriptedCall scripted = begin_at_once(call, shown);
     sign_id_ = id;
-    for (const ScriptedMessage& message : scripted.messages) say(message);
+    say_all(scripted);
     return {};
 }
 
-com::Variant TransmissionControl::get_sign_info() {
+com::Variant TransmissionControl::get_sign_info(const CallArguments& /*none*/) {
     const Call call = call_of(Operation::GetSignInfo);
     const std::u16string shown = shown_call(call.operation);
     const ScriptedCall scripted = host_.begin(call, shown);
@@ -154,7 +128,7 @@ com::Variant TransmissionControl::get_sign_info() {
     std::optional<SlaveCounts> slaves;
     if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_))
         slaves = host_.units.slaves(call.display, sign_id_);
-    for (const ScriptedMessage& message : scripted.messages) say(message);
+    say_all(scripted);
     if (scripted.fails()) {
         host_.trace.line(shown + u" -> " + shown_boolean(false));
         return com::Variant::boolean(false);
@@ -164,45 +138,47 @@ com::Variant TransmissionControl::get_sign_info() {
     return com::Variant::object(info.get());
 }
 
-com::Variant TransmissionControl::reset_and_clear() {
-    return operate_unit(Operation::ResetAndClear, u"", [this](const Display& display, const ScriptedCall& scripted) {
+com::Variant TransmissionControl::reset_and_clear(const CallArguments& /*none*/) {
+    constexpr Operation kOperation = Operation::ResetAndClear;
+    return operate_unit(kOperation, u"", [&](const Display& display, const ScriptedCall& scripted) {
         say({unit(u": resetting and clearing"), {}, false});
-        if (!goes_on(scripted, Operation::ResetAndClear)) return false;
+        if (!goes_on(scripted, kOperation)) return false;
         host_.units.store(display.name, sign_id_, {Content::State::empty, {}});
         return true;
     });
 }
 
-com::Variant TransmissionControl::prepare_for_firmware() {
-    return operate_unit(Operation::PrepareForFirmware, u"", [this](const Display&, const ScriptedCall& scripted) {
+com::Variant TransmissionControl::prepare_for_firmware(const CallArguments& /*none*/) {
+    constexpr Operation kOperation = Operation::PrepareForFirmware;
+    return operate_unit(kOperation, u"", [&](const Display&, const ScriptedCall& scripted) {
         say({unit(u": preparing for firmware"), {}, false});
-        return goes_on(scripted, Operation::PrepareForFirmware);
+        return goes_on(scripted, kOperation);
     });
 }
 
 com::Variant TransmissionControl::download_firmware(const CallArguments& arguments) {
-    constexpr Operation kOperation = Operation::DownloadFirmware;
-    const std::u16string file = arguments.text(0);
-    return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
-        try {
-            return transfer(display, read_motorola_image(host_.machine.real_path(file), file), scripted, kOperation);
-        } catch (const ImageError& error) {
-            return goes_on(scripted, kOperation) && refuse(error.reason());
-        }
+    return download(Operation::DownloadFirmware, arguments, [this, file = arguments.text(0)] {
+        return read_motorola_image(host_.machine.real_path(file), file);
     });
 }
 
 com::Variant TransmissionControl::download_firmware_with_loader(const CallArguments& arguments) {
-    constexpr Operation kOperation = Operation::DownloadFirmwareWithLoader;
     const std::u16string file = arguments.text(0);
     const std::u16string loader = arguments.text(1);
-    return operate_unit(kOperation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
+    return download(Operation::DownloadFirmwareWithLoader, arguments, [this, file, loader] {
+        Firmware firmware = read_rabbit_image(host_.machine.real_path(file), file);
+        read_loader_image(host_.machine.real_path(loader), loader);
+        return firmware;
+    });
+}
+
+com::Variant TransmissionControl::download(Operation operation, const CallArguments& arguments,
+                                           const std::function<Firmware()>& read) {
+    return operate_unit(operation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
         try {
-            const Firmware firmware = read_rabbit_image(host_.machine.real_path(file), file);
-            read_loader_image(host_.machine.real_path(loader), loader);
-            return transfer(display, firmware, scripted, kOperation);
+            return transfer(display, read(), scripted, operation);
         } catch (const ImageError& error) {
-            return goes_on(scripted, kOperation) && refuse(error.reason());
+            return goes_on(scripted, operation) && refuse(from_utf8(error.what()));
         }
     });
 }
@@ -217,7 +193,8 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
               .call = call_of(operation),
               .percent = percent,
               .bytes = static_cast<std::size_t>(firmware.size) * kPercentStep / 100});
-        if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}, false});
+        if (percent % kPercentSaid == 0)
+            say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}, false});
         if (interrupted_) return refuse(u"Transmission cancelled");
         if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
     }
@@ -227,26 +204,29 @@ bool TransmissionControl::transfer(const Display& display, const Firmware& firmw
 
 // ---- What all calls share -----------------------------------------------------------------------------
 
-com::Variant TransmissionControl::operate(const Call& call, const std::u16string& shown, const Work& work) {
+com::Variant TransmissionControl::operate(Operation operation, const std::u16string& arguments, const Work& work) {
+    const Call call = call_of(operation);
+    const std::u16string shown = shown_call(operation) + arguments;
     const ScriptedCall scripted = host_.begin(call, shown);
     bool done = false;
     if (busy_) {
         refuse(u"A transmission is in progress");
     } else {
-        const Busy busy(busy_, interrupted_);
-        operation_ = call.operation;
+        const std::unique_ptr<bool, void (*)(bool*)> busy(&busy_, [](bool* flag) { *flag = false; });
+        busy_ = true;
+        interrupted_ = false;
+        operation_ = operation;
         tell({.kind = LinkEvent::Kind::begins, .call = call});
         done = interrupted_ ? refuse(u"Transmission cancelled") : work(scripted);
-        tell({.kind = LinkEvent::Kind::ends, .call = call_of(call.operation), .succeeded = done});
+        tell({.kind = LinkEvent::Kind::ends, .call = call_of(operation), .succeeded = done});
     }
     host_.trace.line(shown + u" -> " + shown_boolean(done));
     return com::Variant::boolean(done);
 }
 
 com::Variant TransmissionControl::operate_unit(Operation operation, const std::u16string& arguments,
-                                              const UnitWork& work) {
-    const Call call = call_of(operation);
-    return operate(call, shown_call(operation) + arguments, [&](const ScriptedCall& scripted) {
+                                               const UnitWork& work) {
+    return operate(operation, arguments, [&](const ScriptedCall& scripted) {
         if (!display_) return goes_on(scripted, operation) && refuse(u"No connection is open");
         // By value: what a user does meanwhile may change the host's displays.
         const Display display = host_.displays.at(*display_);
@@ -257,16 +237,12 @@ com::Variant TransmissionControl::operate_unit(Operation operation, const std::u
 }
 
 bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operation) {
+    for (std::size_t i = 0; i < scripted.messages.size() && !interrupted_; ++i) say(scripted.messages[i]);
     if (interrupted_) return refuse(u"Transmission cancelled");
-    for (const ScriptedMessage& message : scripted.messages) {
-        say(message);
-        if (interrupted_) return refuse(u"Transmission cancelled");
-    }
     if (!scripted.fails()) return true;
     // A message of the script's own explains the failure where it has one.
-    return scripted.messages.empty()
-               ? refuse(unit(u": the line is disturbed, ").append(operation.name) + u" failed")
-               : false;
+    if (scripted.messages.empty()) refuse(unit(u": the line is disturbed, ").append(operation.name) + u" failed");
+    return false;
 }
 
 bool TransmissionControl::refuse(const std::u16string& text) {
@@ -275,13 +251,16 @@ bool TransmissionControl::refuse(const std::u16string& text) {
 }
 
 void TransmissionControl::say(ScriptedMessage message) {
-    host_.trace.line(std::u16string(u"event ").append(kName).append(u".StatusMessage ") + in_quotes(message.text));
-    com::Bstr text(message.text);
+    const std::u16string text = message.text;
+    host_.trace.line(std::u16string(u"event ").append(kName).append(u".StatusMessage ") + in_quotes(text));
     host_.messages_said.push_back(std::move(message));
-    VARIANT argument = com::Variant::text_reference(text.put_reference()).detach();
-    events().raise_event(kHandledEvent, {&argument, 1});
+    sinks_.raise_event(kHandledEvent, {text});
     host_.messages_said.pop_back();
     if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
+}
+
+void TransmissionControl::say_all(const ScriptedCall& scripted) {
+    for (const ScriptedMessage& message : scripted.messages) say(message);
 }
 
 void TransmissionControl::tell(const LinkEvent& event) {
@@ -298,20 +277,8 @@ std::u16string TransmissionControl::unit(std::u16string_view text) const {
 
 std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
     static constexpr Member<BoxFinder> kMembers[] = {
-        {u"SearchTimeout",
-         dispatch_id(0x68030001),
-         DISPATCH_PROPERTYPUT,
-         // A simulated search takes no time.
-         [](BoxFinder&, const CallArguments&) { return com::Variant(); },
-         {VT_I2}},
-        {u"FindBoxes",
-         dispatch_id(0x6003000A),
-         DISPATCH_METHOD,
-         [](BoxFinder& finder, const CallArguments& arguments) {
-             finder.find_boxes(arguments.text(0), arguments.real(1), arguments.real(2));
-             return com::Variant();
-         },
-         {VT_BSTR, VT_R8, VT_R8}},
+        {u"SearchTimeout", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT, &BoxFinder::put_timeout, {VT_I2}},
+        {u"FindBoxes", dispatch_id(0x6003000A), DISPATCH_METHOD, &BoxFinder::find_boxes, {VT_BSTR, VT_R8, VT_R8}},
     };
     return kMembers;
 }
@@ -322,30 +289,29 @@ void BoxFinder::on_call(const Member<BoxFinder>& member, const CallArguments& ar
     host_.trace.line(shown);
 }
 
-void BoxFinder::find_boxes(const std::u16string& address, double first, double last) {
+com::Variant BoxFinder::find_boxes(const CallArguments& arguments) {
+    const std::u16string address = arguments.text(0);
+    const double first = std::ceil(std::max(arguments.real(1), 0.0));
+    const double last = std::min(arguments.real(2), kHighestHost);
     const std::size_t point = address.rfind(u'.');
     if (point == address.npos) {
         if (first <= 0 && last >= 0) report(address);
-        return;
+        return {};
     }
-    const std::u16string network = address.substr(0, point + 1);
-    const double end = std::min(last, kHighestHost);
-    const double start = std::max(first, 0.0);
-    for (double host = std::ceil(start); host <= end; ++host)
-        report(network + decimal_text(static_cast<std::int32_t>(host)));
+    for (double host = first; host <= last; ++host)
+        report(address.substr(0, point + 1) + decimal_text(static_cast<std::int32_t>(host)));
+    return {};
 }
 
 void BoxFinder::report(const std::u16string& address) {
-    for (const std::size_t index : host_.displays.at_address(address)) {
-        for (const std::u16string& description : host_.units.boxes(host_.displays.at(index).name)) {
-            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
-            com::Bstr text(description);
-            com::Bstr where(address);
-            // Last argument first.
-            VARIANT arguments[] = {com::Variant::text_reference(text.put_reference()).detach(),
-                                   com::Variant::text_reference(where.put_reference()).detach()};
-            events().raise_event(kHandledEvent, arguments);
-        }
+    // Collected first: what a user does meanwhile may change the host's displays.
+    std::vector<std::u16string> found;
+    for (const Display& display : host_.displays) {
+        if (display.address == address) std::ranges::copy(host_.units.boxes(display.name), std::back_inserter(found));
+    }
+    for (const std::u16string& description : found) {
+        host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
+        sinks_.raise_event(kHandledEvent, {address, description});
     }
 }
 
@@ -363,7 +329,8 @@ Operation parse_operation(std::u16string_view name) {
     for (const auto& member : TransmissionControl::members()) names.push_back(member.name);
     for (const auto& member : BoxFinder::members()) names.push_back(member.name);
     for (const auto& member : DisplayListObject::members()) names.push_back(member.name);
-    for (const std::u16string_view id : host_class_names()) names.push_back(id.substr(id.find(u'.') + 1));
+    static const std::vector<std::u16string> kClasses = host_class_names();
+    for (const std::u16string_view id : kClasses) names.push_back(id.substr(id.find(u'.') + 1));
     const auto found = std::ranges::find(names, name);
     if (found != names.end()) return {*found};
     std::string all;

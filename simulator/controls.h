@@ -19,18 +19,18 @@ class TransmissionControl final : public EventfulControl<TransmissionControl> {
 public:
     static constexpr const IID& kSourceInterface = kTransmissionEvents;
 
-    explicit TransmissionControl(Host& host) : EventfulControl(host.lifetime), host_(host) {}
+    using EventfulControl::EventfulControl;
 
     static std::span<const Member<TransmissionControl>> members() noexcept;
 
 private:
     com::Variant open_connection(const CallArguments& arguments);
-    com::Variant close_connection();
-    com::Variant cancel_transmission();
-    com::Variant put_sign_id(std::int16_t id);
-    com::Variant get_sign_info();
-    com::Variant reset_and_clear();
-    com::Variant prepare_for_firmware();
+    com::Variant close_connection(const CallArguments& arguments);
+    com::Variant cancel_transmission(const CallArguments& arguments);
+    com::Variant put_sign_id(const CallArguments& arguments);
+    com::Variant get_sign_info(const CallArguments& arguments);
+    com::Variant reset_and_clear(const CallArguments& arguments);
+    com::Variant prepare_for_firmware(const CallArguments& arguments);
     com::Variant download_firmware(const CallArguments& arguments);
     com::Variant download_firmware_with_loader(const CallArguments& arguments);
 
@@ -38,23 +38,27 @@ private:
     using Work = std::function<bool(const ScriptedCall& scripted)>;
     using UnitWork = std::function<bool(const Display& display, const ScriptedCall& scripted)>;
 
-    /// A call that answers its success: traced, and refused while another one is in progress.
-    com::Variant operate(const Call& call, const std::u16string& shown, const Work& work);
-    /// The same for the selected unit, which must be connected and answer. `arguments`: as the trace shows them.
+    /// A call that answers its success: traced, and refused while another one is in progress. `arguments`: as the
+    /// trace shows them.
+    com::Variant operate(Operation operation, const std::u16string& arguments, const Work& work);
+    /// The same for the selected unit, which must be connected and answer.
     com::Variant operate_unit(Operation operation, const std::u16string& arguments, const UnitWork& work);
+    /// A call that may come in the midst of another one: traced when it begins.
+    ScriptedCall begin_at_once(const Call& call, const std::u16string& shown);
     /// Says what the script has for the call. False when it cannot go on: cancelled, or a fault.
     bool goes_on(const ScriptedCall& scripted, Operation operation);
-    /// Writes firmware into the selected unit.
+    /// Writes the firmware that `read` checks into the selected unit.
+    com::Variant download(Operation operation, const CallArguments& arguments, const std::function<Firmware()>& read);
     bool transfer(const Display& display, const Firmware& firmware, const ScriptedCall& scripted, Operation operation);
     /// Says why the operation fails; answers false.
     bool refuse(const std::u16string& text);
     void say(ScriptedMessage message);
+    void say_all(const ScriptedCall& scripted);
     void tell(const LinkEvent& event);
 
     Call call_of(Operation operation) const;
     std::u16string unit(std::u16string_view text) const;
 
-    Host& host_;
     /// The connected display, by its position.
     std::optional<std::size_t> display_;
     /// The display that was connected last, or asked for: whose calls these are, also when it is gone.
@@ -73,18 +77,18 @@ class BoxFinder final : public EventfulControl<BoxFinder> {
 public:
     static constexpr const IID& kSourceInterface = kBoxFinderEvents;
 
-    explicit BoxFinder(Host& host) : EventfulControl(host.lifetime), host_(host) {}
+    using EventfulControl::EventfulControl;
 
     static std::span<const Member<BoxFinder>> members() noexcept;
     void on_call(const Member<BoxFinder>& member, const CallArguments& arguments);
 
 private:
-    /// Searches the hosts `first` to `last` of the network that `address` lies in. An address without a "."
-    /// has no host number: it stands for itself, as host 0.
-    void find_boxes(const std::u16string& address, double first, double last);
+    /// A simulated search takes no time.
+    com::Variant put_timeout(const CallArguments& /*seconds*/) { return {}; }
+    /// Searches the hosts from the second argument to the third of the network that the address lies in. An address
+    /// without a "." has no host number: it stands for itself, as host 0.
+    com::Variant find_boxes(const CallArguments& arguments);
     void report(const std::u16string& address);
-
-    Host& host_;
 };
 
 /// Whether the transmission control can speak during the operation, which is one of its own.

@@ -2,23 +2,18 @@
 #include "simulator/displays.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <limits>
 #include <set>
 #include <stdexcept>
-#include <utility>
 
+#include "core/digits.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "support/automation_value.h"
 #include "support/text.h"
 
 namespace vex::sim {
 namespace {
 
 constexpr std::u16string_view kDisplaysHeader = u"# Brivola displays, version 1";
-constexpr std::u16string_view kDisplayWord = u"display";
 constexpr std::u16string_view kConnectionKey = u"connection";
 
 struct TextField {
@@ -38,45 +33,38 @@ std::string key_names() {
     return names;
 }
 
-Display read_display(const Words& words) {
-    if (words.size() < 2 || words.front() != kDisplayWord) {
-        throw std::invalid_argument("expected display NAME KEY=VALUE...");
-    }
-    Display display;
-    display.name = words[1];
-    for (std::size_t i = 2; i < words.size(); ++i) read_display_field(words[i], display);
-    return display;
-}
-
 std::u16string written(const Display& display) {
-    std::u16string line(kDisplayWord);
-    line += u' ' + as_word(display.name);
+    std::u16string line = u"display " + as_word(display.name);
     const auto field = [&line](std::u16string_view key, const std::u16string& value) {
-        line += u' ' + std::u16string(key) + u'=' + (value.empty() ? std::u16string() : as_word(value));
+        line.append(u" ").append(key).append(u"=").append(value.empty() ? value : as_word(value));
     };
-    field(kConnectionKey, from_utf8(std::to_string(display.connection)));
+    field(kConnectionKey, decimal_text(display.connection));
     for (const TextField& text : kTextFields) field(text.key, display.*text.text);
     return line;
 }
 
 constexpr std::u16string_view kUnitsHeader = u"# Brivola units, version 1";
 
-std::u16string to_decimal(std::int64_t number) { return from_utf8(std::to_string(number)); }
+constexpr std::int16_t kLowestId = std::numeric_limits<std::int16_t>::min();
 
-std::u16string to_hexadecimal(std::uint32_t number) {
-    std::u16string digits(8, u'0');
-    for (std::size_t i = digits.size(); i-- > 0; number >>= 4) digits[i] = u"0123456789ABCDEF"[number & 0xFU];
-    return digits;
+/// A number of 16 bits.
+std::optional<std::int16_t> parse_int16(std::u16string_view word) {
+    const auto number = parse_number(word, kLowestId, kHighestId);
+    return number ? std::optional(static_cast<std::int16_t>(*number)) : std::nullopt;
 }
 
-std::uint32_t read_crc(const std::u16string& word) {
-    const std::string digits = to_utf8(word);
-    std::uint32_t value = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-    if (error != std::errc() || end != digits.data() + digits.size()) {
-        throw std::invalid_argument("expected a checksum of 8 hexadecimal digits");
+void read_field(std::u16string_view word, Display& display) {
+    const std::size_t equals = word.find(u'=');
+    if (equals != word.npos && word.substr(0, equals) == kConnectionKey) {
+        const auto number = parse_int16(word.substr(equals + 1));
+        if (!number) throw std::invalid_argument(to_utf8(word) + " needs a number of 16 bits");
+        display.connection = *number;
+        return;
     }
-    return value;
+    const auto* const field = std::ranges::find(kTextFields, word.substr(0, equals), &TextField::key);
+    if (equals == word.npos || field == std::end(kTextFields))
+        throw std::invalid_argument(to_utf8(word) + " is no KEY=VALUE with a key of " + key_names());
+    display.*field->text = word.substr(equals + 1);
 }
 
 /// The masters of a display, as far as its IDs are numbers to an automation client.
@@ -92,68 +80,28 @@ std::vector<std::int16_t> masters(const Display& display) {
     return result;
 }
 
-constexpr std::array<std::pair<Content::State, std::u16string_view>, 3> kPlainStates = {{
-    {Content::State::as_delivered, u"as delivered"},
-    {Content::State::empty, u"empty"},
-    {Content::State::incomplete, u"incomplete"},
-}};
+/// In the order of the states.
+constexpr std::u16string_view kPlainStates[] = {u"as delivered", u"empty", u"incomplete"};
 
 }  // namespace
 
-std::u16string connection_line(std::int16_t kind, std::u16string_view port, std::u16string_view baud,
-                               std::u16string_view phone, std::u16string_view address) {
-    // The parts are joined by a character that none of them holds in practice; a clash would only put two
-    // displays on one line.
-    constexpr char16_t kJoin = u'\n';
-    std::u16string line;
-    switch (kind) {
-        case kSerialCable:
-            return line.append(u"serial").append(1, kJoin).append(port).append(1, kJoin).append(baud);
-        case kModem:
-            line.append(u"modem").append(1, kJoin).append(port).append(1, kJoin).append(baud);
-            return line.append(1, kJoin).append(phone);
-        default:
-            return line.append(u"network").append(1, kJoin).append(address).append(1, kJoin).append(port);
-    }
+Display read_display(const Words& words) {
+    Display display;
+    display.name = words[1];
+    for (std::size_t i = 2; i < words.size(); ++i) read_field(words[i], display);
+    return display;
 }
 
-std::u16string Display::line() const { return connection_line(connection, port, baud, phone, address); }
-
-void read_display_field(std::u16string_view word, Display& display) {
-    const std::size_t equals = word.find(u'=');
-    const std::u16string_view key = word.substr(0, equals);
-    const std::u16string_view value = equals == word.npos ? std::u16string_view() : word.substr(equals + 1);
-    if (equals != word.npos && key == kConnectionKey) {
-        const auto number =
-            parse_number(value, std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max());
-        if (!number) throw std::invalid_argument(to_utf8(word) + " needs a number of 16 bits");
-        display.connection = static_cast<std::int16_t>(*number);
-        return;
-    }
-    for (const TextField& field : kTextFields) {
-        if (equals == word.npos || key != field.key) continue;
-        display.*field.text = value;
-        return;
-    }
-    throw std::invalid_argument(to_utf8(word) + " is no KEY=VALUE with a key of " + key_names());
+std::u16string Display::line() const {
+    // Joined by a character that no part holds in practice; a clash would only put two displays on one line.
+    const std::u16string cable = port + u'\n' + baud;
+    if (connection == kSerialCable) return u"serial\n" + cable;
+    return connection == kModem ? u"modem\n" + cable + u'\n' + phone : u"network\n" + address + u'\n' + port;
 }
 
 std::optional<std::size_t> Displays::find(const std::u16string& name) const {
     const auto entry = by_name_.find(name);
     return entry == by_name_.end() ? std::nullopt : std::optional(entry->second);
-}
-
-std::optional<std::size_t> Displays::first_on_line(const std::u16string& line) const {
-    const auto found = std::ranges::find(displays_, line, &Display::line);
-    return found == displays_.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - displays_.begin()));
-}
-
-std::vector<std::size_t> Displays::at_address(const std::u16string& address) const {
-    std::vector<std::size_t> positions;
-    for (std::size_t i = 0; i < displays_.size(); ++i) {
-        if (displays_[i].address == address) positions.push_back(i);
-    }
-    return positions;
 }
 
 void Displays::put(Display display) {
@@ -162,11 +110,11 @@ void Displays::put(Display display) {
     displays_[entry->second] = std::move(display);
 }
 
-Displays Displays::load(const std::filesystem::path& path) { return parse(path.string(), read_file(path)); }
-
 Displays Displays::parse(const std::string& file, std::string_view text) {
     Displays displays;
     read_lines(file, text, kDisplaysHeader, [&displays](const Words& words, std::size_t /*line*/) {
+        if (words.size() < 2 || words.front() != u"display")
+            throw std::invalid_argument("expected display NAME KEY=VALUE...");
         Display display = read_display(words);
         if (displays.find(display.name)) {
             throw std::invalid_argument("display " + to_utf8(display.name) + " stands here twice");
@@ -182,112 +130,76 @@ std::string Displays::text() const {
     return lines;
 }
 
-void Displays::save(const std::filesystem::path& path) const { replace_file(path, text()); }
-
 std::int16_t parse_id(std::u16string_view word) {
-    const auto id = parse_number(word, kLowestId, kHighestId);
-    if (!id) throw std::invalid_argument("\"" + to_utf8(word) + "\" is no display ID (a number of 16 bits)");
-    return static_cast<std::int16_t>(*id);
+    const auto id = parse_int16(word);
+    if (!id) refuse(word, "is no display ID (a number of 16 bits)");
+    return *id;
 }
 
 SlaveCounts parse_slaves(std::u16string_view word) {
-    const std::size_t cross = word.find(u'x');
-    const auto count = [&word](std::size_t from, std::size_t length) {
-        return from > word.size() ? std::nullopt : parse_number(word.substr(from, length), kLowestId, kHighestId);
-    };
-    const auto y = count(0, cross);
-    const auto x = count(cross == word.npos ? word.size() + 1 : cross + 1, word.npos);
-    if (!y || !x) throw std::invalid_argument("\"" + to_utf8(word) + "\" is no grid of the form YxX");
-    return {static_cast<std::int16_t>(*y), static_cast<std::int16_t>(*x)};
+    const std::size_t cross = std::min(word.find(u'x'), word.size());
+    const auto y = parse_int16(word.substr(0, cross));
+    const auto x = parse_int16(word.substr(std::min(cross + 1, word.size())));
+    if (!y || !x) refuse(word, "is no grid of the form YxX");
+    return {*y, *x};
 }
 
 std::u16string describe(const Content& content) {
-    for (const auto& [state, name] : kPlainStates) {
-        if (content.state == state) return std::u16string(name);
-    }
-    const Firmware& firmware = content.firmware;
-    return as_word(firmware.name) + u", " + to_decimal(static_cast<std::int64_t>(firmware.size)) + u" bytes, CRC-32 " +
-           to_hexadecimal(firmware.crc32);
+    if (content.state != Content::State::firmware) return std::u16string(kPlainStates[static_cast<int>(content.state)]);
+    const auto& [name, size, crc32] = content.firmware;
+    return as_word(name) + u", " + digits_of(size, 10) + u" bytes, CRC-32 " + digits_of(crc32, 16, 8);
 }
 
 void Units::set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts) {
-    Unit& unit = sites_[display].units[id];
+    Unit& unit = units_[{display, id}];
     unit.slaves = counts;
     unit.absent = false;
 }
 
-void Units::set_absent(const std::u16string& display, std::int16_t id) { sites_[display].units[id].absent = true; }
-
-void Units::add_box(const std::u16string& display, std::u16string description) {
-    sites_[display].boxes.push_back(std::move(description));
-}
-
 void Units::clear_hardware(const std::u16string& display) {
-    const auto site = sites_.find(display);
-    if (site == sites_.end()) return;
-    site->second.boxes.clear();
-    for (auto& [id, unit] : site->second.units) {
-        unit.slaves.reset();
-        unit.absent = false;
+    boxes_.erase(display);
+    for (auto unit = units_.lower_bound({display, kLowestId}); unit != units_.end() && unit->first.first == display;
+         ++unit) {
+        unit->second.slaves.reset();
+        unit->second.absent = false;
     }
 }
 
-const Units::Unit* Units::find(const std::u16string& display, std::int16_t id) const {
-    const auto site = sites_.find(display);
-    if (site == sites_.end()) return nullptr;
-    const auto unit = site->second.units.find(id);
-    return unit == site->second.units.end() ? nullptr : &unit->second;
-}
-
-std::optional<SlaveCounts> Units::slaves(const std::u16string& display, std::int16_t id) const {
-    const Unit* unit = find(display, id);
-    return unit == nullptr ? std::nullopt : unit->slaves;
+Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
+    const auto unit = units_.find({display, id});
+    return unit == units_.end() ? Unit() : unit->second;
 }
 
 bool Units::answers(const Display& display, std::int16_t id) const {
-    if (const Unit* unit = find(display.name, id)) {
-        if (unit->absent || unit->slaves) return !unit->absent;
-    }
-    for (const std::int16_t master : masters(display)) {
-        const auto counts = slaves(display.name, master);
-        if (id >= master && id <= master + (counts ? counts->slaves() : 0)) return true;
-    }
-    return false;
+    const Unit unit = find(display.name, id);
+    if (unit.absent || unit.slaves) return !unit.absent;
+    return std::ranges::any_of(masters(display), [&](std::int16_t master) {
+        return id >= master && id <= master + slaves(display.name, master).value_or(SlaveCounts()).slaves();
+    });
 }
 
 std::vector<std::u16string> Units::boxes(const std::u16string& display) const {
-    const auto site = sites_.find(display);
-    return site == sites_.end() ? std::vector<std::u16string>() : site->second.boxes;
-}
-
-Content Units::content(const std::u16string& display, std::int16_t id) const {
-    const Unit* unit = find(display, id);
-    return unit == nullptr ? Content() : unit->content;
-}
-
-void Units::store(const std::u16string& display, std::int16_t id, Content content) {
-    sites_[display].units[id].content = std::move(content);
+    std::vector<std::u16string> descriptions;
+    const auto [first, last] = boxes_.equal_range(display);
+    for (auto box = first; box != last; ++box) descriptions.push_back(box->second);
+    return descriptions;
 }
 
 std::vector<std::int16_t> Units::ids(const Display& display) const {
     std::vector<std::int16_t> result;
     std::set<std::int16_t> seen;
-    const auto add = [&result, &seen](std::int64_t id) {
-        if (id <= kHighestId && seen.insert(static_cast<std::int16_t>(id)).second) {
-            result.push_back(static_cast<std::int16_t>(id));
-        }
+    const auto add = [&result, &seen](std::int16_t id) {
+        if (seen.insert(id).second) result.push_back(id);
     };
     for (const std::int16_t master : masters(display)) {
         add(master);
-        const auto counts = slaves(display.name, master);
-        const std::int64_t last = std::min<std::int64_t>(master + (counts ? counts->slaves() : 0), kHighestId);
-        for (std::int64_t id = master + 1; id <= last; ++id) add(id);
+        const std::int64_t last = master + slaves(display.name, master).value_or(SlaveCounts()).slaves();
+        for (std::int64_t id = master + 1; id <= std::min<std::int64_t>(last, kHighestId); ++id)
+            add(static_cast<std::int16_t>(id));
     }
-    const auto site = sites_.find(display.name);
-    if (site != sites_.end()) {
-        for (const auto& [id, unit] : site->second.units) {
-            if (unit.slaves) add(id);
-        }
+    for (auto unit = units_.lower_bound({display.name, kLowestId});
+         unit != units_.end() && unit->first.first == display.name; ++unit) {
+        if (unit->second.slaves) add(unit->first.second);
     }
     return result;
 }
@@ -301,22 +213,20 @@ void Units::read(const Words& words) {
     } else if (what == u"box" && words.size() == 3) {
         add_box(words[1], words[2]);
     } else if (what == u"holds" && words.size() == 4) {
-        for (const auto& [state, name] : kPlainStates) {
-            if (words[3] == name) return store(words[1], parse_id(words[2]), {state, {}});
-        }
-        throw std::invalid_argument("\"" + to_utf8(words[3]) + "\" is nothing that a unit holds");
+        const auto* const state = std::ranges::find(kPlainStates, words[3]);
+        if (state == std::end(kPlainStates)) refuse(words[3], "is nothing that a unit holds");
+        store(words[1], parse_id(words[2]), {static_cast<Content::State>(state - kPlainStates), {}});
     } else if (what == u"holds" && words.size() == 6) {
-        const auto size = parse_number(words[4], 0, std::numeric_limits<std::int64_t>::max());
+        const auto size = number_of<std::uint64_t>(to_utf8(words[4]));
         if (!size) throw std::invalid_argument("expected a size in bytes");
-        store(words[1], parse_id(words[2]),
-              {Content::State::firmware, {words[3], static_cast<std::uint64_t>(*size), read_crc(words[5])}});
+        const auto crc = number_of<std::uint32_t>(to_utf8(words[5]), 16);
+        if (!crc) throw std::invalid_argument("expected a checksum of 8 hexadecimal digits");
+        store(words[1], parse_id(words[2]), {Content::State::firmware, {words[3], *size, *crc}});
     } else {
         throw std::invalid_argument(
             "expected slaves NAME ID YxX, absent NAME ID, box NAME TEXT or holds NAME ID CONTENT");
     }
 }
-
-Units Units::load(const std::filesystem::path& path) { return parse(path.string(), read_file(path)); }
 
 Units Units::parse(const std::string& file, std::string_view text) {
     Units units;
@@ -329,28 +239,22 @@ std::string Units::text() const {
     const auto line = [&lines](std::u16string_view what, const std::u16string& display) -> std::u16string& {
         return lines.append(what).append(u" ").append(as_word(display));
     };
-    for (const auto& [display, site] : sites_) {
-        for (const auto& [id, unit] : site.units) {
-            const std::u16string number = u" " + to_decimal(id);
-            if (unit.slaves) {
-                line(u"slaves", display) +=
-                    number + u" " + to_decimal(unit.slaves->y) + u"x" + to_decimal(unit.slaves->x) + u"\n";
-            }
-            if (unit.absent) line(u"absent", display) += number + u"\n";
-            if (unit.content.state == Content::State::firmware) {
-                const Firmware& firmware = unit.content.firmware;
-                line(u"holds", display) += number + u" " + as_word(firmware.name) + u" " +
-                                           to_decimal(static_cast<std::int64_t>(firmware.size)) + u" " +
-                                           to_hexadecimal(firmware.crc32) + u"\n";
-            } else if (unit.content.state != Content::State::as_delivered) {
-                line(u"holds", display) += number + u" " + as_word(describe(unit.content)) + u"\n";
-            }
-        }
-        for (const std::u16string& box : site.boxes) line(u"box", display) += u" " + as_word(box) + u"\n";
+    for (const auto& [place, unit] : units_) {
+        const std::u16string number = u" " + decimal_text(place.second);
+        if (unit.slaves)
+            line(u"slaves", place.first) +=
+                number + u" " + decimal_text(unit.slaves->y) + u"x" + decimal_text(unit.slaves->x) + u"\n";
+        if (unit.absent) line(u"absent", place.first) += number + u"\n";
+        const auto& [state, firmware] = unit.content;
+        if (state == Content::State::as_delivered) continue;
+        const std::u16string held =
+            state == Content::State::firmware
+                ? as_word(firmware.name) + u" " + digits_of(firmware.size, 10) + u" " + digits_of(firmware.crc32, 16, 8)
+                : as_word(describe(unit.content));
+        line(u"holds", place.first) += number + u" " + held + u"\n";
     }
+    for (const auto& [display, box] : boxes_) line(u"box", display) += u" " + as_word(box) + u"\n";
     return to_utf8(lines);
 }
-
-void Units::save(const std::filesystem::path& path) const { replace_file(path, text()); }
 
 }  // namespace vex::sim

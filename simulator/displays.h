@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "simulator/words.h"
@@ -31,17 +33,22 @@ struct Display {
     std::u16string ids = u"1";
     std::u16string version = u"V2.00";
 
-    /// What a connection must name to reach this display; displays on one line share it.
+    /// What a connection must name to reach this display, by its kind; displays on one line share it.
     std::u16string line() const;
+
+    /// One that is not there: all its fields are empty.
+    static Display none() { return {{}, {}, {}, {}, {}, {}, 0, {}, {}, {}}; }
 };
 
-/// The line that a connection with these settings uses: settings that its kind does not need do not count.
-std::u16string connection_line(std::int16_t kind, std::u16string_view port, std::u16string_view baud,
-                               std::u16string_view phone, std::u16string_view address);
+/// Reads NAME KEY=VALUE..., from the second word. Raises `std::invalid_argument` for an unknown key or a value that is
+/// no number where one is needed.
+Display read_display(const Words& words);
 
-/// Reads "KEY=VALUE" into a display. Raises `std::invalid_argument` for an unknown key or a value that is no
-/// number where one is needed.
-void read_display_field(std::u16string_view word, Display& display);
+/// What a file holds, which `parse` of a class reads. Raises `TextError`.
+template <class Records>
+Records load(const std::filesystem::path& path) {
+    return Records::parse(path.string(), read_file(path));
+}
 
 /// All displays in the order of their making, found by name without a search.
 class Displays {
@@ -50,10 +57,8 @@ public:
     const Display& at(std::size_t index) const { return displays_.at(index); }
     /// Exact comparison.
     std::optional<std::size_t> find(const std::u16string& name) const;
-    /// The first display on a line.
-    std::optional<std::size_t> first_on_line(const std::u16string& line) const;
-    /// All displays of that network address, whatever their kind of connection.
-    std::vector<std::size_t> at_address(const std::u16string& address) const;
+    auto begin() const noexcept { return displays_.begin(); }
+    auto end() const noexcept { return displays_.end(); }
     /// Adds a display or puts it into the place of the one of that name.
     void put(Display display);
 
@@ -61,11 +66,6 @@ public:
     static Displays parse(const std::string& file, std::string_view text);
     /// What `parse` reads back.
     std::string text() const;
-
-    /// The same from a file. Raises `TextError`.
-    static Displays load(const std::filesystem::path& path);
-    /// Raises `TextError`.
-    void save(const std::filesystem::path& path) const;
 
 private:
     std::vector<Display> displays_;
@@ -81,8 +81,7 @@ struct SlaveCounts {
     std::int64_t slaves() const noexcept { return (std::int64_t{y} + 1) * (std::int64_t{x} + 1) - 1; }
 };
 
-constexpr std::int16_t kLowestId = -32768;
-constexpr std::int16_t kHighestId = 32767;
+constexpr std::int16_t kHighestId = std::numeric_limits<std::int16_t>::max();
 
 /// Read a display ID, and a grid written "YxX". Raise `std::invalid_argument`.
 std::int16_t parse_id(std::u16string_view word);
@@ -112,18 +111,24 @@ class Units {
 public:
     void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts);
     /// Takes a unit off its line: nobody answers there.
-    void set_absent(const std::u16string& display, std::int16_t id);
-    void add_box(const std::u16string& display, std::u16string description);
+    void set_absent(const std::u16string& display, std::int16_t id) { units_[{display, id}].absent = true; }
+    void add_box(const std::u16string& display, const std::u16string& description) {
+        boxes_.emplace(display, description);
+    }
     /// Forgets the slaves, absences and device servers of a display; what its units hold stays.
     void clear_hardware(const std::u16string& display);
 
-    std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const;
+    std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const {
+        return find(display, id).slaves;
+    }
     bool answers(const Display& display, std::int16_t id) const;
     /// Device servers in front of a display, in the order in which the finder reports them.
     std::vector<std::u16string> boxes(const std::u16string& display) const;
 
-    Content content(const std::u16string& display, std::int16_t id) const;
-    void store(const std::u16string& display, std::int16_t id, Content content);
+    Content content(const std::u16string& display, std::int16_t id) const { return find(display, id).content; }
+    void store(const std::u16string& display, std::int16_t id, const Content& content) {
+        units_[{display, id}].content = content;
+    }
     /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
     std::vector<std::int16_t> ids(const Display& display) const;
 
@@ -132,26 +137,19 @@ public:
     /// What `parse` reads back.
     std::string text() const;
 
-    /// The same from a file. Raises `TextError`.
-    static Units load(const std::filesystem::path& path);
-    /// Raises `TextError`.
-    void save(const std::filesystem::path& path) const;
-
 private:
     struct Unit {
         std::optional<SlaveCounts> slaves;
         bool absent = false;
         Content content;
     };
-    struct Site {
-        std::map<std::int16_t, Unit> units;
-        std::vector<std::u16string> boxes;
-    };
+    using Place = std::pair<std::u16string, std::int16_t>;
 
-    const Unit* find(const std::u16string& display, std::int16_t id) const;
+    Unit find(const std::u16string& display, std::int16_t id) const;
     void read(const Words& words);
 
-    std::map<std::u16string, Site> sites_;
+    std::map<Place, Unit> units_;
+    std::multimap<std::u16string, std::u16string> boxes_;
 };
 
 }  // namespace vex::sim

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "core/digits.h"
 #include "core/unicode.h"
 #include "simulator/words.h"
 
@@ -21,41 +23,21 @@ constexpr std::size_t kTriplet = 3;
 constexpr unsigned char kToRegister = 0x80;
 constexpr std::string_view kStart = "\x80\x24\x80";
 
-/// What follows the type of a record: the length of its address and what it is for.
-struct RecordType {
-    enum class Use { header, data, count, terminator };
-    char digit;
-    std::size_t address_bytes;
-    Use use;
-};
+/// Of the types of records, by their digit: the length of the address, 0 of a type that is unknown.
+constexpr std::array<std::size_t, 10> kAddressBytes = {2, 2, 3, 4, 0, 2, 3, 4, 3, 2};
+constexpr std::string_view kDataTypes = "123";
+constexpr std::string_view kCountTypes = "56";
+constexpr std::string_view kTerminatorTypes = "789";
 
-using Use = RecordType::Use;
-
-constexpr RecordType kRecordTypes[] = {
-    {'0', 2, Use::header},     {'1', 2, Use::data},       {'2', 3, Use::data},
-    {'3', 4, Use::data},       {'5', 2, Use::count},      {'6', 3, Use::count},
-    {'7', 4, Use::terminator}, {'8', 3, Use::terminator}, {'9', 2, Use::terminator},
-};
-
-int hex_digit(char character) noexcept {
-    if (character >= '0' && character <= '9') return character - '0';
-    if (character >= 'A' && character <= 'F') return character - 'A' + 10;
-    if (character >= 'a' && character <= 'f') return character - 'a' + 10;
-    return -1;
-}
-
-std::string hex_byte(unsigned value) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    return {kDigits[(value >> 4U) & 0xFU], kDigits[value & 0xFU]};
-}
+std::string hex_byte(unsigned value) { return to_utf8(digits_of(value & 0xFFU, 16, 2)); }
 
 std::vector<std::uint8_t> read_hex(std::string_view digits) {
     if (digits.size() % 2 != 0) throw std::invalid_argument("odd number of digits");
     std::vector<std::uint8_t> bytes;
     bytes.reserve(digits.size() / 2);
     for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = hex_digit(digits[i]);
-        const int low = hex_digit(digits[i + 1]);
+        const int high = hex_value(digits[i]);
+        const int low = hex_value(digits[i + 1]);
         if (high < 0 || low < 0) throw std::invalid_argument("a character is no hexadecimal digit");
         bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
     }
@@ -67,20 +49,30 @@ class MotorolaCheck {
 public:
     void line(std::string_view text) {
         if (terminated_) throw std::invalid_argument("record behind the terminator");
-        const RecordType& type = type_of(text);
+        if (text.size() < 2 || text[0] != 'S') throw std::invalid_argument("no S-record");
+        const char type = text[1];
+        const std::size_t address_bytes =
+            type < '0' || type > '9' ? 0 : kAddressBytes.at(static_cast<std::size_t>(type - '0'));
+        if (address_bytes == 0) throw std::invalid_argument("record type S" + std::string(1, type) + " is unknown");
         const std::vector<std::uint8_t> bytes = read_hex(text.substr(2));
         // The count, which counts all that follows it: address, data and checksum.
-        if (bytes.empty() || bytes.front() != bytes.size() - 1 || bytes.size() < 1 + type.address_bytes + 1) {
-            throw std::invalid_argument("length is " + std::to_string(bytes.empty() ? 0 : bytes.front()) + ", but " +
-                                        std::to_string(bytes.empty() ? 0 : bytes.size() - 1) + " bytes follow");
+        const std::size_t count = bytes.empty() ? 0 : bytes.front();
+        const std::size_t follow = bytes.empty() ? 0 : bytes.size() - 1;
+        if (bytes.empty() || count != follow || follow < address_bytes + 1) {
+            throw std::invalid_argument("length is " + std::to_string(count) + ", but " + std::to_string(follow) +
+                                        " bytes follow");
         }
-        unsigned sum = 0;
-        for (std::size_t i = 0; i + 1 < bytes.size(); ++i) sum += bytes[i];
-        const unsigned expected = ~sum & 0xFFU;
-        if (bytes.back() != expected) {
+        const unsigned expected = ~std::accumulate(bytes.begin(), bytes.end() - 1, 0U) & 0xFFU;
+        if (bytes.back() != expected)
             throw std::invalid_argument("checksum is " + hex_byte(bytes.back()) + ", should be " + hex_byte(expected));
-        }
-        accept(type, bytes);
+        if (kDataTypes.find(type) != kDataTypes.npos) ++records_;
+        terminated_ = kTerminatorTypes.find(type) != kTerminatorTypes.npos;
+        if (kCountTypes.find(type) == kCountTypes.npos) return;
+        std::size_t told = 0;
+        for (std::size_t i = 1; i <= address_bytes; ++i) told = told * 256 + bytes[i];
+        if (told == records_) return;
+        throw std::invalid_argument("record count is " + std::to_string(told) + ", but " + std::to_string(records_) +
+                                    " data records stand before it");
     }
 
     void end() const {
@@ -89,59 +81,29 @@ public:
     }
 
 private:
-    static const RecordType& type_of(std::string_view text) {
-        if (text.size() < 2 || text[0] != 'S') throw std::invalid_argument("no S-record");
-        for (const RecordType& type : kRecordTypes) {
-            if (type.digit == text[1]) return type;
-        }
-        throw std::invalid_argument("record type S" + std::string(1, text[1]) + " is unknown");
-    }
-
-    void accept(const RecordType& type, const std::vector<std::uint8_t>& bytes) {
-        switch (type.use) {
-            case Use::header:
-                break;
-            case Use::data:
-                ++records_;
-                break;
-            case Use::count: {
-                std::size_t told = 0;
-                for (std::size_t i = 0; i < type.address_bytes; ++i) told = told * 256 + bytes[1 + i];
-                if (told != records_) {
-                    throw std::invalid_argument("record count is " + std::to_string(told) + ", but " +
-                                                std::to_string(records_) + " data records stand before it");
-                }
-                break;
-            }
-            case Use::terminator:
-                terminated_ = true;
-                break;
-        }
-    }
-
     std::size_t records_ = 0;
     bool terminated_ = false;
 };
 
+/// Raises `ImageError`: what is said of the file.
+[[noreturn]] void reject(const std::u16string& shown, const std::string& what) {
+    throw ImageError(to_utf8(shown) + what);
+}
+
 std::string read_image(const std::filesystem::path& path, const std::u16string& shown) {
     std::error_code error;
     const auto size = std::filesystem::file_size(path, error);
-    if (error) throw ImageError(shown + u" is no file that can be read");
-    if (size > kLargestImage) throw ImageError(shown + u" is too large for a display");
+    if (error) reject(shown, " is no file that can be read");
+    if (size > kLargestImage) reject(shown, " is too large for a display");
     try {
         return read_file(path);
     } catch (const TextError&) {
-        throw ImageError(shown + u" cannot be read");
+        reject(shown, " cannot be read");
     }
 }
 
-std::u16string file_name(const std::u16string& path) {
-    const std::size_t separator = path.find_last_of(u"\\/");
-    return separator == path.npos ? path : path.substr(separator + 1);
-}
-
 Firmware firmware_of(std::string_view bytes, const std::u16string& shown) {
-    return {file_name(shown), bytes.size(), crc32(bytes)};
+    return {shown.substr(shown.find_last_of(u"\\/") + 1), bytes.size(), crc32(bytes)};
 }
 
 std::string record(char type, std::string_view address_and_data) {
@@ -155,8 +117,6 @@ std::string record(char type, std::string_view address_and_data) {
 }
 
 }  // namespace
-
-ImageError::ImageError(std::u16string reason) : reason_(std::move(reason)), what_(to_utf8(reason_)) {}
 
 void check_motorola_image(std::string_view bytes, const std::u16string& shown) {
     MotorolaCheck check;
@@ -172,7 +132,7 @@ void check_motorola_image(std::string_view bytes, const std::u16string& shown) {
         }
         check.end();
     } catch (const std::invalid_argument& error) {
-        throw ImageError(shown + u", line " + from_utf8(std::to_string(number)) + u": " + from_utf8(error.what()));
+        reject(shown, ", line " + std::to_string(number) + ": " + error.what());
     }
 }
 
@@ -184,7 +144,7 @@ Firmware read_motorola_image(const std::filesystem::path& path, const std::u16st
 
 Firmware read_rabbit_image(const std::filesystem::path& path, const std::u16string& shown) {
     const std::string bytes = read_image(path, shown);
-    if (bytes.empty()) throw ImageError(shown + u" is empty");
+    if (bytes.empty()) reject(shown, " is empty");
     return firmware_of(bytes, shown);
 }
 
@@ -193,23 +153,20 @@ void read_loader_image(const std::filesystem::path& path, const std::u16string& 
 }
 
 void check_loader_image(std::string_view bytes, const std::u16string& shown) {
-    const auto refuse = [&shown](std::size_t at) {
-        throw ImageError(shown + u", byte " + from_utf8(std::to_string(at)) + u": no flash loader");
-    };
     for (std::size_t at = 0; at < bytes.size(); at += kTriplet) {
         const std::string_view triplet = bytes.substr(at, kTriplet);
         const auto first = static_cast<unsigned char>(triplet.front());
         const bool last = at + kTriplet >= bytes.size();
-        if (triplet.size() < kTriplet || first > kToRegister || (triplet == kStart) != last) refuse(at);
+        if (triplet.size() < kTriplet || first > kToRegister || (triplet == kStart) != last)
+            reject(shown, ", byte " + std::to_string(at) + ": no flash loader");
     }
-    if (bytes.empty()) refuse(0);
+    if (bytes.empty()) reject(shown, ", byte 0: no flash loader");
 }
 
 std::string make_loader_image(LoaderKind kind) {
     constexpr char kDivider = '\xA9';
     constexpr char kControl = '\xC4';
-    constexpr std::string_view kEcho{
-        "\xD3\x3A\xC3\x00\xCB\x7F\x28\xF8\xD3\x3A\xC0\x00\xD3\x32\xC0\x00\x18\xEE", 18};
+    constexpr std::string_view kEcho{"\xD3\x3A\xC3\x00\xCB\x7F\x28\xF8\xD3\x3A\xC0\x00\xD3\x32\xC0\x00\x18\xEE", 18};
     const char prefix = static_cast<char>(kToRegister);
     std::string bytes{prefix, kDivider, kind == LoaderKind::line ? '\x2F' : '\x07', prefix, kControl, '\0'};
     for (std::size_t at = 0; at < kEcho.size(); ++at) bytes += {'\0', static_cast<char>(at), kEcho[at]};
@@ -217,18 +174,12 @@ std::string make_loader_image(LoaderKind kind) {
 }
 
 std::uint32_t crc32(std::string_view bytes) noexcept {
-    static constexpr auto kTable = [] {
-        constexpr std::uint32_t kPolynomial = 0xEDB88320U;
-        std::array<std::uint32_t, 256> table{};
-        for (std::uint32_t i = 0; i < table.size(); ++i) {
-            std::uint32_t value = i;
-            for (int bit = 0; bit < 8; ++bit) value = (value >> 1U) ^ ((value & 1U) != 0 ? kPolynomial : 0);
-            table[i] = value;
-        }
-        return table;
-    }();
+    constexpr std::uint32_t kPolynomial = 0xEDB88320U;
     std::uint32_t value = ~0U;
-    for (const char byte : bytes) value = (value >> 8U) ^ kTable[(value ^ static_cast<unsigned char>(byte)) & 0xFFU];
+    for (const char byte : bytes) {
+        value ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit) value = (value >> 1U) ^ ((value & 1U) != 0 ? kPolynomial : 0);
+    }
     return ~value;
 }
 

@@ -1,6 +1,7 @@
 // Firmware files as a display's boot program checks them before anything is written.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -11,15 +12,9 @@
 namespace vex::sim {
 
 /// Why a file is no firmware: one line that begins with the file as its user named it.
-class ImageError : public std::exception {
+class ImageError : public std::runtime_error {
 public:
-    explicit ImageError(std::u16string reason);
-    const std::u16string& reason() const noexcept { return reason_; }
-    const char* what() const noexcept override { return what_.c_str(); }
-
-private:
-    std::u16string reason_;
-    std::string what_;
+    using runtime_error::runtime_error;
 };
 
 /// Reads Motorola S-records and checks type, length and checksum of every line, that there is data, and that

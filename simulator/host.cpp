@@ -1,27 +1,49 @@
 // What the simulated host's objects share.
 #include "simulator/host.h"
 
-#include <array>
-#include <utility>
-#include <vector>
+#include <algorithm>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/private_files.h"
 #include "support/text.h"
 
 namespace vex::sim {
 namespace {
 
-using Line = std::array<std::u16string, 3>;
+/// The real root folder on one of the sides, and no scenario may depend on the side.
+constexpr char16_t kRealDrive = u'Z';
 
-/// Characters, as far as UTF-16 can tell without a table of widths.
-std::size_t length(const std::u16string& text) {
-    std::size_t count = 0;
-    for (const char16_t unit : text) count += unit < 0xDC00 || unit > 0xDFFF ? 1 : 0;
-    return count;
+bool matches(const CallPattern& pattern, const Call& call) {
+    return pattern.operation == call.operation && pattern.display.value_or(call.display) == call.display &&
+           pattern.id.value_or(call.id) == call.id;
 }
 
 }  // namespace
+
+ScriptedCall LinkScript::next(const Call& call) {
+    ScriptedCall result;
+    for (Entry& entry : entries_) {
+        if (!matches(entry.pattern, call)) continue;
+        // Every entry counts the call, also one that an earlier fault keeps from taking effect.
+        ++entry.calls;
+        if (entry.pattern.at != 0 && entry.pattern.at != entry.calls) continue;
+        if (entry.message) {
+            result.messages.push_back(*entry.message);
+        } else if (result.fault == FaultKind::none) {
+            result.fault = entry.fault;
+        }
+    }
+    return result;
+}
+
+std::filesystem::path Machine::writable_path(const std::u16string& path) {
+    const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
+    if (path.size() < 4 || drive < u'A' || drive >= kRealDrive || path[1] != u':' || path[2] != u'\\')
+        refuse(path, "is no path on a drive of A: to Y:");
+    platform::make_private_folder(drives() / (std::string("drive_") + static_cast<char>(drive - u'A' + 'a')));
+    return real_path(path);
+}
 
 void Trace::print(std::u16string_view text) { out_ << to_utf8(text) << '\n'; }
 
@@ -46,41 +68,14 @@ void Host::put_display(Display display) {
 void Host::save_displays() {
     if (!std::exchange(displays_changed, false)) return;
     std::filesystem::create_directories(display_file.parent_path());
-    displays.save(display_file);
+    replace_file(display_file, displays.text());
 }
 
 std::optional<std::size_t> Host::display_on_line(const std::u16string& line) const {
     const auto asked = displays.find(display_asked_about);
-    return asked && displays.at(*asked).line() == line ? asked : displays.first_on_line(line);
-}
-
-void print_changed_units(const Host& host, const Units& before, std::ostream& out) {
-    std::vector<Line> lines{{u"Display", u"Unit", u"Holds now"}};
-    int unchanged = 0;
-    for (std::size_t i = 0; i < host.displays.size(); ++i) {
-        const Display& display = host.displays.at(i);
-        for (const std::int16_t id : host.units.ids(display)) {
-            const std::u16string content = describe(host.units.content(display.name, id));
-            if (content == describe(before.content(display.name, id))) {
-                ++unchanged;
-            } else {
-                lines.push_back({display.name, decimal_text(id), content});
-            }
-        }
-    }
-    if (lines.size() == 1) lines.clear();
-    std::array<std::size_t, 2> widths{};
-    for (const Line& line : lines) {
-        for (std::size_t column = 0; column < widths.size(); ++column) {
-            widths[column] = std::max(widths[column], length(line[column]));
-        }
-    }
-    for (const Line& line : lines) {
-        const auto blanks = [&](std::size_t column) { return std::string(widths[column] - length(line[column]), ' '); };
-        out << to_utf8(line[0]) << blanks(0) << "  " << blanks(1) << to_utf8(line[1]) << "  " << to_utf8(line[2])
-            << '\n';
-    }
-    if (unchanged > 0) out << unchanged << (unchanged == 1 ? " unit has" : " units have") << " not changed\n";
+    if (asked && displays.at(*asked).line() == line) return asked;
+    const auto first = std::ranges::find(displays, line, &Display::line);
+    return first == displays.end() ? std::nullopt : displays.find(first->name);
 }
 
 }  // namespace vex::sim

@@ -1,21 +1,123 @@
-// What the simulated host's objects share: its machine, its trace, its displays and their units, its links.
+// What the simulated host's objects share: its machine, its trace, its displays and their units, and what a scenario
+// lets happen on the links to them.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "com/object.h"
 #include "platform/code_page.h"
 #include "platform/registry.h"
 #include "simulator/displays.h"
-#include "simulator/link_script.h"
 
 namespace vex::sim {
+
+/// What a scenario can disturb, by its name: a member of the transmission control, of the finder or of the display
+/// list, or the creation of an object, by its class.
+struct Operation {
+    /// Of static life.
+    std::u16string_view name;
+
+    constexpr bool operator==(const Operation&) const noexcept = default;
+
+    static const Operation OpenConnection, SignID, GetSignInfo, ResetAndClear, DownloadFirmware, PrepareForFirmware,
+        DownloadFirmwareWithLoader, CloseConnection, CancelTransmission;
+};
+
+inline constexpr Operation Operation::OpenConnection{u"OpenConnection"};
+inline constexpr Operation Operation::SignID{u"SignID"};
+inline constexpr Operation Operation::GetSignInfo{u"GetSignInfo"};
+inline constexpr Operation Operation::ResetAndClear{u"ResetAndClear"};
+inline constexpr Operation Operation::DownloadFirmware{u"DownloadFirmware"};
+inline constexpr Operation Operation::PrepareForFirmware{u"PrepareForFirmware"};
+inline constexpr Operation Operation::DownloadFirmwareWithLoader{u"DownloadFirmwareWithLoader"};
+inline constexpr Operation Operation::CloseConnection{u"CloseConnection"};
+inline constexpr Operation Operation::CancelTransmission{u"CancelTransmission"};
+
+/// Which calls something is about; what is not given matches any.
+struct CallPattern {
+    std::optional<std::u16string> display;
+    std::optional<std::int16_t> id;
+    Operation operation;
+    /// Only the N-th matching call, from 1; 0: each.
+    std::int64_t at = 0;
+};
+
+/// One call. The display is empty where no display answers on the line, or none was asked about; the ID is 0 where
+/// none is addressed.
+struct Call {
+    std::u16string display;
+    std::int16_t id = 0;
+    Operation operation;
+};
+
+/// Something on a link, while it happens.
+struct LinkEvent {
+    enum class Kind {
+        /// A call begins.
+        begins,
+        /// Part of a firmware file goes over the link.
+        transfers,
+        /// The control has said something in its status event.
+        says,
+        /// A call has ended.
+        ends,
+    };
+    Kind kind = Kind::begins;
+    Call call;
+    /// Of Kind::transfers: how much of the file the unit has when it is through, and the part's size.
+    int percent = 0;
+    std::size_t bytes = 0;
+    /// Of Kind::ends.
+    bool succeeded = false;
+};
+
+/// `replace`: the call succeeds and puts another object in the place of the one that it was given.
+enum class FaultKind { none, fail, raise, replace };
+
+/// A status message that the control says during a call, and what the user does while he sees it.
+struct ScriptedMessage {
+    std::u16string text;
+    /// Empty: he only reads it.
+    std::function<void()> reaction;
+    bool was_read = false;
+};
+
+/// What the script has for one call.
+struct ScriptedCall {
+    FaultKind fault = FaultKind::none;
+    std::vector<ScriptedMessage> messages;
+
+    bool fails() const noexcept { return fault == FaultKind::fail; }
+};
+
+class LinkScript {
+public:
+    void add_fault(const CallPattern& pattern, FaultKind kind) { entries_.push_back({pattern, kind, {}}); }
+    void add_message(const CallPattern& pattern, ScriptedMessage message) {
+        entries_.push_back({pattern, FaultKind::none, std::move(message)});
+    }
+    /// Counts the call; to be asked once for each call.
+    ScriptedCall next(const Call& call);
+
+private:
+    struct Entry {
+        CallPattern pattern;
+        FaultKind fault;
+        std::optional<ScriptedMessage> message;
+        std::int64_t calls = 0;
+    };
+
+    std::vector<Entry> entries_;
+};
 
 /// One per process; used on the host's thread.
 class Machine {
@@ -29,10 +131,14 @@ public:
     virtual std::filesystem::path real_path(const std::u16string& path) = 0;
     /// Makes the drive of a path where it is missing and answers the real file behind the path. Raises
     /// `std::invalid_argument` for a path without a drive letter or on a drive that is not the run's own.
-    virtual std::filesystem::path writable_path(const std::u16string& path) = 0;
+    std::filesystem::path writable_path(const std::u16string& path);
     virtual void hide(const std::u16string& path) = 0;
     /// Told the path of each program that is started in place of it.
     virtual void on_program_started(std::function<void(const std::u16string&)> listener) = 0;
+
+private:
+    /// Where the run's drives lie, each in a folder: drive C: is drive_c.
+    virtual const std::filesystem::path& drives() const = 0;
 };
 
 /// Writes UTF-8 lines. `out` must outlive it.
@@ -96,9 +202,5 @@ struct Host {
     /// The display that answers on a line, by its position.
     std::optional<std::size_t> display_on_line(const std::u16string& line) const;
 };
-
-/// A line for each unit that does not hold what it held `before`, in the host's order of the displays; then how many
-/// still do.
-void print_changed_units(const Host& host, const Units& before, std::ostream& out);
 
 }  // namespace vex::sim

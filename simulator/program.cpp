@@ -1,8 +1,10 @@
 // The program of the simulated host.
 #include "simulator/program.h"
 
-#include <charconv>
+#include <algorithm>
 #include <iostream>
+#include <iterator>
+#include <sstream>
 
 #include "simulator/scenario.h"
 #include "simulator/session.h"
@@ -11,13 +13,144 @@
 namespace vex::sim {
 namespace {
 
-double read_speed(const std::string& word) {
-    double speed = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), speed);
-    if (error != std::errc() || end != word.data() + word.size() || !(speed >= kSlowest && speed <= kFastest)) {
-        throw std::invalid_argument("\"" + word + "\" is no speed from 0.1 to 1000");
+namespace fs = std::filesystem;
+
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+}
+
+/// "OBJECT." of a line that tells what one object is asked or says; otherwise empty.
+std::string object_of(const std::string& line) {
+    const std::size_t begin = line.find(' ') + 1;
+    const std::size_t end = line.find_first_of(".\" ", begin);
+    return begin != 0 && end != line.npos && line[end] == '.' ? line.substr(begin, end + 1 - begin) : std::string();
+}
+
+/// What comes several times in a row as one, and what follows of one object on its line, as far as that is wide enough.
+std::string folded(const std::string& text) {
+    constexpr std::size_t kWidth = 120;
+    const std::vector<std::string> lines = lines_of(text);
+    std::vector<std::string> result;
+    std::string last_object;
+    for (auto line = lines.begin(); line != lines.end();) {
+        const auto next = std::find_if(line, lines.end(), [&line](const std::string& other) { return other != *line; });
+        const std::string times = next - line > 1 ? " (" + std::to_string(next - line) + " times)" : std::string();
+        const std::string object = object_of(*line);
+        std::string more = "; " + *line + times;
+        more.erase(more.find(object), object.size());
+        if (!object.empty() && object == last_object && result.back().size() + more.size() <= kWidth) {
+            result.back() += more;
+        } else {
+            result.push_back(*line + times);
+        }
+        last_object = object;
+        line = next;
     }
-    return speed;
+    std::string whole;
+    for (const std::string& line : result) whole += line + '\n';
+    return whole;
+}
+
+/// From the first line that differs to the last.
+std::string difference(const std::string& file, const std::string& recorded, const std::string& found) {
+    const std::vector<std::string> before = lines_of(recorded);
+    const std::vector<std::string> now = lines_of(found);
+    const auto [gone, come] = std::mismatch(before.begin(), before.end(), now.begin(), now.end());
+    const auto [gone_end, come_end] = std::mismatch(before.rbegin(), std::make_reverse_iterator(gone), now.rbegin(),
+                                                    std::make_reverse_iterator(come));
+    std::string text = "  " + file + ", line " + std::to_string(gone - before.begin() + 1) + ":\n";
+    for (auto line = gone; line != gone_end.base(); ++line) text += "  -" + *line + '\n';
+    for (auto line = come; line != come_end.base(); ++line) text += "  +" + *line + '\n';
+    return text;
+}
+
+/// What is not as recorded; empty: everything is.
+std::string compare(const CommandLine& options, const fs::path& scenario, const ProgramSide& side) {
+    std::ostringstream trace, messages;
+    const ExitStatus status = side.play(options, scenario.string(), trace, messages);
+    std::string faults;
+    if (status != kPassed) faults += "  exit status " + std::to_string(status) + '\n' + messages.str();
+    const auto check = [&](const char* extension, const std::string& found, bool always) {
+        fs::path file = scenario;
+        file.replace_extension(extension);
+        if (options.record) {
+            fs::remove(file);
+            if (always || !found.empty()) replace_file(file, found);
+            return;
+        }
+        const std::string recorded = always || fs::exists(file) ? read_file(file) : std::string();
+        if (recorded != found) faults += difference(file.string(), recorded, found);
+    };
+    check(".trace", folded(trace.str()), true);
+    check(".errors", messages.str(), false);
+    return faults;
+}
+
+ExitStatus compare_scenarios(const CommandLine& options, const ProgramSide& side) {
+    std::vector<fs::path> files;
+    for (const std::string& file : options.scenarios) files.push_back(fs::absolute(file));
+    CommandLine whole = options;
+    if (whole.data) whole.data = fs::absolute(*whole.data);
+    if (whole.plugin) whole.plugin = fs::absolute(*whole.plugin);
+    std::size_t failed = 0;
+    for (const fs::path& file : files) {
+        // Said first: where a run ends with the program, its scenario is known.
+        std::cout << file.filename().string() << ": " << std::flush;
+        std::string faults;
+        try {
+            // Names in messages and relative files are then the same wherever the folder lies.
+            fs::current_path(file.parent_path());
+            faults = compare(whole, file.filename(), side);
+        } catch (const std::exception& error) {
+            faults = std::string("  ") + error.what() + '\n';
+        }
+        std::cout << (faults.empty() ? "as recorded\n" : "FAILED\n" + faults);
+        if (!faults.empty()) ++failed;
+    }
+    std::cout << files.size() - failed << " scenarios passed, " << failed << " failed\n";
+    return failed == 0 ? kPassed : kFailed;
+}
+
+double read_speed(const std::string& word) {
+    const auto speed = number_of<double>(word);
+    if (speed && *speed >= 0.1 && *speed <= 1000) return *speed;
+    throw std::invalid_argument("\"" + word + "\" is no speed from 0.1 to 1000");
+}
+
+constexpr char kUsage[] = R"(brivola-sim: a simulated host with displays, for the firmware plug-in
+
+  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace
+  brivola-sim controls   prints the controls of each dialog, by the names that scenarios use (not on Windows)
+  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is
+                         none, plays the sample scenario and draws each screen as text
+
+  --compare      plays several FILEs and compares each trace with the one recorded in FILE.trace, messages
+                 with FILE.errors; --record writes these anew
+  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own
+  --plugin PATH  the plug-in's library; without it the one beside this program
+  --quiet        prints no trace, only what the scenario shows
+  --pictures     draws each screen of the scenario as text (not on Windows)
+  --speed N      on the terminal: makes the simulated links N times as fast as usual (0.1 to 1000)
+
+Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage,
+128 + N the wizard was ended by signal N.
+
+Statements, one a line (# begins a comment):
+)";
+
+constexpr std::pair<std::string_view, bool CommandLine::*> kFlags[] = {
+    {"--help", &CommandLine::help},         {"-h", &CommandLine::help},           {"--quiet", &CommandLine::quiet},
+    {"--pictures", &CommandLine::pictures}, {"--compare", &CommandLine::compare}, {"--record", &CommandLine::record},
+};
+
+int run(const CommandLine& options, const ProgramSide& side) {
+    if (options.controls) return side.print_controls(options);
+    if (options.scenarios.empty()) return side.play_without_scenario(options);
+    if (options.compare) return compare_scenarios(options, side);
+    return side.play(options, options.scenarios.front(), std::cout, std::cerr);
 }
 
 }  // namespace
@@ -32,16 +165,10 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
                 throw std::invalid_argument(word + " needs a value");
             return arguments[++i];
         };
-        if (word == "--help" || word == "-h") {
-            line.help = true;
-        } else if (word == "--quiet") {
-            line.quiet = true;
-        } else if (word == "--pictures") {
-            line.pictures = true;
-        } else if (word == "--compare") {
-            line.compare = true;
-        } else if (word == "--record") {
-            line.compare = line.record = true;
+        const auto* const flag =
+            std::ranges::find(kFlags, word, &std::pair<std::string_view, bool CommandLine::*>::first);
+        if (flag != std::end(kFlags)) {
+            line.*flag->second = true;
         } else if (word == "--speed") {
             line.speed = read_speed(value());
         } else if (word == "--data") {
@@ -58,6 +185,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
             throw std::invalid_argument("\"" + word + "\" is not understood");
         }
     }
+    line.compare = line.compare || line.record;
     if ((runs || line.compare) && line.scenarios.empty() && !line.help)
         throw std::invalid_argument("run needs a scenario file");
     if (line.scenarios.size() > 1 && !line.compare)
@@ -65,32 +193,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
     return line;
 }
 
-std::string usage() {
-    return "brivola-sim: a simulated host with displays, for the firmware plug-in\n"
-           "\n"
-           "  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace\n"
-           "  brivola-sim controls   prints the controls of each dialog, by the names that scenarios use (not on "
-           "Windows)\n"
-           "  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is\n"
-           "                         none, plays the sample scenario and draws each screen as text\n"
-           "\n"
-           "  --compare      plays several FILEs and compares each trace with the one recorded in FILE.trace, "
-           "messages\n"
-           "                 with FILE.errors; --record writes these anew\n"
-           "  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own\n"
-           "  --plugin PATH  the plug-in's library; without it the one beside this program\n"
-           "  --quiet        prints no trace, only what the scenario shows\n"
-           "  --pictures     draws each screen of the scenario as text (not on Windows)\n"
-           "  --speed N      on the terminal: makes the simulated links N times as fast as usual (0.1 to 1000)\n"
-           "\n"
-           "Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage,\n"
-           "128 + N the wizard was ended by signal N.\n"
-           "\n"
-           "Statements, one a line (# begins a comment):\n" +
-           statement_reference();
-}
-
-int run_program(std::span<const std::string> words, const std::function<int(const CommandLine& options)>& play) {
+int run_program(std::span<const std::string> words, const ProgramSide& side) {
     constexpr char kName[] = "brivola-sim: ";
     CommandLine options;
     try {
@@ -100,11 +203,11 @@ int run_program(std::span<const std::string> words, const std::function<int(cons
         return kBadUsage;
     }
     if (options.help) {
-        std::cout << usage() << std::flush;
+        std::cout << kUsage << statement_reference() << std::flush;
         return std::cout ? kPassed : kFailed;
     }
     try {
-        return play(options);
+        return run(options, side);
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {

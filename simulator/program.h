@@ -1,9 +1,11 @@
-// The program of the simulated host: its command line and its exit statuses.
+// The program of the simulated host: its command line, its exit statuses, and the comparison of what it plays with what
+// is recorded.
 #pragma once
 
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <ostream>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -31,20 +33,29 @@ struct CommandLine {
     bool quiet = false;
     /// Draws each screen of a scenario as text.
     bool pictures = false;
-    /// How many times as fast as usual the simulated links are, where somebody watches.
+    /// How many times as fast as usual the simulated links are, where somebody watches: 0.1 to 1000.
     double speed = 1;
 };
-
-/// The range of `CommandLine::speed`.
-constexpr double kSlowest = 0.1;
-constexpr double kFastest = 1000;
 
 /// Without the program's name. Raises `std::invalid_argument`.
 CommandLine parse_command_line(std::span<const std::string> arguments);
 
-std::string usage();
+/// What a side does for its program. Each answers the exit status, and raises `std::exception`.
+struct ProgramSide {
+    /// Plays one scenario file on a host of its own; the trace goes to `out`, messages to `errors`.
+    std::function<ExitStatus(const CommandLine& options, const std::string& file, std::ostream& out,
+                             std::ostream& errors)>
+        play;
+    /// No scenario is named.
+    int (*play_without_scenario)(const CommandLine& options);
+    /// Prints what controls each of the plug-in's dialogs has.
+    int (*print_controls)(const CommandLine& options);
+};
 
-/// Does what the words say: tells the usage, or lets `play` do the rest. Tells of errors, and answers the exit status.
-int run_program(std::span<const std::string> words, const std::function<int(const CommandLine& options)>& play);
+/// Does what the words say and answers the exit status. Scenarios are compared each in its own folder. One is as
+/// recorded when it passes, its trace is that of FILE.trace, where what comes several times in a row is told once and what
+/// one object is asked and says shares lines, and
+/// its messages are those of FILE.errors, or none where that file is missing.
+int run_program(std::span<const std::string> words, const ProgramSide& side);
 
 }  // namespace vex::sim

@@ -1,90 +1,110 @@
-// Registry values as scenarios write and show them.
+// Registry values as scenarios write and show them, and registry exports.
 #include "simulator/registry_editor.h"
 
-#include <array>
+#include <algorithm>
 #include <limits>
-#include <stdexcept>
 
+#include "core/digits.h"
 #include "core/narrow.h"
 #include "core/unicode.h"
+#include "platform/native/registry_text.h"
 #include "simulator/words.h"
 
 namespace vex::sim {
 namespace {
 
+namespace native = platform::native;
+
 struct Root {
     std::u16string_view name;
+    /// In an export; empty: is not imported.
+    std::u16string_view exported;
     std::int32_t handle;
 };
 
-constexpr std::array<Root, 3> kRoots = {{
-    {u"HKLM", platform::kHkeyLocalMachine},
-    {u"HKCU", platform::kHkeyCurrentUser},
-    {u"HKCR", platform::kHkeyClassesRoot},
-}};
-
-struct Type {
-    std::u16string_view name;
-    std::uint32_t type;
+constexpr Root kRoots[] = {
+    {u"HKLM", u"HKEY_LOCAL_MACHINE", platform::kHkeyLocalMachine},
+    {u"HKCU", u"HKEY_CURRENT_USER", platform::kHkeyCurrentUser},
+    {u"HKCR", u"", platform::kHkeyClassesRoot},
 };
 
-constexpr std::array<Type, 5> kTypes = {{
-    {u"sz", platform::kRegSz},
-    {u"expand_sz", platform::kRegExpandSz},
-    {u"multi_sz", platform::kRegMultiSz},
-    {u"dword", platform::kRegDword},
-    {u"binary", platform::kRegBinary},
-}};
+constexpr std::pair<std::u16string_view, std::uint32_t> kTypes[] = {
+    {u"sz", platform::kRegSz},       {u"expand_sz", platform::kRegExpandSz}, {u"multi_sz", platform::kRegMultiSz},
+    {u"dword", platform::kRegDword}, {u"binary", platform::kRegBinary},
+};
 
 constexpr std::u16string_view kNullMark = u"\\0";
+constexpr std::size_t kDwordSize = 4;
 
-const Root* root_of(std::u16string_view text) noexcept {
-    const std::u16string_view name = text.substr(0, text.find(u'\\'));
-    for (const Root& root : kRoots) {
-        if (name == root.name) return &root;
+const Root* root_of(std::u16string_view path) noexcept {
+    const auto* const root = std::ranges::find(kRoots, path.substr(0, path.find(u'\\')), &Root::name);
+    return root == std::end(kRoots) ? nullptr : root;
+}
+
+std::uint32_t type_of(std::u16string_view word) {
+    std::string names;
+    for (const auto& [name, type] : kTypes) {
+        if (name == word) return type;
+        names += (names.empty() ? "" : ", ") + to_utf8(name);
     }
-    return nullptr;
+    refuse(word, "is none of " + names);
 }
 
-std::vector<std::uint8_t> bytes_of(std::string_view text) { return {text.begin(), text.end()}; }
-
-std::uint8_t hex_value(char16_t digit) {
-    if (digit >= u'0' && digit <= u'9') return static_cast<std::uint8_t>(digit - u'0');
-    const char16_t upper = to_upper(digit);
-    if (upper >= u'A' && upper <= u'F') return static_cast<std::uint8_t>(upper - u'A' + 10);
-    throw std::invalid_argument("a binary value is written in hexadecimal digits");
+std::string dword_bytes(std::u16string_view text) {
+    auto number = parse_number(text, 0, std::numeric_limits<std::uint32_t>::max());
+    if (!number) refuse(text, "is no number of 32 bits");
+    std::string bytes;
+    for (; bytes.size() < kDwordSize; *number >>= 8) bytes += static_cast<char>(*number & 0xFF);
+    return bytes;
 }
 
-std::vector<std::uint8_t> parse_binary(std::u16string_view text) {
+std::string binary_bytes(std::u16string_view text) {
     if (text.size() % 2 != 0) throw std::invalid_argument("a binary value needs two digits for each byte");
-    std::vector<std::uint8_t> bytes;
+    std::string bytes;
     for (std::size_t i = 0; i < text.size(); i += 2) {
-        bytes.push_back(static_cast<std::uint8_t>(hex_value(text[i]) * 16 + hex_value(text[i + 1])));
+        const int high = hex_value(text[i]);
+        const int low = hex_value(text[i + 1]);
+        if (high < 0 || low < 0) throw std::invalid_argument("a binary value is written in hexadecimal digits");
+        bytes += static_cast<char>(high * 16 + low);
     }
     return bytes;
 }
 
-std::u16string show_binary(const std::vector<std::uint8_t>& bytes) {
-    constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
-    std::u16string text;
-    for (const std::uint8_t byte : bytes) {
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 0xFU];
-    }
-    return text;
+/// Each text with its null, and one more that ends the list.
+std::u16string list_of_texts(std::u16string text) {
+    for (std::size_t at = text.find(kNullMark); at != text.npos; at = text.find(kNullMark, at))
+        text.replace(at, kNullMark.size(), 1, u'\0');
+    if (!text.empty() && text.back() != u'\0') text += u'\0';
+    return text + u'\0';
 }
 
-/// The operations take null-terminated texts.
-std::string narrow(const platform::CodePage& code_page, std::u16string_view text) { return code_page.to_ansi(text); }
+/// The path of an exported key where a 32-bit program finds it: 64-bit Windows keeps such keys in a branch of their
+/// own.
+std::u16string path_of_32_bits(std::u16string_view path) {
+    std::u16string_view rest = path;
+    const std::u16string_view first = native::take_name(rest);
+    const std::u16string_view second = native::take_name(rest);
+    const bool own_branch = equal_ignoring_case(first, u"Software") && equal_ignoring_case(second, u"WOW6432Node");
+    return own_branch ? std::u16string(first) + u'\\' + std::u16string(rest) : std::u16string(path);
+}
+
+RegistryPath imported_path(const native::RegistrySection& section) {
+    std::u16string_view path = section.path;
+    const std::u16string_view name = native::take_name(path);
+    for (const Root& root : kRoots) {
+        if (!section.deleted && !root.exported.empty() && equal_ignoring_case(name, root.exported))
+            return {root.handle, path_of_32_bits(path)};
+    }
+    throw std::runtime_error("only keys of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER are imported, and none deleted");
+}
 
 }  // namespace
 
 RegistryPath parse_registry_path(std::u16string_view text) {
     const Root* root = root_of(text);
     const std::size_t separator = text.find(u'\\');
-    if (root == nullptr || separator == text.npos || separator + 1 == text.size()) {
-        throw std::invalid_argument("\"" + to_utf8(text) + "\" is no ROOT\\KEY with a root of HKLM, HKCU or HKCR");
-    }
+    if (root == nullptr || separator == text.npos || separator + 1 == text.size())
+        refuse(text, "is no ROOT\\KEY with a root of HKLM, HKCU or HKCR");
     return {root->handle, std::u16string(text.substr(separator + 1))};
 }
 
@@ -92,110 +112,94 @@ bool is_registry_path(std::u16string_view text) noexcept {
     return text.find(u'\\') != text.npos && root_of(text) != nullptr;
 }
 
-RegistryValue RegistryEditor::parse(std::u16string_view type, std::u16string_view text) const {
-    std::string names;
-    for (const Type& entry : kTypes) {
-        names += (names.empty() ? "" : ", ") + to_utf8(entry.name);
-        if (entry.name != type) continue;
-        RegistryValue value{entry.type, {}};
-        switch (entry.type) {
-            case platform::kRegDword: {
-                const auto number = parse_number(text, 0, std::numeric_limits<std::uint32_t>::max());
-                if (!number) throw std::invalid_argument("\"" + to_utf8(text) + "\" is no number of 32 bits");
-                for (unsigned shift = 0; shift < 32; shift += 8) {
-                    value.bytes.push_back(static_cast<std::uint8_t>(*number >> shift & 0xFF));
-                }
-                break;
-            }
-            case platform::kRegBinary:
-                value.bytes = parse_binary(text);
-                break;
-            case platform::kRegMultiSz: {
-                // Each text with its null, and one more that ends the list.
-                std::u16string_view rest = text;
-                std::string bytes;
-                while (!rest.empty()) {
-                    const std::size_t end = std::min(rest.find(kNullMark), rest.size());
-                    bytes += narrow(code_page_, rest.substr(0, end)) + '\0';
-                    rest.remove_prefix(std::min(end + kNullMark.size(), rest.size()));
-                }
-                value.bytes = bytes_of(bytes + '\0');
-                break;
-            }
-            default:
-                value.bytes = bytes_of(narrow(code_page_, text) + '\0');
-                break;
-        }
-        return value;
-    }
-    throw std::invalid_argument("\"" + to_utf8(type) + "\" is none of " + names);
-}
-
-std::u16string RegistryEditor::show(const RegistryValue& value) const {
-    std::string text(value.bytes.begin(), value.bytes.end());
-    switch (value.type) {
-        case platform::kRegSz:
-        case platform::kRegExpandSz:
-            return code_page_.from_ansi(text.substr(0, text.find('\0')));
-        case platform::kRegMultiSz: {
-            while (!text.empty() && text.back() == '\0') text.pop_back();
-            std::u16string shown;
-            for (const char16_t character : code_page_.from_ansi(text)) {
-                character == u'\0' ? shown.append(kNullMark) : shown.append(1, character);
-            }
-            return shown;
-        }
-        case platform::kRegDword:
-            if (value.bytes.size() == 4) {
-                std::uint32_t number = 0;
-                for (std::size_t i = 4; i-- > 0;) number = number << 8U | value.bytes[i];
-                return from_utf8(std::to_string(number));
-            }
-            break;
-        default:
-            break;
-    }
-    return show_binary(value.bytes);
-}
-
-void RegistryEditor::write(std::int32_t root, std::u16string_view key, std::u16string_view name,
-                          const RegistryValue& value) {
-    platform::RegistryKey handle = 0;
-    std::int32_t result = registry_.create_key(platform::registry_key(root), narrow(code_page_, key).c_str(), "",
-                                               platform::kKeyWrite, {}, handle);
+void RegistryEditor::change(const RegistryPath& path, const Change& work) {
+    platform::RegistryKey key = 0;
+    std::int32_t result = registry_.create_key(platform::registry_key(path.root), narrow(path.key).c_str(), "",
+                                               platform::kKeyWrite, {}, key);
     if (result == platform::kSuccess) {
-        result = registry_.set_value(handle, narrow(code_page_, name).c_str(), value.type, value.bytes.data(),
-                                     narrowed<std::uint32_t>(value.bytes.size()));
-        registry_.close_key(handle);
+        result = work(key);
+        registry_.close_key(key);
     }
-    if (result != platform::kSuccess) {
-        throw std::runtime_error("the registry refuses " + to_utf8(key) + " (result " + std::to_string(result) + ")");
-    }
+    if (result == platform::kSuccess) return;
+    throw std::runtime_error("the registry refuses " + to_utf8(path.key) + " (result " + std::to_string(result) + ")");
 }
 
-void RegistryEditor::write_text(std::int32_t root, std::u16string_view key, std::u16string_view name,
-                               std::u16string_view text) {
-    write(root, key, name, parse(u"sz", text));
+std::int32_t RegistryEditor::set(platform::RegistryKey key, std::u16string_view name, std::uint32_t type,
+                                 std::string_view data) {
+    return registry_.set_value(key, narrow(name).c_str(), type, reinterpret_cast<const std::uint8_t*>(data.data()),
+                               narrowed<std::uint32_t>(data.size()));
 }
 
-std::optional<RegistryValue> RegistryEditor::read(std::int32_t root, std::u16string_view key,
-                                                 std::u16string_view name) const {
-    platform::RegistryKey handle = 0;
-    if (registry_.open_key(platform::registry_key(root), narrow(code_page_, key).c_str(), platform::kKeyRead, handle) !=
-        platform::kSuccess) {
-        return std::nullopt;
-    }
-    RegistryValue value;
+void RegistryEditor::write(const RegistryPath& path, std::u16string_view name, std::u16string_view type_word,
+                           std::u16string_view given) {
+    const std::uint32_t type = type_of(type_word);
+    const std::u16string text(given);
+    const std::string data = type == platform::kRegDword     ? dword_bytes(text)
+                             : type == platform::kRegBinary  ? binary_bytes(text)
+                             : type == platform::kRegMultiSz ? narrow(list_of_texts(text))
+                                                             : narrow(text + u'\0');
+    change(path, [&](platform::RegistryKey key) { return set(key, name, type, data); });
+}
+
+std::u16string RegistryEditor::show(const RegistryPath& path, std::u16string_view name) const {
+    platform::RegistryKey key = 0;
+    std::uint32_t type = 0;
     std::uint32_t size = 0;
-    const std::string value_name = narrow(code_page_, name);
-    std::int32_t result = registry_.query_value(handle, value_name.c_str(), value.type, nullptr, size);
-    if (result == platform::kSuccess && size > 0) {
-        value.bytes.resize(size);
-        result = registry_.query_value(handle, value_name.c_str(), value.type, value.bytes.data(), size);
-        value.bytes.resize(size);
+    std::string data;
+    const std::string value = narrow(name);
+    std::int32_t result =
+        registry_.open_key(platform::registry_key(path.root), narrow(path.key).c_str(), platform::kKeyRead, key);
+    if (result == platform::kSuccess) {
+        result = registry_.query_value(key, value.c_str(), type, nullptr, size);
+        data.resize(size);
+        if (result == platform::kSuccess && size > 0)
+            result =
+                registry_.query_value(key, value.c_str(), type, reinterpret_cast<std::uint8_t*>(data.data()), size);
+        registry_.close_key(key);
     }
-    registry_.close_key(handle);
-    return result == platform::kSuccess ? std::optional(std::move(value)) : std::nullopt;
+    if (result != platform::kSuccess) return u"(none)";
+    if (type == platform::kRegSz || type == platform::kRegExpandSz)
+        return code_page_.from_ansi(data.substr(0, data.find('\0')));
+    std::u16string shown;
+    if (type == platform::kRegMultiSz) {
+        data.resize(data.find_last_not_of('\0') + 1);
+        for (const char16_t character : code_page_.from_ansi(data))
+            shown += character == u'\0' ? std::u16string(kNullMark) : std::u16string(1, character);
+    } else if (type == platform::kRegDword && data.size() == kDwordSize) {
+        std::uint32_t number = 0;
+        for (std::size_t i = kDwordSize; i-- > 0;) number = number << 8U | static_cast<unsigned char>(data[i]);
+        shown = decimal_text(number);
+    } else {
+        for (const char byte : data) shown += digits_of(static_cast<unsigned char>(byte), 16, 2);
+    }
+    return shown;
+}
+
+void RegistryEditor::import(const std::string& file, std::string_view bytes) {
+    std::size_t line = 0;
+    try {
+        for (const native::RegistrySection& section : native::read_registry(bytes)) {
+            line = section.line;
+            change(imported_path(section), [&](platform::RegistryKey key) {
+                std::int32_t result = platform::kSuccess;
+                for (auto entry = section.entries.begin(); entry != section.entries.end() && result == 0; ++entry) {
+                    const auto& [name, type, data] = entry->value;
+                    if (entry->deleted) {
+                        registry_.delete_value(key, narrow(name).c_str());
+                    } else {
+                        result = set(key, name, type,
+                                     native::is_string(type) ? narrow(native::text_of(data))
+                                                             : std::string(data.begin(), data.end()));
+                    }
+                }
+                return result;
+            });
+        }
+    } catch (const native::RegistryDamage& damage) {
+        throw TextError(file, damage.line(), damage.what());
+    } catch (const std::runtime_error& error) {
+        throw TextError(file, line, error.what());
+    }
 }
 
 }  // namespace vex::sim

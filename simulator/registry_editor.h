@@ -1,20 +1,18 @@
-// Registry values as scenarios write and show them, over the registry seam.
+// Registry values as scenarios write and show them, and registry exports, over the registry seam.
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "platform/code_page.h"
-#include "platform/registry.h"
+#include "simulator/host.h"
 
 namespace vex::sim {
 
 /// A place in the registry: a root and the path below it.
 struct RegistryPath {
-    std::int32_t root = 0;
+    std::int32_t root = platform::kHkeyLocalMachine;
     std::u16string key;
 };
 
@@ -23,35 +21,28 @@ RegistryPath parse_registry_path(std::u16string_view text);
 /// Whether a word begins like such a path.
 bool is_registry_path(std::u16string_view text) noexcept;
 
-/// A value's type and bytes.
-struct RegistryValue {
-    std::uint32_t type = 0;
-    std::vector<std::uint8_t> bytes;
-};
-
+/// Writing makes the missing keys, and raises `std::runtime_error` with the registry's result code when it refuses.
 class RegistryEditor {
 public:
-    RegistryEditor(platform::Registry& registry, const platform::CodePage& code_page) noexcept
-        : registry_(registry), code_page_(code_page) {}
+    explicit RegistryEditor(Machine& machine) : registry_(machine.registry()), code_page_(machine.code_page()) {}
 
-    /// The bytes of a value: TYPE sz, expand_sz, multi_sz ("\0" between), dword (decimal), binary (hex).
-    /// Raises `std::invalid_argument` for another type, or a text that is no value of it.
-    RegistryValue parse(std::u16string_view type, std::u16string_view text) const;
-    /// The text of a value, the other way round. Values of other types are shown as bytes.
-    std::u16string show(const RegistryValue& value) const;
-
-    /// Makes the missing keys. Raises `std::runtime_error` with the registry's result code when it refuses.
-    void write(std::int32_t root, std::u16string_view key, std::u16string_view name, const RegistryValue& value);
-    void write_text(std::int32_t root, std::u16string_view key, std::u16string_view name, std::u16string_view text);
-    /// Nothing where the key or the value is missing.
-    std::optional<RegistryValue> read(std::int32_t root, std::u16string_view key, std::u16string_view name) const;
+    /// TYPE: sz, expand_sz, multi_sz ("\0" between), dword (decimal), binary (hex). Raises `std::invalid_argument` for
+    /// another type, or a text that is no value of it.
+    void write(const RegistryPath& path, std::u16string_view name, std::u16string_view type, std::u16string_view text);
+    /// The text of a value, the other way round, or "(none)". Values of other types are shown as bytes.
+    std::u16string show(const RegistryPath& path, std::u16string_view name) const;
+    /// Merges an export into the registry. Raises `TextError`; `file`: how messages name the export.
+    void import(const std::string& file, std::string_view bytes);
 
 private:
+    using Change = std::function<std::int32_t(platform::RegistryKey key)>;
+
+    void change(const RegistryPath& path, const Change& work);
+    std::int32_t set(platform::RegistryKey key, std::u16string_view name, std::uint32_t type, std::string_view data);
+    std::string narrow(std::u16string_view text) const { return code_page_.to_ansi(text); }
+
     platform::Registry& registry_;
     const platform::CodePage& code_page_;
 };
-
-using platform::kHkeyClassesRoot;
-using platform::kHkeyLocalMachine;
 
 }  // namespace vex::sim

@@ -1,97 +1,228 @@
-// Reads scenarios.
+// Reads and plays scenarios.
 #include "simulator/scenario.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <stdexcept>
+#include <utility>
 
+#include "core/digits.h"
+#include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "simulator/statements.h"
+#include "simulator/class_library.h"
+#include "simulator/session.h"
 
 namespace vex::sim {
 namespace {
 
-constexpr std::u16string_view kInclude = u"include";
-constexpr char kIncludeUsage[] = "include FILE";
+/// Where the session shows what the control says.
+constexpr char16_t kStatusControl[] = u"lblStatus";
 
-const StatementType& type_of(const Words& words) {
-    for (const auto& statements : {statements_of_host(), statements_of_user()}) {
-        const auto type = std::ranges::find(statements, words.front(), &StatementType::name);
-        if (type == statements.end()) continue;
-        if (words.size() < type->fewest_words || words.size() > type->most_words) {
-            throw std::invalid_argument(std::string("expected ") + type->usage);
+void read(Scenario& scenario, const std::string& file, std::string_view text, const std::filesystem::path& folder,
+          int depth) {
+    constexpr int kDeepest = 8;
+    const auto name = std::make_shared<const std::string>(file);
+    read_lines(file, text, {}, [&](const Words& words, std::size_t line) {
+        const StatementType& type = statement_type(words);
+        if (type.play != nullptr) {
+            type.play(words, nullptr);
+            scenario.push_back({{name, line}, words});
+            return;
         }
-        return *type;
-    }
-    refuse("no statement", words.front());
-}
-
-/// Reads a scenario and the files that it includes, statement by statement.
-struct Parser {
-    Scenario& scenario;
-    const std::filesystem::path& folder;
-
-    void read(const std::string& file, std::string_view text, int depth) {
-        const auto name = std::make_shared<const std::string>(file);
-        read_lines(file, text, {}, [&](const Words& words, std::size_t line) {
-            if (words.front() == kInclude) return include(words, depth);
-            scenario.statements.push_back({{name, line}, control_of(words), read_statement(words)});
-        });
-    }
-
-private:
-    void include(const Words& words, int depth) {
-        constexpr int kDeepest = 8;
-        if (words.size() != 2) throw std::invalid_argument(std::string("expected ") + kIncludeUsage);
         if (depth == kDeepest) throw std::invalid_argument("files include each other too deeply");
         const std::filesystem::path included = folder / std::filesystem::path(words[1]);
-        std::string text;
+        std::string content;
         try {
-            text = read_file(included);
-        } catch (const std::exception& error) {
+            content = read_file(included);
+        } catch (const TextError& error) {
             throw std::invalid_argument(error.what());
         }
-        read(included.string(), text, depth + 1);
-    }
+        read(scenario, included.string(), content, folder, depth + 1);
+    });
+}
 
-    static std::u16string control_of(const Words& words) {
-        const StatementType& type = type_of(words);
-        if (type.control == 0 || is_registry_path(words[type.control])) return {};
-        return words[type.control].substr(0, words[type.control].find(u'.'));
-    }
-};
+/// The control that a statement acts on or looks at; empty: none.
+std::u16string control_of(const Words& words) {
+    const std::size_t position = statement_type(words).control;
+    if (position == 0 || is_registry_path(words[position])) return {};
+    return words[position].substr(0, words[position].find(u'.'));
+}
+
+std::u16string_view shown_answer(forms::MessageAnswer answer) {
+    if (answer == forms::MessageAnswer::ok) return u"OK";
+    return answer == forms::MessageAnswer::yes ? u"Yes" : u"No";
+}
+
+template <class Answer>
+std::optional<Answer> take(std::deque<Answer>& queue) {
+    if (queue.empty()) return std::nullopt;
+    std::optional<Answer> answer(std::move(queue.front()));
+    queue.pop_front();
+    return answer;
+}
 
 }  // namespace
 
-void refuse(std::string_view what, const std::u16string& word) {
-    throw std::invalid_argument(to_utf8(in_quotes(word)) + " is " + std::string(what));
-}
-
-std::size_t read_count(const std::u16string& word, std::int64_t most) {
-    const auto number = parse_number(word, 1, most);
-    if (!number) refuse("no number from 1 to " + std::to_string(most), word);
-    return static_cast<std::size_t>(*number);
-}
-
-std::optional<std::u16string> value_of(std::u16string_view key, const std::u16string& word) {
-    if (word.substr(0, key.size()) != key || word.size() <= key.size() || word[key.size()] != u'=') return std::nullopt;
-    return word.substr(key.size() + 1);
-}
-
-Action read_statement(const Words& words) { return type_of(words).read(words); }
-
 Scenario parse_scenario(const std::string& file, std::string_view text, const std::filesystem::path& folder) {
     Scenario scenario;
-    Parser{scenario, folder}.read(file, text, 0);
+    read(scenario, file, text, folder, 0);
     return scenario;
 }
 
-std::string statement_reference() {
-    std::string text = std::string("  ") + kIncludeUsage + "\n";
-    for (const auto& statements : {statements_of_host(), statements_of_user()}) {
-        for (const StatementType& type : statements) text += std::string("  ") + type.usage + "\n";
+ScenarioPlayer::ScenarioPlayer(const Scenario& scenario, Host& its_host, Screen& its_screen, PluginHost& plugin,
+                               std::ostream& errors, std::filesystem::path folder)
+    : host(its_host),
+      screen(its_screen),
+      registry(host.machine),
+      scenario_(scenario),
+      plugin_(plugin),
+      errors_(errors),
+      folder_(std::move(folder)) {
+    host.choose_displays = [this] { return take(picker_answers).value_or(u""); };
+    host.machine.on_program_started(
+        [this](const std::u16string& path) { host.trace.line(u"program " + in_quotes(path)); });
+    screen.set_user(this);
+}
+
+ScenarioPlayer::~ScenarioPlayer() {
+    screen.set_user(nullptr);
+    host.machine.on_program_started(nullptr);
+    host.choose_displays = nullptr;
+}
+
+ExitStatus ScenarioPlayer::play() {
+    while (act()) {
     }
-    return text;
+    if (stopped_) return kBadUsage;
+    return failed_ ? kFailed : kPassed;
+}
+
+// ---- Statements ---------------------------------------------------------------------------------------
+
+bool ScenarioPlayer::act() noexcept {
+    if (stopped_ || next_ == scenario_.size()) return false;
+    // Advanced first: the statement may open a dialog that the ones after it act in.
+    const Statement& statement = scenario_[next_++];
+    run(statement.place, statement.words);
+    return true;
+}
+
+void ScenarioPlayer::run(const Place& where, const Words& words) noexcept {
+    Place outer = std::exchange(place, where);
+    try {
+        statement_type(words).play(words, this);
+    } catch (const std::exception& error) {
+        report(where, error.what());
+        stopped_ = true;
+    }
+    place = std::move(outer);
+}
+
+void ScenarioPlayer::report(const Place& where, const std::string& text) {
+    errors_ << TextError(*where.file, where.line, text).what() << '\n';
+}
+
+std::filesystem::path ScenarioPlayer::source_file(const std::u16string& name) const {
+    const std::filesystem::path path(name);
+    for (const std::filesystem::path& candidate : {folder_ / path, path}) {
+        if (std::filesystem::is_regular_file(candidate)) return candidate;
+    }
+    throw std::invalid_argument("there is no file " + to_utf8(in_quotes(name)));
+}
+
+void ScenarioPlayer::put_file(const std::u16string& path, std::string_view bytes) {
+    host.save_displays();
+    const std::filesystem::path real = host.machine.writable_path(path);
+    std::filesystem::create_directories(real.parent_path());
+    replace_file(real, bytes);
+}
+
+const Display& ScenarioPlayer::display(const std::u16string& name) const {
+    const auto index = host.displays.find(name);
+    if (!index) throw std::invalid_argument("there is no display " + to_utf8(in_quotes(name)));
+    return host.displays.at(*index);
+}
+
+void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text, const Words& reaction) {
+    if (pattern.display) static_cast<void>(display(*pattern.display));
+    std::function<void()> bound;
+    if (!reaction.empty()) {
+        // A click may lead to another call with the same message; the user does not click in his own click.
+        bound = [this, where = place, reaction, busy = std::make_shared<bool>(false)] {
+            if (std::exchange(*busy, true)) return;
+            run(where, reaction);
+            *busy = false;
+        };
+    }
+    host.links.add_message(pattern, {text, std::move(bound), false});
+}
+
+void ScenarioPlayer::start(bool frame) {
+    if (screen.any_dialog()) throw std::invalid_argument("a dialog is still open");
+    const std::u16string name = frame ? u"StartFrameFeature" : u"StartPlugin";
+    try {
+        plugin_.start(frame ? com::make_object<SignInfoObject>(host).get() : nullptr);
+        host.trace.line(u"return " + name);
+    } catch (const RuntimeError& error) {
+        host.trace.line(u"error " + name + u" " + decimal_text(error.number()) + u" " + in_quotes(error.description()));
+    }
+}
+
+void ScenarioPlayer::note_unless_done(ActionResult result, std::u16string_view what) {
+    if (result == ActionResult::done) return;
+    report(place, "note: " + to_utf8(what) + " is disabled or cannot be reached; nothing happens");
+}
+
+void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found,
+                            bool equal) {
+    if (equal) return;
+    failed_ = true;
+    report(place, "expected " + to_utf8(what) + " = " + to_utf8(expected) + ", found " + to_utf8(found));
+}
+
+// ---- What the screen tells ----------------------------------------------------------------------------
+
+void ScenarioPlayer::form_opened(const std::u16string& name) noexcept {
+    seen_at_work_ = false;
+    host.trace.line(u"open " + name);
+}
+
+void ScenarioPlayer::form_closed(const std::u16string& name) noexcept { host.trace.line(u"close " + name); }
+
+void ScenarioPlayer::messages_handled() noexcept {
+    const auto status = screen.find(kStatusControl);
+    ScriptedMessage* const message = status && !stopped_ ? host.read_message(status->caption) : nullptr;
+    if (message == nullptr) return;
+    if (!std::exchange(seen_at_work_, true)) screen.look();
+    if (message->reaction) {
+        // By value: other messages may be said meanwhile.
+        const auto reaction = message->reaction;
+        return reaction();
+    }
+    // A statement about a control of the busy dialog can mean no other moment. Others wait until it is done.
+    const std::u16string control = next_ < scenario_.size() ? control_of(scenario_[next_].words) : u"";
+    if (!control.empty() && screen.find(control)) act();
+}
+
+forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexcept {
+    const bool asks = box.buttons == forms::MessageButtons::yes_no;
+    forms::MessageAnswer answer = asks ? forms::MessageAnswer::yes : forms::MessageAnswer::ok;
+    if (const auto choice = take(message_answers)) {
+        if (asks == (choice->first != forms::MessageAnswer::ok)) {
+            answer = choice->first;
+        } else {
+            report(choice->second, "the message " + to_utf8(in_quotes(box.text)) + " has no such button");
+            stopped_ = true;
+        }
+    }
+    host.trace.line(u"msgbox " + in_quotes(box.title) + u" " + in_quotes(box.text) +
+                    (asks ? u" YesNo -> " : u" OK -> ") + std::u16string(shown_answer(answer)));
+    return answer;
+}
+
+std::optional<std::u16string> ScenarioPlayer::choose_file(const forms::OpenFileRequest& request) noexcept {
+    auto answer = take(file_answers).value_or(std::nullopt);
+    host.trace.line(u"openfile initial=" + in_quotes(request.initial_folder) + u" filter=" + in_quotes(request.filter) +
+                    u" flags=0x" + digits_of(request.flags, 16) + u" -> " + (answer ? in_quotes(*answer) : u"cancel"));
+    return answer;
 }
 
 }  // namespace vex::sim

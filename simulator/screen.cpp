@@ -2,11 +2,10 @@
 #include "simulator/screen.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
-#include <numeric>
 #include <stdexcept>
 
+#include "core/digits.h"
 #include "core/unicode.h"
 #include "simulator/words.h"
 
@@ -15,24 +14,14 @@ namespace {
 
 using Kind = ShownControl::Kind;
 
-[[noreturn]] void refuse(const std::u16string& control, const std::string& what) {
-    throw std::invalid_argument(to_utf8(control) + " " + what);
-}
-
 /// "0x00BBGGRR".
-std::u16string shown_color(forms::Color color) {
-    char text[sizeof "0x00BBGGRR"];
-    std::snprintf(text, sizeof text, "0x%08X", color);
-    return from_utf8(text);
-}
-
-std::u16string decimal(std::size_t number) { return from_utf8(std::to_string(number)); }
+std::u16string shown_color(forms::Color color) { return u"0x" + digits_of(color, 16, 8); }
 
 /// "Rows", "RowN" and "RowN.ForeColor".
 std::optional<std::u16string> list_property(const std::vector<ShownRow>& rows, std::u16string_view property) {
     constexpr std::u16string_view kRow = u"Row";
     constexpr std::u16string_view kForeColor = u".ForeColor";
-    if (property == u"Rows") return decimal(rows.size());
+    if (property == u"Rows") return digits_of(rows.size(), 10);
     if (!property.starts_with(kRow)) return std::nullopt;
     std::u16string_view digits = property.substr(kRow.size());
     const bool color = digits.ends_with(kForeColor);
@@ -52,32 +41,13 @@ std::optional<std::u16string> property_of(const ShownControl& control, const std
     if (control.kind == Kind::check_box && property == u"Value") return control.checked ? u"1" : u"0";
     if (control.kind == Kind::shape && property == u"FillColor")
         return control.fill_color ? shown_color(*control.fill_color) : u"(none)";
-    if (control.kind == Kind::pages && property == u"Tab") return decimal(static_cast<std::size_t>(control.page));
+    if (control.kind == Kind::pages && property == u"Tab") return decimal_text(control.page);
     if (control.kind == Kind::list) return list_property(control.rows, property);
     return std::nullopt;
 }
 
-/// How many letters must be added, removed or replaced.
-std::size_t distance(std::u16string_view from, std::u16string_view to) {
-    std::vector<std::size_t> costs(to.size() + 1);
-    std::iota(costs.begin(), costs.end(), std::size_t{0});
-    for (const char16_t letter : from) {
-        std::size_t diagonal = costs[0]++;
-        for (std::size_t i = 0; i < to.size(); ++i) {
-            const std::size_t replaced = diagonal + (to[i] == letter ? 0 : 1);
-            diagonal = costs[i + 1];
-            costs[i + 1] = std::min({costs[i] + 1, diagonal + 1, replaced});
-        }
-    }
-    return costs.back();
-}
-
-/// Names the control that may be meant; empty: there are none.
-std::string nearest(const std::u16string& name, const std::vector<std::u16string>& names) {
-    const auto found = std::min_element(names.begin(), names.end(), [&name](const auto& left, const auto& right) {
-        return distance(name, left) < distance(name, right);
-    });
-    return found == names.end() ? "" : "; the nearest is " + to_utf8(*found);
+[[noreturn]] void complain(const std::u16string& control, const std::string& what) {
+    throw std::invalid_argument(to_utf8(control) + " " + what);
 }
 
 ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done : ActionResult::not_possible; }
@@ -87,7 +57,7 @@ ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done
 ShownControl Screen::control(const std::u16string& name) const {
     if (!any_dialog()) throw std::invalid_argument("no dialog is open");
     auto found = find(name);
-    if (!found) refuse(dialog_name(), "has no control " + to_utf8(in_quotes(name)) + nearest(name, control_names()));
+    if (!found) complain(dialog_name(), "has no control " + to_utf8(in_quotes(name)));
     return *std::move(found);
 }
 
@@ -110,8 +80,8 @@ ActionResult Screen::set(const std::u16string& name, const std::u16string& value
         return possible(target.takes_input);
     }
     const bool on = value == u"on";
-    if (!on && value != u"off") throw std::invalid_argument(to_utf8(in_quotes(value)) + " is neither on nor off");
-    if (target.kind != Kind::option_button && target.kind != Kind::check_box) refuse(name, "takes no value");
+    if (!on && value != u"off") refuse(value, "is neither on nor off");
+    if (target.kind != Kind::option_button && target.kind != Kind::check_box) complain(name, "takes no value");
     if (target.checked == on) return possible(target.takes_input);
     // An option goes off only by another one going on.
     return !on && target.kind == Kind::option_button ? ActionResult::not_possible : click(name);
@@ -119,20 +89,20 @@ ActionResult Screen::set(const std::u16string& name, const std::u16string& value
 
 ActionResult Screen::choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item) {
     const std::size_t count = rows(name).size();
-    if (row < 1 || row > count) refuse(name, "has no row " + std::to_string(row));
+    if (row < 1 || row > count) complain(name, "has no row " + std::to_string(row));
     return possible(control(name).takes_input && do_choose(name, row - 1, item));
 }
 
 std::u16string Screen::property(const std::u16string& name, const std::u16string& property) const {
     if (any_dialog() && property == u"Caption" && dialog_name() == name) return dialog_caption();
     auto value = property_of(control(name), property);
-    if (!value) refuse(name, "has no property " + to_utf8(in_quotes(property)));
+    if (!value) complain(name, "has no property " + to_utf8(in_quotes(property)));
     return *std::move(value);
 }
 
 std::vector<std::vector<std::u16string>> Screen::rows(const std::u16string& name) const {
     const ShownControl shown = control(name);
-    if (shown.kind != Kind::list) refuse(name, "is no list");
+    if (shown.kind != Kind::list) complain(name, "is no list");
     std::vector<std::vector<std::u16string>> all;
     for (const ShownRow& row : shown.rows) all.push_back(row.cells);
     return all;

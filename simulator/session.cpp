@@ -5,29 +5,69 @@
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "simulator/host.h"
 #include "simulator/class_library.h"
-#include "simulator/plugin_host.h"
 #include "simulator/words.h"
 
 namespace vex::sim {
 namespace {
 
+using ServerFunction = HRESULT(STDAPICALLTYPE*)();
+
+/// Reads a member of the catalogue, which answers what the plug-in's contract says.
+com::Variant ask(IDispatch& catalogue, const std::u16string& member, VARTYPE type,
+                 std::initializer_list<com::Variant> index = {}) {
+    com::Variant answer = call_late(catalogue, member, index);
+    if (answer.type() != type) throw RuntimeError(kTypeMismatch);
+    return answer;
+}
+
 constexpr char kUnitFile[] = "Units.dat";
 /// What a trial begins with.
 constexpr char kSampleScenario[] = "trial.scn";
 
-void load(Host& host, const std::filesystem::path& unit_file) {
+void load_data(Host& host, const std::filesystem::path& unit_file) {
     host.display_file = host.machine.writable_path(Host::kDisplayFile);
     if (std::filesystem::exists(host.display_file)) {
-        host.displays = Displays::load(host.display_file);
+        host.displays = load<Displays>(host.display_file);
     } else {
         host.displays_changed = true;
     }
-    if (std::filesystem::exists(unit_file)) host.units = Units::load(unit_file);
+    if (std::filesystem::exists(unit_file)) host.units = load<Units>(unit_file);
 }
 
 }  // namespace
+
+PluginHost::PluginHost(const std::filesystem::path& library) : library_(library) {
+    const HRESULT result = library_.function<ServerFunction>("DllRegisterServer")();
+    if (FAILED(result)) throw RuntimeError(result, u"the plug-in does not register itself");
+    const auto catalogue = create_object(u"vexFirmWarePlugin.PluginData");
+    const std::int16_t total = ask(*catalogue, u"TotalPlugins", VT_I2).get().iVal;
+    if (total < 1) throw RuntimeError(kSubscriptOutOfRange, u"the plug-in offers no feature");
+    for (std::int16_t i = total; i-- > 0;) {
+        const auto index = com::Variant::int16(i);
+        for (const char16_t* text : {u"PluginDescription", u"PluginDescriptiveName"})
+            ask(*catalogue, text, VT_BSTR, {index});
+        ask(*catalogue, u"PluginPic", VT_DISPATCH, {index});
+        entry_class_ = com::view(ask(*catalogue, u"PluginNames", VT_BSTR, {index}).get().bstrVal);
+    }
+}
+
+void PluginHost::start(IDispatch* frame) {
+    const auto entry = create_object(entry_class_);
+    if (frame == nullptr) {
+        call_late(*entry, u"StartPlugin");
+        return;
+    }
+    // By reference, as hosts hand over their frame. It stays ours.
+    IDispatch* given = frame;
+    call_late(*entry, u"StartFrameFeature", {com::Variant::object_reference(&given)});
+    if (given != frame) throw RuntimeError(kAutomationError, u"the plug-in replaced the host's object");
+}
+
+bool PluginHost::can_unload() const {
+    CoFreeUnusedLibraries();
+    return library_.function<ServerFunction>("DllCanUnloadNow")() == S_OK;
+}
 
 std::string message_of(const std::exception& error) {
     const auto* const known = dynamic_cast<const RuntimeError*>(&error);
@@ -37,20 +77,21 @@ std::string message_of(const std::exception& error) {
     return known->number() == kAutomationError ? text : text + " (error " + std::to_string(known->number()) + ")";
 }
 
-ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const std::filesystem::path& plugin_library,
+                    bool quiet, std::ostream& out, std::ostream& errors,
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work) {
     Trace trace(out, quiet);
     Host host(trace, machine);
-    const std::filesystem::path unit_file = folders.data / kUnitFile;
+    const std::filesystem::path unit_file = data / kUnitFile;
     ExitStatus status = kBadUsage;
     bool left_behind = false;
     try {
-        load(host, unit_file);
+        load_data(host, unit_file);
         const HostClasses classes(host);
-        PluginHost plugin(folders.plugin_library);
+        PluginHost plugin(plugin_library);
         status = work(host, plugin);
         host.save_displays();
-        host.units.save(unit_file);
+        replace_file(unit_file, host.units.text());
         if (!plugin.can_unload()) {
             errors << "the plug-in still has living objects\n";
             left_behind = true;
@@ -84,7 +125,7 @@ ExitStatus Session::play_text(const std::string& name, const std::string& text, 
                               std::ostream& out, std::ostream& errors) {
     const Scenario scenario = parse_scenario(name, text, folder);
     prepare(out);
-    return run_host(machine(), folders(folder), options_.quiet, out, errors, [&](Host& host, PluginHost& plugin) {
+    return run_host(machine(), data_, plugin_, options_.quiet, out, errors, [&](Host& host, PluginHost& plugin) {
         const ExitStatus status = ScenarioPlayer(scenario, host, screen(), plugin, errors, folder).play();
         if (out.flush()) return status;
         errors << "the trace cannot be written\n";
@@ -95,7 +136,7 @@ ExitStatus Session::play_text(const std::string& name, const std::string& text, 
 ExitStatus Session::try_out(std::ostream& errors,
                             const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work) {
     std::ostream no_trace(nullptr);
-    return run_host(machine(), folders(samples_), true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
+    return run_host(machine(), data_, plugin_, true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
         const bool fresh = host.displays.size() == 0;
         if (fresh) {
             const std::filesystem::path file = samples_ / kSampleScenario;
@@ -109,7 +150,7 @@ ExitStatus Session::try_out(std::ostream& errors,
 
 ExitStatus Session::start(PluginHost& plugin, std::ostream& errors) {
     try {
-        plugin.start(StartMember::StartPlugin, nullptr);
+        plugin.start();
         return kPassed;
     } catch (const RuntimeError& error) {
         errors << "the plug-in raised error " << error.number() << ": " << to_utf8(error.description()) << '\n';

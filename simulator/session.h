@@ -1,4 +1,4 @@
-// One run of the simulated host, from its data to the last look at what is left.
+// One run of the simulated host with its plug-in, from its data to the last look at what is left.
 #pragma once
 
 #include <exception>
@@ -8,28 +8,40 @@
 #include <ostream>
 #include <string>
 
-#include "simulator/private_folder.h"
+#include "com/com_ptr.h"
+#include "platform/library.h"
 #include "simulator/program.h"
-#include "simulator/scenario_player.h"
+#include "simulator/scenario.h"
 
 namespace vex::sim {
+
+/// The plug-in as its host uses it: registered, asked for its catalogue, created by the name that it gave.
+/// Used on the host's thread; needs an initialised apartment.
+class PluginHost {
+public:
+    /// Loads and registers the library, and reads the catalogue. Raises `RuntimeError`.
+    explicit PluginHost(const std::filesystem::path& library);
+
+    /// Creates the first feature's entry class by its name and starts it, by StartFrameFeature with a `frame`, else by
+    /// StartPlugin; returns when its dialog is closed. Raises the `RuntimeError` that the plug-in answers.
+    void start(IDispatch* frame = nullptr);
+
+    /// Whether the plug-in agrees to be unloaded now.
+    bool can_unload() const;
+
+private:
+    platform::Library library_;
+    std::u16string entry_class_;
+};
 
 /// What a user is told of an error.
 std::string message_of(const std::exception& error);
 
-/// Where a run's parts lie.
-struct RunFolders {
-    /// The host's units; its displays lie on the machine's own drive.
-    std::filesystem::path data;
-    std::filesystem::path plugin_library;
-    /// Relative files of the scenario.
-    std::filesystem::path scenario;
-};
-
-/// Loads what the host kept, registers the host's classes, loads the plug-in, does the `work`, keeps what the
-/// units hold, lets everything go and looks for what stayed behind. Needs an initialised apartment. The trace
-/// goes to `out`, everything else to `errors`.
-ExitStatus run_host(Machine& machine, const RunFolders& folders, bool quiet, std::ostream& out, std::ostream& errors,
+/// Loads what the host kept, its units in the folder `data`, registers the host's classes, loads the plug-in, does the
+/// `work`, keeps what the units hold, lets everything go and looks for what stayed behind. Needs an initialised
+/// apartment. The trace goes to `out`, everything else to `errors`.
+ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const std::filesystem::path& plugin_library,
+                    bool quiet, std::ostream& out, std::ostream& errors,
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work);
 
 /// What a program of either side is made of: its folders, and what is played there on the side's machine and screen.
@@ -67,8 +79,6 @@ protected:
     virtual void prepare(std::ostream& /*out*/) {}
 
 private:
-    RunFolders folders(const std::filesystem::path& scenario) const { return {data_, plugin_, scenario}; }
-
     CommandLine options_;
     std::optional<PrivateFolder> private_;
     std::filesystem::path data_;

@@ -3,11 +3,9 @@
 
 #include <algorithm>
 #include <fstream>
-#include <stdexcept>
 #include <system_error>
 
 #include "core/unicode.h"
-#include "platform/private_files.h"
 
 namespace vex::sim {
 namespace {
@@ -32,14 +30,11 @@ void append_quoted(std::u16string_view line, std::size_t& next, std::u16string& 
     throw std::invalid_argument("a quote is not closed");
 }
 
-[[noreturn]] void fail(const std::filesystem::path& path, const std::string& reason) {
-    throw TextError(path.string(), 0, reason);
-}
-
 }  // namespace
 
-TextError::TextError(std::string file, std::size_t line, std::string message)
-    : what_(std::move(file) + ":" + (line == 0 ? "" : std::to_string(line) + ":") + " " + std::move(message)) {}
+void refuse(std::u16string_view word, const std::string& what) {
+    throw std::invalid_argument(to_utf8(in_quotes(word)) + " " + what);
+}
 
 Words split_words(std::u16string_view line) {
     // They could not be written back.
@@ -78,18 +73,9 @@ std::u16string as_word(std::u16string_view text) {
     return plain ? std::u16string(text) : in_quotes(text);
 }
 
-std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) noexcept {
-    constexpr std::size_t kMostDigits = 18;
-    const bool negative = !word.empty() && word.front() == u'-';
-    const std::u16string_view digits = word.substr(negative ? 1 : 0);
-    if (digits.empty() || digits.size() > kMostDigits) return std::nullopt;
-    std::int64_t number = 0;
-    for (const char16_t digit : digits) {
-        if (digit < u'0' || digit > u'9') return std::nullopt;
-        number = number * 10 + (digit - u'0');
-    }
-    if (negative) number = -number;
-    return number < low || number > high ? std::nullopt : std::optional(number);
+std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) {
+    const auto number = number_of<std::int64_t>(to_utf8(word));
+    return number && *number >= low && *number <= high ? number : std::nullopt;
 }
 
 std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes) {
@@ -147,9 +133,9 @@ std::string read_stream(const std::string& name, std::istream& stream) {
 std::string read_file(const std::filesystem::path& path) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status)) fail(path, "does not exist");
+    if (!std::filesystem::exists(status)) throw TextError(path.string(), 0, "does not exist");
     // A folder opens like a file on some systems and fails only when it is read.
-    if (std::filesystem::is_directory(status)) fail(path, "is a folder");
+    if (std::filesystem::is_directory(status)) throw TextError(path.string(), 0, "is a folder");
     std::ifstream file(path, std::ios::binary);
     return read_stream(path.string(), file);
 }
@@ -158,7 +144,7 @@ void replace_file(const std::filesystem::path& path, std::string_view bytes) {
     try {
         platform::replace_private_file(path, bytes);
     } catch (const std::system_error& error) {
-        fail(path, error.code().message());
+        throw TextError(path.string(), 0, error.code().message());
     }
 }
 

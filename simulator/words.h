@@ -1,30 +1,34 @@
-// Lines of words: the writing that scenarios and the simulated host's own files share.
+// Lines of words: the writing that scenarios and the simulated host's own files share; files as a whole, and a folder
+// for one run alone.
 #pragma once
 
+#include <charconv>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <functional>
 #include <istream>
 #include <optional>
+#include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/private_files.h"
 
 namespace vex::sim {
 
 using Words = std::vector<std::u16string>;
 
 /// A fault at one line of a text, or of a whole file (line 0). what() is "FILE:LINE: message".
-class TextError : public std::exception {
+class TextError : public std::runtime_error {
 public:
-    TextError(std::string file, std::size_t line, std::string message);
-
-    const char* what() const noexcept override { return what_.c_str(); }
-
-private:
-    std::string what_;
+    TextError(const std::string& file, std::size_t line, const std::string& message)
+        : runtime_error(file + ":" + (line == 0 ? "" : std::to_string(line) + ":") + " " + message) {}
 };
+
+/// Raises `std::invalid_argument`: the word, in quotes, "is" or "has" what is said.
+[[noreturn]] void refuse(std::u16string_view word, const std::string& what);
 
 /// The words of a line: separated by blanks, "#" at the start of a word begins a comment. A part in double
 /// quotes may hold blanks and takes backslashes as they are; a doubled quote in it stands for one quote.
@@ -36,8 +40,16 @@ std::u16string in_quotes(std::u16string_view text);
 /// `text` as a word that `split_words` reads back: in quotes only where it must be.
 std::u16string as_word(std::u16string_view text);
 
+/// The number that fills the whole word. `form`: the base of whole numbers, the notation of others.
+template <class Number, class... Form>
+std::optional<Number> number_of(std::string_view word, Form... form) {
+    Number number{};
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number, form...);
+    return error == std::errc() && end == word.data() + word.size() ? std::optional(number) : std::nullopt;
+}
+
 /// A decimal number that fills the whole word and lies in the range.
-std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high) noexcept;
+std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high);
 
 /// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark. Raises `TextError`
 /// for a byte that is no UTF-8; `file`: how messages name the text.
@@ -56,5 +68,28 @@ std::string read_file(const std::filesystem::path& path);
 /// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.
 /// Raises `TextError` without a line.
 void replace_file(const std::filesystem::path& path, std::string_view bytes);
+
+/// A new folder, for its owner alone, among the system's temporary files; removed in the end.
+class PrivateFolder {
+public:
+    /// Raises `std::system_error`.
+    PrivateFolder() {
+        std::random_device random;
+        do {
+            path_ = std::filesystem::temp_directory_path() / ("brivola-sim-" + std::to_string(random()));
+        } while (!platform::make_private_folder(path_));
+    }
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+    ~PrivateFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    const std::filesystem::path& path() const noexcept { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
 
 }  // namespace vex::sim

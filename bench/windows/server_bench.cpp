@@ -15,7 +15,7 @@
 #include "platform/win32/windows_api.h"
 #include "plugin/contract.h"
 #include "plugin/registration.h"
-#include "simulator/win32/program.h"
+#include "simulator/win32/win32_session.h"
 
 namespace vex::bench {
 namespace {

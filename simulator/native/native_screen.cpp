@@ -5,9 +5,53 @@
 #include <utility>
 
 #include "core/unicode.h"
-#include "simulator/words.h"
+#include "platform/native/terminal/terminal_toolkit.h"
 
 namespace vex::sim {
+namespace {
+
+namespace terminal = platform::native::terminal;
+
+/// A toolkit that shows nothing, and keeps the picture of what it is asked to show.
+class Camera final : public terminal::TerminalToolkit, private terminal::Screen {
+public:
+    Camera() : TerminalToolkit(static_cast<terminal::Screen&>(*this)) {}
+
+    std::string picture(const Sight& sight) {
+        if (auto* const* form = std::get_if<forms::Form*>(&sight)) run_modal(**form, nullptr);
+        if (const auto* const* box = std::get_if<const forms::MessageBox*>(&sight)) message_box(**box);
+        if (const auto* const* request = std::get_if<const forms::OpenFileRequest*>(&sight)) open_file(**request);
+        return picture_;
+    }
+
+private:
+    void run_modal(forms::Form& form, forms::Form* /*owner*/) override {
+        picture_ = terminal::picture_of(form, icon_characters());
+    }
+
+    terminal::Size size() const override { return terminal::kSmallestTerminal; }
+    void show(const terminal::Canvas& /*canvas*/, std::optional<terminal::Point> /*cursor*/) override {}
+    std::optional<terminal::Input> read(bool /*wait*/) override { return std::nullopt; }
+    void beep() override {}
+
+    std::string picture_;
+};
+
+}  // namespace
+
+Onlooker pictures(std::ostream& out) {
+    return [&out, last = std::string()](const Sight& sight) mutable {
+        const std::string picture = Camera().picture(sight);
+        if (picture == last) return;
+        out << picture << '\n';
+        last = picture;
+    };
+}
+
+terminal::IconCharacters icon_characters() {
+    return {{"NOTUPDATED", U'·'}, {"UPDATING", U'→'}, {"UPDATED", U'✓'}, {"FAILED", U'✗'},
+            {"CANCELLED", U'○'},  {"MARKED", U'☑'},   {"UNMARKED", U'☐'}};
+}
 
 using forms::ControlKind;
 
@@ -19,14 +63,8 @@ forms::Form& NativeScreen::form() const {
 
 forms::Control& NativeScreen::control(const std::u16string& name) const {
     forms::Control* const found = form().find(to_utf8(name));
-    if (found == nullptr) throw std::invalid_argument(form().name() + " has no control " + to_utf8(in_quotes(name)));
+    if (found == nullptr) throw std::invalid_argument(form().name() + " has no control " + to_utf8(name));
     return *found;
-}
-
-std::vector<std::u16string> NativeScreen::control_names() const {
-    std::vector<std::u16string> names;
-    for (const forms::Control* control : form().controls()) names.push_back(from_utf8(control->name()));
-    return names;
 }
 
 std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const {
@@ -67,21 +105,7 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     return shown;
 }
 
-void NativeScreen::look() {
-    if (onlooker_ != nullptr && any_dialog()) onlooker_->sees(form());
-}
-
 std::u16string NativeScreen::dialog_name() const { return from_utf8(form().name()); }
-
-void NativeScreen::do_click(const std::u16string& name) { form().raise_click(control(name)); }
-
-void NativeScreen::do_press(const std::u16string& name, forms::MouseButton button, float x, float y) {
-    form().raise_mouse_down(control(name), button, x, y);
-}
-
-void NativeScreen::do_type(const std::u16string& name, const std::u16string& text) {
-    form().user_text(static_cast<forms::TextBox&>(control(name)), text);
-}
 
 bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) {
     auto& list = static_cast<forms::ListView&>(control(name));
@@ -102,8 +126,8 @@ void NativeScreen::form_closed(forms::Form& form) {
     if (user_ != nullptr) user_->form_closed(from_utf8(form.name()));
 }
 
-bool NativeScreen::act(forms::Form& /*form*/) {
-    look();
+bool NativeScreen::act(forms::Form& form) {
+    on_look(&form);
     return user_ != nullptr && user_->act();
 }
 
@@ -112,13 +136,13 @@ void NativeScreen::pumped(forms::Form& /*form*/) {
 }
 
 forms::MessageAnswer NativeScreen::answer(const forms::MessageBox& box) {
-    if (onlooker_ != nullptr) onlooker_->sees(box);
+    on_look(&box);
     if (user_ != nullptr) return user_->answer(box);
     return box.buttons == forms::MessageButtons::yes_no ? forms::MessageAnswer::yes : forms::MessageAnswer::ok;
 }
 
 std::optional<std::u16string> NativeScreen::choose_file(const forms::OpenFileRequest& request) {
-    if (onlooker_ != nullptr) onlooker_->sees(request);
+    on_look(&request);
     return user_ == nullptr ? std::nullopt : user_->choose_file(request);
 }
 

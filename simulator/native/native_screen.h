@@ -1,19 +1,27 @@
-// The screen where dialogs are data: a scripted toolkit shows them, and the user acts on them directly.
+// The screen where dialogs are data: a scripted toolkit shows them, and the user acts on them directly. What he looks
+// at can be drawn as text.
 #pragma once
 
+#include <functional>
+#include <ostream>
+#include <variant>
+
 #include "forms/scripted_toolkit.h"
+#include "platform/native/terminal/list_pane.h"
 #include "simulator/screen.h"
 
 namespace vex::sim {
 
-/// Watches what is on the screen.
-class Onlooker {
-public:
-    virtual ~Onlooker() = default;
-    virtual void sees(forms::Form& form) = 0;
-    virtual void sees(const forms::MessageBox& box) = 0;
-    virtual void sees(const forms::OpenFileRequest& request) = 0;
-};
+/// What a user looks at.
+using Sight = std::variant<forms::Form*, const forms::MessageBox*, const forms::OpenFileRequest*>;
+using Onlooker = std::function<void(const Sight& sight)>;
+
+/// Draws a dialog where it looks different from what was drawn last, message boxes, and dialogs at work, once each.
+/// `out` must outlive it.
+Onlooker pictures(std::ostream& out);
+
+/// The characters that stand for icons on a terminal: the plug-in's own and the simulated host's.
+platform::native::terminal::IconCharacters icon_characters();
 
 class NativeScreen : public Screen, private forms::ScriptedUser {
 public:
@@ -21,28 +29,31 @@ public:
 
     /// What the plug-in's dialogs are shown on.
     forms::Toolkit& toolkit() noexcept { return toolkit_; }
-    /// Told of what its user looks at, before he does something about it. Not owned; null for nobody.
-    void set_onlooker(Onlooker* onlooker) noexcept { onlooker_ = onlooker; }
+    /// Told of what its user looks at, before he does something about it.
+    Onlooker on_look = [](const Sight&) {};
 
     void set_user(ScreenUser* user) noexcept override { user_ = user; }
     bool any_dialog() const noexcept override { return toolkit_.top() != nullptr; }
     std::optional<ShownControl> find(const std::u16string& control) const override;
-    void look() override;
+    void look() override { on_look(toolkit_.top()); }
     void close() override { form().raise_close_request(); }
     void activate() override { form().raise_activate(); }
 
 protected:
-    /// The topmost dialog. Raises `std::invalid_argument` where there is none.
+    /// The topmost dialog, and a control of it. Raise `std::invalid_argument` where there is none.
     virtual forms::Form& form() const;
     forms::Control& control(const std::u16string& name) const;
 
 private:
     std::u16string dialog_name() const override;
-    std::vector<std::u16string> control_names() const override;
     std::u16string dialog_caption() const override { return form().caption(); }
-    void do_click(const std::u16string& name) override;
-    void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override;
-    void do_type(const std::u16string& name, const std::u16string& text) override;
+    void do_click(const std::u16string& name) override { form().raise_click(control(name)); }
+    void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
+        form().raise_mouse_down(control(name), button, x, y);
+    }
+    void do_type(const std::u16string& name, const std::u16string& text) override {
+        form().user_text(static_cast<forms::TextBox&>(control(name)), text);
+    }
     bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override;
 
     void form_opened(forms::Form& form) override;
@@ -55,7 +66,6 @@ private:
     void beep() override;
 
     ScreenUser* user_ = nullptr;
-    Onlooker* onlooker_ = nullptr;
     forms::ScriptedToolkit toolkit_;
     /// The item to choose from the menu that pops up next; empty: none, the menu is dismissed.
     std::u16string menu_item_;

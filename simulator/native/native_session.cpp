@@ -6,20 +6,36 @@
 
 namespace vex::sim {
 
+namespace native = platform::native;
+
+platform::Registry& NativeMachine::registry() { return native::registry(); }
+
+const platform::CodePage& NativeMachine::code_page() { return native::code_page(); }
+
+std::filesystem::path NativeMachine::real_path(const std::u16string& path) { return native::real_path(path); }
+
+void NativeMachine::hide(const std::u16string& path) { native::set_hidden(path, true); }
+
+void NativeMachine::on_program_started(std::function<void(const std::u16string&)> listener) {
+    native::on_program_started(std::move(listener));
+}
+
+const std::filesystem::path& NativeMachine::drives() const { return native::machine_folder(); }
+
 NativeSession::NativeSession(const CommandLine& options)
     : Session(options, std::filesystem::read_symlink("/proc/self/exe").parent_path(), "libvexFirmwarePlugin.so") {
-    platform::native::use_machine_folder(data());
-    platform::native::set_desktop(&screen_.toolkit());
+    native::use_machine_folder(data());
+    native::set_desktop(&screen_.toolkit());
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
 
 NativeSession::~NativeSession() {
     CoUninitialize();
-    platform::native::set_desktop(nullptr);
+    native::set_desktop(nullptr);
 }
 
 void NativeSession::prepare(std::ostream& out) {
-    if (options().pictures) screen_.set_onlooker(&pictures_.emplace(out));
+    if (options().pictures) screen_.on_look = pictures(out);
 }
 
 }  // namespace vex::sim

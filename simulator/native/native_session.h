@@ -1,14 +1,23 @@
 // The native program's composition: a simulated machine, a screen, COM, and what is played on them.
 #pragma once
 
-#include <optional>
-
-#include "simulator/native/native_machine.h"
 #include "simulator/native/native_screen.h"
-#include "simulator/native/pictured_screen.h"
 #include "simulator/session.h"
 
 namespace vex::sim {
+
+/// Over the process's one simulated machine, which must be in its folder already.
+class NativeMachine final : public Machine {
+public:
+    platform::Registry& registry() override;
+    const platform::CodePage& code_page() override;
+    std::filesystem::path real_path(const std::u16string& path) override;
+    void hide(const std::u16string& path) override;
+    void on_program_started(std::function<void(const std::u16string&)> listener) override;
+
+private:
+    const std::filesystem::path& drives() const override;
+};
 
 class NativeSession final : public Session {
 public:
@@ -24,7 +33,6 @@ private:
 
     NativeMachine machine_;
     NativeScreen screen_;
-    std::optional<Pictures> pictures_;
 };
 
 }  // namespace vex::sim

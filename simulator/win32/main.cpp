@@ -5,11 +5,8 @@
 
 #include "core/unicode.h"
 #include "platform/win32/system.h"
-#include "simulator/comparison.h"
-#include "simulator/display_picker.h"
-#include "simulator/pace.h"
 #include "simulator/registry_editor.h"
-#include "simulator/win32/program.h"
+#include "simulator/trial.h"
 #include "simulator/win32/win32_session.h"
 
 namespace vex::sim {
@@ -17,43 +14,31 @@ namespace {
 
 constexpr char16_t kFirmwareSettings[] = u"Software\\Norvan\\Brivola3\\Firmware";
 
-/// The host in front of its user.
-ExitStatus play(const CommandLine& options, Host& host, PluginHost& plugin) {
-    forms::Toolkit& desktop = platform::win32::desktop();
-    host.choose_displays = [&] {
-        DisplayPicker picker(desktop, host.displays);
-        picker.show_modal();
-        return picker.answer();
-    };
-    Pace pace(desktop, options.speed, [] { return false; });
-    host.on_link = [&pace](const LinkEvent& event) {
-        pace.follow(event);
-        return true;
-    };
-    host.machine.on_program_started([](const std::u16string& path) {
-        std::cout << "not started, since this is a simulation: " << to_utf8(path) << '\n';
-    });
-    const Units before = host.units;
-    const ExitStatus status = Session::start(plugin, std::cerr);
-    host.machine.on_program_started(nullptr);
-    host.on_link = nullptr;
-    host.choose_displays = nullptr;
-    print_changed_units(host, before, std::cout);
-    return status;
-}
-
 /// Opens the plug-in's wizard for a person in front of the desktop, and prints what the units hold when it is closed.
-ExitStatus run_trial(Win32Session& session, const CommandLine& options) {
+int run_trial(const CommandLine& options) {
+    Win32Session session(options);
     session.machine().show_real_disks();
     return session.try_out(std::cerr, [&](Host& host, PluginHost& plugin, bool fresh) {
         // The Open dialog shows the real disks, so it begins where the sample firmware really is.
-        if (fresh) {
-            RegistryEditor registry(host.machine.registry(), host.machine.code_page());
-            registry.write_text(kHkeyLocalMachine, kFirmwareSettings, u"LastFilePath",
-                                session.samples_folder().u16string());
-        }
-        return play(options, host, plugin);
+        if (fresh)
+            RegistryEditor(host.machine)
+                .write({.key = kFirmwareSettings}, u"LastFilePath", u"sz", session.samples_folder().u16string());
+        forms::Toolkit& desktop = platform::win32::desktop();
+        RunProgress progress(host);
+        const Trial trial(host, desktop, progress, Pace(desktop, options.speed, [] { return false; }));
+        host.machine.on_program_started([](const std::u16string& path) {
+            std::cout << "not started, since this is a simulation: " << to_utf8(path) << '\n';
+        });
+        const Units before = host.units;
+        const ExitStatus status = Session::start(plugin, std::cerr);
+        host.machine.on_program_started(nullptr);
+        print_changed_units(host, before, std::cout);
+        return status;
     });
+}
+
+int print_controls(const CommandLine& /*options*/) {
+    throw std::invalid_argument("controls are printed natively only");
 }
 
 }  // namespace
@@ -62,15 +47,8 @@ ExitStatus run_trial(Win32Session& session, const CommandLine& options) {
 int main() {
     using namespace vex::sim;
     use_plain_streams();
-    return run_program(program_arguments(), [](const CommandLine& options) -> int {
-        if (options.controls) throw std::invalid_argument("controls are printed natively only");
-        if (options.scenarios.empty()) {
-            Win32Session session(options);
-            return run_trial(session, options);
-        }
-        const auto play = [](const CommandLine& line, const std::string& file, std::ostream& out,
-                             std::ostream& errors) { return Win32Session(line).play(file, out, errors); };
-        if (options.compare) return compare_scenarios(options, play, std::cout);
-        return play(options, options.scenarios.front(), std::cout, std::cerr);
-    });
+    const auto play = [](const CommandLine& options, const std::string& file, std::ostream& out, std::ostream& errors) {
+        return Win32Session(options).play(file, out, errors);
+    };
+    return run_program(program_arguments(), {play, run_trial, print_controls});
 }

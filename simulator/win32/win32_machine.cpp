@@ -1,3 +1,4 @@
+// The machine of the Windows side.
 #include "simulator/win32/win32_machine.h"
 
 #include <algorithm>
@@ -36,6 +37,63 @@ OwnedKey make_key(const std::u16string& path) {
 
 Win32Machine* Win32Machine::current_ = nullptr;
 
+struct Win32Machine::Hooks {
+    static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
+        hooks.emplace_back(module, "RegOpenKeyExA", &open_key);
+        hooks.emplace_back(module, "RegCreateKeyExA", &create_key);
+        hooks.emplace_back(module, "RegDeleteKeyA", &delete_key);
+    }
+
+    /// The private key in place of the machine's or the user's branch, else the key itself.
+    static HKEY own(HKEY key) noexcept {
+        if (current_ == nullptr) return key;
+        if (key == HKEY_LOCAL_MACHINE) return current_->machine_branch_.get();
+        return key == HKEY_CURRENT_USER ? current_->user_branch_.get() : key;
+    }
+
+    static LSTATUS WINAPI open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept {
+        static auto* const system_open = system_function<decltype(RegOpenKeyExA)>(L"advapi32.dll", "RegOpenKeyExA");
+        return system_open(own(parent), path, options, access, key);
+    }
+
+    static LSTATUS WINAPI create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
+                                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
+                                     DWORD* disposition) noexcept {
+        static auto* const system_create =
+            system_function<decltype(RegCreateKeyExA)>(L"advapi32.dll", "RegCreateKeyExA");
+        return system_create(own(parent), path, reserved, class_name, options, access, security, key, disposition);
+    }
+
+    static LSTATUS WINAPI delete_key(HKEY parent, LPCSTR path) noexcept {
+        static auto* const system_delete = system_function<decltype(RegDeleteKeyA)>(L"advapi32.dll", "RegDeleteKeyA");
+        return system_delete(own(parent), path);
+    }
+
+    static DWORD WINAPI get_file_attributes(LPCWSTR path) noexcept {
+        try {
+            return GetFileAttributesW(current_->real_path(reinterpret_cast<const char16_t*>(path)).c_str());
+        } catch (const std::exception&) {
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return INVALID_FILE_ATTRIBUTES;
+        }
+    }
+
+    static BOOL WINAPI create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL, DWORD,
+                                      void*, LPCWSTR, STARTUPINFOW*, PROCESS_INFORMATION* information) noexcept {
+        const DWORD attributes = get_file_attributes(program);
+        const bool missing = attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        try {
+            if (!missing) current_->program_started_(reinterpret_cast<const char16_t*>(program));
+        } catch (const std::exception&) {
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return FALSE;
+        }
+        if (missing) SetLastError(ERROR_FILE_NOT_FOUND);
+        *information = {};
+        return missing ? FALSE : TRUE;
+    }
+};
+
 Win32Machine::Win32Machine(std::u16string module, std::filesystem::path folder, bool keep)
     : module_(std::move(module)),
       folder_(std::move(folder)),
@@ -43,19 +101,13 @@ Win32Machine::Win32Machine(std::u16string module, std::filesystem::path folder, 
       keep_(keep),
       machine_branch_(make_key(key_ + u"\\HKLM")),
       user_branch_(make_key(key_ + u"\\HKCU")) {
-    redirect_registry(module_instance(), redirected_);
+    Hooks::redirect_registry(module_instance(), redirected_);
     current_ = this;
 }
 
 Win32Machine::~Win32Machine() {
     current_ = nullptr;
     if (!keep_) RegDeleteTreeW(HKEY_CURRENT_USER, wide(key_));
-}
-
-void Win32Machine::redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
-    hooks.emplace_back(module, "RegOpenKeyExA", &Win32Machine::open_key);
-    hooks.emplace_back(module, "RegCreateKeyExA", &Win32Machine::create_key);
-    hooks.emplace_back(module, "RegDeleteKeyA", &Win32Machine::delete_key);
 }
 
 platform::Registry& Win32Machine::registry() { return platform::win32::registry(); }
@@ -68,9 +120,9 @@ void Win32Machine::on_program_started(std::function<void(const std::u16string&)>
     if (!program_started_) return;
     const HMODULE loaded = GetModuleHandleW(wide(module_));
     if (loaded == nullptr) throw last_error(u"The module is not loaded");
-    redirect_registry(loaded, watched_);
-    watched_.emplace_back(loaded, "GetFileAttributesW", &Win32Machine::get_file_attributes);
-    watched_.emplace_back(loaded, "CreateProcessW", &Win32Machine::create_process);
+    Hooks::redirect_registry(loaded, watched_);
+    watched_.emplace_back(loaded, "GetFileAttributesW", &Hooks::get_file_attributes);
+    watched_.emplace_back(loaded, "CreateProcessW", &Hooks::create_process);
 }
 
 std::filesystem::path Win32Machine::real_path(const std::u16string& path) {
@@ -85,71 +137,10 @@ std::filesystem::path Win32Machine::real_path(const std::u16string& path) {
     return real ? std::filesystem::path(path) : file;
 }
 
-std::filesystem::path Win32Machine::writable_path(const std::u16string& path) {
-    // Z: is the real disk on the other side, and no scenario may depend on the side.
-    const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
-    if (path.size() < 4 || drive < u'A' || drive >= u'Z' || path[1] != u':' || path[2] != u'\\') {
-        throw std::invalid_argument("\"" + to_utf8(path) + "\" is no path on a drive of A: to Y:");
-    }
-    std::filesystem::create_directories(real_path(path.substr(0, 3)));
-    return real_path(path);
-}
-
 void Win32Machine::hide(const std::u16string& path) {
     const std::filesystem::path file = real_path(path);
     const DWORD attributes = GetFileAttributesW(file.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesW(file.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN);
-}
-
-HKEY Win32Machine::own(HKEY key) noexcept {
-    if (current_ == nullptr) return key;
-    if (key == HKEY_LOCAL_MACHINE) return current_->machine_branch_.get();
-    return key == HKEY_CURRENT_USER ? current_->user_branch_.get() : key;
-}
-
-LSTATUS WINAPI Win32Machine::open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept {
-    static auto* const system_open = system_function<decltype(RegOpenKeyExA)>(L"advapi32.dll", "RegOpenKeyExA");
-    return system_open(own(parent), path, options, access, key);
-}
-
-LSTATUS WINAPI Win32Machine::create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
-                                         REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
-                                         DWORD* disposition) noexcept {
-    static auto* const system_create = system_function<decltype(RegCreateKeyExA)>(L"advapi32.dll", "RegCreateKeyExA");
-    return system_create(own(parent), path, reserved, class_name, options, access, security, key, disposition);
-}
-
-LSTATUS WINAPI Win32Machine::delete_key(HKEY parent, LPCSTR path) noexcept {
-    static auto* const system_delete = system_function<decltype(RegDeleteKeyA)>(L"advapi32.dll", "RegDeleteKeyA");
-    return system_delete(own(parent), path);
-}
-
-DWORD WINAPI Win32Machine::get_file_attributes(LPCWSTR path) noexcept {
-    try {
-        const std::filesystem::path file = current_->real_path(reinterpret_cast<const char16_t*>(path));
-        return GetFileAttributesW(file.c_str());
-    } catch (const std::exception&) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return INVALID_FILE_ATTRIBUTES;
-    }
-}
-
-BOOL WINAPI Win32Machine::create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL,
-                                          DWORD, void*, LPCWSTR, STARTUPINFOW*,
-                                          PROCESS_INFORMATION* information) noexcept {
-    const DWORD attributes = get_file_attributes(program);
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-        SetLastError(ERROR_FILE_NOT_FOUND);
-        return FALSE;
-    }
-    try {
-        if (current_->program_started_) current_->program_started_(reinterpret_cast<const char16_t*>(program));
-    } catch (const std::exception&) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return FALSE;
-    }
-    *information = {};
-    return TRUE;
 }
 
 }  // namespace vex::sim

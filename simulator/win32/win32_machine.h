@@ -28,7 +28,6 @@ public:
     platform::Registry& registry() override;
     const platform::CodePage& code_page() override;
     std::filesystem::path real_path(const std::u16string& path) override;
-    std::filesystem::path writable_path(const std::u16string& path) override;
     void hide(const std::u16string& path) override;
     /// The plug-in must be loaded by then, and until nobody listens. Meanwhile it looks for files on the run's drives,
     /// and the programs that it starts are only told of.
@@ -38,19 +37,10 @@ public:
     void show_real_disks() noexcept { real_disks_ = true; }
 
 private:
-    static DWORD WINAPI get_file_attributes(LPCWSTR path) noexcept;
-    static BOOL WINAPI create_process(LPCWSTR program, LPWSTR command_line, SECURITY_ATTRIBUTES* process,
-                                      SECURITY_ATTRIBUTES* thread, BOOL inherit, DWORD flags, void* environment,
-                                      LPCWSTR folder, STARTUPINFOW* startup, PROCESS_INFORMATION* information) noexcept;
+    const std::filesystem::path& drives() const override { return folder_; }
 
-    static LSTATUS WINAPI open_key(HKEY parent, LPCSTR path, DWORD options, REGSAM access, HKEY* key) noexcept;
-    static LSTATUS WINAPI create_key(HKEY parent, LPCSTR path, DWORD reserved, LPSTR class_name, DWORD options,
-                                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* key,
-                                     DWORD* disposition) noexcept;
-    static LSTATUS WINAPI delete_key(HKEY parent, LPCSTR path) noexcept;
-    /// The private key in place of the machine's or the user's branch, else the key itself.
-    static HKEY own(HKEY key) noexcept;
-    static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks);
+    /// What this module and the plug-in call in place of the system.
+    struct Hooks;
 
     static Win32Machine* current_;
 

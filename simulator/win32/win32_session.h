@@ -1,13 +1,28 @@
-// The Windows program's composition: real COM, real windows, and a machine of its own for the plug-in.
+// The Windows program's composition: real COM, real windows, a machine of its own for the plug-in, and what a program
+// that plays a host does around its work.
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "simulator/session.h"
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
 
 namespace vex::sim {
+
+/// The program's arguments, without its name, in UTF-8.
+std::vector<std::string> program_arguments();
+
+/// Standard input and output carry the bytes that the program reads and writes; a console shows UTF-8.
+void use_plain_streams() noexcept;
+
+/// Whether the class of that name has a server of its own: then it belongs to an installed product.
+bool class_has_server(const std::u16string& programmatic_id);
+
+/// Removes the registration of a class, its class id's included. Nothing happens where there is none.
+void remove_class(const std::u16string& programmatic_id);
 
 class Win32Session final : public Session {
 public:

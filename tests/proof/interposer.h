@@ -8,7 +8,7 @@
 
 #include "com/variant.h"
 #include "simulator/host.h"
-#include "simulator/link_script.h"
+#include "simulator/host.h"
 
 namespace vex::proof {
 

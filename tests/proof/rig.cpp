@@ -12,7 +12,7 @@
 #include "platform/native/machine.h"
 #include "simulator/firmware_image.h"
 #include "simulator/controls.h"
-#include "simulator/native/native_machine.h"
+#include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "wizard/dlg_firmware_wizard.h"

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "forms/scripted_toolkit.h"
-#include "simulator/link_script.h"
-#include "simulator/private_folder.h"
+#include "simulator/host.h"
+#include "simulator/words.h"
 #include "tests/proof/interposer.h"
 
 namespace vex::proof {

@@ -27,9 +27,9 @@ TEST(Displays, SurviveTheirFile) {
     Display plain;
     plain.name = u"";
     written.put(plain);
-    written.save(folder / "Displays.dat");
+    replace_file(folder / "Displays.dat", written.text());
 
-    const Displays read = Displays::load(folder / "Displays.dat");
+    const Displays read = load<Displays>(folder / "Displays.dat");
     ASSERT_EQ(read.size(), 2U);
     EXPECT_EQ(read.text(), written.text());
     EXPECT_EQ(read.at(0).name, odd.name);
@@ -101,9 +101,9 @@ TEST(Units, SurviveTheirFile) {
     written.store(u"A", 1, {Content::State::firmware, {u"new one.SHX", 12345, 0x0000ABCD}});
     written.store(u"A", 2, {Content::State::incomplete, {}});
     written.store(u"A", -7, {Content::State::empty, {}});
-    written.save(folder / "Units.dat");
+    replace_file(folder / "Units.dat", written.text());
 
-    Units read = Units::load(folder / "Units.dat");
+    Units read = load<Units>(folder / "Units.dat");
     EXPECT_EQ(read.slaves(u"A", 1)->x, 2);
     EXPECT_FALSE(read.answers(display_with(u"1"), 3));
     EXPECT_THAT(read.boxes(u"A"), ElementsAre(u"XPort \"03\"", u""));

@@ -11,7 +11,7 @@
 #include "simulator/host.h"
 #include "simulator/class_library.h"
 #include "simulator/automation.h"
-#include "simulator/native/native_machine.h"
+#include "simulator/native/native_session.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {

@@ -4,7 +4,7 @@
 #include <map>
 
 #include "platform/native/machine.h"
-#include "simulator/private_folder.h"
+#include "simulator/words.h"
 #include "tests/system/side.h"
 
 namespace vex::test {

@@ -4,8 +4,8 @@
 
 #include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
-#include "simulator/private_folder.h"
-#include "simulator/win32/program.h"
+#include "simulator/words.h"
+#include "simulator/win32/win32_session.h"
 #include "tests/system/side.h"
 
 namespace vex::test {

@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "platform/win32/system.h"
-#include "simulator/win32/program.h"
+#include "simulator/win32/win32_session.h"
 
 int main() {
     const std::filesystem::path sign(vex::platform::win32::module_path() + u".ran");

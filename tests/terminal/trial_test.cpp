@@ -5,10 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "simulator/display_picker.h"
-#include "simulator/native/icon_characters.h"
-#include "simulator/native/native_machine.h"
-#include "simulator/run_progress.h"
+#include "simulator/native/terminal_trial.h"
 #include "tests/shared/temporary_folder.h"
 #include "tests/terminal/fake_screen.h"
 #include "tests/terminal/terminal_process.h"

@@ -1,7 +1,7 @@
 // The keyboard on real windows: order, mnemonics, default and cancel keys, and where the focus goes.
 #include "platform/win32/windows_api.h"
 
-#include "simulator/win32/window_reader.h"
+#include "simulator/win32/win32_screen.h"
 #include "tests/win32/window_fixture.h"
 
 namespace vex::test {

@@ -2,7 +2,7 @@
 #include "platform/win32/windows_api.h"
 
 #include "simulator/win32/import_hook.h"
-#include "simulator/win32/window_reader.h"
+#include "simulator/win32/win32_screen.h"
 #include "tests/win32/window_fixture.h"
 
 namespace vex::test {

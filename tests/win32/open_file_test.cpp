@@ -8,8 +8,8 @@
 #include <fstream>
 
 #include "platform/win32/system.h"
-#include "simulator/private_folder.h"
-#include "simulator/win32/window_reader.h"
+#include "simulator/words.h"
+#include "simulator/win32/win32_screen.h"
 
 namespace vex::test {
 namespace {

@@ -9,11 +9,10 @@
 
 #include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
-#include "simulator/private_folder.h"
+#include "simulator/words.h"
 #include "simulator/session.h"
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
-#include "simulator/win32/window_reader.h"
 #include "tests/toolkit/test_user.h"
 #include "tests/win32/handle_counts.h"
 
@@ -36,8 +35,8 @@ protected:
         sim::Win32Machine machine(kPlugin, folder.path(), false);
         const auto library = std::filesystem::path(platform::win32::module_path()).parent_path() / kPlugin;
         std::ostringstream trace;
-        const auto status = sim::run_host(machine, {.data = folder.path(), .plugin_library = library, .scenario = {}},
-                                          true, trace, trace, [&work](sim::Host& host, sim::PluginHost& plugin) {
+        const auto status = sim::run_host(machine, folder.path(), library, true, trace, trace,
+                                          [&work](sim::Host& host, sim::PluginHost& plugin) {
                                               work(host, plugin);
                                               return sim::kPassed;
                                           });
@@ -115,7 +114,7 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
                 EXPECT_TRUE(may_end_session(2));
                 for (const auto& [name, window] : open_forms()) SendMessageW(window, WM_ENDSESSION, TRUE, 0);
             });
-        plugin.start(sim::StartMember::StartPlugin, nullptr);
+        plugin.start();
         EXPECT_EQ(user.actions_left(), 0U);
         EXPECT_GT(calls, 0);
         host.on_link = nullptr;
@@ -135,7 +134,7 @@ TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
     run([](sim::Host&, sim::PluginHost& plugin) {
         const char* number = std::getenv("VEX_WIZARDS");
         expect_no_handle_stays(number == nullptr ? 10 : std::atoi(number),
-                               [&] { plugin.start(sim::StartMember::StartPlugin, nullptr); });
+                               [&] { plugin.start(); });
     });
     KillTimer(nullptr, timer);
 }

@@ -4,9 +4,8 @@
 #include "platform/class_keys.h"
 #include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
-#include "simulator/private_folder.h"
-#include "simulator/win32/program.h"
-#include "simulator/win32/win32_machine.h"
+#include "simulator/words.h"
+#include "simulator/win32/win32_session.h"
 
 namespace vex::platform::win32 {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "core/runtime_error.h"
 #include "platform/win32/window_name.h"
-#include "simulator/win32/window_reader.h"
+#include "simulator/win32/win32_screen.h"
 #include "tests/toolkit/sample_form.h"
 #include "tests/toolkit/side.h"
 #include "tests/toolkit/test_user.h"

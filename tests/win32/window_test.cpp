@@ -5,7 +5,7 @@
 
 #include "core/unicode.h"
 #include "platform/win32/form_context.h"
-#include "simulator/win32/window_reader.h"
+#include "simulator/win32/win32_screen.h"
 #include "tests/win32/handle_counts.h"
 #include "tests/win32/window_fixture.h"
 

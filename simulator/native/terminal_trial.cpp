@@ -1,17 +1,30 @@
-// The simulated host's own line on the terminal.
-#include "simulator/native/host_line.h"
+// A trial of the plug-in on the terminal.
+#include "simulator/native/terminal_trial.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iostream>
 #include <map>
-#include <string>
+#include <sstream>
 
+#include "core/digits.h"
+#include "platform/native/machine.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::sim {
 namespace {
 
 namespace terminal = platform::native::terminal;
+
+constexpr int kEndedBySignal = 128;
+
+/// What somebody sees who has never seen this: three lines.
+std::u16string first_run_text(std::size_t displays) {
+    return u"A simulated host with " + digits_of(displays, 10) +
+           u" sample displays: nothing real is touched.\n"
+           u"Its firmware plug-in opens now: options, displays, file, Finish.\n"
+           u"Use the mouse, or Tab, Enter, Space and arrows; Ctrl+C leaves.";
+}
 
 constexpr terminal::Style kLine{.fore = terminal::Color::black, .back = terminal::Color::cyan};
 constexpr terminal::Style kBar{.fore = terminal::Color::white};
@@ -80,6 +93,40 @@ std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const ter
     column = canvas.text({column, line.top}, bar(progress.run_share(), width), kBar);
     canvas.text({column, line.top}, run_percent, kLine);
     return std::nullopt;
+}
+
+int run_trial(NativeSession& session, const CommandLine& options) {
+    // The screen is in use until the end.
+    std::ostringstream errors;
+    std::ostringstream summary;
+    std::optional<terminal::Ended> ended;
+    const ExitStatus status = session.try_out(errors, [&](Host& host, PluginHost& plugin, bool first_run) {
+        const Units before = host.units;
+        ExitStatus played = kPassed;
+        {
+            RunProgress progress(host);
+            const auto screen = terminal::take_terminal();
+            terminal::TerminalToolkit toolkit(*screen, icon_characters(), [&](auto& canvas, auto& line) {
+                return draw_host_line(canvas, line, toolkit, progress);
+            });
+            const Trial trial(host, toolkit, progress,
+                              Pace(toolkit, options.speed, [&] { return toolkit.ended().has_value(); }));
+            host.on_link = [&toolkit, follow = host.on_link](const LinkEvent& event) {
+                toolkit.invalidate();
+                return follow(event);
+            };
+            platform::native::set_desktop(&toolkit);
+            if (first_run) toolkit.message_box({u"Brivola (simulated)", first_run_text(host.displays.size())});
+            if (!toolkit.ended()) played = Session::start(plugin, errors);
+            platform::native::set_desktop(&session.screen().toolkit());
+            ended = toolkit.ended();
+        }
+        print_changed_units(host, before, summary);
+        return played;
+    });
+    std::cout << summary.str() << std::flush;
+    std::cerr << errors.str();
+    return ended && status == kPassed ? kEndedBySignal + ended->signal : status;
 }
 
 }  // namespace vex::sim

@@ -1,0 +1,124 @@
+// What somebody meets who tries the plug-in at a simulated host: its selection dialog, how far a run is, the time that
+// links take, and what the units hold in the end.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "forms/form.h"
+#include "simulator/host.h"
+
+namespace vex::sim {
+
+/// All displays of the host, to be checked one by one and found by typing. Shown modally, once. `displays` must outlive
+/// it and not change meanwhile. `chosen`: the names that are checked at first, joined by ",".
+class DisplayPicker final : public forms::Form {
+public:
+    DisplayPicker(forms::Toolkit& shown_on, const Displays& displays, const std::u16string& chosen = {});
+
+    /// The names of the checked displays in the host's order, joined by ","; empty when the user cancelled.
+    std::u16string answer() const;
+
+protected:
+    void Form_Load() override { show_matches(); }
+
+private:
+    /// Lists the displays that the search text occurs in.
+    void show_matches();
+    /// Shows what is checked, and what the buttons do now.
+    void show_checks();
+    bool all_checked() const;
+    void check_all();
+
+    const Displays& displays_;
+    bool accepted_ = false;
+    std::set<std::size_t> checked_;
+    /// The display of each row.
+    std::vector<std::size_t> rows_;
+
+    forms::ImageList images_;
+    forms::Label search_label_, count_, none_;
+    forms::TextBox search_;
+    forms::ListView list_;
+    forms::Button all_, ok_, cancel_;
+};
+
+/// How far an update run is, as the host sees it: by what its control does on the links. `host` must outlive it.
+class RunProgress {
+public:
+    explicit RunProgress(const Host& host) noexcept : host_(host) {}
+
+    /// The user chose displays: a new run.
+    void begin_run(std::vector<std::u16string> displays);
+    void follow(const LinkEvent& event);
+
+    /// From 1, of `displays`.
+    std::size_t display_number() const noexcept { return display_number_; }
+    std::size_t displays() const noexcept;
+    /// From 1, of `units`; 0 before the first.
+    std::size_t unit_number() const noexcept { return unit_number_; }
+    std::size_t units() const noexcept { return units_; }
+    /// 0 to 1.
+    double unit_share() const noexcept { return unit_share_; }
+    double run_share() const noexcept;
+
+private:
+    void begin_display(const std::u16string& name);
+    void begin_unit(Operation operation);
+
+    const Host& host_;
+    std::vector<std::u16string> chosen_;
+    std::size_t display_number_ = 0;
+    std::size_t unit_number_ = 0;
+    std::size_t units_ = 1;
+    double unit_share_ = 0;
+};
+
+/// Waits where a real link would, and serves the user meanwhile. `toolkit` must outlive it.
+class Pace {
+public:
+    /// `speed`: how many times as fast as usual. `ended`: whether the user has left, who waits for nothing more.
+    Pace(forms::Toolkit& toolkit, double speed, std::function<bool()> ended)
+        : toolkit_(toolkit), speed_(speed), ended_(std::move(ended)) {}
+
+    void follow(const LinkEvent& event);
+    bool ended() const { return ended_(); }
+
+private:
+    void wait(std::chrono::duration<double> usual);
+
+    forms::Toolkit& toolkit_;
+    double speed_;
+    std::function<bool()> ended_;
+    /// Who cancels waits for nothing more.
+    bool cancelled_ = false;
+    bool waiting_ = false;
+    /// What the control says of a transfer is read while the next part is on its way.
+    bool transferring_ = false;
+};
+
+/// While it lives, the host is in front of its user. The references must outlive it.
+class Trial {
+public:
+    Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, Pace pace);
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+    ~Trial();
+
+private:
+    Host& host_;
+    /// What the user chose last.
+    std::u16string choice_;
+    Pace pace_;
+};
+
+/// A line for each unit that does not hold what it held `before`, in the host's order of the displays; then how many
+/// still do.
+void print_changed_units(const Host& host, const Units& before, std::ostream& out);
+
+}  // namespace vex::sim
