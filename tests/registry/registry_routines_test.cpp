@@ -245,28 +245,24 @@ std::u16string wide_letters(std::size_t count) {
 
 std::vector<ReadCase> read_cases() {
     std::vector<ReadCase> cases = {
-        {"no text at all", kRegSz, {}, kDefault},
-        {"empty text", kRegSz, {0}, AutomationValue(u"")},
-        {"text", kRegSz, bytes_of("abc\0"sv), AutomationValue(u"abc")},
-        {"text without its null loses its end", kRegSz, bytes_of("abc"), AutomationValue(u"ab")},
-        {"text with a null within", kRegSz, bytes_of("a\0b\0"sv), AutomationValue(u"a\0b"s)},
+        {"no text at all", kRegSz, {}, kDefault}, {"empty text", kRegSz, {0}, u""},
+        {"text", kRegSz, bytes_of("abc\0"sv), u"abc"},
+        {"text without its null loses its end", kRegSz, bytes_of("abc"), u"ab"},
+        {"text with a null within", kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s},
         {"no expandable text at all", kRegExpandSz, {}, kDefault},
-        {"empty expandable text", kRegExpandSz, {0}, AutomationValue(u"\0"s), AutomationValue(u"")},
-        {"text that shrinks ends in a null", kRegExpandSz, bytes_of("<%VEX_SHORT%>\0"sv), AutomationValue(u"<s>\0"s)},
+        {"empty expandable text", kRegExpandSz, {0}, u"\0"s, u""},
+        {"text that shrinks ends in a null", kRegExpandSz, bytes_of("<%VEX_SHORT%>\0"sv), u"<s>\0"s},
         // Also one that stays as long as it is does not fit: its null has no room.
-        {"text that grows", kRegExpandSz, bytes_of("%VEX_LONGER%\0"sv), AutomationValue(u"%VEX_LONGER%")},
-        {"text that stays", kRegExpandSz, bytes_of("no variable\0"sv), AutomationValue(u"no variable")},
-        {"number", kRegDword, {0x39, 0x30, 0, 0}, AutomationValue(12345)},
-        {"number with all bits", kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}, AutomationValue(-1)},
-        {"short number", kRegDword, {0x39, 0x30}, AutomationValue(12345)},
-        {"long number", kRegDword, {1, 0, 0, 0, 9, 9}, AutomationValue(1)},
-        {"no number at all", kRegDword, {}, AutomationValue(0)},
-        {"list", kRegMultiSz, bytes_of("one\0two\0\0"sv), AutomationValue(u"one\0two"s)},
-        {"list with one null at its end", kRegMultiSz, bytes_of("one\0two\0"sv), AutomationValue(u"one\0tw"s)},
+        {"text that grows", kRegExpandSz, bytes_of("%VEX_LONGER%\0"sv), u"%VEX_LONGER%"},
+        {"text that stays", kRegExpandSz, bytes_of("no variable\0"sv), u"no variable"},
+        {"number", kRegDword, {0x39, 0x30, 0, 0}, 12345},
+        {"number with all bits", kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}, -1},
+        {"short number", kRegDword, {0x39, 0x30}, 12345}, {"long number", kRegDword, {1, 0, 0, 0, 9, 9}, 1},
+        {"no number at all", kRegDword, {}, 0}, {"list", kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one\0two"s},
+        {"list with one null at its end", kRegMultiSz, bytes_of("one\0two\0"sv), u"one\0tw"s},
         {"empty list", kRegMultiSz, {0, 0}, kDefault},
         {"list that begins with an empty string", kRegMultiSz, bytes_of("\0two\0\0"sv), kDefault},
-        {"no type", kRegNone, {1, 2}, kDefault},
-        {"type 5", 5, {1, 2, 3, 4}, kDefault},
+        {"no type", kRegNone, {1, 2}, kDefault}, {"type 5", 5, {1, 2, 3, 4}, kDefault},
     };
     for (const std::size_t size : kSizes) {
         cases.push_back({"bytes", kRegBinary, letters(size), AutomationValue(letters(size))});
@@ -318,18 +314,14 @@ struct WriteCase {
 };
 
 const WriteCase kWriteCases[] = {
-    {"text", kRegSz, u"abc", bytes_of("abc\0"sv)},
-    {"empty text", kRegSz, u"", {0}},
-    {"nothing as text", kRegSz, {}, {0}},
-    {"number as text", kRegSz, -12, bytes_of("-12\0"sv)},
+    {"text", kRegSz, u"abc", bytes_of("abc\0"sv)}, {"empty text", kRegSz, u"", {0}},
+    {"nothing as text", kRegSz, {}, {0}}, {"number as text", kRegSz, -12, bytes_of("-12\0"sv)},
     {"text beyond the code page", kRegSz, u"\x4E2D", bytes_of("?\0"sv)},
     {"expandable text", kRegExpandSz, u"%VEX_SHORT%", bytes_of("%VEX_SHORT%\0"sv)},
     {"list with one terminating null", kRegMultiSz, u"one\0two"s, bytes_of("one\0two\0"sv)},
-    {"bytes", kRegBinary, Bytes{0, 1, 255}, {0, 1, 255}},
-    {"number", kRegDword, 0x01020304, {4, 3, 2, 1}},
+    {"bytes", kRegBinary, Bytes{0, 1, 255}, {0, 1, 255}}, {"number", kRegDword, 0x01020304, {4, 3, 2, 1}},
     {"negative number", kRegDword, -2, {0xFE, 0xFF, 0xFF, 0xFF}},
-    {"text as number", kRegDword, u" 258.0 ", {2, 1, 0, 0}},
-    {"nothing as number", kRegDword, {}, {0, 0, 0, 0}},
+    {"text as number", kRegDword, u" 258.0 ", {2, 1, 0, 0}}, {"nothing as number", kRegDword, {}, {0, 0, 0, 0}},
 };
 
 TEST_F(RegistryRoutinesTest, WritingConvertsByType) {
@@ -385,39 +377,23 @@ std::string name_of(std::size_t index) { return {static_cast<char>('a' + index)}
 const std::vector<EnumeratedValue> kEnumerations[] = {
     {
         // Each binary value begins with what the text or binary value before left, leading blanks aside.
-        {kRegSz, bytes_of("abc\0"sv), u"abc"},
-        {kRegBinary, {0x01, 0x0A, 0x1F}, u"abc 01 A 1F"},
+        {kRegSz, bytes_of("abc\0"sv), u"abc"}, {kRegBinary, {0x01, 0x0A, 0x1F}, u"abc 01 A 1F"},
         {kRegDword, {7, 0, 0, 0}, 7},
-        {kRegBinary, {0x00, 0x09, 0x0F, 0x10, 0x99, 0xFF}, u"abc 01 A 1F 00 09 F 10 99 FF"},
-        {kRegSz, {0}, u""},
-        {kRegBinary, {0x42}, u"42"},
-        {kRegBinary, {0x43}, u"42 43"},
-        {kRegSz, {}, u""},
-        {kRegBinary, {0x0B}, u"B"},
-        {kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one,two"},
-        {kRegBinary, {0xAB}, u"one,two AB"},
-        {kRegSz, bytes_of("  blanks\0"sv), u"  blanks"},
-        {kRegBinary, {0xCD}, u"blanks CD"},
-        {kRegExpandSz, bytes_of("%VEX_SHORT%\0"sv), u"s"},
-        {kRegBinary, {0x77}, u"s 77"},
+        {kRegBinary, {0x00, 0x09, 0x0F, 0x10, 0x99, 0xFF}, u"abc 01 A 1F 00 09 F 10 99 FF"}, {kRegSz, {0}, u""},
+        {kRegBinary, {0x42}, u"42"}, {kRegBinary, {0x43}, u"42 43"}, {kRegSz, {}, u""}, {kRegBinary, {0x0B}, u"B"},
+        {kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one,two"}, {kRegBinary, {0xAB}, u"one,two AB"},
+        {kRegSz, bytes_of("  blanks\0"sv), u"  blanks"}, {kRegBinary, {0xCD}, u"blanks CD"},
+        {kRegExpandSz, bytes_of("%VEX_SHORT%\0"sv), u"s"}, {kRegBinary, {0x77}, u"s 77"},
     },
     {
         // A type without a conversion shows the data of the value before.
-        {5, {1, 2, 3, 4}, {}},
-        {kRegDword, {9, 0, 0, 0}, 9},
-        {kRegNone, {}, 9},
-        {kRegSz, bytes_of("text\0"sv), u"text"},
-        {11, {1, 2, 3, 4, 5, 6, 7, 8}, u"text"},
+        {5, {1, 2, 3, 4}, {}}, {kRegDword, {9, 0, 0, 0}, 9}, {kRegNone, {}, 9},
+        {kRegSz, bytes_of("text\0"sv), u"text"}, {11, {1, 2, 3, 4, 5, 6, 7, 8}, u"text"},
     },
     {
-        {kRegExpandSz, {}, u""},
-        {kRegExpandSz, {0}, u""},
-        {kRegMultiSz, {0, 0}, u""},
-        {kRegMultiSz, bytes_of("\0b\0\0"sv), u",b"},
-        {kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s},
-        {kRegDword, {1}, 1},
-        {kRegSz, letters(4096), wide_letters(4095)},
-        {kRegSz, letters(4097), wide_letters(4096)},
+        {kRegExpandSz, {}, u""}, {kRegExpandSz, {0}, u""}, {kRegMultiSz, {0, 0}, u""},
+        {kRegMultiSz, bytes_of("\0b\0\0"sv), u",b"}, {kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s}, {kRegDword, {1}, 1},
+        {kRegSz, letters(4096), wide_letters(4095)}, {kRegSz, letters(4097), wide_letters(4096)},
     },
 };
 

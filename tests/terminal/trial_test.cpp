@@ -1,4 +1,4 @@
-// The trial on the terminal: the host's selection dialog and progress, and the program as somebody at a terminal meets it.
+// The trial on the terminal: the host's selection dialog and progress, and the program as its user meets it.
 #include <fstream>
 #include <sstream>
 
@@ -71,15 +71,13 @@ TEST(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
         std::size_t unit;
         double share;
     } events[] = {
-        {begins, Operation::OpenConnection, u"Main", 0, 0},
-        {begins, Operation::DownloadFirmware, u"Main", 1, 0},
+        {begins, Operation::OpenConnection, u"Main", 0, 0}, {begins, Operation::DownloadFirmware, u"Main", 1, 0},
         {transfers, Operation::DownloadFirmware, u"Main", 1, 0.0625},
         {ends, Operation::DownloadFirmware, u"Main", 1, 0.125},
         {begins, Operation::DownloadFirmware, u"Main", 2, 0.125},
         {begins, Operation::OpenConnection, u"Second", 0, 0.5},
         // Done again, a display is a run of its own.
-        {begins, Operation::OpenConnection, u"Main", 0, 0},
-        {transfers, Operation::DownloadFirmware, u"Main", 0, 0},
+        {begins, Operation::OpenConnection, u"Main", 0, 0}, {transfers, Operation::DownloadFirmware, u"Main", 0, 0},
     };
     for (const auto& [kind, operation, display, unit, share] : events) {
         LinkEvent event;

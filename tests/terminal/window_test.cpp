@@ -33,7 +33,7 @@ protected:
     Window() { add_rows(20); }
     void beep() override { ++screen.beeps; }
     void add_rows(std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) form.list.add_row({}, std::u16string(1, static_cast<char16_t>(u'a' + i)));
+        for (std::size_t i = 0; i < count; ++i) form.list.add_row({}, std::u16string{static_cast<char16_t>(u'a' + i)});
     }
     void keys(std::u32string_view signs) {
         for (const char32_t sign : signs) window.handle(key_of(sign));
