@@ -47,17 +47,16 @@ protected:
 
 using Forms = std::map<std::u16string, HWND>;
 
+BOOL CALLBACK add_form(HWND window, LPARAM forms) {
+    std::u16string name = platform::win32::window_name(window);
+    if (!name.empty()) (*reinterpret_cast<Forms*>(forms))[std::move(name)] = window;
+    return TRUE;
+}
+
 /// The plug-in's open forms by name.
 Forms open_forms() {
     Forms forms;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM parameter) -> BOOL {
-            std::u16string name = platform::win32::window_name(window);
-            if (!name.empty()) (*reinterpret_cast<Forms*>(parameter))[std::move(name)] = window;
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&forms));
+    EnumThreadWindows(GetCurrentThreadId(), add_form, reinterpret_cast<LPARAM>(&forms));
     return forms;
 }
 
