@@ -265,69 +265,12 @@ close dlgFirmwareWizard
     EXPECT_EQ(error("?A"), kTypeMismatch);
 }
 
-TEST_F(Wizard, TheRecentDisplayIsListedByItselfWhereItCanBeLoaded) {
-    const auto listed = [this](const char16_t* name, const char* option) {
-        WriteHostSetting(services, u"BrivolaLite", u"RecentDisplay", u"LastOpened", name);
-        return play({"cmdNext", option, "--", "cmdNext"}).find("lstvDisplays[0]") != std::string::npos;
-    };
-    const auto with = [this](const char16_t* code, const char16_t* connection) {
-        displays[u"R"] = {{"SignTypeCode", code}, {"ConnectionType", connection}};
-    };
-    with(u"169", u"2");
-    EXPECT_FALSE(listed(u"R", "opLoadFirmware"));
-    EXPECT_TRUE(listed(u"R", "optJustResetDisplays"));
-    with(u"169", u"1");
-    EXPECT_TRUE(listed(u"R", "opLoadFirmware"));
-    with(u"170", u"2");
-    EXPECT_TRUE(listed(u"R", "opLoadFirmware"));
-    EXPECT_FALSE(listed(u"", "opLoadFirmware"));
-    with(u"", u"1");
-    EXPECT_EQ(error_of([&] { listed(u"R", "optJustResetDisplays"); }), kTypeMismatch);
-    // One name here, two in the run.
+TEST_F(Wizard, TheRecentDisplaysNameIsOneInTheListAndTwoInTheRun) {
     notebook.omitted.erase("dlgDispUpdater");
     WriteHostSetting(services, u"BrivolaLite", u"RecentDisplay", u"LastOpened", u"A,B");
     const std::string all = play({"cmdNext", "--", "cmdNext", "cmdFinish", "cmdClose"});
     EXPECT_THAT(all, testing::HasSubstr("lstvDisplays[0] \"A,B\""));
     EXPECT_THAT(all, testing::HasSubstr("lstvDisplayStatus[1] \"B\""));
-}
-
-TEST_F(Wizard, FirmwareFilesAreTakenByTheirEnding) {
-    pick(u"A");
-    const auto browse = [this](const char16_t* type, std::optional<std::u16string> file) {
-        displays[u"A"] = {{"DisplayTypeName", type}};
-        screen.file = std::move(file);
-        return play({"cmdNext", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "--", "cmdFirmwareBrowse"});
-    };
-    const auto remembered = [this] {
-        return ReadHostSetting(services, u"Brivola3", u"Firmware", u"LastFilePath", u"nothing");
-    };
-    const std::string shx = " named \"\" \"Motorola SHX Files(*.SHX)|*.SHX\" 081000\n";
-    EXPECT_EQ(browse(u"Z180", std::nullopt),
-              "choose file in \"C:\\Plugin\\bin\\Firmware\"" + shx + "close dlgFirmwareWizard\n");
-    EXPECT_EQ(remembered(), u"");
-    EXPECT_THAT(browse(u"Z180", u"SHX"), testing::HasSubstr("txtFirmwareFilename: SHX"));
-    EXPECT_EQ(browse(u"Z180", u"D:\\fw\\x.SHX2"),
-              "choose file in \"SHX\"" + shx + "ask \"vexFirmWarePlugin\" \"Not a valid SHX file!\" ok\nclose dlgFirmwareWizard\n");
-    EXPECT_EQ(remembered(), u"D:\\fw");
-    EXPECT_EQ(browse(u"TQ-1 - ", u"HX"), log(R"(
-choose file in "D:\fw" named "" "Rabbit Files(*.BIN)|*.BIN" 081000
-ask "vexFirmWarePlugin" "Not a valid Rabbit file!" ok
-close dlgFirmwareWizard
-)"));
-}
-
-TEST_F(Wizard, TheToolsSettingsKeepWhatIsNotWritten) {
-    pick(u"A");
-    const auto written = [this](const char16_t* port, const char16_t* baud) {
-        displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}, {"ComPort", port}, {"ComBaud", baud}, {"PhoneNumber", u""}};
-        play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdFinish", "cmdClose"});
-        return tool_settings();
-    };
-    const std::string rest = "Phone Number=\nRAM File=C:\\Plugin\\BIN\\FIRMWARE\\SL-RCM2000B.BIN\nROM File=\n";
-    EXPECT_EQ(written(u"Com3", u"0"), rest);
-    EXPECT_EQ(written(u"10.0.0.7", u"x1"), rest);
-    EXPECT_EQ(written(u"COM", u"0.5"), "Com Baud=0.5\nCom Port=COM:\n" + rest);
-    EXPECT_EQ(written(u"COM4", u""), "Com Baud=0.5\nCom Port=COM4:\n" + rest);
 }
 
 }  // namespace
