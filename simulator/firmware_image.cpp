@@ -31,19 +31,6 @@ constexpr std::string_view kTerminatorTypes = "789";
 
 std::string hex_byte(unsigned value) { return to_utf8(digits_of(value & 0xFFU, 16, 2)); }
 
-std::vector<std::uint8_t> read_hex(std::string_view digits) {
-    if (digits.size() % 2 != 0) throw std::invalid_argument("odd number of digits");
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(digits.size() / 2);
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = hex_value(digits[i]);
-        const int low = hex_value(digits[i + 1]);
-        if (high < 0 || low < 0) throw std::invalid_argument("a character is no hexadecimal digit");
-        bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
-    }
-    return bytes;
-}
-
 /// Checks records in their order.
 class MotorolaCheck {
 public:
@@ -54,7 +41,7 @@ public:
         const std::size_t address_bytes =
             type < '0' || type > '9' ? 0 : kAddressBytes.at(static_cast<std::size_t>(type - '0'));
         if (address_bytes == 0) throw std::invalid_argument("record type S" + std::string(1, type) + " is unknown");
-        const std::vector<std::uint8_t> bytes = read_hex(text.substr(2));
+        const std::vector<std::uint8_t> bytes = read_hex<std::vector<std::uint8_t>>(text.substr(2));
         // The count, which counts all that follows it: address, data and checksum.
         const std::size_t count = bytes.empty() ? 0 : bytes.front();
         const std::size_t follow = bytes.empty() ? 0 : bytes.size() - 1;

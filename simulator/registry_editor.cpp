@@ -58,18 +58,6 @@ std::string dword_bytes(std::u16string_view text) {
     return bytes;
 }
 
-std::string binary_bytes(std::u16string_view text) {
-    if (text.size() % 2 != 0) throw std::invalid_argument("a binary value needs two digits for each byte");
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); i += 2) {
-        const int high = hex_value(text[i]);
-        const int low = hex_value(text[i + 1]);
-        if (high < 0 || low < 0) throw std::invalid_argument("a binary value is written in hexadecimal digits");
-        bytes += static_cast<char>(high * 16 + low);
-    }
-    return bytes;
-}
-
 /// Each text with its null, and one more that ends the list.
 std::u16string list_of_texts(std::u16string text) {
     for (std::size_t at = text.find(kNullMark); at != text.npos; at = text.find(kNullMark, at))
@@ -135,7 +123,7 @@ void RegistryEditor::write(const RegistryPath& path, std::u16string_view name, s
     const std::uint32_t type = type_of(type_word);
     const std::u16string text(given);
     const std::string data = type == platform::kRegDword     ? dword_bytes(text)
-                             : type == platform::kRegBinary  ? binary_bytes(text)
+                             : type == platform::kRegBinary  ? read_hex<std::string>(to_utf8(text))
                              : type == platform::kRegMultiSz ? narrow(list_of_texts(text))
                                                              : narrow(text + u'\0');
     change(path, [&](platform::RegistryKey key) { return set(key, name, type, data); });

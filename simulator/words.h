@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/digits.h"
 #include "platform/private_files.h"
 
 namespace vex::sim {
@@ -50,6 +51,21 @@ std::optional<Number> number_of(std::string_view word, Form... form) {
 
 /// A decimal number that fills the whole word and lies in the range.
 std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high);
+
+/// The bytes that pairs of hexadecimal digits stand for. Raises `std::invalid_argument`.
+template <class Bytes>
+Bytes read_hex(std::string_view digits) {
+    if (digits.size() % 2 != 0) throw std::invalid_argument("odd number of digits");
+    Bytes bytes;
+    bytes.reserve(digits.size() / 2);
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        const int high = hex_value(digits[i]);
+        const int low = hex_value(digits[i + 1]);
+        if (high < 0 || low < 0) throw std::invalid_argument("a character is no hexadecimal digit");
+        bytes.push_back(static_cast<typename Bytes::value_type>(high * 16 + low));
+    }
+    return bytes;
+}
 
 /// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark. Raises `TextError`
 /// for a byte that is no UTF-8; `file`: how messages name the text.

@@ -75,32 +75,26 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     shown.enabled = found->enabled();
     shown.visible = found->visible();
     shown.takes_input = found->enabled() && found->reachable();
-    switch (found->kind()) {
-        case ControlKind::text_box: shown.kind = ShownControl::Kind::text_box; break;
-        case ControlKind::option_button:
-            shown.kind = ShownControl::Kind::option_button;
-            shown.checked = static_cast<const forms::OptionButton&>(*found).value();
-            break;
-        case ControlKind::check_box:
-            shown.kind = ShownControl::Kind::check_box;
-            shown.checked = static_cast<const forms::CheckBox&>(*found).value() != 0;
-            break;
-        case ControlKind::shape:
-            shown.kind = ShownControl::Kind::shape;
-            shown.fill_color = static_cast<const forms::Shape&>(*found).fill_color();
-            break;
-        case ControlKind::tab_pages:
-            shown.kind = ShownControl::Kind::pages;
-            shown.page = static_cast<const forms::TabPages&>(*found).tab();
-            break;
-        case ControlKind::list_view:
-            shown.kind = ShownControl::Kind::list;
-            for (const forms::ListRow& row : static_cast<const forms::ListView&>(*found).rows()) {
-                ShownRow& cells = shown.rows.emplace_back(ShownRow{{row.text}, row.fore_color});
-                for (const forms::ListCell& cell : row.sub_items) cells.cells.push_back(cell.text);
-            }
-            break;
-        default: break;
+    using Kind = ShownControl::Kind;
+    if (found->kind() == ControlKind::text_box) shown.kind = Kind::text_box;
+    if (found->kind() == ControlKind::option_button) {
+        shown.kind = Kind::option_button;
+        shown.checked = static_cast<const forms::OptionButton&>(*found).value();
+    } else if (found->kind() == ControlKind::check_box) {
+        shown.kind = Kind::check_box;
+        shown.checked = static_cast<const forms::CheckBox&>(*found).value() != 0;
+    } else if (found->kind() == ControlKind::shape) {
+        shown.kind = Kind::shape;
+        shown.fill_color = static_cast<const forms::Shape&>(*found).fill_color();
+    } else if (found->kind() == ControlKind::tab_pages) {
+        shown.kind = Kind::pages;
+        shown.page = static_cast<const forms::TabPages&>(*found).tab();
+    } else if (found->kind() == ControlKind::list_view) {
+        shown.kind = Kind::list;
+        for (const forms::ListRow& row : static_cast<const forms::ListView&>(*found).rows()) {
+            ShownRow& cells = shown.rows.emplace_back(ShownRow{{row.text}, row.fore_color});
+            for (const forms::ListCell& cell : row.sub_items) cells.cells.push_back(cell.text);
+        }
     }
     return shown;
 }

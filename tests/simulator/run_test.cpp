@@ -67,7 +67,7 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
         {"file Z:\\tmp\\x", "a.scn:3: \"Z:\\tmp\\x\" is no path on a drive of A: to Y:\n"},
         {"registry HKLM\\a b word 1", "a.scn:3: \"word\" is none of sz, expand_sz, multi_sz, dword, binary\n"},
         {"registry HKLM\\a b dword 4294967296", "a.scn:3: \"4294967296\" is no number of 32 bits\n"},
-        {"registry HKLM\\a b binary 0g", "a.scn:3: a binary value is written in hexadecimal digits\n"},
+        {"registry HKLM\\a b binary 0g", "a.scn:3: a character is no hexadecimal digit\n"},
     };
     for (const auto& bad : cases) {
         const Outcome outcome = run(std::string("display A\nstart\n") + bad.statement + "\nshow SSTab1.Tab\n");
