@@ -93,6 +93,8 @@ protected:
 
     virtual std::u16string dialog_name() const = 0;
     virtual std::u16string dialog_caption() const = 0;
+    /// For messages; none where the side cannot tell.
+    virtual std::vector<std::u16string> control_names() const { return {}; }
     virtual void do_click(const std::u16string& control) = 0;
     virtual void do_press(const std::u16string& control, forms::MouseButton button, float x, float y) = 0;
     virtual void do_type(const std::u16string& text_box, const std::u16string& text) = 0;

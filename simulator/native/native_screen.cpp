@@ -67,6 +67,12 @@ forms::Control& NativeScreen::control(const std::u16string& name) const {
     return *found;
 }
 
+std::vector<std::u16string> NativeScreen::control_names() const {
+    std::vector<std::u16string> names;
+    for (const forms::Control* control : form().controls()) names.push_back(from_utf8(control->name()));
+    return names;
+}
+
 std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const {
     const forms::Control* const found = any_dialog() ? form().find(to_utf8(name)) : nullptr;
     if (found == nullptr) return std::nullopt;

@@ -47,6 +47,7 @@ protected:
 private:
     std::u16string dialog_name() const override;
     std::u16string dialog_caption() const override { return form().caption(); }
+    std::vector<std::u16string> control_names() const override;
     void do_click(const std::u16string& name) override { form().raise_click(control(name)); }
     void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
         form().raise_mouse_down(control(name), button, x, y);

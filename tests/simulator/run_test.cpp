@@ -55,12 +55,12 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
         const char* statement;
         const char* message;
     } cases[] = {
-        {"click cmdNxt", "a.scn:3: dlgFirmwareWizard has no control \"cmdNxt\"\n"},
+        {"click cmdNxt", "a.scn:3: dlgFirmwareWizard has no control \"cmdNxt\"; the nearest is cmdNext\n"},
         {"show cmdNext.Value", "a.scn:3: cmdNext has no property \"Value\"\n"},
         {"set lblStart text", "a.scn:3: \"text\" is neither on nor off\n"},
         {"set cmdNext on", "a.scn:3: cmdNext takes no value\n"},
         {"rows cmdNext", "a.scn:3: cmdNext is no list\n"},
-        {"retry 1", "a.scn:3: dlgFirmwareWizard has no control \"lstvDisplayStatus\"\n"},
+        {"retry 1", "a.scn:3: dlgFirmwareWizard has no control \"lstvDisplayStatus\"; the nearest is lstvDisplays\n"},
         {"start", "a.scn:3: a dialog is still open\n"},
         {"unit B 1 absent", "a.scn:3: there is no display \"B\"\n"},
         {"copy nowhere D:\\x", "a.scn:3: there is no file \"nowhere\"\n"},
