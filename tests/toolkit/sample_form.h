@@ -21,9 +21,10 @@ public:
         cmdCancel.is_cancel = true;
         lay_out({
             {.control = panel, .name = "panel", .at = {0, 0, 1500, 3000}, .back = forms::kDarkGrey},
-            {line, "line", &panel, -1, {150, 150, 0, 1200}},
+            {.control = line, .name = "line", .parent = &panel, .at = {150, 150, 0, 1200}, .fore = forms::kWhite},
             {shape, "shape", &panel, -1, {300, 300, 450, 300}},
-            {panel_label, "panel_label", &panel, -1, {300, 900, 900, 195}, u"On the panel"},
+            {.control = panel_label, .name = "panel_label", .parent = &panel, .at = {300, 900, 900, 195},
+             .text = u"On the panel", .fore = forms::kWhite},
             {.control = pages, .name = "pages", .at = {1500, -330, 4500, 4080}, .tab_index = 2},
             {label, "label", &pages, 0, {150, 450, 4200, 450}, u"Label & text"},
             {text, "text", &pages, 0, {150, 900, 3000, 330}, u"", 3},
