@@ -28,10 +28,9 @@ protected:
 };
 
 /// The sample form's window alone, at the smallest terminal's scale.
-class Window : public OnTerminal, public WindowOwner {
+class Window : public OnTerminal {
 protected:
     Window() { add_rows(20); }
-    void beep() override { ++screen.beeps; }
     void add_rows(std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) form.list.add_row({}, std::u16string{static_cast<char16_t>(u'a' + i)});
     }
@@ -64,8 +63,7 @@ protected:
     }
     std::string picture() { return text_picture(window.picture()); }
 
-    IconCharacters icons;
-    FormWindow window{form, *this, icons};
+    FormWindow window{form, toolkit};
 };
 
 TEST_F(Window, FocusGoesByTheKeyboardOrderAndToThePageThatOpens) {

@@ -6,10 +6,7 @@
 namespace vex::platform::native::terminal {
 namespace {
 
-constexpr int kUp = 1;
-constexpr int kRight = 2;
-constexpr int kDown = 4;
-constexpr int kLeft = 8;
+constexpr int kUp = 1, kRight = 2, kDown = 4, kLeft = 8;
 
 /// The line character with the given arms.
 constexpr std::u32string_view kLineCharacters = U" │─└││┌├─┘─┴┐┤┬┼";
@@ -45,12 +42,6 @@ Canvas::Canvas(Size size, const Style& style)
     : size_(size),
       clip_(area()),
       cells_(static_cast<std::size_t>(size.columns) * static_cast<std::size_t>(size.rows), Cell{.style = style}) {}
-
-Area Canvas::set_clip(const Area& area) noexcept {
-    const Area before = clip_;
-    clip_ = area.meet(this->area());
-    return before;
-}
 
 void Canvas::put(Point at, Cell cell) noexcept {
     if (!clip_.contains(at)) return;

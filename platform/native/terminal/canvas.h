@@ -99,8 +99,8 @@ public:
     /// `at` must lie inside.
     const Cell& cell(Point at) const noexcept { return cells_[index(at)]; }
 
-    /// Limits drawing to `area` and answers the limit before.
-    Area set_clip(const Area& area) noexcept;
+    /// Limits drawing to `area`.
+    void set_clip(const Area& area) noexcept { clip_ = area.meet(this->area()); }
     void fill(const Area& area, const Style& style, char32_t character = U' ') noexcept;
     /// Draws one line of text and answers the column after it. Control characters are drawn as U+FFFD and
     /// format characters not at all, so that no text can steer the terminal.

@@ -11,7 +11,7 @@ using forms::Control;
 using forms::ControlKind;
 using forms::ListView;
 
-constexpr std::ptrdiff_t kWheelRows = 3;
+constexpr int kWheelRows = 3;
 
 float middle(int cell, forms::Twips per_cell) noexcept {
     return (static_cast<float>(cell) + 0.5F) * static_cast<float>(per_cell);
@@ -29,18 +29,10 @@ bool part_of_its_panel(const Control& control) noexcept {
 
 }  // namespace
 
-void FormWindow::handle(const MouseEvent& event) {
-    owner_.invalidate();
-    const bool outer = std::exchange(handling_, true);
-    if (event.action == MouseAction::press) {
-        mouse_press(event);
-    } else if (event.action == MouseAction::release) {
-        mouse_release(event);
-    } else if (const PlacedControl* placed = control_at(event.at)) {
-        auto pane = pane_of(*placed->control);
-        if (pane) pane->scroll(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows, 0);
-    }
-    handling_ = outer;
+void FormWindow::turn_wheel(const MouseEvent& event) {
+    const PlacedControl* placed = control_at(event.at);
+    auto pane = placed == nullptr ? std::nullopt : pane_of(*placed->control);
+    if (pane) pane->scroll(event.action == MouseAction::wheel_up ? -kWheelRows : kWheelRows, 0);
 }
 
 void FormWindow::mouse_press(const MouseEvent& event) {

@@ -1,5 +1,6 @@
 // How a form looks on the terminal.
 #include "platform/native/terminal/form_window.h"
+#include "platform/native/terminal/terminal_toolkit.h"
 #include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
@@ -74,8 +75,7 @@ void FormWindow::draw_control(const PlacedControl& placed) {
             return canvas_.line({cells.left, cells.top}, {cells.right - 1, cells.bottom - 1},
                                 etched ? look::kFaint : color_of(control.fore_color()));
         }
-        case ControlKind::tab_pages:
-        case ControlKind::host_control: return;
+        default: return;
     }
 }
 
@@ -151,16 +151,9 @@ void FormWindow::draw_list(const PlacedControl& placed) {
     const Area& cells = placed.cells;
     const ListPane pane(list, cells, scale_, lists_[&list]);
     canvas_.set_clip(placed.clip.meet(cells));
-    pane.paint(canvas_, focused(list), icons_);
+    pane.paint(canvas_, focused(list), toolkit_.icons());
     const int row = list.selected() ? pane.place_of(*list.selected()) : cells.top;
     if (focused(list) && row >= cells.top && row < cells.bottom) cursor_ = Point{cells.left, row};
-}
-
-std::string picture_of(forms::Form& form, const IconCharacters& icons) {
-    WindowOwner nobody;
-    FormWindow window(form, nobody, icons);
-    window.draw({}, true);
-    return text_picture(window.picture());
 }
 
 }  // namespace vex::platform::native::terminal

@@ -99,7 +99,6 @@ constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   S
 // A signal handler reaches nothing but static data; it is set up before the handlers and left alone after.
 struct {
     int pipe[2] = {-1, -1};
-    bool modes_known = false;
     termios modes{};
     std::array<char, 256> farewell{};
     volatile std::sig_atomic_t farewell_length = 0;
@@ -111,7 +110,7 @@ void die_of(int signal) {
         [[maybe_unused]] const auto written =
             write(STDOUT_FILENO, state.farewell.data(), static_cast<std::size_t>(state.farewell_length));
     }
-    if (state.modes_known) tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
+    tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
     std::signal(signal, SIG_DFL);
     raise(signal);
 }
@@ -139,14 +138,12 @@ public:
         if (pipe2(state.pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
             throw RuntimeError(kOutOfMemory, u"The terminal's signals cannot be watched");
         }
-        state.modes_known = tcgetattr(STDIN_FILENO, &state.modes) == 0;
+        tcgetattr(STDIN_FILENO, &state.modes);
         state.asked_to_end = 0;
         for (const int signal : kEndings) handle(signal, on_end);
         for (const int signal : kDeaths) handle(signal, die_of);
         handle(SIGWINCH, on_resize);
     }
-    SignalWatch(const SignalWatch&) = delete;
-    SignalWatch& operator=(const SignalWatch&) = delete;
     ~SignalWatch() {
         for (const auto& [signal, handler] : former_) std::signal(signal, handler);
         state.farewell_length = 0;
@@ -193,8 +190,6 @@ public:
                                      capability("sgr0") + capability("cnorm") + capability("rmcup");
         state.farewell_length = static_cast<int>(farewell.copy(state.farewell.data(), state.farewell.size()));
     }
-    NcursesScreen(const NcursesScreen&) = delete;
-    NcursesScreen& operator=(const NcursesScreen&) = delete;
     ~NcursesScreen() override {
         mousemask(0, nullptr);
         if (has_mouse()) send(kModesOff);
@@ -394,19 +389,20 @@ private:
 
 bool find_terminal(std::ostream& notes) {
     if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) return false;
-    constexpr char kCommon[] = "xterm-256color";
     const char* name = std::getenv("TERM");
     const std::string terminal = name == nullptr ? "" : name;
     int error = 0;
-    bool described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
-    if (!described) {
-        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for " << kCommon
-              << '\n';
-        setenv("TERM", kCommon, 1);
-        described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
+    const auto described = [&error] { return setupterm(nullptr, STDOUT_FILENO, &error) == OK; };
+    bool usable = described();
+    if (!usable) {
+        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for xterm-256color\n";
+        setenv("TERM", "xterm-256color", 1);
+        usable = described();
     }
-    const bool usable = described && !capability("cup").empty();
-    if (described) del_curterm(cur_term);
+    if (usable) {
+        usable = !capability("cup").empty();
+        del_curterm(cur_term);
+    }
     if (!usable) notes << "the terminal \"" << terminal << "\" cannot be drawn on; playing the sample scenario\n";
     return usable;
 }

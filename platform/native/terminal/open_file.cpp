@@ -1,6 +1,5 @@
-// The Open dialog of the terminal.
-#include "platform/native/terminal/open_file.h"
-
+// The Open dialog of the terminal: a field for a name or path on the drives of the simulated computer, and the list of
+// what fits it.
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
@@ -12,6 +11,7 @@
 #include "core/unicode.h"
 #include "forms/form.h"
 #include "platform/native/machine.h"
+#include "platform/native/terminal/terminal_toolkit.h"
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -213,8 +213,8 @@ private:
 
 }  // namespace
 
-std::optional<u16string> ask_for_file(forms::Toolkit& toolkit, const forms::OpenFileRequest& request) {
-    OpenFileForm form(toolkit, request);
+std::optional<u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
+    OpenFileForm form(*this, request);
     form.show_modal();
     return form.chosen;
 }

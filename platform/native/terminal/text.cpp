@@ -1,6 +1,7 @@
 // Text on the character grid.
 #include "platform/native/terminal/text.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cwchar>
 
@@ -13,23 +14,17 @@ namespace {
 void wrap_line(std::u32string_view line, int width, std::vector<std::u32string>& lines) {
     if (line.ends_with(U'\r')) line.remove_suffix(1);
     const std::size_t first = lines.size();
-    while (true) {
-        std::u32string_view part = beginning(line, width);
-        if (part.empty() && !line.empty()) part = line.substr(0, 1);
-        std::size_t next = part.size();
-        if (next < line.size() && line[next] != U' ') {
-            const std::size_t blank = part.find_last_of(U' ');
-            if (blank != std::u32string_view::npos && part.find_first_not_of(U' ') < blank) {
-                part = part.substr(0, blank);
-                next = blank;
-            }
+    do {
+        std::size_t end = std::max<std::size_t>(beginning(line, width).size(), 1);
+        if (end < line.size() && line[end] != U' ') {
+            const std::size_t blank = line.substr(0, end).find_last_of(U' ');
+            if (blank != line.npos && line.find_first_not_of(U' ') < blank) end = blank;
         }
-        while (next < line.size() && line[next] == U' ') ++next;
-        while (!part.empty() && part.back() == U' ') part.remove_suffix(1);
-        if (!part.empty() || lines.size() == first) lines.emplace_back(part);
-        line.remove_prefix(next);
-        if (line.empty()) return;
-    }
+        const std::u32string_view part = line.substr(0, end);
+        line.remove_prefix(std::min(line.find_first_not_of(U' ', end), line.size()));
+        const std::size_t last = part.find_last_not_of(U' ');
+        if (last != part.npos || lines.size() == first) lines.emplace_back(part.substr(0, last + 1));
+    } while (!line.empty());
 }
 
 }  // namespace
@@ -117,10 +112,6 @@ Caption parse_caption(std::u16string_view caption) {
         parsed.text.push_back(marked[i]);
     }
     return parsed;
-}
-
-bool same_letter(char32_t left, char32_t right) noexcept {
-    return equal_ignoring_case(to_utf16({&left, 1}), to_utf16({&right, 1}));
 }
 
 }  // namespace vex::platform::native::terminal

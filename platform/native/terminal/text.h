@@ -39,7 +39,4 @@ struct Caption {
 };
 Caption parse_caption(std::u16string_view caption);
 
-/// Equality of two characters without regard to case.
-bool same_letter(char32_t left, char32_t right) noexcept;
-
 }  // namespace vex::platform::native::terminal
