@@ -71,9 +71,6 @@ constexpr std::pair<wint_t, Key> kKeys[] = {
     {KEY_BACKSPACE, Key::backspace}, {KEY_F(10), Key::menu}, {KEY_F(16), Key::menu},     {KEY_F(22), Key::menu},
 };
 
-/// In the order of the library's buttons.
-constexpr MouseButton kButtons[] = {MouseButton::left, MouseButton::middle, MouseButton::right};
-
 /// The numbers of the sixteen colours among 256, where users do not change them.
 constexpr int kOf256[] = {16, 160, 28, 136, 18, 90, 30, 252, 240, 196, 46, 226, 25, 201, 51, 231};
 
@@ -91,7 +88,7 @@ void send(const char* bytes) {
 
 // ---- Signals ------------------------------------------------------------------------------------------
 
-constexpr std::array kEndings = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr std::array kRequests = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH};
 /// What else ends a process: its own faults, and what others send it.
 constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   SIGSYS,  SIGTRAP,
                                 SIGPIPE, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGXCPU, SIGXFSZ};
@@ -115,19 +112,15 @@ void die_of(int signal) {
     raise(signal);
 }
 
-void tell(char event) noexcept {
+/// A request to end, or a new size.
+void tell(int signal) {
+    const bool size = signal == SIGWINCH;
+    if (!size && state.asked_to_end != 0) return die_of(signal);
+    if (!size) state.asked_to_end = signal;
     const int error = errno;
-    [[maybe_unused]] const auto written = write(state.pipe[1], &event, 1);
+    [[maybe_unused]] const auto written = write(state.pipe[1], size ? "r" : "e", 1);
     errno = error;
 }
-
-void on_end(int signal) {
-    if (state.asked_to_end != 0) return die_of(signal);
-    state.asked_to_end = signal;
-    tell('e');
-}
-
-void on_resize(int) { tell('r'); }
 
 /// Signals while the terminal is in use: a request to end and a new size are read like input, and whatever kills the
 /// process leaves the terminal as it was: its modes are those of the construction. At most one at a time; the former
@@ -140,9 +133,8 @@ public:
         }
         tcgetattr(STDIN_FILENO, &state.modes);
         state.asked_to_end = 0;
-        for (const int signal : kEndings) handle(signal, on_end);
+        for (const int signal : kRequests) handle(signal, tell);
         for (const int signal : kDeaths) handle(signal, die_of);
-        handle(SIGWINCH, on_resize);
     }
     ~SignalWatch() {
         for (const auto& [signal, handler] : former_) std::signal(signal, handler);
@@ -286,9 +278,9 @@ private:
         MEVENT event;
         while (getmouse(&event) == OK) {
             const Point at{event.x, event.y};
-            for (int i = 1; i <= 3; ++i) {
-                if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, kButtons[i - 1], at});
-                if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, kButtons[i - 1], at});
+            for (const auto& [i, button] : {std::pair(1, MouseButton::left), {2, MouseButton::middle}, {3, MouseButton::right}}) {
+                if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, button, at});
+                if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, button, at});
             }
             if (BUTTON_PRESS(event.bstate, 4)) events.push_back({MouseAction::wheel_up, MouseButton::left, at});
             if (BUTTON_PRESS(event.bstate, 5)) events.push_back({MouseAction::wheel_down, MouseButton::left, at});

@@ -1,6 +1,7 @@
 // The Toolkit on a terminal.
 #include "platform/native/terminal/terminal_toolkit.h"
 
+#include <memory>
 #include <utility>
 
 #include "core/unicode.h"
@@ -26,15 +27,14 @@ public:
         : Form(toolkit, design_for(title, text, answers, menu)),
           closes_(menu || answers.size() == 1),
           buttons_(answers.size()) {
-        const Twips step = 11 * kCell.column;
-        const Twips left = (width() - step * static_cast<Twips>(answers.size()) + 2 * kCell.column) / 2;
-        const Rect text_place{2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row};
-        if (!menu) lay_out({{.control = text_, .name = "text", .at = text_place, .text = text}});
+        const auto [column, row] = kCell;
+        if (!menu) lay_out({{text_, "text", nullptr, -1, {2 * column, row, width() - 4 * column, height() - 4 * row}, text}});
+        const Twips left = (width() - 11 * column * static_cast<Twips>(answers.size()) + 2 * column) / 2;
         for (std::size_t i = 0; i < answers.size(); ++i) {
-            const auto number = static_cast<Twips>(i);
-            const Rect place = menu ? Rect{0, number * kCell.row, width(), kCell.row}
-                                    : Rect{left + number * step, height() - 2 * kCell.row, 9 * kCell.column, kCell.row};
-            lay_out({{.control = buttons_[i], .name = "answer", .at = place, .text = answers[i], .tab_index = number}});
+            const int number = static_cast<int>(i);
+            const Rect place = menu ? Rect{0, number * row, width(), row}
+                                    : Rect{left + number * 11 * column, height() - 2 * row, 9 * column, row};
+            lay_out({{buttons_[i], "answer", nullptr, -1, place, answers[i], number}});
             buttons_[i].on_click = [this, i] {
                 answer = i;
                 hide();
@@ -97,13 +97,11 @@ void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
     if (ended_) return;
     Shown shown{{form, *this}, std::exchange(anchor_, std::nullopt), {}};
     windows_.push_back(&shown);
-    struct Closing {
-        TerminalToolkit& toolkit;
-        ~Closing() {
-            toolkit.windows_.pop_back();
-            toolkit.stale_ = true;
-        }
-    } const closing{*this};
+    // Also when the form ends by an error.
+    const std::shared_ptr<void> closing(nullptr, [this](void*) {
+        windows_.pop_back();
+        stale_ = true;
+    });
     draw_now();
     form.raise_activate();
     while (form.running() && !ended_) {
