@@ -9,7 +9,6 @@
 
 #include "core/digits.h"
 #include "platform/native/machine.h"
-#include "platform/native/terminal/text.h"
 
 namespace vex::sim {
 namespace {

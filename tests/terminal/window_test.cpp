@@ -6,7 +6,6 @@
 #include "about/frm_about.h"
 #include "platform/native/machine.h"
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "platform/native/terminal/text.h"
 #include "tests/terminal/fake_screen.h"
 #include "tests/toolkit/sample_form.h"
 #include "update/dlg_disp_updater.h"

@@ -3,7 +3,6 @@
 
 #include "platform/native/terminal/form_window.h"
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {

@@ -5,7 +5,6 @@
 
 #include "core/unicode.h"
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -72,16 +71,15 @@ std::u32string hint(std::u32string key, const Control& control) {
 
 Control* first_focus(const forms::Form& form) {
     const std::vector<Control*> stops = tab_stops(form);
-    for (Control* stop : stops) {
-        for (const Control* parent = stop->parent(); parent != nullptr; parent = parent->parent()) {
-            if (parent->kind() == ControlKind::tab_pages) return stop;
-        }
-    }
-    Control* const standard = button_with(form, &forms::Button::is_default);
-    for (const Control* control : form.controls()) {
-        if (control->kind() == ControlKind::tab_pages && standard != nullptr) return standard;
-    }
-    return stops.empty() ? nullptr : stops.front();
+    const auto on_page = std::find_if(stops.begin(), stops.end(), [](const Control* stop) {
+        while (stop->page() < 0 && stop->parent() != nullptr) stop = stop->parent();
+        return stop->page() >= 0;
+    });
+    if (on_page != stops.end()) return *on_page;
+    const bool pages = std::any_of(form.controls().begin(), form.controls().end(),
+                                   [](const Control* control) { return control->kind() == ControlKind::tab_pages; });
+    Control* const standard = pages ? button_with(form, &forms::Button::is_default) : nullptr;
+    return standard != nullptr || stops.empty() ? standard : stops.front();
 }
 
 }  // namespace
@@ -200,11 +198,8 @@ void FormWindow::handle(const Input& input) {
     if (const auto* key = std::get_if<KeyPress>(&input)) press_key(*key);
     if (const auto* paste = std::get_if<Paste>(&input)) insert(paste->text);
     if (const auto* mouse = std::get_if<MouseEvent>(&input)) {
-        switch (mouse->action) {
-            case MouseAction::press: mouse_press(*mouse); break;
-            case MouseAction::release: mouse_release(*mouse); break;
-            default: turn_wheel(*mouse);
-        }
+        const bool wheel = mouse->action == MouseAction::wheel_up || mouse->action == MouseAction::wheel_down;
+        wheel ? turn_wheel(*mouse) : mouse->action == MouseAction::press ? mouse_press(*mouse) : mouse_release(*mouse);
     }
     handling_ = outer;
 }

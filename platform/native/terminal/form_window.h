@@ -1,13 +1,6 @@
 // A form on the terminal while it is shown: draws it, and turns keys and mouse into what the user does to it.
 #pragma once
 
-#include <map>
-#include <optional>
-#include <string>
-#include <vector>
-
-#include "forms/form.h"
-#include "platform/native/terminal/layout.h"
 #include "platform/native/terminal/list_pane.h"
 #include "platform/native/terminal/screen.h"
 

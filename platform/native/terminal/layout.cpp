@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {

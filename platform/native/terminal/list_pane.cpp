@@ -4,7 +4,6 @@
 #include <numeric>
 #include <utility>
 
-#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {

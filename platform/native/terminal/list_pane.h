@@ -1,14 +1,9 @@
 // A list view on the character grid: where its rows and columns stand, and how it is drawn.
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
-#include "forms/controls.h"
 #include "platform/native/terminal/layout.h"
 
 namespace vex::platform::native::terminal {

@@ -1,6 +1,4 @@
 // The terminal as a screen, by ncurses.
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <clocale>
@@ -8,10 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -385,16 +380,12 @@ bool find_terminal(std::ostream& notes) {
     const std::string terminal = name == nullptr ? "" : name;
     int error = 0;
     const auto described = [&error] { return setupterm(nullptr, STDOUT_FILENO, &error) == OK; };
-    bool usable = described();
-    if (!usable) {
+    if (!described()) {
         notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for xterm-256color\n";
         setenv("TERM", "xterm-256color", 1);
-        usable = described();
     }
-    if (usable) {
-        usable = !capability("cup").empty();
-        del_curterm(cur_term);
-    }
+    const bool usable = described() && !capability("cup").empty();
+    if (cur_term != nullptr) del_curterm(cur_term);
     if (!usable) notes << "the terminal \"" << terminal << "\" cannot be drawn on; playing the sample scenario\n";
     return usable;
 }

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "core/unicode.h"
-#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {

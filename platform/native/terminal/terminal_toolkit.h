@@ -3,12 +3,7 @@
 #pragma once
 
 #include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
-#include "forms/form.h"
 #include "forms/toolkit.h"
 #include "platform/native/terminal/form_window.h"
 #include "platform/native/terminal/screen.h"
