@@ -20,8 +20,8 @@ TEST(FileBox, ListFollowsTheFieldAndOpenTakesWhatIsMarked) {
     use_machine_folder(machine.path());
     // Keys, what is then to be seen and what is not, and more keys.
     using Keys = const char32_t*;
-    const std::tuple<std::u16string, std::u16string, Keys, const char*, const char*, Keys, std::optional<std::u16string>>
-        cases[] = {
+    using Path = std::u16string;
+    const std::tuple<Path, Path, Keys, const char*, const char*, Keys, std::optional<Path>> cases[] = {
         {u"C:\\fw\\", u"", U"", "   ..\\", "sign.shx", U"↓↓⏎", u"C:\\fw\\new.bin"},
         {u"C:\\fw", u"C:\\fw\\newer.bin", U"", "Rabbit Files(*.BIN)", "all drives", U"⏎", u"C:\\fw\\newer.bin"},
         {u"C:\\fw\\missing\\deeper", u"", U"", "›alpha.BIN", "missing", U"⏎", u"C:\\fw\\alpha.BIN"},

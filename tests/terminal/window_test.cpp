@@ -250,7 +250,8 @@ std::string faults_of(const forms::Form& form, Size terminal) {
         bool good = sizes.try_emplace({kind, place.width, place.height}, size).first->second == size;
         good = good && cells.meet(placed.clip) == cells;
         for (const PlacedControl& other : controls) {
-            if (kind != ControlKind::button || &other == &placed || other.control->parent() != control.parent()) continue;
+            if (kind != ControlKind::button || &other == &placed) continue;
+            if (other.control->parent() != control.parent()) continue;
             const Area common = other.cells.meet(cells);
             good = good && (common.width() <= 0 || common.height() <= 0) && !placed.lines.front().ends_with(U'…');
         }
@@ -261,8 +262,8 @@ std::string faults_of(const forms::Form& form, Size terminal) {
 
 TEST_F(OnTerminal, ControlsOfOneSizeHaveOneSizeOnEveryScreen) {
     com::ModuleLifetime module;
-    const Services services{toolkit, native::registry(), native::files(), native::processes(), native::code_page(), module,
-                            u"C:\\Brivola"};
+    const Services services{toolkit, native::registry(), native::files(), native::processes(), native::code_page(),
+                            module, u"C:\\Brivola"};
     dlgFirmwareWizard wizard(services, {});
     dlgDispUpdater run(services);
     dlgHandleSignOption session(services);

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 
-
 namespace vex::platform::native::terminal {
 namespace {
 

@@ -4,7 +4,6 @@
 #include <numeric>
 #include <utility>
 
-
 namespace vex::platform::native::terminal {
 namespace {
 

@@ -273,7 +273,8 @@ private:
         MEVENT event;
         while (getmouse(&event) == OK) {
             const Point at{event.x, event.y};
-            for (const auto& [i, button] : {std::pair(1, MouseButton::left), {2, MouseButton::middle}, {3, MouseButton::right}}) {
+            using enum MouseButton;
+            for (const auto& [i, button] : {std::pair(1, left), {2, middle}, {3, right}}) {
                 if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, button, at});
                 if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, button, at});
             }

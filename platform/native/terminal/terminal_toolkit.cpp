@@ -27,7 +27,8 @@ public:
           closes_(menu || answers.size() == 1),
           buttons_(answers.size()) {
         const auto [column, row] = kCell;
-        if (!menu) lay_out({{text_, "text", nullptr, -1, {2 * column, row, width() - 4 * column, height() - 4 * row}, text}});
+        const Rect text_place{2 * column, row, width() - 4 * column, height() - 4 * row};
+        if (!menu) lay_out({{text_, "text", nullptr, -1, text_place, text}});
         const Twips left = (width() - 11 * column * static_cast<Twips>(answers.size()) + 2 * column) / 2;
         for (std::size_t i = 0; i < answers.size(); ++i) {
             const int number = static_cast<int>(i);
