@@ -201,8 +201,9 @@ void TerminalToolkit::draw_now() {
         std::vector<std::u32string> keys;
         if (!windows_.empty()) keys = windows_.back()->window.keys();
         keys.emplace_back(U"Ctrl+C leave");
-        // What there is no room for is left out, the last one never.
+        // Each key is told once. What there is no room for is left out, the last one never.
         for (const std::u32string& key : keys) {
+            if (told->find(key.substr(0, key.find(U' ') + 1)) != told->npos) continue;
             const int kept = &key == &keys.back() ? 0 : text_width(keys.back()) + 3;
             if (text_width(*told) + text_width(key) + kept <= size.columns - 2) *told += key + U"   ";
         }
