@@ -15,7 +15,7 @@ namespace terminal = platform::native::terminal;
 /// A toolkit that shows nothing, and keeps the picture of what it is asked to show.
 class Camera final : public terminal::TerminalToolkit, private terminal::Screen {
 public:
-    Camera() : TerminalToolkit(static_cast<terminal::Screen&>(*this)) {}
+    Camera() : TerminalToolkit(static_cast<terminal::Screen&>(*this), icon_characters()) {}
 
     std::string picture(const Sight& sight) {
         if (auto* const* form = std::get_if<forms::Form*>(&sight)) run_modal(**form, nullptr);
@@ -26,7 +26,7 @@ public:
 
 private:
     void run_modal(forms::Form& form, forms::Form* /*owner*/) override {
-        picture_ = terminal::picture_of(form, icon_characters());
+        picture_ = picture_of(form);
     }
 
     terminal::Size size() const override { return terminal::kSmallestTerminal; }

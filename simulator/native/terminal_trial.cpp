@@ -9,7 +9,6 @@
 
 #include "core/digits.h"
 #include "platform/native/machine.h"
-#include "platform/native/terminal/text.h"
 
 namespace vex::sim {
 namespace {
@@ -78,7 +77,8 @@ std::string outcome(const terminal::TerminalToolkit& toolkit) {
 
 std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const terminal::Area& line,
                                              const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
-    if (!is_running(toolkit)) return wide(outcome(toolkit));
+    // A question is answered by keys.
+    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox") return wide(outcome(toolkit));
     canvas.fill(line, kLine);
     const std::u32string unit = wide(of("Unit", progress.unit_number(), progress.units()));
     const std::u32string display = wide(of("Display", progress.display_number(), progress.displays()));

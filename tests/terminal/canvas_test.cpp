@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/native/terminal/text.h"
-
 namespace vex::platform::native::terminal {
 namespace {
 

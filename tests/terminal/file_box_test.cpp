@@ -18,14 +18,10 @@ TEST(FileBox, ListFollowsTheFieldAndOpenTakesWhatIsMarked) {
     }
     std::filesystem::permissions(machine.path(), std::filesystem::perms::owner_all);
     use_machine_folder(machine.path());
-    const struct {
-        const char16_t *folder, *file;
-        /// Before and after what is to be seen and what is not.
-        const char32_t* keys;
-        const char *shown, *hidden;
-        const char32_t* more_keys;
-        std::optional<std::u16string> answer;
-    } cases[] = {
+    // Keys, what is then to be seen and what is not, and more keys.
+    using Keys = const char32_t*;
+    using Path = std::u16string;
+    const std::tuple<Path, Path, Keys, const char*, const char*, Keys, std::optional<Path>> cases[] = {
         {u"C:\\fw\\", u"", U"", "   ..\\", "sign.shx", U"↓↓⏎", u"C:\\fw\\new.bin"},
         {u"C:\\fw", u"C:\\fw\\newer.bin", U"", "Rabbit Files(*.BIN)", "all drives", U"⏎", u"C:\\fw\\newer.bin"},
         {u"C:\\fw\\missing\\deeper", u"", U"", "›alpha.BIN", "missing", U"⏎", u"C:\\fw\\alpha.BIN"},
@@ -41,25 +37,24 @@ TEST(FileBox, ListFollowsTheFieldAndOpenTakesWhatIsMarked) {
     };
     FakeScreen screen;
     TerminalToolkit toolkit(screen);
-    const auto open = [&](std::u16string folder, std::u16string file, std::uint32_t flags) {
-        return toolkit.open_file({std::move(folder), std::move(file), u"Rabbit Files(*.BIN)|*.BIN;*.B?", flags});
+    const auto open = [&](const std::u16string& folder, const std::u16string& file, std::uint32_t flags) {
+        return toolkit.open_file({folder, file, u"Rabbit Files(*.BIN)|*.BIN;*.B?", flags});
     };
     for (const auto& each : cases) {
-        screen.keys(each.keys);
-        screen.look([&] {
-            EXPECT_TRUE(screen.shows(each.shown)) << text_picture(screen.canvas);
-            EXPECT_FALSE(screen.shows(each.hidden)) << text_picture(screen.canvas);
+        const auto& [folder, file, keys, shown, hidden, more_keys, answer] = each;
+        screen.keys(keys);
+        screen.look([&screen, picture_is = std::pair(shown, hidden)] {
+            const bool right = screen.shows(picture_is.first) && !screen.shows(picture_is.second);
+            EXPECT_TRUE(right) << text_picture(screen.canvas);
         });
-        screen.keys(each.more_keys);
-        EXPECT_EQ(open(each.folder, each.file, 0x81000), each.answer);
+        screen.keys(more_keys);
+        EXPECT_EQ(open(folder, file, 0x81000), answer);
     }
     screen.keys(U"a.bin⏎");
     EXPECT_EQ(open(u"D:", u"", 0x80000), u"D:\\a.bin") << "without the flag it need not exist";
     // A click marks a row, a second one opens it; one on nothing does nothing.
     screen.look([&] {
-        screen.click(screen.find(U"new.bin"));
-        screen.click({40, 17});
-        screen.click(screen.find(U"new.bin"));
+        for (const Point at : {screen.find(U"new.bin"), Point{40, 17}, screen.find(U"new.bin")}) screen.click(at);
     });
     EXPECT_EQ(open(u"C:\\fw", u"", 0x81000), u"C:\\fw\\new.bin");
     EXPECT_FALSE(toolkit.ended());

@@ -86,8 +86,8 @@ public:
     }
     /// Waits for the end and answers its status as `waitpid` tells it.
     int wait() {
-        listen_until([this] { return waitpid(process_, &status_, WNOHANG) != 0; });
-        while (listen(0)) {
+        listen_until([this] { return status_ >= 0 || waitpid(process_, &status_, WNOHANG) != 0; });
+        while (listen()) {
         }
         return status_;
     }
@@ -103,24 +103,20 @@ private:
     template <class Condition>
     bool listen_until(Condition met) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!met()) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            listen(20);
-        }
-        return true;
+        while (!met() && std::chrono::steady_clock::now() < deadline) listen();
+        return met();
     }
-    bool listen(int milliseconds) {
+    /// Whether anything came.
+    bool listen() {
         pollfd sources[] = {{report_, POLLIN, 0}, {terminal_, POLLIN, 0}};
-        poll(sources, 2, milliseconds);
-        bool anything = false;
+        poll(sources, 2, 20);
+        std::size_t count = 0;
         for (const pollfd& source : sources) {
             char bytes[4096];
-            const ssize_t count = (source.revents & POLLIN) != 0 ? read(source.fd, bytes, sizeof bytes) : 0;
-            if (count <= 0) continue;
-            (source.fd == report_ ? heard_ : screen_).append(bytes, static_cast<std::size_t>(count));
-            anything = true;
+            const ssize_t read_now = (source.revents & POLLIN) != 0 ? read(source.fd, bytes, sizeof bytes) : 0;
+            if (read_now > 0) (source.fd == report_ ? heard_ : screen_).append(bytes, count = std::size_t(read_now));
         }
-        return anything;
+        return count > 0;
     }
 
     pid_t process_ = -1;

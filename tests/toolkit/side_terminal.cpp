@@ -4,7 +4,6 @@
 
 #include "core/unicode.h"
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "platform/native/terminal/text.h"
 #include "simulator/native/native_screen.h"
 #include "tests/toolkit/side.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "core/unicode.h"
-#include "platform/native/terminal/text.h"
+#include "platform/native/terminal/terminal_toolkit.h"
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -15,6 +15,8 @@ using forms::ListView;
 
 constexpr int kColumnStep = 8;
 constexpr int kLongestHint = 18;
+
+char32_t to_upper(char32_t letter) { return letter < 0x10000 ? vex::to_upper(static_cast<char16_t>(letter)) : letter; }
 
 bool takes_keys(const Control& control) noexcept {
     const ControlKind kind = control.kind();
@@ -56,35 +58,34 @@ forms::Button* button_with(const forms::Form& form, bool forms::Button::*flag) {
     return nullptr;
 }
 
-/// The letter that presses a control that takes keys; 0: none.
+/// In upper case, the letter that presses a control that takes keys; 0: none.
 char32_t mnemonic_of(const Control& control) {
     if (!takes_keys(control) || control.kind() == ControlKind::text_box) return 0;
     const Caption caption = parse_caption(control.caption());
-    return caption.mnemonic ? caption.text[*caption.mnemonic] : 0;
+    return caption.mnemonic ? to_upper(caption.text[*caption.mnemonic]) : 0;
 }
 
-std::u32string hint(std::u32string_view key, const Control& control) {
-    return std::u32string(key).append(U" ").append(shorten(parse_caption(control.caption()).text, kLongestHint));
+std::u32string hint(std::u32string key, const Control& control) {
+    return key + U" " + shorten(parse_caption(control.caption()).text, kLongestHint);
 }
 
 Control* first_focus(const forms::Form& form) {
     const std::vector<Control*> stops = tab_stops(form);
-    for (Control* stop : stops) {
-        for (const Control* parent = stop->parent(); parent != nullptr; parent = parent->parent()) {
-            if (parent->kind() == ControlKind::tab_pages) return stop;
-        }
-    }
-    Control* const standard = button_with(form, &forms::Button::is_default);
-    for (const Control* control : form.controls()) {
-        if (control->kind() == ControlKind::tab_pages && standard != nullptr) return standard;
-    }
-    return stops.empty() ? nullptr : stops.front();
+    const auto on_page = std::find_if(stops.begin(), stops.end(), [](const Control* stop) {
+        while (stop->page() < 0 && stop->parent() != nullptr) stop = stop->parent();
+        return stop->page() >= 0;
+    });
+    if (on_page != stops.end()) return *on_page;
+    const bool pages = std::any_of(form.controls().begin(), form.controls().end(),
+                                   [](const Control* control) { return control->kind() == ControlKind::tab_pages; });
+    Control* const standard = pages ? button_with(form, &forms::Button::is_default) : nullptr;
+    return standard != nullptr || stops.empty() ? standard : stops.front();
 }
 
 }  // namespace
 
-FormWindow::FormWindow(forms::Form& form, WindowOwner& owner, const IconCharacters& icons)
-    : form_(form), owner_(owner), icons_(icons), view_before_(form.view()) {
+FormWindow::FormWindow(forms::Form& form, TerminalToolkit& toolkit)
+    : form_(form), toolkit_(toolkit), view_before_(form.view()) {
     form_.set_view(this);
 }
 
@@ -99,10 +100,10 @@ void FormWindow::changed(Control& control, forms::Change change) {
         // Work goes on there; the user may follow it.
         if (change == forms::Change::row && !handling_) lists_[&list].wanted = list.changed_row();
     }
-    owner_.invalidate();
+    toolkit_.invalidate();
 }
 
-void FormWindow::refresh(Control& /*control*/) { owner_.draw_now(); }
+void FormWindow::refresh(Control& /*control*/) { toolkit_.draw_now(); }
 
 forms::Twips FormWindow::row_top(const ListView& list, std::size_t row) const {
     const auto pane = pane_of(list);
@@ -182,9 +183,7 @@ std::vector<std::u32string> FormWindow::keys() {
     if (list_with_menu() != nullptr) hints.emplace_back(U"F10 menu");
     for (const Control* other : form_.controls()) {
         const char32_t letter = mnemonic_of(*other);
-        if (letter != 0 && other != pressed) {
-            hints.push_back(hint(U"Alt+" + to_utf32(vex::to_upper(to_utf16(std::u32string(1, letter)))), *other));
-        }
+        if (letter != 0 && other != pressed) hints.push_back(hint(std::u32string(U"Alt+") + letter, *other));
     }
     if (const Control* cancel = button_with(form_, &forms::Button::is_cancel)) hints.push_back(hint(U"Esc", *cancel));
     if (tab_stops(form_).size() > 1) hints.emplace_back(U"Tab next");
@@ -193,25 +192,28 @@ std::vector<std::u32string> FormWindow::keys() {
 
 // ---- The keyboard -------------------------------------------------------------------------------------
 
-void FormWindow::handle(const KeyPress& key) {
-    owner_.invalidate();
+void FormWindow::handle(const Input& input) {
+    toolkit_.invalidate();
     const bool outer = std::exchange(handling_, true);
-    press_key(key);
+    if (const auto* key = std::get_if<KeyPress>(&input)) press_key(*key);
+    if (const auto* paste = std::get_if<Paste>(&input)) insert(paste->text);
+    if (const auto* mouse = std::get_if<MouseEvent>(&input)) {
+        const bool wheel = mouse->action == MouseAction::wheel_up || mouse->action == MouseAction::wheel_down;
+        wheel ? turn_wheel(*mouse) : mouse->action == MouseAction::press ? mouse_press(*mouse) : mouse_release(*mouse);
+    }
     handling_ = outer;
 }
 
-void FormWindow::handle(const Paste& paste) {
+void FormWindow::insert(std::u32string text) {
     Control* control = focus();
     if (control == nullptr || control->kind() != ControlKind::text_box) return;
     // A text box has one line.
-    std::u32string line = paste.text;
-    std::erase_if(line, [](char32_t character) { return character < U' '; });
-    std::u32string text = to_utf32(control->caption());
-    std::size_t& at = cursor_in(*control, text);
-    text.insert(at, line);
-    at += line.size();
-    form_.user_text(static_cast<forms::TextBox&>(*control), to_utf16(text));
-    owner_.invalidate();
+    std::erase_if(text, [](char32_t character) { return character < U' '; });
+    std::u32string line = to_utf32(control->caption());
+    std::size_t& at = cursor_in(*control, line);
+    line.insert(at, text);
+    at += text.size();
+    form_.user_text(static_cast<forms::TextBox&>(*control), to_utf16(line));
 }
 
 void FormWindow::press_key(const KeyPress& key) {
@@ -236,13 +238,12 @@ void FormWindow::press_key(const KeyPress& key) {
 
 void FormWindow::press_mnemonic(char32_t letter) {
     for (Control* control : form_.controls()) {
-        const char32_t own = mnemonic_of(*control);
-        if (own == 0 || !same_letter(own, letter)) continue;
+        if (mnemonic_of(*control) != to_upper(letter)) continue;
         // Who presses a button from elsewhere goes on there.
         if (control->kind() != ControlKind::button) set_focus(*control);
         return form_.raise_click(*control);
     }
-    owner_.beep();
+    toolkit_.beep();
 }
 
 /// The one with the focus, or the default one.
@@ -254,7 +255,7 @@ Control* FormWindow::button_of_enter() {
 
 void FormWindow::press_enter() {
     Control* const control = button_of_enter();
-    control == nullptr ? owner_.beep() : form_.raise_click(*control);
+    control == nullptr ? toolkit_.beep() : form_.raise_click(*control);
 }
 
 void FormWindow::press_escape() {
@@ -264,7 +265,7 @@ void FormWindow::press_escape() {
 
 void FormWindow::request_close() {
     form_.raise_close_request();
-    if (form_.running()) owner_.beep();
+    if (form_.running()) toolkit_.beep();
 }
 
 bool FormWindow::edit(forms::TextBox& box, const KeyPress& key) {
@@ -302,24 +303,23 @@ void FormWindow::move_in(ListView& list, const KeyPress& key) {
             return;
         }
     }
-    if (list.row_count() == 0) return owner_.beep();
+    if (list.row_count() == 0) return toolkit_.beep();
     // Space acts on the row, which must be one.
     if (key.key == Key::character)
-        return key.character == U' ' && list.selected() ? form_.raise_click(list) : owner_.beep();
-    const auto last = static_cast<std::ptrdiff_t>(list.row_count()) - 1;
-    const auto page = static_cast<std::ptrdiff_t>(pane->page());
+        return key.character == U' ' && list.selected() ? form_.raise_click(list) : toolkit_.beep();
+    const int last = static_cast<int>(list.row_count()) - 1;
     // Without a selection the first step forwards meets the first row.
-    auto row = list.selected() ? static_cast<std::ptrdiff_t>(*list.selected()) : -1;
+    int row = list.selected() ? static_cast<int>(*list.selected()) : -1;
     switch (key.key) {
         case Key::up: row -= 1; break;
         case Key::down: row += 1; break;
-        case Key::page_up: row -= page; break;
-        case Key::page_down: row += page; break;
+        case Key::page_up: row -= pane->page(); break;
+        case Key::page_down: row += pane->page(); break;
         case Key::home: row = 0; break;
         case Key::end: row = last; break;
         default: return;
     }
-    const auto chosen = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(row, 0, last));
+    const auto chosen = static_cast<std::size_t>(std::clamp(row, 0, last));
     lists_[&list].wanted = chosen;
     form_.user_selection(list, chosen);
 }
@@ -337,7 +337,7 @@ ListView* FormWindow::list_with_menu() {
 
 void FormWindow::open_menu() {
     ListView* const list = list_with_menu();
-    if (list == nullptr) return owner_.beep();
+    if (list == nullptr) return toolkit_.beep();
     set_focus(*list);
     // As a right click on the selected row would; where none is, on the first that is marked red as failed.
     const auto& rows = list->rows();

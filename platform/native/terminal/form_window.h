@@ -1,35 +1,18 @@
 // A form on the terminal while it is shown: draws it, and turns keys and mouse into what the user does to it.
 #pragma once
 
-#include <map>
-#include <optional>
-#include <string>
-#include <vector>
-
-#include "forms/form.h"
-#include "platform/native/terminal/layout.h"
 #include "platform/native/terminal/list_pane.h"
 #include "platform/native/terminal/screen.h"
 
 namespace vex::platform::native::terminal {
 
-/// What a window asks of the screen around it.
-class WindowOwner {
-public:
-    virtual ~WindowOwner() = default;
-    virtual void beep() {}
-    /// Something changed: the screen is drawn again before the next wait.
-    virtual void invalidate() {}
-    /// Draws the screen now.
-    virtual void draw_now() {}
-};
+class TerminalToolkit;
 
 /// The view of its form from construction to destruction; the references must outlive it.
 class FormWindow final : public forms::FormView {
 public:
-    FormWindow(forms::Form& form, WindowOwner& owner, const IconCharacters& icons);
+    FormWindow(forms::Form& form, TerminalToolkit& toolkit);
     FormWindow(const FormWindow&) = delete;
-    FormWindow& operator=(const FormWindow&) = delete;
     ~FormWindow() override;
 
     forms::Form& form() const noexcept { return form_; }
@@ -50,10 +33,8 @@ public:
     /// The keys that do something now, the most important first.
     std::vector<std::u32string> keys();
 
-    void handle(const KeyPress& key);
-    void handle(const Paste& paste);
-    /// Its place in cells of the picture.
-    void handle(const MouseEvent& event);
+    /// What the user did; with the mouse, in cells of the picture.
+    void handle(const Input& input);
 
     void changed(forms::Control& control, forms::Change change) override;
     void refresh(forms::Control& control) override;
@@ -80,6 +61,7 @@ private:
 
     // Keys.
     void press_key(const KeyPress& key);
+    void insert(std::u32string text);
     void move_focus(int direction);
     void move_option(forms::Control& option, int direction);
     void press_mnemonic(char32_t letter);
@@ -93,13 +75,13 @@ private:
     void open_menu();
 
     // The mouse.
+    void turn_wheel(const MouseEvent& event);
     void mouse_press(const MouseEvent& event);
     void mouse_release(const MouseEvent& event);
     void raise_mouse_down(const PlacedControl& placed, const MouseEvent& event);
 
     forms::Form& form_;
-    WindowOwner& owner_;
-    const IconCharacters& icons_;
+    TerminalToolkit& toolkit_;
     forms::FormView* view_before_;
 
     Scale scale_;
@@ -121,8 +103,5 @@ private:
     bool close_pressed_ = false;
     Point pointer_;
 };
-
-/// The form in its frame at the smallest terminal's scale, as it looks before the user moves in it.
-std::string picture_of(forms::Form& form, const IconCharacters& icons);
 
 }  // namespace vex::platform::native::terminal

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "platform/native/terminal/text.h"
-
 namespace vex::platform::native::terminal {
 namespace {
 
@@ -29,8 +27,8 @@ int adornment_width(ControlKind kind) noexcept {
     return kind == ControlKind::option_button || kind == ControlKind::check_box ? 4 : 0;
 }
 
-/// The size depends on the control's size alone. What is about one row high takes the row in which its middle
-/// lies, so that a mark and the label beside it meet.
+/// The size depends on the control's size alone. What is about one row high, and a shape, stands about the
+/// row in which its middle lies, so that a mark meets the label beside it and the lines that lead to it.
 Area cells_for(const Control& control, const Scale& scale) noexcept {
     forms::Rect place = control.place();
     for (const Control* parent = control.parent(); parent != nullptr; parent = parent->parent()) {
@@ -46,9 +44,9 @@ Area cells_for(const Control& control, const Scale& scale) noexcept {
         return cells;
     }
     int height = cells_of(place.height, scale.row);
-    if (height <= 1 || kind == ControlKind::button || kind == ControlKind::text_box) {
-        cells.top = cells_of(place.top + place.height / 2, scale.row);
-        height = 1;
+    if (height <= 1 || kind == ControlKind::button || kind == ControlKind::text_box) height = 1;
+    if (height == 1 || kind == ControlKind::shape) {
+        cells.top = cells_of(place.top + place.height / 2, scale.row) - height / 2;
     }
     cells.right = cells.left + std::max(1, cells_of(place.width, scale.column));
     cells.bottom = cells.top + height;

@@ -1,9 +1,6 @@
 // Where the controls of a form stand on the character grid.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "forms/form.h"
 #include "platform/native/terminal/canvas.h"
 

@@ -1,14 +1,9 @@
 // A list view on the character grid: where its rows and columns stand, and how it is drawn.
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
-#include "forms/controls.h"
 #include "platform/native/terminal/layout.h"
 
 namespace vex::platform::native::terminal {
@@ -18,7 +13,7 @@ using IconCharacters = std::map<std::string, char32_t, std::less<>>;
 
 /// How far a list view is scrolled.
 struct ListScroll {
-    std::size_t top = 0;
+    int top = 0;
     /// Cells that are scrolled out to the left.
     int left = 0;
     /// A row to be brought into sight when the list is drawn next.
@@ -32,36 +27,36 @@ public:
     ListPane(const forms::ListView& list, const Area& cells, const Scale& scale, ListScroll& scroll);
 
     /// The number of rows that can be seen at once.
-    std::size_t page() const noexcept { return page_; }
+    int page() const noexcept { return page_; }
     /// The row shown at a cell; none on the header, on the scroll bar and below the last row.
     std::optional<std::size_t> row_at(Point at) const noexcept;
     /// The row of the grid at which a row of the list is shown; it may lie outside of the pane.
-    int place_of(std::size_t row) const noexcept;
+    int place_of(std::size_t row) const noexcept { return cells_.top + 1 + static_cast<int>(row) - scroll_.top; }
     bool on_scroll_bar(Point at) const noexcept { return overflows() && at.column == cells_.right - 1; }
     /// Where a press on the scroll bar leads.
     void scroll_to(int row) noexcept;
-    void scroll(std::ptrdiff_t rows, int columns) noexcept;
+    void scroll(int rows, int columns) noexcept;
 
     void paint(Canvas& canvas, bool focused, const IconCharacters& icons) const;
 
 private:
     void share_width(const Scale& scale);
     void limit() noexcept;
-    bool overflows() const noexcept { return list_.row_count() > page_; }
+    int count() const noexcept { return static_cast<int>(list_.row_count()); }
+    bool overflows() const noexcept { return count() > page_; }
     int view_width() const noexcept { return cells_.width() - (overflows() ? 1 : 0); }
     int total_width() const noexcept;
     /// The cells before the text of the first column: the mark of the selection and the icon.
     int gutter() const noexcept { return list_.small_icons != nullptr ? 3 : 1; }
     void paint_row(Canvas& canvas, std::size_t row, bool focused, const IconCharacters& icons) const;
-    /// The texts of a row or of the header, each in its column and style.
-    template <class Text, class Look>
-    void paint_texts(Canvas& canvas, int place, Text text, Look look) const;
+    /// The texts of a row or of the header, each in its column; in `style`, or its own colours over it.
+    void paint_texts(Canvas& canvas, int place, const forms::ListRow& row, Style style, bool own_colors) const;
     void paint_scroll_bar(Canvas& canvas) const;
 
     const forms::ListView& list_;
     Area cells_;
     ListScroll& scroll_;
-    std::size_t page_;
+    int page_;
     /// Widths in cells, with the blank between columns.
     std::vector<int> widths_;
 };

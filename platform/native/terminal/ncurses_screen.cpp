@@ -1,6 +1,4 @@
 // The terminal as a screen, by ncurses.
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <clocale>
@@ -8,10 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -71,9 +66,6 @@ constexpr std::pair<wint_t, Key> kKeys[] = {
     {KEY_BACKSPACE, Key::backspace}, {KEY_F(10), Key::menu}, {KEY_F(16), Key::menu},     {KEY_F(22), Key::menu},
 };
 
-/// In the order of the library's buttons.
-constexpr MouseButton kButtons[] = {MouseButton::left, MouseButton::middle, MouseButton::right};
-
 /// The numbers of the sixteen colours among 256, where users do not change them.
 constexpr int kOf256[] = {16, 160, 28, 136, 18, 90, 30, 252, 240, 196, 46, 226, 25, 201, 51, 231};
 
@@ -91,7 +83,7 @@ void send(const char* bytes) {
 
 // ---- Signals ------------------------------------------------------------------------------------------
 
-constexpr std::array kEndings = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr std::array kRequests = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH};
 /// What else ends a process: its own faults, and what others send it.
 constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   SIGSYS,  SIGTRAP,
                                 SIGPIPE, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM, SIGXCPU, SIGXFSZ};
@@ -99,7 +91,6 @@ constexpr std::array kDeaths = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT,   S
 // A signal handler reaches nothing but static data; it is set up before the handlers and left alone after.
 struct {
     int pipe[2] = {-1, -1};
-    bool modes_known = false;
     termios modes{};
     std::array<char, 256> farewell{};
     volatile std::sig_atomic_t farewell_length = 0;
@@ -111,24 +102,20 @@ void die_of(int signal) {
         [[maybe_unused]] const auto written =
             write(STDOUT_FILENO, state.farewell.data(), static_cast<std::size_t>(state.farewell_length));
     }
-    if (state.modes_known) tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
+    tcsetattr(STDIN_FILENO, TCSANOW, &state.modes);
     std::signal(signal, SIG_DFL);
     raise(signal);
 }
 
-void tell(char event) noexcept {
+/// A request to end, or a new size.
+void tell(int signal) {
+    const bool size = signal == SIGWINCH;
+    if (!size && state.asked_to_end != 0) return die_of(signal);
+    if (!size) state.asked_to_end = signal;
     const int error = errno;
-    [[maybe_unused]] const auto written = write(state.pipe[1], &event, 1);
+    [[maybe_unused]] const auto written = write(state.pipe[1], size ? "r" : "e", 1);
     errno = error;
 }
-
-void on_end(int signal) {
-    if (state.asked_to_end != 0) return die_of(signal);
-    state.asked_to_end = signal;
-    tell('e');
-}
-
-void on_resize(int) { tell('r'); }
 
 /// Signals while the terminal is in use: a request to end and a new size are read like input, and whatever kills the
 /// process leaves the terminal as it was: its modes are those of the construction. At most one at a time; the former
@@ -139,14 +126,11 @@ public:
         if (pipe2(state.pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
             throw RuntimeError(kOutOfMemory, u"The terminal's signals cannot be watched");
         }
-        state.modes_known = tcgetattr(STDIN_FILENO, &state.modes) == 0;
+        tcgetattr(STDIN_FILENO, &state.modes);
         state.asked_to_end = 0;
-        for (const int signal : kEndings) handle(signal, on_end);
+        for (const int signal : kRequests) handle(signal, tell);
         for (const int signal : kDeaths) handle(signal, die_of);
-        handle(SIGWINCH, on_resize);
     }
-    SignalWatch(const SignalWatch&) = delete;
-    SignalWatch& operator=(const SignalWatch&) = delete;
     ~SignalWatch() {
         for (const auto& [signal, handler] : former_) std::signal(signal, handler);
         state.farewell_length = 0;
@@ -193,8 +177,6 @@ public:
                                      capability("sgr0") + capability("cnorm") + capability("rmcup");
         state.farewell_length = static_cast<int>(farewell.copy(state.farewell.data(), state.farewell.size()));
     }
-    NcursesScreen(const NcursesScreen&) = delete;
-    NcursesScreen& operator=(const NcursesScreen&) = delete;
     ~NcursesScreen() override {
         mousemask(0, nullptr);
         if (has_mouse()) send(kModesOff);
@@ -291,9 +273,10 @@ private:
         MEVENT event;
         while (getmouse(&event) == OK) {
             const Point at{event.x, event.y};
-            for (int i = 1; i <= 3; ++i) {
-                if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, kButtons[i - 1], at});
-                if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, kButtons[i - 1], at});
+            using enum MouseButton;
+            for (const auto& [i, button] : {std::pair(1, left), {2, middle}, {3, right}}) {
+                if (BUTTON_PRESS(event.bstate, i)) events.push_back({MouseAction::press, button, at});
+                if (BUTTON_RELEASE(event.bstate, i)) events.push_back({MouseAction::release, button, at});
             }
             if (BUTTON_PRESS(event.bstate, 4)) events.push_back({MouseAction::wheel_up, MouseButton::left, at});
             if (BUTTON_PRESS(event.bstate, 5)) events.push_back({MouseAction::wheel_down, MouseButton::left, at});
@@ -394,19 +377,16 @@ private:
 
 bool find_terminal(std::ostream& notes) {
     if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) return false;
-    constexpr char kCommon[] = "xterm-256color";
     const char* name = std::getenv("TERM");
     const std::string terminal = name == nullptr ? "" : name;
     int error = 0;
-    bool described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
-    if (!described) {
-        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for " << kCommon
-              << '\n';
-        setenv("TERM", kCommon, 1);
-        described = setupterm(nullptr, STDOUT_FILENO, &error) == OK;
+    const auto described = [&error] { return setupterm(nullptr, STDOUT_FILENO, &error) == OK; };
+    if (!described()) {
+        notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for xterm-256color\n";
+        setenv("TERM", "xterm-256color", 1);
     }
-    const bool usable = described && !capability("cup").empty();
-    if (described) del_curterm(cur_term);
+    const bool usable = described() && !capability("cup").empty();
+    if (cur_term != nullptr) del_curterm(cur_term);
     if (!usable) notes << "the terminal \"" << terminal << "\" cannot be drawn on; playing the sample scenario\n";
     return usable;
 }

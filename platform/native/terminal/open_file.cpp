@@ -1,17 +1,14 @@
-// The Open dialog of the terminal.
-#include "platform/native/terminal/open_file.h"
-
-#include <algorithm>
+// The Open dialog of the terminal: a field for a name or path on the drives of the simulated computer, and the list of
+// what fits it.
 #include <filesystem>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include <fnmatch.h>
 
 #include "core/unicode.h"
-#include "forms/form.h"
 #include "platform/native/machine.h"
+#include "platform/native/terminal/terminal_toolkit.h"
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -41,10 +38,10 @@ u16string without_trailing_separators(u16string path) {
 /// Whether a file name fits one of the patterns, joined by ";", in any case.
 bool matches(const u16string& name, std::u16string_view patterns) {
     const std::size_t end = patterns.find(u';');
-    std::string pattern = to_utf8(patterns.substr(0, end));
+    std::string pattern = vex::to_utf8(patterns.substr(0, end));
     // All names, also those without a dot.
     if (pattern.empty() || pattern == "*.*") pattern = "*";
-    if (fnmatch(pattern.c_str(), to_utf8(name).c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0) return true;
+    if (fnmatch(pattern.c_str(), vex::to_utf8(name).c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0) return true;
     return end != patterns.npos && matches(name, patterns.substr(end + 1));
 }
 
@@ -213,8 +210,8 @@ private:
 
 }  // namespace
 
-std::optional<u16string> ask_for_file(forms::Toolkit& toolkit, const forms::OpenFileRequest& request) {
-    OpenFileForm form(toolkit, request);
+std::optional<u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
+    OpenFileForm form(*this, request);
     form.show_modal();
     return form.chosen;
 }

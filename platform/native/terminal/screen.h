@@ -2,12 +2,9 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <ostream>
-#include <string>
 #include <variant>
 
-#include "forms/controls.h"
 #include "platform/native/terminal/canvas.h"
 
 namespace vex::platform::native::terminal {

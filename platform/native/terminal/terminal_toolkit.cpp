@@ -1,11 +1,10 @@
 // The Toolkit on a terminal.
 #include "platform/native/terminal/terminal_toolkit.h"
 
+#include <memory>
 #include <utility>
 
 #include "core/unicode.h"
-#include "platform/native/terminal/open_file.h"
-#include "platform/native/terminal/text.h"
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -27,15 +26,15 @@ public:
         : Form(toolkit, design_for(title, text, answers, menu)),
           closes_(menu || answers.size() == 1),
           buttons_(answers.size()) {
-        const Twips step = 11 * kCell.column;
-        const Twips left = (width() - step * static_cast<Twips>(answers.size()) + 2 * kCell.column) / 2;
-        const Rect text_place{2 * kCell.column, kCell.row, width() - 4 * kCell.column, height() - 4 * kCell.row};
-        if (!menu) lay_out({{.control = text_, .name = "text", .at = text_place, .text = text}});
+        const auto [column, row] = kCell;
+        const Rect text_place{2 * column, row, width() - 4 * column, height() - 4 * row};
+        if (!menu) lay_out({{text_, "text", nullptr, -1, text_place, text}});
+        const Twips left = (width() - 11 * column * static_cast<Twips>(answers.size()) + 2 * column) / 2;
         for (std::size_t i = 0; i < answers.size(); ++i) {
-            const auto number = static_cast<Twips>(i);
-            const Rect place = menu ? Rect{0, number * kCell.row, width(), kCell.row}
-                                    : Rect{left + number * step, height() - 2 * kCell.row, 9 * kCell.column, kCell.row};
-            lay_out({{.control = buttons_[i], .name = "answer", .at = place, .text = answers[i], .tab_index = number}});
+            const int number = static_cast<int>(i);
+            const Rect place = menu ? Rect{0, number * row, width(), row}
+                                    : Rect{left + number * 11 * column, height() - 2 * row, 9 * column, row};
+            lay_out({{buttons_[i], "answer", nullptr, -1, place, answers[i], number}});
             buttons_[i].on_click = [this, i] {
                 answer = i;
                 hide();
@@ -96,20 +95,18 @@ forms::Form* TerminalToolkit::find(std::string_view name) const noexcept {
 
 void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
     if (ended_) return;
-    Shown shown{{form, *this, icons_}, std::exchange(anchor_, std::nullopt), {}};
+    Shown shown{{form, *this}, std::exchange(anchor_, std::nullopt), {}};
     windows_.push_back(&shown);
-    struct Closing {
-        TerminalToolkit& toolkit;
-        ~Closing() {
-            toolkit.windows_.pop_back();
-            toolkit.stale_ = true;
-        }
-    } const closing{*this};
+    // Also when the form ends by an error.
+    const std::shared_ptr<void> closing(nullptr, [this](void*) {
+        windows_.pop_back();
+        stale_ = true;
+    });
     draw_now();
     form.raise_activate();
     while (form.running() && !ended_) {
         if (stale_) draw_now();
-        if (const auto input = read(true)) handle(*input);
+        if (const auto input = screen_.read(true)) handle(*input);
     }
     if (form.running()) form.raise_close_request(forms::UnloadMode::system);
     if (form.running()) form.hide();
@@ -117,7 +114,7 @@ void TerminalToolkit::run_modal(forms::Form& form, forms::Form* /*owner*/) {
 
 void TerminalToolkit::pump_messages() {
     while (!windows_.empty() && !ended_) {
-        const auto input = read(false);
+        const auto input = screen_.read(false);
         if (!input) break;
         handle(*input);
     }
@@ -131,10 +128,6 @@ MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
     form.show_modal();
     if (!question) return MessageAnswer::ok;
     return form.answer == 0U ? MessageAnswer::yes : MessageAnswer::no;
-}
-
-std::optional<std::u16string> TerminalToolkit::open_file(const forms::OpenFileRequest& request) {
-    return ask_for_file(*this, request);
 }
 
 void TerminalToolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
@@ -151,30 +144,26 @@ void TerminalToolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
     if (choice.answer && !ended_) form.raise_menu_click(menu.items[*choice.answer]);
 }
 
-std::optional<Input> TerminalToolkit::read(bool wait) {
-    auto input = screen_.read(wait);
-    if (!input) return input;
-    if (const auto* ended = std::get_if<Ended>(&*input)) ended_ = *ended;
-    if (std::holds_alternative<Resized>(*input)) stale_ = true;
-    return input;
+std::string TerminalToolkit::picture_of(forms::Form& form) {
+    FormWindow window(form, *this);
+    window.draw({}, true);
+    return text_picture(window.picture());
 }
 
-void TerminalToolkit::handle(const Input& input) {
+void TerminalToolkit::handle(Input input) {
+    if (const auto* ended = std::get_if<Ended>(&input)) ended_ = *ended;
+    if (std::holds_alternative<Resized>(input)) stale_ = true;
     // What cannot be seen takes no input.
-    if (windows_.empty() || too_small(screen_.size())) return;
+    if (too_small(screen_.size())) return;
     Shown& shown = *windows_.back();
-    if (const auto* key = std::get_if<KeyPress>(&input)) shown.window.handle(*key);
-    if (const auto* paste = std::get_if<Paste>(&input)) shown.window.handle(*paste);
-    if (const auto* mouse = std::get_if<MouseEvent>(&input)) {
-        MouseEvent event = *mouse;
-        event.at = {mouse->at.column - shown.at.column, mouse->at.row - shown.at.row};
-        const bool outside = !shown.window.picture().area().contains(event.at);
-        if (outside && event.action == MouseAction::press) {
+    if (auto* mouse = std::get_if<MouseEvent>(&input)) {
+        mouse->at = {mouse->at.column - shown.at.column, mouse->at.row - shown.at.row};
+        if (mouse->action == MouseAction::press && !shown.window.picture().area().contains(mouse->at)) {
             // A press beside a menu dismisses it.
             return shown.anchor ? shown.window.form().raise_close_request() : beep();
         }
-        shown.window.handle(event);
     }
+    shown.window.handle(input);
 }
 
 void TerminalToolkit::draw_now() {
@@ -200,25 +189,27 @@ void TerminalToolkit::draw_now() {
         const Size frame = shown->window.picture().size();
         const Size room{size.columns - frame.columns, size.rows - frame.rows};
         shown->at = shown->anchor.value_or(Point{room.columns / 2, (room.rows - 1) / 2});
-        shown->at = {std::clamp(shown->at.column, 0, std::max(0, room.columns)),
-                     std::clamp(shown->at.row, 0, std::max(0, room.rows))};
+        shown->at.column = std::clamp(shown->at.column, 0, std::max(0, room.columns));
+        shown->at.row = std::clamp(shown->at.row, 0, std::max(0, room.rows));
         canvas.paste(shown->window.picture(), shown->at);
         cursor = shown->window.cursor();
         if (cursor) cursor = Point{cursor->column + shown->at.column, cursor->row + shown->at.row};
     }
     const Area line{0, size.rows - 1, size.columns, size.rows};
-    const auto beginning = host_line_ ? host_line_(canvas, line) : std::u32string();
-    if (beginning) canvas.text({1, line.top}, key_line(*beginning, size.columns - 2), look::kDesktop);
-    screen_.show(canvas, cursor);
-}
-
-std::u32string TerminalToolkit::key_line(std::u32string line, int width) const {
-    constexpr std::u32string_view kLeave = U"Ctrl+C leave";
-    if (windows_.empty()) return line;
-    for (const std::u32string& key : windows_.back()->window.keys()) {
-        if (text_width(line) + text_width(key) + text_width(kLeave) + 3 <= width) line += key + U"   ";
+    auto told = host_line_ ? host_line_(canvas, line) : std::u32string();
+    if (told) {
+        std::vector<std::u32string> keys;
+        if (!windows_.empty()) keys = windows_.back()->window.keys();
+        keys.emplace_back(U"Ctrl+C leave");
+        // Each key is told once. What there is no room for is left out, the last one never.
+        for (const std::u32string& key : keys) {
+            if (told->find(key.substr(0, key.find(U' ') + 1)) != told->npos) continue;
+            const int kept = &key == &keys.back() ? 0 : text_width(keys.back()) + 3;
+            if (text_width(*told) + text_width(key) + kept <= size.columns - 2) *told += key + U"   ";
+        }
+        canvas.text({1, line.top}, *told, look::kDesktop);
     }
-    return line.append(kLeave);
+    screen_.show(canvas, cursor);
 }
 
 }  // namespace vex::platform::native::terminal

@@ -3,12 +3,7 @@
 #pragma once
 
 #include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
-#include "forms/form.h"
 #include "forms/toolkit.h"
 #include "platform/native/terminal/form_window.h"
 #include "platform/native/terminal/screen.h"
@@ -19,12 +14,11 @@ namespace vex::platform::native::terminal {
 using HostLine = std::function<std::optional<std::u32string>(Canvas& canvas, const Area& line)>;
 
 /// Used on one thread. The screen must outlive it, and it every form shown on it.
-class TerminalToolkit : public forms::Toolkit, private WindowOwner {
+class TerminalToolkit : public forms::Toolkit {
 public:
     /// Without a host's line, the keys are told there.
     explicit TerminalToolkit(Screen& screen, IconCharacters icons = {}, HostLine host_line = {});
     TerminalToolkit(const TerminalToolkit&) = delete;
-    TerminalToolkit& operator=(const TerminalToolkit&) = delete;
 
     void run_modal(forms::Form& form, forms::Form* owner) override;
     void pump_messages() override;
@@ -41,7 +35,13 @@ public:
     Point top_place() const { return windows_.back()->at; }
     /// A form that is on the screen, or null.
     forms::Form* find(std::string_view name) const noexcept;
-    void invalidate() override { stale_ = true; }
+    /// The form in its frame at the smallest terminal's scale, as it looks before the user moves in it.
+    std::string picture_of(forms::Form& form);
+
+    const IconCharacters& icons() const noexcept { return icons_; }
+    /// Something changed: the screen is drawn again before the next wait.
+    void invalidate() noexcept { stale_ = true; }
+    void draw_now();
 
 private:
     struct Shown {
@@ -52,11 +52,7 @@ private:
         Point at;
     };
 
-    void draw_now() override;
-    /// What the keys do now, after what `line` says already, as far as `width` goes.
-    std::u32string key_line(std::u32string line, int width) const;
-    std::optional<Input> read(bool wait);
-    void handle(const Input& input);
+    void handle(Input input);
 
     Screen& screen_;
     IconCharacters icons_;
