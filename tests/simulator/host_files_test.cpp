@@ -38,28 +38,6 @@ TEST(Displays, SurviveTheirFile) {
     EXPECT_EQ(read.find(u""), 1U);
 }
 
-TEST(Displays, ShareALineByWhatTheirConnectionUses) {
-    Display cable;
-    Display network = cable;
-    network.connection = kNetwork;
-    Display modem = cable;
-    modem.connection = kModem;
-    EXPECT_NE(modem.line(), cable.line());
-    const auto same = [](const Display& display, std::u16string Display::*field) {
-        Display other = display;
-        other.*field = u"other";
-        return other.line() == display.line();
-    };
-    EXPECT_TRUE(same(cable, &Display::phone) && same(cable, &Display::address));
-    EXPECT_FALSE(same(cable, &Display::baud) || same(cable, &Display::port));
-    EXPECT_TRUE(same(network, &Display::baud));
-    EXPECT_FALSE(same(network, &Display::port) || same(network, &Display::address));
-    EXPECT_FALSE(same(modem, &Display::phone));
-    Display unknown = network;
-    unknown.connection = 9;
-    EXPECT_EQ(network.line(), unknown.line());
-}
-
 Display display_with(std::u16string ids) {
     Display display;
     display.name = u"A";
@@ -80,15 +58,6 @@ TEST(Units, AreMastersTheirSlavesAndWhatWasPutThere) {
     EXPECT_FALSE(units.answers(display, 2));
     EXPECT_TRUE(units.answers(display, 3));
     EXPECT_THAT(units.ids(display_with(u"")), ElementsAre(1, 50));
-}
-
-TEST(Units, OfAGridBeyondAllBoundsEndAtTheHighestId) {
-    Units units;
-    units.set_slaves(u"A", 32766, {200, 200});
-    EXPECT_THAT(units.ids(display_with(u"32766")), ElementsAre(32766, 32767));
-    // A display may report anything, and some of it makes no sense.
-    units.set_slaves(u"A", 1, {-1, 5});
-    EXPECT_THAT(units.ids(display_with(u"1")), ElementsAre(1, 32766));
 }
 
 TEST(Units, SurviveTheirFile) {
