@@ -96,15 +96,6 @@ TEST_F(RegistryContract, KeyNamesHaveUpTo255Characters) {
     if (result == kSuccess) registry.close_key(opened);
 }
 
-TEST_F(RegistryContract, SubKeysStopADeletion) {
-    Key::created(key.get(), "Upper\\Lower");
-    EXPECT_EQ(registry.delete_key(key.get(), "Upper"), kAccessDenied);
-    EXPECT_TRUE(Key::opened(key.get(), "Upper\\Lower"));
-    EXPECT_EQ(registry.delete_key(key.get(), "Upper\\Lower"), kSuccess);
-    EXPECT_EQ(registry.delete_key(key.get(), "Upper"), kSuccess);
-    EXPECT_TRUE(key.subkeys().empty());
-}
-
 TEST_F(RegistryContract, AHandleOfADeletedKeyKnowsIt) {
     Key doomed = Key::created(key.get(), "Doomed");
     doomed.set_text("v", "1");
