@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <ostream>
@@ -70,26 +69,9 @@ struct Outcome {
     /// The host's and the plug-in's objects that were left over.
     long host_objects = 0;
     long plugin_objects = 0;
-    /// A press on the edge between two rows selected one.
-    bool edge_selects = false;
-    /// A retry changed another row than its own.
-    bool retry_touched_others = false;
 };
 
-/// The simulated machine, with the files that plans need, on which they are played. One at a time; main makes it,
-/// as it must be gone before the runtime is.
-class Machine {
-public:
-    Machine();
-    Machine(const Machine&) = delete;
-    Machine& operator=(const Machine&) = delete;
-    ~Machine();
-
-private:
-    sim::PrivateFolder folder_;
-};
-
-/// Plays the plan on the machine.
+/// Plays the plan on a simulated machine that has the files that plans need.
 Outcome play(const Plan& plan);
 
 }  // namespace vex::proof

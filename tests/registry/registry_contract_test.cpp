@@ -85,17 +85,6 @@ TEST_F(RegistryContract, SeparatorsAroundAPathDoNotCountAndAnEmptyOneIsTheKeyIts
     EXPECT_EQ(key.get("v").first, kRegSz);
 }
 
-TEST_F(RegistryContract, KeyNamesHaveUpTo255Characters) {
-    const std::string longest(255, 'n');
-    Key::created(key.get(), longest);
-    EXPECT_THAT(key.subkeys(), UnorderedElementsAre(longest));
-    const std::int32_t result =
-        registry.create_key(key.get(), (longest + 'n').c_str(), nullptr, kKeyAllAccess, {}, opened);
-    // Wine takes longer names.
-    EXPECT_EQ(result == kSuccess, runs_on_wine());
-    if (result == kSuccess) registry.close_key(opened);
-}
-
 TEST_F(RegistryContract, AHandleOfADeletedKeyKnowsIt) {
     Key doomed = Key::created(key.get(), "Doomed");
     doomed.set_text("v", "1");

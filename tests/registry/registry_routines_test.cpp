@@ -24,6 +24,7 @@ protected:
         routines.set_hKey(kHkeyCurrentUser);
         routines.set_KeyRoot(kWideTestPath);
         set_environment("VEX_SHORT", "s");
+        set_environment("VEX_JUST", "123456789");
         set_environment("VEX_LONGER", "longer than it");
     }
     ~RegistryRoutinesTest() override { observed.close_all(); }
@@ -193,6 +194,7 @@ std::vector<ReadCase> read_cases() {
         // Also one that stays as long as it is does not fit: its null has no room.
         {"text that grows", kRegExpandSz, bytes_of("%VEX_LONGER%\0"sv), u"%VEX_LONGER%"},
         {"text that stays", kRegExpandSz, bytes_of("no variable\0"sv), u"no variable"},
+        {"text whose null just fits", kRegExpandSz, bytes_of("%VEX_JUST%\0"sv), u"123456789\0"s},
         {"number", kRegDword, {0x39, 0x30, 0, 0}, 12345},
         {"number with all bits", kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}, -1},
         {"short number", kRegDword, {0x39, 0x30}, 12345}, {"long number", kRegDword, {1, 0, 0, 0, 9, 9}, 1},

@@ -192,24 +192,6 @@ TEST_F(RegistryStoreTest, EveryAnsweredWriteSurvivesAKill) {
 
 // ---- Several processes
 
-TEST_F(RegistryStoreTest, AReaderThatPollsIsNeverOutOfDate) {
-    for (int run = 0; run < 5; ++run) {
-        const std::string last = std::to_string(run) + " 99";
-        Child reader([&] {
-            Process process(folder);
-            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-            // All texts have the same size, and many are written between two ticks of the file's clock.
-            while (process.read("Key", "v") != last) {
-                if (std::chrono::steady_clock::now() > deadline) return false;
-            }
-            return true;
-        });
-        Process writer(folder);
-        for (int i = 10; i < 100; ++i) writer.write("Key", "v", std::to_string(run) + ' ' + std::to_string(i));
-        EXPECT_TRUE(reader.succeeds()) << run;
-    }
-}
-
 TEST_F(RegistryStoreTest, OpenKeysLiveOnWhileOthersChangeTheFile) {
     Process one(folder);
     Process two(folder);
