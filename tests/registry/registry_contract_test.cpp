@@ -64,16 +64,6 @@ TEST_F(RegistryContract, NamesAreFoundInAnyCaseAndKeepTheirs) {
     EXPECT_EQ(nth_value(again.get(), 1), kNoMoreItems);
 }
 
-TEST_F(RegistryContract, CaseIsFoldedBeyondAscii) {
-    const std::string lower = side_code_page().to_ansi(u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF");
-    const std::string upper = side_code_page().to_ansi(u"GR\u00D6\u00DFE \u00C9\u0160\u0152\u017D\u0178");
-    if (side_code_page().from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF")
-        GTEST_SKIP() << "the code page lacks the letters";
-    Key::created(key.get(), lower);
-    EXPECT_TRUE(Key::opened(key.get(), upper));
-    EXPECT_THAT(key.subkeys(), UnorderedElementsAre(lower));
-}
-
 TEST_F(RegistryContract, SeparatorsAroundAPathDoNotCountAndAnEmptyOneIsTheKeyItself) {
     Key::created(key.get(), "Sub\\").set_text("v", "1");
     EXPECT_THAT(key.subkeys(), UnorderedElementsAre("Sub"));

@@ -214,13 +214,8 @@ TEST_F(RegistryStoreTest, OpenKeysLiveOnWhileOthersChangeTheFile) {
     EXPECT_EQ(two.read(key, "w"), "2");
     EXPECT_EQ(two.read(below, "v"), "(1018)") << "a new key of the name is another one";
 
-    one.service.delete_key(kRoot, "Key\\Below");
-    one.service.delete_key(kRoot, "Key");
-    EXPECT_EQ(two.read(key, "w"), "(1018)");
-    EXPECT_EQ(two.service.delete_key(kRoot, "Key"), kFileNotFound);
-    const RegistryKey again = (two.write("Key", "v", "3"), two.open("Key"));
     std::filesystem::remove(file);
-    EXPECT_EQ(two.read(again, "v"), "(1018)");
+    EXPECT_EQ(two.read(key, "w"), "(1018)");
     EXPECT_EQ(two.write("Key", "v", "4"), kSuccess);
     EXPECT_EQ(one.read("Key", "v"), "4");
 }

@@ -26,16 +26,6 @@ TEST(LateLibrary, IsTheSystemsOwn) {
     std::filesystem::current_path(here);
 }
 
-TEST(PrivateDrives, NoPathLeavesTheirFolder) {
-    // The computer stands in for what the program itself uses.
-    registry();
-    const sim::PrivateFolder folder;
-    sim::Win32Machine machine(u"", folder.path(), false);
-    for (const char16_t* path : {u"C:\\..\\..\\x", u"C:..\\x", u"c:/../a/../../x", u"C:\\\\x"}) {
-        EXPECT_EQ(machine.real_path(path), folder.path() / "drive_c" / "x");
-    }
-}
-
 TEST(ClassRegistration, RemovesNoKeyThatIsNoClass) {
     constexpr char16_t kBystander[] = u"CLSID\\VexTestIsNoIdentity";
     write_class_text(u"Vex.Test\\CLSID", u"", u"VexTestIsNoIdentity");

@@ -152,11 +152,12 @@ RAM File=C:\Host\BIN\FIRMWARE\SL-RCM2000B.BIN
 ROM File=D:\fw\new.bin
 )"));
     EXPECT_EQ(ReadHostSetting(services, u"Brivola3", u"Firmware", u"LastFilePath", u""), u"D:\\fw");
-    // What the tool could not use stays as it was.
+    // Only resetting, too; what the tool could not use stays as it was.
     displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}, {"ComPort", u"CO1"}, {"ComBaud", u"0 baud"}};
     pick(u"A");
     play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdFinish", "cmdClose"});
-    EXPECT_THAT(tool_settings(), testing::StartsWith("Com Baud=9600\nCom Port=COM3:\n"));
+    EXPECT_EQ(tool_settings(), "Com Baud=9600\nCom Port=COM3:\nPhone Number=555\n"
+                               "RAM File=C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN\nROM File=\n");
 }
 
 TEST_F(Wizard, EveryChoiceReachesTheSession) {
