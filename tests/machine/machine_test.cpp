@@ -6,13 +6,11 @@
 #include "com/com.h"
 #include "core/runtime_error.h"
 #include "platform/native/registry_text.h"
-#include "tests/shared/error_of.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::platform::native {
 namespace {
 
-using test::error_of;
 using test::TemporaryFolder;
 using test::write_file;
 using ::testing::HasSubstr;
@@ -88,19 +86,6 @@ TEST_F(Machine, DriveLettersLeadIntoItsFoldersAndBack) {
     EXPECT_EQ(drive_path(drive_c / "a/../Firmware/new.bin"), u"C:\\Firmware\\new.bin");
     EXPECT_EQ(drive_path(drive_c), u"C:\\");
     EXPECT_EQ(drive_path("/usr/lib"), u"Z:\\usr\\lib");
-}
-
-TEST_F(Machine, OnlyOrdinaryFilesExist) {
-    for (const char* name : {"file.bin", "hidden.bin", ".dot"}) write_file(drive_c / name, "");
-    std::filesystem::create_symlink("file.bin", drive_c / "link.bin");
-    std::filesystem::create_symlink("nowhere", drive_c / "dangling.bin");
-    set_hidden(u"C:\\HIDDEN.bin", true);
-    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\link.bin"));
-    for (const char16_t* path : {u"C:\\.dot", u"C:\\dangling.bin", u"C:\\hidden.bin", u"Z:\\dev\\null"})
-        EXPECT_FALSE(files().ordinary_file_exists(path)) << real_path(path);
-    set_hidden(u"C:\\hidden.bin", false);
-    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\hidden.bin"));
-    for (const char16_t* path : {u"C:\\Missing\\x", u"E:\\x"}) EXPECT_NE(error_of([&] { set_hidden(path, true); }), 0);
 }
 
 }  // namespace

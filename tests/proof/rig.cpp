@@ -177,8 +177,6 @@ void equip(sim::Host& host, const Plan& plan) {
 
 }  // namespace
 
-std::ostream& operator<<(std::ostream& out, Mode mode) { return out << name_of(mode); }
-
 const char* name_of(Mode mode) noexcept {
     switch (mode) {
         case Mode::reset: return "reset";

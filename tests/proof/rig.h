@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,7 +20,6 @@ enum class Mode { reset, firmware, flash_loader, external_tool };
 inline constexpr Mode kModes[] = {Mode::reset, Mode::firmware, Mode::flash_loader, Mode::external_tool};
 
 const char* name_of(Mode mode) noexcept;
-std::ostream& operator<<(std::ostream& out, Mode mode);
 
 /// A message during the `at`-th call of an operation, and what the user does about it.
 struct Moment {
