@@ -1,8 +1,6 @@
 // Stands between the plug-in and the simulated host.
 #include "tests/proof/interposer.h"
 
-#include <algorithm>
-
 #include "com/class_factory.h"
 #include "com/variant.h"
 #include "simulator/controls.h"

@@ -51,7 +51,7 @@ class Machine final : public ::testing::Environment {
     std::optional<sim::PrivateFolder> folder_;
 };
 
-[[maybe_unused]] auto* const machine = ::testing::AddGlobalTestEnvironment(new Machine);
+[[maybe_unused]] auto* const environment = ::testing::AddGlobalTestEnvironment(new Machine);
 
 std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
     std::vector<std::vector<std::u16string>> contents;

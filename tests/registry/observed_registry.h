@@ -1,5 +1,5 @@
-// The side's registry with an eye on what is asked of it. It reaches one more computer, this one under another name, and
-// can refuse to make keys.
+// The side's registry with an eye on what is asked of it. It reaches one more computer, this one under another
+// name, and can refuse to make keys.
 #pragma once
 
 #include <algorithm>

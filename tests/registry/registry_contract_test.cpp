@@ -11,7 +11,6 @@ namespace {
 
 using namespace platform;
 using ::testing::AnyOf;
-using ::testing::Ne;
 using ::testing::UnorderedElementsAre;
 
 constexpr std::uint8_t kPoison = 0xA5;

@@ -14,7 +14,6 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 struct Outcome {
     ExitStatus status;

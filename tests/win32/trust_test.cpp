@@ -1,4 +1,4 @@
-// What the Windows side takes nobody's word for: where libraries lie and paths lead, and what a clean-up may remove.
+// What the Windows side takes nobody's word for: where libraries lie, and what a clean-up may remove.
 #include <gtest/gtest.h>
 
 #include "platform/class_keys.h"
