@@ -37,16 +37,6 @@ TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
     EXPECT_EQ(CLSIDFromProgID(ole_text(u"Nobody.Registers.This"), &clsid), CO_E_CLASSSTRING);
 }
 
-TEST_F(ClassObjects, OfOursHaveNoTypeDescription) {
-    const auto object = make_object<CountedObject>();
-    UINT count = 7;
-    auto* type = reinterpret_cast<ITypeInfo*>(std::uintptr_t{0xDEAD});
-    EXPECT_EQ(object->GetTypeInfoCount(&count), S_OK);
-    EXPECT_EQ(count, 0U);
-    EXPECT_EQ(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type), E_NOTIMPL);
-    EXPECT_EQ(type, nullptr);
-}
-
 TEST(Apartment, MustBeEnteredBeforeObjectsAreMade) {
     ComPtr<IDispatch> object;
     EXPECT_EQ(CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()),

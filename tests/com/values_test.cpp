@@ -1,4 +1,4 @@
-// Automation strings, identities as text, and automation values with their conversions.
+// Automation strings, and automation values with their conversions.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -33,25 +33,6 @@ TEST(AutomationString, OfNothing) {
     Bstr room;
     *room.put() = SysAllocStringLen(nullptr, 5);
     EXPECT_TRUE(SysStringLen(room.get()) == 5U && room.get()[5] == 0);
-}
-
-TEST(Identity, GoesToTextAndBackAndOthersAreRefused) {
-    const GUID guid = {0x09D14609, 0x0E72, 0x4D6E, {0xA3, 0xB6, 0xD8, 0x40, 0x9C, 0x89, 0x77, 0x02}};
-    std::u16string text(39, u'?');
-    auto* const place = reinterpret_cast<LPOLESTR>(text.data());
-    EXPECT_EQ(StringFromGUID2(guid, place, 38), 0) << "38 characters and no null do not fit";
-    EXPECT_EQ(StringFromGUID2(guid, place, 39), 39);
-    EXPECT_EQ(text, (std::u16string_view(u"{09D14609-0E72-4D6E-A3B6-D8409C897702}\0", 39)));
-    CLSID read{};
-    for (const char16_t* spelling : {text.c_str(), u"{09d14609-0e72-4d6e-a3b6-d8409c897702}"}) {
-        EXPECT_EQ(CLSIDFromString(ole_text(spelling), &read), S_OK);
-        EXPECT_TRUE(IsEqualGUID(read, guid));
-    }
-    for (const char16_t* wrong : {u"{09D14609-0E72-4D6E-A3B6-D8409C89770}", u"{09D14609-0E72-4D6E-A3B6-D8409C897702",
-                                  u"{09D14609-0E72-4D6E-A3B6-D8409C897702}x", u"{09D14609-0E72-4D6EA3B6-D8409C8977020}",
-                                  u"{09D14609-0E72-4D6E-A3B6-D8409C89770G}"}) {
-        EXPECT_EQ(CLSIDFromString(ole_text(wrong), &read), CO_E_CLASSSTRING);
-    }
 }
 
 TEST(AutomationValue, CopiesAndClearingKeepCount) {

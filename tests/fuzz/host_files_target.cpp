@@ -1,8 +1,10 @@
-// Fuzz target: any text as the simulated host's files. What is read can be written and read again.
+// Fuzz target: any bytes as the simulated host's files, and as firmware. What is read of a file can be written and read
+// again.
 #include <cstdlib>
 #include <string_view>
 
 #include "simulator/displays.h"
+#include "simulator/firmware_image.h"
 #include "tests/fuzz/target.h"
 
 namespace {
@@ -26,5 +28,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     read<Displays>(text);
     read<Units>(text);
+    try {
+        check_motorola_image(text, u"file");
+    } catch (const ImageError&) {
+        // Refused.
+    }
     return 0;
 }

@@ -1,6 +1,4 @@
 // The exports, the class factories, and what keeps the library loaded.
-#include <thread>
-
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -61,20 +59,6 @@ TEST_P(Factory, RefusesWithoutAnObject) {
     EXPECT_EQ(class_object(GetParam(), kCatalogueInterface, &objects[3]), E_NOINTERFACE) << "no factory is a catalogue";
     EXPECT_EQ(class_object(GetParam(), IID_IClassFactory, nullptr), E_POINTER);
     for (const void* object : objects) EXPECT_EQ(object, nullptr);
-}
-
-TEST(Apartments, WorkBesideEachOther) {
-    const auto use_objects = [] {
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        for (int i = 0; i < 2000; ++i) {
-            EXPECT_EQ(call(*make(kEntryClass), kGetMyName, DISPATCH_METHOD).result, S_OK);
-        }
-        CoUninitialize();
-    };
-    std::thread first(use_objects), second(use_objects);
-    first.join();
-    second.join();
-    EXPECT_EQ(can_unload_now(), S_OK);
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // Stands between the plug-in and the simulated host.
 #include "tests/proof/interposer.h"
 
-#include <algorithm>
-
 #include "com/class_factory.h"
 #include "com/variant.h"
 #include "simulator/controls.h"
@@ -31,20 +29,13 @@ class Wrapper final : public com::Object<Wrapper, com::Untyped<IDispatch>> {
 public:
     Wrapper(sim::Host& host, Meddling& meddling, const ClassFacts& facts, com::ComPtr<IDispatch> inner)
         : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
-    ~Wrapper() {
-        if (meddling_.observer != nullptr) meddling_.observer->released(this);
-    }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
         const bool own = com::interface_matches<IDispatch>(iid);
-        if (meddling_.observer != nullptr && IsEqualGUID(iid, IID_IConnectionPointContainer)) {
-            meddling_.observer->listened_to(this);
-        }
         return own ? Object::QueryInterface(iid, object) : inner_->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
                                             DISPID* ids) noexcept override {
-        if (meddling_.observer != nullptr && names != nullptr) meddling_.observer->looked_up(this, *names);
         return inner_->GetIDsOfNames(reserved, names, count, locale, ids);
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
@@ -75,15 +66,13 @@ public:
         const HRESULT outcome =
             inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
         if (SUCCEEDED(outcome) && result != nullptr && meddling_.amend) meddling_.amend(call, *result);
-        const IDispatch* given = nullptr;
         if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
             // Sign information is the only object that the host gives away.
             static const ClassFacts kSignInfo = facts<sim::SignInfoObject>(u"HostSignInfo");
             auto wrapped =
                 com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
-            given = result->pdispVal = wrapped.detach();
+            result->pdispVal = wrapped.detach();
         }
-        if (meddling_.observer != nullptr) meddling_.observer->called(this, id, flags, *parameters, given);
         return outcome;
     }
 
@@ -96,14 +85,12 @@ private:
 
 template <class Wrapped>
 DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
-    return com::offer_class(host.lifetime, clsid, [&host, &meddling, clsid, known = facts<Wrapped>(name)] {
+    return com::offer_class(host.lifetime, clsid, [&host, &meddling, known = facts<Wrapped>(name)] {
         if (meddling.judge && meddling.judge(std::u16string(u"new ") + known.name) != Verdict::pass) {
             throw RuntimeError(kAutomationError);
         }
         auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host).detach());
-        auto wrapper = com::make_object<Wrapper>(host, meddling, known, std::move(inner));
-        if (meddling.observer != nullptr) meddling.observer->created(wrapper.get(), clsid);
-        return wrapper;
+        return com::make_object<Wrapper>(host, meddling, known, std::move(inner));
     });
 }
 

@@ -8,7 +8,6 @@
 
 #include "com/variant.h"
 #include "simulator/host.h"
-#include "simulator/host.h"
 
 namespace vex::proof {
 
@@ -27,28 +26,11 @@ using Substitute = std::function<std::optional<com::Variant>(const std::u16strin
 /// Changes what a call has answered.
 using Amend = std::function<void(const std::u16string& call, VARIANT& answer)>;
 
-/// Told of what passes, as far as it wants to know. Objects are told apart by their address while they live.
-class Observer {
-public:
-    virtual ~Observer() = default;
-    virtual void created(const IDispatch* object, REFCLSID clsid) = 0;
-    /// The id of a name is asked for.
-    virtual void looked_up(const IDispatch* /*object*/, const OLECHAR* /*name*/) {}
-    /// The object's events are asked for.
-    virtual void listened_to(const IDispatch* /*object*/) {}
-    /// `result`: the object that the call gave away, or null.
-    virtual void called(const IDispatch* object, DISPID member, WORD flags, const DISPPARAMS& parameters,
-                        const IDispatch* result) = 0;
-    virtual void released(const IDispatch* object) = 0;
-};
-
 /// How the interposer meddles; what is empty does nothing.
 struct Meddling {
     Judge judge;
     Substitute substitute;
     Amend amend;
-    /// Not owned.
-    Observer* observer = nullptr;
 };
 
 /// While it lives, the host's objects that the plug-in creates or is given are wrapped. Needs an initialised

@@ -1,7 +1,10 @@
 // A whole update in one process.
 #include "tests/proof/rig.h"
 
+#include <gtest/gtest.h>
+
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -27,6 +30,28 @@ void write_file(const std::u16string& path, const std::string& content) {
     std::filesystem::create_directories(real.parent_path());
     std::ofstream(real, std::ios::binary) << content;
 }
+
+/// The machine of all plans: there before the first test, gone after the last while the runtime still stands.
+class Machine final : public ::testing::Environment {
+    void SetUp() override {
+        folder_.emplace();
+        platform::native::use_machine_folder(folder_->path());
+        for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_->path() / drive);
+        write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
+        write_file(u"D:\\fw\\new.BIN", "image");
+        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image(sim::LoaderKind::line));
+        write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    }
+    void TearDown() override {
+        CoUninitialize();
+        folder_.reset();
+    }
+
+    std::optional<sim::PrivateFolder> folder_;
+};
+
+[[maybe_unused]] auto* const environment = ::testing::AddGlobalTestEnvironment(new Machine);
 
 std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
     std::vector<std::vector<std::u16string>> contents;
@@ -104,21 +129,11 @@ private:
             outcome_.rows = status_column(list);
             outcome_.units = unit_contents(host_);
             interrupting_ = false;
-            // The very edge of a row belongs to none.
-            if (list.row_count() > 1) {
-                list.select(0);
-                form.raise_mouse_down(list, forms::MouseButton::left, 1, static_cast<float>(list.row_top(1)));
-                outcome_.edge_selects = list.selected() != 0U;
-            }
         }
         for (; plan_.retry && next_retry_ < list.row_count(); ++next_retry_) {
             if (outcome_.rows[next_retry_] == u"Updated - ") continue;
-            std::vector<std::u16string> before = status_column(list);
             const auto y = static_cast<float>(list.row_top(next_retry_)) + 1;
             form.raise_mouse_down(list, forms::MouseButton::right, 1, y);
-            std::vector<std::u16string> after = status_column(list);
-            before[next_retry_] = after[next_retry_];
-            outcome_.retry_touched_others = outcome_.retry_touched_others || before != after;
             if (!form.running()) return true;
         }
         outcome_.rows_after_retry = status_column(list);
@@ -162,8 +177,6 @@ void equip(sim::Host& host, const Plan& plan) {
 
 }  // namespace
 
-std::ostream& operator<<(std::ostream& out, Mode mode) { return out << name_of(mode); }
-
 const char* name_of(Mode mode) noexcept {
     switch (mode) {
         case Mode::reset: return "reset";
@@ -184,18 +197,6 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
     }
     return result;
 }
-
-Machine::Machine() {
-    platform::native::use_machine_folder(folder_.path());
-    for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_.path() / drive);
-    write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
-    write_file(u"D:\\fw\\new.BIN", "image");
-    write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image(sim::LoaderKind::line));
-    write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-}
-
-Machine::~Machine() { CoUninitialize(); }
 
 Outcome play(const Plan& plan) {
     Outcome outcome;

@@ -2,10 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <functional>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,7 +19,6 @@ enum class Mode { reset, firmware, flash_loader, external_tool };
 inline constexpr Mode kModes[] = {Mode::reset, Mode::firmware, Mode::flash_loader, Mode::external_tool};
 
 const char* name_of(Mode mode) noexcept;
-std::ostream& operator<<(std::ostream& out, Mode mode);
 
 /// A message during the `at`-th call of an operation, and what the user does about it.
 struct Moment {
@@ -70,26 +66,9 @@ struct Outcome {
     /// The host's and the plug-in's objects that were left over.
     long host_objects = 0;
     long plugin_objects = 0;
-    /// A press on the edge between two rows selected one.
-    bool edge_selects = false;
-    /// A retry changed another row than its own.
-    bool retry_touched_others = false;
 };
 
-/// The simulated machine, with the files that plans need, on which they are played. One at a time; main makes it,
-/// as it must be gone before the runtime is.
-class Machine {
-public:
-    Machine();
-    Machine(const Machine&) = delete;
-    Machine& operator=(const Machine&) = delete;
-    ~Machine();
-
-private:
-    sim::PrivateFolder folder_;
-};
-
-/// Plays the plan on the machine.
+/// Plays the plan on a simulated machine that has the files that plans need.
 Outcome play(const Plan& plan);
 
 }  // namespace vex::proof

@@ -1,11 +1,10 @@
 // The registry access class on the side's registry, with an eye on what it asks for.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <set>
 
 #include "support/registry_routines.h"
-#include "tests/registry/forwarding_registry.h"
+#include "tests/registry/observed_registry.h"
 #include "tests/registry/test_key.h"
 #include "tests/shared/error_of.h"
 
@@ -19,78 +18,18 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 using namespace platform;
 
-constexpr char16_t kComputer[] = u"\\\\elsewhere";
-
-/// Notes what is asked of the registry, and reaches one more computer: this one, under another name.
-class ObservedRegistry final : public ForwardingRegistry {
-public:
-    using ForwardingRegistry::ForwardingRegistry;
-
-    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
-                          RegistryKey& key) noexcept override {
-        last_path = path;
-        last_access = access;
-        return opened(ForwardingRegistry::open_key(parent, path, access, key), key);
-    }
-    std::int32_t create_key(RegistryKey parent, const char* path, const char* class_name, std::uint32_t access,
-                            const SecurityAttributes& attributes, RegistryKey& key) noexcept override {
-        last_path = path;
-        last_access = access;
-        last_class = class_name;
-        last_attributes = attributes;
-        return opened(ForwardingRegistry::create_key(parent, path, class_name, access, attributes, key), key);
-    }
-    std::int32_t close_key(RegistryKey key) noexcept override {
-        if (key == 0) ++null_closes;
-        open_keys.erase(key);
-        return ForwardingRegistry::close_key(key);
-    }
-    std::int32_t set_value(RegistryKey key, const char* name, std::uint32_t type, const std::uint8_t* data,
-                           std::uint32_t data_size) noexcept override {
-        ++writes;
-        return ForwardingRegistry::set_value(key, name, type, data, data_size);
-    }
-    std::int32_t connect_registry(const char* computer, RegistryKey root, RegistryKey& key) noexcept override {
-        if (side_code_page().from_ansi(computer) != kComputer) return kBadNetPath;
-        return opened(ForwardingRegistry::open_key(root, "", kKeyAllAccess, key), key);
-    }
-    std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept override {
-        const std::uint32_t length = ForwardingRegistry::expand_environment(source, target, capacity);
-        // Systems leave there what they like.
-        if (length > capacity) std::fill_n(target, capacity, '#');
-        return length;
-    }
-
-    std::string last_path;
-    std::uint32_t last_access = 0;
-    std::string last_class = "none";
-    SecurityAttributes last_attributes;
-    std::set<RegistryKey> open_keys;
-    int null_closes = 0;
-    int writes = 0;
-
-    void close_all() {
-        for (const RegistryKey leaked : std::exchange(open_keys, {})) side_registry().close_key(leaked);
-    }
-
-private:
-    std::int32_t opened(std::int32_t result, const RegistryKey& key) {
-        if (result == kSuccess) open_keys.insert(key);
-        return result;
-    }
-};
-
 class RegistryRoutinesTest : public TestKeyFixture {
 protected:
     RegistryRoutinesTest() {
         routines.set_hKey(kHkeyCurrentUser);
         routines.set_KeyRoot(kWideTestPath);
         set_environment("VEX_SHORT", "s");
+        set_environment("VEX_JUST", "123456789");
         set_environment("VEX_LONGER", "longer than it");
     }
     ~RegistryRoutinesTest() override { observed.close_all(); }
 
-    ObservedRegistry observed{side_registry()};
+    ObservedRegistry observed;
     RegistryRoutines routines{observed, side_code_page()};
 };
 
@@ -255,6 +194,7 @@ std::vector<ReadCase> read_cases() {
         // Also one that stays as long as it is does not fit: its null has no room.
         {"text that grows", kRegExpandSz, bytes_of("%VEX_LONGER%\0"sv), u"%VEX_LONGER%"},
         {"text that stays", kRegExpandSz, bytes_of("no variable\0"sv), u"no variable"},
+        {"text whose null just fits", kRegExpandSz, bytes_of("%VEX_JUST%\0"sv), u"123456789\0"s},
         {"number", kRegDword, {0x39, 0x30, 0, 0}, 12345},
         {"number with all bits", kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}, -1},
         {"short number", kRegDword, {0x39, 0x30}, 12345}, {"long number", kRegDword, {1, 0, 0, 0, 9, 9}, 1},

@@ -16,7 +16,7 @@
 #include "core/unicode.h"
 #include "forms/form.h"
 #include "support/services.h"
-#include "tests/registry/forwarding_registry.h"
+#include "tests/registry/observed_registry.h"
 #include "tests/registry/test_key.h"
 
 namespace vex::test {
@@ -112,37 +112,6 @@ private:
     std::vector<DWORD> cookies_;
 };
 
-/// The side's registry; it can refuse to make keys, and counts those that are open.
-class CountedRegistry final : public ForwardingRegistry {
-public:
-    CountedRegistry() : ForwardingRegistry(side_registry()) {}
-    std::int32_t open_key(platform::RegistryKey parent, const char* path, std::uint32_t access,
-                          platform::RegistryKey& key) noexcept override {
-        last_access = access;
-        return counted(ForwardingRegistry::open_key(parent, path, access, key));
-    }
-    std::int32_t create_key(platform::RegistryKey parent, const char* path, const char* class_name,
-                            std::uint32_t access, const platform::SecurityAttributes& attributes,
-                            platform::RegistryKey& key) noexcept override {
-        if (read_only) return platform::kAccessDenied;
-        return counted(ForwardingRegistry::create_key(parent, path, class_name, access, attributes, key));
-    }
-    std::int32_t close_key(platform::RegistryKey key) noexcept override {
-        --open_keys;
-        return ForwardingRegistry::close_key(key);
-    }
-
-    std::uint32_t last_access = 0;
-    int open_keys = 0;
-    bool read_only = false;
-
-private:
-    std::int32_t counted(std::int32_t result) noexcept {
-        if (result == platform::kSuccess) ++open_keys;
-        return result;
-    }
-};
-
 /// Dialogs on a recorded screen and host, with a registry that is empty at first.
 class RecordedFixture : public ::testing::Test, public platform::Files, public platform::Processes {
 protected:
@@ -154,7 +123,7 @@ protected:
     }
     ~RecordedFixture() override {
         host.forget_sinks();
-        EXPECT_EQ(registry.open_keys, 0) << "a key was left open";
+        EXPECT_TRUE(registry.open_keys.empty()) << "a key was left open";
         EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
     }
 
@@ -179,7 +148,7 @@ protected:
     Notebook notebook;
     Screen screen{notebook};
     RecordedHost host{notebook};
-    CountedRegistry registry;
+    ObservedRegistry registry;
     bool files_exist = true;
     bool programs_start = true;
     com::ModuleLifetime module;

@@ -1,55 +1,39 @@
 // The simulated host's class library, called late as any client calls it.
 #include <gtest/gtest.h>
 
-#include "core/unicode.h"
+#include <sstream>
 
-#include "simulator/controls.h"
+#include "core/unicode.h"
+#include "platform/native/machine.h"
+#include "simulator/automation.h"
+#include "simulator/class_library.h"
+#include "simulator/native/native_session.h"
 #include "tests/shared/error_of.h"
-#include "tests/simulator/host_fixture.h"
+#include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
 namespace {
 
-class ObjectsTest : public HostFixture {
+class ObjectsTest : public testing::Test {
 protected:
-    static com::Variant open(IDispatch& list) {
-        return call_late(list, u"OpenDisplayFile", {Text(u"Displays.dat")});
+    ObjectsTest() {
+        platform::native::use_machine_folder(folder_.path());
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        classes_.emplace(host_);
     }
-    static std::int32_t find(IDispatch& list, std::u16string_view name) {
-        return call_late(list, u"FindDisplay", {Text(name)}).get().lVal;
+    ~ObjectsTest() override {
+        classes_.reset();
+        CoUninitialize();
+        EXPECT_EQ(host_.lifetime.objects(), 0);
     }
-    static void select(IDispatch& list, std::int32_t handle) {
-        call_late(list, u"SelectDisplay", {com::Variant::int32(handle)});
-    }
-    static std::u16string name(IDispatch& list) { return text_of(call_late(list, u"displayname")); }
+
+    test::TemporaryFolder folder_;
+    std::ostringstream out_;
+    Trace trace_{out_, false};
+    NativeMachine machine_;
+    Host host_{trace_, machine_};
+    std::optional<HostClasses> classes_;
 };
-
-TEST_F(ObjectsTest, DisplayListMakesOneDisplayCurrent) {
-    add_display(u"A");
-    add_display(u"B", u"COM2", u"1,20");
-    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
-    // Nothing is open: there is nothing to tell.
-    EXPECT_EQ(name(*list), u"");
-    EXPECT_EQ(find(*list, u"A"), 0);
-    open(*list);
-    EXPECT_EQ(name(*list), u"A");
-    select(*list, find(*list, u"B"));
-    EXPECT_EQ(text_of(call_late(*list, u"SignIDs")), u"1,20");
-    EXPECT_EQ(call_late(*list, u"ConnectionType").get().iVal, 1);
-    // What is not known leaves the current one as it is.
-    for (const std::int32_t handle : {find(*list, u"b"), 0, -1, 3, 1 << 30}) select(*list, handle);
-    EXPECT_EQ(name(*list), u"B");
-}
-
-TEST_F(ObjectsTest, DisplayFileThatIsMissingOrDamagedLeavesTheOpenOne) {
-    add_display(u"A");
-    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
-    open(*list);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"OpenDisplayFile", {Text(u"Other.dat")}); }), 53);
-    folder_.write("Displays.dat", "# Brivola displays, version 1\ndisplay A prot=1\n");
-    EXPECT_EQ(test::error_of([&] { open(*list); }), 321);
-    EXPECT_EQ(name(*list), u"A");
-}
 
 TEST_F(ObjectsTest, WrongCallsGetTheUsualErrors) {
     const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
@@ -82,7 +66,8 @@ TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {
     const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
     const auto control = create_object(u"vexDTCon4.vexDispTrans");
     const auto finder = create_object(u"vexLantronixControls2.vexLANBoxFinder2");
-    const Text by_reference(u"D:\\a");
+    com::Bstr place(u"D:\\a");
+    const auto by_reference = com::Variant::text_reference(place.put_reference());
     const auto text = com::Variant::text(u"D:\\a");
     const auto word = com::Variant::int16(1);
     const auto number = com::Variant::int32(1);
@@ -119,26 +104,6 @@ TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {
             EXPECT_EQ(to_utf8(error.description()), to_utf8(bad.member + u": " + bad.wrong));
         }
     }
-}
-
-TEST_F(ObjectsTest, ScriptedErrorsComeInPlaceOfTheCall) {
-    add_display(u"A");
-    add_display(u"B");
-    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
-    open(*list);
-    for (const char16_t* member : {u"FindDisplay", u"ComPort", u"vexLANBoxFinder2", u"SearchTimeout", u"FindBoxes"})
-        host_.links.add_fault({u"B", std::nullopt, parse_operation(member)}, FaultKind::raise);
-    EXPECT_EQ(find(*list, u"A"), 1);
-    EXPECT_EQ(test::error_of([&] { find(*list, u"B"); }), kAutomationError);
-    const auto finder = create_object(u"vexLantronixControls2.vexLANBoxFinder2");
-    select(*list, 2);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"ComPort"); }), kAutomationError);
-    EXPECT_EQ(test::error_of([] { create_object(u"vexLantronixControls2.vexLANBoxFinder2"); }), kCannotCreateObject);
-    const auto number = com::Variant::real(1);
-    EXPECT_EQ(test::error_of([&] { call_late(*finder, u"FindBoxes", {com::Variant::text(u"a"), number, number}); }),
-              kAutomationError);
-    EXPECT_EQ(test::error_of([&] { put(*finder, u"SearchTimeout", com::Variant::int16(1)); }),
-              kAutomationError);
 }
 
 }  // namespace

@@ -109,6 +109,10 @@ TEST(Refusals, NameThePlaceAndTheFault) {
     for (const auto& bad : cases) EXPECT_THAT(complaint(bad.read, bad.text), StartsWith(bad.complaint)) << bad.text;
     EXPECT_EQ(complaint(loader, make_loader_image(LoaderKind::line)), "");
     EXPECT_NE(make_loader_image(LoaderKind::line), make_loader_image(LoaderKind::server));
+    EXPECT_EQ(complaint(image, "S206000000010FE9\r\nS804000000FB"), "");
+    EXPECT_EQ(complaint(image, "S30700000000010fe8\nS5030001FB\n\nS70500000000FA\n"), "");
+    for (const std::size_t size : {1U, 32U, 33U, 70'000U}) EXPECT_EQ(complaint(image, make_motorola_image(size)), "");
+    EXPECT_EQ(crc32("123456789"), 0xCBF43926U);
 }
 
 TEST(Refusals, NameTheIncludedFile) {

@@ -1,14 +1,11 @@
 // Whole runs: exit statuses, messages with their place, what is kept and what is found damaged.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <fstream>
 #include <sstream>
 
-#include "platform/private_files.h"
 #include "simulator/native/native_session.h"
-#include "simulator/words.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
@@ -17,7 +14,6 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 struct Outcome {
     ExitStatus status;
@@ -79,14 +75,6 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
     EXPECT_EQ(run("click cmdNext").errors, "a.scn:1: no dialog is open\n");
 }
 
-TEST(Run, TakesNoMessageAnswerThatTheBoxDoesNotOffer) {
-    const Outcome outcome =
-        run("display A\nanswer msgbox no\nanswer openfile D:\\a.txt\nstart\nclick cmdNext\nclick opLoadFirmware\n"
-            "answer picker A\nclick cmdNext\nclick cmdChooseDisplay\nclick cmdNext\nclick cmdFirmwareBrowse\nunits");
-    EXPECT_EQ(outcome.status, kBadUsage);
-    EXPECT_EQ(outcome.errors, "a.scn:2: the message \"Not a valid SHX file!\" has no such button\n");
-}
-
 TEST(Run, KeepsItsDataWhereItIsTold) {
     const test::TemporaryFolder folder;
     const Outcome first =
@@ -111,40 +99,6 @@ TEST(Run, KeepsItsDataWhereItIsTold) {
     EXPECT_THAT(run("units").out, IsEmpty());
 }
 
-TEST(Run, WhatItKeepsIsItsOwnersAlone) {
-    const test::TemporaryFolder folder;
-    const mode_t mask = ::umask(0);
-    const Outcome outcome =
-        run("display A\nfile D:\\x.bin\nsetting Brivola3 Settings AppPath C:\\Host", with_data(folder));
-    ::umask(mask);
-    EXPECT_EQ(outcome.status, kPassed) << outcome.errors;
-    // Below a drive it does not matter what files allow: nobody gets there.
-    int entries = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path() / "data")) {
-        EXPECT_EQ(entry.status().permissions() & std::filesystem::perms(0077), std::filesystem::perms::none) << entry;
-        ++entries;
-    }
-    EXPECT_EQ(entries, 5) << "two drives, the registry with its lock, and the units";
-}
-
-TEST(Run, FollowsNoLinkThatWasPreparedForItsFiles) {
-    const test::TemporaryFolder folder;
-    const auto victim = folder.write("victim", "untouched");
-    for (const char* name : {"file", "file.new"}) std::filesystem::create_symlink(victim, folder.path() / name);
-    replace_file(folder.path() / "file", "content");
-    EXPECT_EQ(read_file(victim), "untouched");
-    EXPECT_EQ(read_file(folder.path() / "file"), "content");
-    EXPECT_FALSE(platform::make_private_folder(folder.path() / "file.new"));
-}
-
-TEST(Run, NamesTheDamagedLineOfWhatItKept) {
-    const test::TemporaryFolder folder;
-    run("display A", with_data(folder));
-    folder.write("data/Units.dat", "# Brivola units, version 1\nholds A 1 everything\n");
-    EXPECT_EQ(run("units", with_data(folder)).errors, (folder.path() / "data/Units.dat").string() +
-                                                          ":2: \"everything\" is nothing that a unit holds\n");
-}
-
 TEST(Run, FailsWhereItsTraceCannotBeWritten) {
     CommandLine options;
     options.plugin = VEX_PLUGIN_LIBRARY;
@@ -152,15 +106,6 @@ TEST(Run, FailsWhereItsTraceCannotBeWritten) {
     std::ostringstream errors;
     EXPECT_EQ(NativeSession(options).play_text("a.scn", "display A\nunits\n", {}, full, errors), kFailed);
     EXPECT_EQ(errors.str(), "the trace cannot be written\n");
-}
-
-TEST(Run, ReadsNoFileWithoutEnd) {
-    try {
-        read_file("/dev/zero");
-        ADD_FAILURE();
-    } catch (const TextError& error) {
-        EXPECT_STREQ(error.what(), "/dev/zero: is larger than 64 MiB");
-    }
 }
 
 TEST(Run, SaysWhyThereIsNoPlugin) {

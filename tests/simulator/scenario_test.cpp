@@ -1,10 +1,10 @@
-// Scenarios as texts: the command line, words, and which calls a fault is about.
+// The command line, the words of scenarios and files, and the units behind a display.
 #include "simulator/words.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/controls.h"
+#include "simulator/displays.h"
 #include "simulator/program.h"
 
 namespace vex::sim {
@@ -49,28 +49,28 @@ TEST(AsWord, IsReadBack) {
     EXPECT_EQ(in_quotes(u"line\r\nbreak"), u"\"line  break\"");
 }
 
-TEST(SplitLines, TakesEitherEndAndAByteOrderMark) {
-    EXPECT_THAT(split_lines("a", "\xEF\xBB\xBFone\r\ntwo\n\nfour"), ElementsAre(u"one", u"two", u"", u"four"));
-    EXPECT_THAT(split_lines("a", ""), IsEmpty());
+// ---- The units behind a display
+
+Display display_with(std::u16string ids) {
+    Display display;
+    display.name = u"A";
+    display.ids = std::move(ids);
+    return display;
 }
 
-// ---- Which calls a fault or a message is about
-
-const Call kReset{u"A", 1, Operation::ResetAndClear};
-
-TEST(LinkScript, MatchesDisplayUnitMemberAndCount) {
-    LinkScript script;
-    script.add_fault({u"A", 1, Operation::ResetAndClear, 2}, FaultKind::fail);
-    script.add_fault({{}, {}, Operation::PrepareForFirmware}, FaultKind::raise);
-    const std::pair<Call, FaultKind> calls[] = {{{u"B", 1, Operation::ResetAndClear}, FaultKind::none},
-                                                {{u"A", 2, Operation::ResetAndClear}, FaultKind::none},
-                                                {{u"A", 1, Operation::DownloadFirmware}, FaultKind::none},
-                                                {kReset, FaultKind::none},
-                                                {kReset, FaultKind::fail},
-                                                {kReset, FaultKind::none},
-                                                {{u"", -5, Operation::PrepareForFirmware}, FaultKind::raise},
-                                                {{u"A", 1, Operation::PrepareForFirmware}, FaultKind::raise}};
-    for (const auto& [call, fault] : calls) EXPECT_EQ(script.next(call).fault, fault);
+TEST(Units, AreMastersTheirSlavesAndWhatWasPutThere) {
+    Units units;
+    const Display display = display_with(u"20, 1,x,,40000,1");
+    EXPECT_THAT(units.ids(display), ElementsAre(20, 1));
+    units.set_slaves(u"A", 1, {0, 2});
+    units.set_slaves(u"A", 50, {0, 0});
+    EXPECT_THAT(units.ids(display), ElementsAre(20, 1, 2, 3, 50));
+    for (const int id : {1, 2, 3, 20, 50}) EXPECT_TRUE(units.answers(display, static_cast<std::int16_t>(id))) << id;
+    for (const int id : {0, 4, 19, 21, -1}) EXPECT_FALSE(units.answers(display, static_cast<std::int16_t>(id))) << id;
+    units.set_absent(u"A", 2);
+    EXPECT_FALSE(units.answers(display, 2));
+    EXPECT_TRUE(units.answers(display, 3));
+    EXPECT_THAT(units.ids(display_with(u"")), ElementsAre(1, 50));
 }
 
 }  // namespace

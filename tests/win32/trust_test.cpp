@@ -1,4 +1,4 @@
-// What the Windows side takes nobody's word for: where libraries lie and paths lead, and what a clean-up may remove.
+// What the Windows side takes nobody's word for: where libraries lie, and what a clean-up may remove.
 #include <gtest/gtest.h>
 
 #include "platform/class_keys.h"
@@ -24,16 +24,6 @@ TEST(LateLibrary, IsTheSystemsOwn) {
         std::filesystem::remove(planted, left_loaded);
     }
     std::filesystem::current_path(here);
-}
-
-TEST(PrivateDrives, NoPathLeavesTheirFolder) {
-    // The computer stands in for what the program itself uses.
-    registry();
-    const sim::PrivateFolder folder;
-    sim::Win32Machine machine(u"", folder.path(), false);
-    for (const char16_t* path : {u"C:\\..\\..\\x", u"C:..\\x", u"c:/../a/../../x", u"C:\\\\x"}) {
-        EXPECT_EQ(machine.real_path(path), folder.path() / "drive_c" / "x");
-    }
 }
 
 TEST(ClassRegistration, RemovesNoKeyThatIsNoClass) {

@@ -152,6 +152,12 @@ RAM File=C:\Host\BIN\FIRMWARE\SL-RCM2000B.BIN
 ROM File=D:\fw\new.bin
 )"));
     EXPECT_EQ(ReadHostSetting(services, u"Brivola3", u"Firmware", u"LastFilePath", u""), u"D:\\fw");
+    // Only resetting, too; what the tool could not use stays as it was.
+    displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}, {"ComPort", u"CO1"}, {"ComBaud", u"0 baud"}};
+    pick(u"A");
+    play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdFinish", "cmdClose"});
+    EXPECT_EQ(tool_settings(), "Com Baud=9600\nCom Port=COM3:\nPhone Number=555\n"
+                               "RAM File=C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN\nROM File=\n");
 }
 
 TEST_F(Wizard, EveryChoiceReachesTheSession) {
@@ -271,6 +277,11 @@ TEST_F(Wizard, TheRecentDisplaysNameIsOneInTheListAndTwoInTheRun) {
     const std::string all = play({"cmdNext", "--", "cmdNext", "cmdFinish", "cmdClose"});
     EXPECT_THAT(all, testing::HasSubstr("lstvDisplays[0] \"A,B\""));
     EXPECT_THAT(all, testing::HasSubstr("lstvDisplayStatus[1] \"B\""));
+    // Of TQ-1 boards that are to be loaded, those on the network are left to be chosen.
+    displays[u"A,B"] = {{"SignTypeCode", u"165"}, {"ConnectionType", u"1"}};
+    EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext"}), testing::HasSubstr("lstvDisplays[0] "));
+    displays[u"A,B"] = {{"SignTypeCode", u"165"}, {"ConnectionType", u"2"}};
+    EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext"}), testing::Not(testing::HasSubstr("lstvDisplays[0] ")));
 }
 
 }  // namespace
