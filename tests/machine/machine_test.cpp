@@ -8,8 +8,8 @@
 
 #include "com/com.h"
 #include "core/runtime_error.h"
-#include "platform/native/code_page_1252.h"
 #include "platform/native/registry_text.h"
+#include "platform/system.h"
 #include "tests/shared/error_of.h"
 #include "tests/shared/temporary_folder.h"
 
@@ -160,13 +160,13 @@ TEST_F(Machine, OnlyOrdinaryFilesExist) {
     std::filesystem::create_symlink("file.bin", drive_c / "Folder/link.bin");
     std::filesystem::create_symlink("nowhere", drive_c / "Folder/dangling.bin");
     set_hidden(u"C:\\folder\\HIDDEN.bin", true);
-    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\Folder\\link.bin"));
+    EXPECT_TRUE(ordinary_file_exists(u"C:\\Folder\\link.bin"));
     for (const char16_t* path : {u"C:\\Folder\\.dot", u"C:\\Folder\\.hidden", u"C:\\Folder\\dangling.bin",
                                  u"C:\\Folder\\hidden.bin", u"C:\\Folder\\file.bin\\x", u"E:\\x", u"Z:\\dev\\null"}) {
-        EXPECT_FALSE(files().ordinary_file_exists(path)) << real_path(path);
+        EXPECT_FALSE(ordinary_file_exists(path)) << real_path(path);
     }
     set_hidden(u"C:\\Folder\\hidden.bin", false);
-    EXPECT_TRUE(files().ordinary_file_exists(u"C:\\Folder\\hidden.bin"));
+    EXPECT_TRUE(ordinary_file_exists(u"C:\\Folder\\hidden.bin"));
     for (const char16_t* path : {u"C:\\Missing\\x", u"E:\\x"}) EXPECT_NE(error_of([&] { set_hidden(path, true); }), 0);
 }
 
@@ -174,35 +174,33 @@ TEST_F(Machine, ProgramsThatExistStartAndAreToldOf) {
     write_file(drive_c / "tool.exe", "");
     std::vector<std::u16string> started;
     on_program_started([&](const std::u16string& path) { started.push_back(path); });
-    EXPECT_TRUE(processes().start(u"C:\\Tool.exe"));
+    EXPECT_TRUE(start_program(u"C:\\Tool.exe"));
     EXPECT_THAT(started, ElementsAre(u"C:\\Tool.exe"));
     on_program_started(nullptr);
-    EXPECT_TRUE(processes().start(u"C:\\tool.exe"));
+    EXPECT_TRUE(start_program(u"C:\\tool.exe"));
 }
 
 // ---- The ANSI code page
 
-const CodePage1252 kCodePage;
-
 TEST(CodePage1252, EveryByteSurvivesBothWays) {
     std::string bytes;
     for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-    const std::u16string text = kCodePage.from_ansi(bytes);
+    const std::u16string text = from_ansi(bytes);
     EXPECT_EQ(text.size(), 256U);
     EXPECT_EQ(std::set<char16_t>(text.begin(), text.end()).size(), 256U);
-    EXPECT_EQ(kCodePage.to_ansi(text), bytes);
+    EXPECT_EQ(to_ansi(text), bytes);
 }
 
 TEST(CodePage1252, CharactersStandWhereThePageHasThem) {
-    EXPECT_EQ(kCodePage.to_ansi(u"Z\xFCrich \x20AC \x201Cx\x201D \x2122"), "Z\xFCrich \x80 \x93x\x94 \x99");
-    EXPECT_EQ(kCodePage.from_ansi("\x8A\x9F\xA0\xFF"), u"\x0160\x0178\x00A0\x00FF");
+    EXPECT_EQ(to_ansi(u"Z\xFCrich \x20AC \x201Cx\x201D \x2122"), "Z\xFCrich \x80 \x93x\x94 \x99");
+    EXPECT_EQ(from_ansi("\x8A\x9F\xA0\xFF"), u"\x0160\x0178\x00A0\x00FF");
 }
 
 TEST(CodePage1252, WhatThePageLacksBecomesAQuestionMarkForEachUnit) {
-    EXPECT_EQ(kCodePage.to_ansi(u"a\x4E2D\x0101"
-                                u"b\xD83D\xDE00\xFFFD"),
+    EXPECT_EQ(to_ansi(u"a\x4E2D\x0101"
+                      u"b\xD83D\xDE00\xFFFD"),
               "a??b???");
-    EXPECT_EQ(kCodePage.to_ansi(u"\x0080"), "?") << "a control character whose byte is another character's";
+    EXPECT_EQ(to_ansi(u"\x0080"), "?") << "a control character whose byte is another character's";
 }
 
 }  // namespace

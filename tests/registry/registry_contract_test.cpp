@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <set>
 
+#include "platform/system.h"
 #include "tests/registry/test_key.h"
 
 namespace vex::test {
@@ -65,9 +66,9 @@ TEST_F(RegistryContract, NamesAreFoundInAnyCaseAndKeepTheirs) {
 }
 
 TEST_F(RegistryContract, CaseIsFoldedBeyondAscii) {
-    const std::string lower = side_code_page().to_ansi(u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF");
-    const std::string upper = side_code_page().to_ansi(u"GR\u00D6\u00DFE \u00C9\u0160\u0152\u017D\u0178");
-    if (side_code_page().from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF")
+    const std::string lower = platform::to_ansi(u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF");
+    const std::string upper = platform::to_ansi(u"GR\u00D6\u00DFE \u00C9\u0160\u0152\u017D\u0178");
+    if (platform::from_ansi(lower) != u"gr\u00F6\u00DFe \u00E9\u0161\u0153\u017E\u00FF")
         GTEST_SKIP() << "the code page lacks the letters";
     Key::created(key.get(), lower);
     EXPECT_TRUE(Key::opened(key.get(), upper));
@@ -177,8 +178,7 @@ TEST_F(RegistryContract, EveryByteOfATextSurvives) {
     for (int byte = 1; byte < 256; ++byte) {
         const std::string one(1, static_cast<char>(byte));
         // Bytes that the code page has no character for are not promised.
-        if (side_code_page().to_ansi(side_code_page().from_ansi(one)) == one)
-            data.push_back(static_cast<std::uint8_t>(byte));
+        if (platform::to_ansi(platform::from_ansi(one)) == one) data.push_back(static_cast<std::uint8_t>(byte));
     }
     data.push_back(0);
     for (const std::uint32_t kind : {kRegSz, kRegExpandSz, kRegMultiSz}) {
@@ -273,7 +273,10 @@ TEST_F(RegistryContract, VariablesOfTheEnvironmentAreExpanded) {
     set_environment("VEX_SHORT", "s");
     set_environment("VEX_LONG", "a longer value than its name");
     const std::pair<const char*, const char*> cases[] = {
-        {"", ""}, {"plain", "plain"}, {"%VEX_SHORT%", "s"}, {"100%", "100%"},
+        {"", ""},
+        {"plain", "plain"},
+        {"%VEX_SHORT%", "s"},
+        {"100%", "100%"},
         {"<%vex_short%%VEX_LONG%>", "<sa longer value than its name>"},
         {"%VEX_NO_SUCH_VARIABLE%", "%VEX_NO_SUCH_VARIABLE%"},
         // The sign that ends an unknown name begins the next. Wine takes it for used up.

@@ -279,13 +279,8 @@ std::string faults_of(const forms::Form& form, Size terminal) {
 
 TEST_F(OnTerminal, ControlsOfOneSizeHaveOneSizeOnEveryScreen) {
     com::ModuleLifetime module;
-    const Services services{.toolkit = toolkit,
-                            .registry = native::registry(),
-                            .files = native::files(),
-                            .processes = native::processes(),
-                            .code_page = native::code_page(),
-                            .module = module,
-                            .module_folder = u"C:\\Brivola"};
+    const Services services{
+        .toolkit = toolkit, .registry = platform::registry(), .module = module, .module_folder = u"C:\\Brivola"};
     dlgFirmwareWizard wizard(services, {});
     dlgDispUpdater run(services);
     dlgHandleSignOption session(services);
