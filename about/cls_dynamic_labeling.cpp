@@ -6,7 +6,7 @@
 namespace vex {
 
 RegistryRoutines& clsDynamicLabeling::routines() {
-    if (!routines_) routines_.emplace(registry_, code_page_);
+    if (!routines_) routines_.emplace(registry_);
     return *routines_;
 }
 

@@ -10,9 +10,8 @@ namespace vex {
 
 class clsDynamicLabeling {
 public:
-    /// Both outlive the object.
-    clsDynamicLabeling(platform::Registry& registry, const platform::CodePage& code_page) noexcept
-        : registry_(registry), code_page_(code_page) {}
+    /// `registry` outlives the object.
+    explicit clsDynamicLabeling(platform::Registry& registry) noexcept : registry_(registry) {}
 
     /// The private label's company, or the maker's name where the host has no private label or one that is no
     /// text. Read afresh at every call.
@@ -22,7 +21,6 @@ private:
     RegistryRoutines& routines();
 
     platform::Registry& registry_;
-    const platform::CodePage& code_page_;
     /// Made on first use.
     std::optional<RegistryRoutines> routines_;
     std::u16string company_name_;

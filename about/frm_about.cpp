@@ -11,6 +11,7 @@
 #include "core/product.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/system.h"
 #include "support/open_registry_key.h"
 
 namespace vex {
@@ -52,15 +53,22 @@ frmAbout::frmAbout(const Services& services) : Form(services.toolkit, kDesign), 
     cmdOK.is_cancel = true;
     lay_out({
         {.control = lblVersion, .name = "lblVersion", .at = {240, 240, 5220, 225}, .text = u"Version"},
-        {.control = lblDescription, .name = "lblDescription", .at = {240, 600, 5220, 900},
+        {.control = lblDescription,
+         .name = "lblDescription",
+         .at = {240, 600, 5220, 900},
          .text = kDescriptionDesignText},
         {.control = lnSeparator, .name = "lnSeparator", .at = {120, 1740, 5460, 0}},
-        {.control = lblDisclaimer, .name = "lblDisclaimer", .at = {240, 1950, 3720, 1395},
+        {.control = lblDisclaimer,
+         .name = "lblDisclaimer",
+         .at = {240, 1950, 3720, 1395},
          .text = u"Warning: This program is meant for updating the firmware of message displays and for nothing "
                  u"else. Using it for any other purpose may damage a display. It is protected by copyright; making "
                  u"or passing on unauthorized copies, in whole or in part, is not permitted."},
         {.control = cmdOK, .name = "cmdOK", .at = {4200, 1950, 1260, 345}, .text = u"OK", .tab_index = 0},
-        {.control = cmdSysInfo, .name = "cmdSysInfo", .at = {4200, 2400, 1260, 345}, .text = u"&System Info...",
+        {.control = cmdSysInfo,
+         .name = "cmdSysInfo",
+         .at = {4200, 2400, 1260, 345},
+         .text = u"&System Info...",
          .tab_index = 1},
     });
     cmdOK.on_click = [this] { cmdOK_Click(); };
@@ -80,7 +88,7 @@ void frmAbout::cmdOK_Click() { unload(); }
 void frmAbout::cmdSysInfo_Click() { StartSysInfo(); }
 
 clsDynamicLabeling& frmAbout::labeling() {
-    if (!labeling_) labeling_.emplace(services_.registry, services_.code_page);
+    if (!labeling_) labeling_.emplace(services_.registry);
     return *labeling_;
 }
 
@@ -88,7 +96,7 @@ void frmAbout::StartSysInfo() {
     bool started = false;
     try {
         const auto program = find_system_information();
-        started = program && services_.processes.start(*program);
+        started = program && platform::start_program(*program);
     } catch (const std::exception&) {
         // Whatever went wrong, the user is told the same.
     }
@@ -103,7 +111,7 @@ std::optional<std::u16string> frmAbout::find_system_information() {
     if (GetKeyValue(kHkeyLocalMachine, u"SOFTWARE\\Microsoft\\Shared Tools\\MSINFO", u"PATH", path)) return path;
     if (!GetKeyValue(kHkeyLocalMachine, u"SOFTWARE\\Microsoft\\Shared Tools Location", u"MSINFO", path)) return {};
     path += u"\\MSINFO32.EXE";
-    if (!services_.files.ordinary_file_exists(path)) return {};
+    if (!platform::ordinary_file_exists(path)) return {};
     return path;
 }
 
@@ -113,21 +121,20 @@ bool frmAbout::GetKeyValue(std::int32_t KeyRoot, const std::u16string& KeyName, 
         KeyVal.clear();
         return false;
     };
-    const platform::CodePage& code_page = services_.code_page;
     OpenRegistryKey key(services_.registry);
-    if (key.open(platform::registry_key(KeyRoot), code_page.to_ansi(KeyName), platform::kKeySpecificRights) !=
+    if (key.open(platform::registry_key(KeyRoot), platform::to_ansi(KeyName), platform::kKeySpecificRights) !=
         platform::kSuccess) {
         return fail();
     }
     std::array<char, 1024> buffer{};
     std::uint32_t type = platform::kRegNone;
     auto size = static_cast<std::uint32_t>(buffer.size());
-    if (services_.registry.query_value(key.get(), code_page.to_ansi(SubKeyRef).c_str(), type,
+    if (services_.registry.query_value(key.get(), platform::to_ansi(SubKeyRef).c_str(), type,
                                        reinterpret_cast<std::uint8_t*>(buffer.data()), size) != platform::kSuccess) {
         return fail();
     }
     const std::string_view data = without_final_null({buffer.data(), size});
-    if (type == platform::kRegSz) KeyVal = code_page.from_ansi(data);
+    if (type == platform::kRegSz) KeyVal = platform::from_ansi(data);
     // The digits go behind the text that the caller had there; kept, though callers pass an empty one.
     if (type == platform::kRegDword) KeyVal = decimal_of_hexadecimal(KeyVal + digits_of_bytes(data));
     return true;

@@ -16,6 +16,7 @@
 #include "core/unicode.h"
 #include "forms/scripted_toolkit.h"
 #include "platform/native/machine.h"
+#include "platform/registry.h"
 #include "simulator/class_library.h"
 #include "simulator/native/native_session.h"
 #include "simulator/words.h"
@@ -70,8 +71,7 @@ public:
     User user;
     forms::ScriptedToolkit toolkit{user};
     com::ModuleLifetime module;
-    Services services{toolkit, platform::native::registry(), platform::native::files(), platform::native::processes(),
-                      platform::native::code_page(), module, u"C:\\Host"};
+    Services services{toolkit, platform::registry(), module, u"C:\\Host"};
 
 private:
     std::ostringstream nowhere_;

@@ -90,4 +90,7 @@ public:
     virtual std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept = 0;
 };
 
+/// The system's, for use on any thread. An object, since callers are handed what stands in for it as well.
+Registry& registry();
+
 }  // namespace vex::platform

@@ -3,6 +3,9 @@
 
 #include <memory>
 
+#include "platform/system.h"
+#include "support/file_routines.h"
+
 namespace vex::plugin {
 namespace {
 
@@ -34,7 +37,12 @@ ModuleData& module_data() {
 
 const Services& services() {
     ModuleData& data = module_data();
-    if (!data.services) data.services.emplace(make_services());
+    if (!data.services) {
+        data.services.emplace(Services{.toolkit = platform::desktop(),
+                                       .registry = platform::registry(),
+                                       .module = module_lifetime(),
+                                       .module_folder = GetPathOnly(module_path())});
+    }
     return *data.services;
 }
 

@@ -31,9 +31,6 @@ constexpr std::int16_t kFirstIcon = 101;
 /// The library's icon of that number. Raises an error when there is none.
 com::ComPtr<IPictureDisp> load_icon(std::int16_t id);
 
-/// The calling thread's services, made anew. Raises when the thread has no windowing system.
-Services make_services();
-
 // ---- Apartments
 
 /// The data of one apartment, used on its thread only.

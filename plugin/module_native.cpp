@@ -1,10 +1,8 @@
 // The native side: the simulated computer.
 #include "com/native/server.h"
 #include "core/runtime_error.h"
-#include "platform/native/machine.h"
 #include "plugin/embedded_icons.h"
 #include "plugin/module.h"
-#include "support/file_routines.h"
 
 namespace vex::plugin {
 
@@ -18,16 +16,6 @@ com::ComPtr<IPictureDisp> load_icon(std::int16_t id) {
 std::u16string module_path() {
     static constexpr char kAnchor = 0;
     return com::native::module_path(&kAnchor);
-}
-
-Services make_services() {
-    return {.toolkit = platform::native::desktop(),
-            .registry = platform::native::registry(),
-            .files = platform::native::files(),
-            .processes = platform::native::processes(),
-            .code_page = platform::native::code_page(),
-            .module = module_lifetime(),
-            .module_folder = GetPathOnly(module_path())};
 }
 
 // The library is that of the 32-bit product, whatever machine runs the substitute.

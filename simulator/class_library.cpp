@@ -175,7 +175,7 @@ std::u16string SignInfoObject::describe() const {
 // ---- The classes --------------------------------------------------------------------------------------
 
 HostClasses::HostClasses(Host& host) {
-    RegistryEditor registry(host.machine);
+    RegistryEditor registry;
     for (const HostClass& entry : kClasses) {
         register_names(registry, entry);
         cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {

@@ -14,8 +14,6 @@
 #include <vector>
 
 #include "com/object.h"
-#include "platform/code_page.h"
-#include "platform/registry.h"
 #include "simulator/displays.h"
 
 namespace vex::sim {
@@ -124,8 +122,6 @@ class Machine {
 public:
     virtual ~Machine() = default;
 
-    virtual platform::Registry& registry() = 0;
-    virtual const platform::CodePage& code_page() = 0;
     /// The real file behind a drive-letter path; its drive and folder need not exist. Empty for a path
     /// without a drive letter.
     virtual std::filesystem::path real_path(const std::u16string& path) = 0;

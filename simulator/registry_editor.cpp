@@ -147,11 +147,11 @@ std::u16string RegistryEditor::show(const RegistryPath& path, std::u16string_vie
     }
     if (result != platform::kSuccess) return u"(none)";
     if (type == platform::kRegSz || type == platform::kRegExpandSz)
-        return code_page_.from_ansi(data.substr(0, data.find('\0')));
+        return platform::from_ansi(data.substr(0, data.find('\0')));
     std::u16string shown;
     if (type == platform::kRegMultiSz) {
         data.resize(data.find_last_not_of('\0') + 1);
-        for (const char16_t character : code_page_.from_ansi(data))
+        for (const char16_t character : platform::from_ansi(data))
             shown += character == u'\0' ? std::u16string(kNullMark) : std::u16string(1, character);
     } else if (type == platform::kRegDword && data.size() == kDwordSize) {
         std::uint32_t number = 0;

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/registry.h"
+#include "platform/system.h"
 #include "simulator/host.h"
 
 namespace vex::sim {
@@ -24,8 +26,6 @@ bool is_registry_path(std::u16string_view text) noexcept;
 /// Writing makes the missing keys, and raises `std::runtime_error` with the registry's result code when it refuses.
 class RegistryEditor {
 public:
-    explicit RegistryEditor(Machine& machine) : registry_(machine.registry()), code_page_(machine.code_page()) {}
-
     /// TYPE: sz, expand_sz, multi_sz ("\0" between), dword (decimal), binary (hex). Raises `std::invalid_argument` for
     /// another type, or a text that is no value of it.
     void write(const RegistryPath& path, std::u16string_view name, std::u16string_view type, std::u16string_view text);
@@ -39,10 +39,9 @@ private:
 
     void change(const RegistryPath& path, const Change& work);
     std::int32_t set(platform::RegistryKey key, std::u16string_view name, std::uint32_t type, std::string_view data);
-    std::string narrow(std::u16string_view text) const { return code_page_.to_ansi(text); }
+    std::string narrow(std::u16string_view text) const { return platform::to_ansi(text); }
 
-    platform::Registry& registry_;
-    const platform::CodePage& code_page_;
+    platform::Registry& registry_ = platform::registry();
 };
 
 }  // namespace vex::sim

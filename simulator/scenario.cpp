@@ -71,7 +71,6 @@ ScenarioPlayer::ScenarioPlayer(const Scenario& scenario, Host& its_host, Screen&
                                std::ostream& errors, std::filesystem::path folder)
     : host(its_host),
       screen(its_screen),
-      registry(host.machine),
       scenario_(scenario),
       plugin_(plugin),
       errors_(errors),

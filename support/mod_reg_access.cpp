@@ -13,7 +13,7 @@ constexpr char16_t kVendorPrefix[] = u"Software\\Norvan\\";
 std::u16string ReadHostSetting(const Services& services, const std::u16string& application,
                                const std::u16string& section, const std::u16string& key,
                                const std::u16string& default_value) {
-    RegistryRoutines registry(services.registry, services.code_page);
+    RegistryRoutines registry(services.registry);
     registry.set_hKey(platform::kHkeyLocalMachine);
     registry.set_KeyRoot(kVendorPrefix + application + u'\\' + section);
     return registry.GetRegistryValue(key, default_value).text_or(default_value);
@@ -21,7 +21,7 @@ std::u16string ReadHostSetting(const Services& services, const std::u16string& a
 
 void WriteHostSetting(const Services& services, const std::u16string& application, const std::u16string& section,
                       const std::u16string& key, const std::u16string& value) {
-    RegistryRoutines registry(services.registry, services.code_page);
+    RegistryRoutines registry(services.registry);
     registry.set_hKey(platform::kHkeyLocalMachine);
     registry.set_KeyRoot(kVendorPrefix + application);
     registry.CreateKey(section);

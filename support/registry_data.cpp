@@ -6,6 +6,7 @@
 #include "core/digits.h"
 #include "core/narrow.h"
 #include "core/runtime_error.h"
+#include "platform/system.h"
 
 namespace vex {
 namespace {
@@ -25,17 +26,32 @@ AutomationValue::Bytes binary(RegistryData&& data) {
     return std::move(data.buffer);
 }
 
+/// The first `count` bytes of the buffer as text; fewer when it has fewer.
+std::u16string text_of(const RegistryData& data, std::size_t count) {
+    const char* bytes = reinterpret_cast<const char*>(data.buffer.data());
+    return platform::from_ansi({bytes, std::min(count, data.buffer.size())});
+}
+
+/// `text` expanded into a buffer of just its own length, which holds the text itself before: a text that grows does
+/// not fit and stays; one that shrinks leaves its terminating null and what was behind it. `reported` receives the
+/// length that the system answers, the null included.
+std::u16string expanded(platform::Registry& registry, const std::u16string& text, std::size_t& reported) {
+    const std::string source = platform::to_ansi(text);
+    std::string buffer = source;
+    reported = registry.expand_environment(source.c_str(), buffer.data(), narrowed<std::uint32_t>(buffer.size()));
+    // What does not fit comes back unexpanded, whatever the system has left in the buffer.
+    return platform::from_ansi(reported <= buffer.size() ? buffer : source);
+}
+
 /// The strings and the nulls between them. A text cannot have a negative length.
-std::u16string multiple_string(const RegistryData& data, const RegistryTexts& texts) {
+std::u16string multiple_string(const RegistryData& data) {
     if (data.size < 2) throw RuntimeError(kInvalidProcedureCall);
-    return texts.text(data, data.size - 2);
+    return text_of(data, data.size - 2);
 }
 
 /// Two digits below ten ("07"), but single letters for ten to fifteen ("C"): the digits pass through a
 /// number format that leaves letters alone. Readers of the texts know them so; kept.
-std::u16string hexadecimal(std::uint8_t byte) {
-    return digits_of(byte, 16, byte >= 10 && byte <= 15 ? 1 : 2);
-}
+std::u16string hexadecimal(std::uint8_t byte) { return digits_of(byte, 16, byte >= 10 && byte <= 15 ? 1 : 2); }
 
 }  // namespace
 
@@ -44,25 +60,12 @@ std::u16string trimmed_at_null(std::u16string item) {
     return item;
 }
 
-std::u16string RegistryTexts::text(const RegistryData& data, std::size_t count) const {
-    const char* bytes = reinterpret_cast<const char*>(data.buffer.data());
-    return code_page_.from_ansi({bytes, std::min(count, data.buffer.size())});
-}
-
-std::u16string RegistryTexts::expanded(const std::u16string& text, std::size_t& reported) const {
-    const std::string source = code_page_.to_ansi(text);
-    std::string buffer = source;
-    reported = registry_.expand_environment(source.c_str(), buffer.data(), narrowed<std::uint32_t>(buffer.size()));
-    // What does not fit comes back unexpanded, whatever the system has left in the buffer.
-    return code_page_.from_ansi(reported <= buffer.size() ? buffer : source);
-}
-
 AutomationValue decode_value(RegistryData data, AutomationValue initial, EmptyExpandable empty_expandable,
-                             const RegistryTexts& texts) {
+                             platform::Registry& registry) {
     switch (data.type) {
         case platform::kRegSz:
             if (data.size == 0) return initial;
-            return texts.text(data, data.size - 1);
+            return text_of(data, data.size - 1);
         case platform::kRegExpandSz: {
             // Kept: with this rule the terminating null of an empty text counts as its content.
             if (data.size == 1 && empty_expandable == EmptyExpandable::one_null) data.size = 2;
@@ -70,35 +73,32 @@ AutomationValue decode_value(RegistryData data, AutomationValue initial, EmptyEx
             // Kept: the buffer is as long as the text, and the reported length counts the null. What grows
             // comes back unexpanded, what shrinks ends in a null, and callers live with both.
             std::size_t reported = 0;
-            std::u16string text = texts.expanded(texts.text(data, data.size - 1), reported);
+            std::u16string text = expanded(registry, text_of(data, data.size - 1), reported);
             text.resize(std::min(text.size(), reported));
             return text;
         }
-        case platform::kRegBinary:
-            return binary(std::move(data));
-        case platform::kRegDword:
-            return dword(data);
+        case platform::kRegBinary: return binary(std::move(data));
+        case platform::kRegDword: return dword(data);
         case platform::kRegMultiSz: {
-            std::u16string text = multiple_string(data, texts);
+            std::u16string text = multiple_string(data);
             // Kept: a list whose first string is empty counts as no list.
             if (text.empty() || text.front() == u'\0') return initial;
             return text;
         }
-        default:
-            return initial;
+        default: return initial;
     }
 }
 
 const AutomationValue& EnumeratedValues::next(RegistryData data) {
     switch (data.type) {
         case platform::kRegSz:
-            scratch_ = data.size == 0 ? std::u16string() : texts_.text(data, data.size - 1);
+            scratch_ = data.size == 0 ? std::u16string() : text_of(data, data.size - 1);
             value_ = scratch_;
             break;
         case platform::kRegExpandSz: {
             std::size_t reported = 0;
             scratch_ = data.size == 0 ? std::u16string()
-                                      : trimmed_at_null(texts_.expanded(texts_.text(data, data.size - 1), reported));
+                                      : trimmed_at_null(expanded(registry_, text_of(data, data.size - 1), reported));
             value_ = scratch_;
             break;
         }
@@ -108,11 +108,9 @@ const AutomationValue& EnumeratedValues::next(RegistryData data) {
             for (const std::uint8_t byte : binary(std::move(data))) scratch_ += u' ' + hexadecimal(byte);
             value_ = scratch_.substr(std::min(scratch_.size(), scratch_.find_first_not_of(u' ')));
             break;
-        case platform::kRegDword:
-            value_ = dword(data);
-            break;
+        case platform::kRegDword: value_ = dword(data); break;
         case platform::kRegMultiSz:
-            scratch_ = multiple_string(data, texts_);
+            scratch_ = multiple_string(data);
             std::replace(scratch_.begin(), scratch_.end(), u'\0', u',');
             value_ = scratch_;
             break;

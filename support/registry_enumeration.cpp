@@ -1,6 +1,7 @@
 // Enumerating the sub-keys and the values of a key.
 #include <algorithm>
 
+#include "platform/system.h"
 #include "support/open_registry_key.h"
 #include "support/registry_routines.h"
 
@@ -18,7 +19,7 @@ KeyedCollection<std::u16string> RegistryRoutines::EnumRegistryKeys(std::int32_t 
     OpenRegistryKey opened(registry_);
     platform::RegistryKey key = platform::registry_key(hKey);
     if (!KeyName.empty()) {
-        if (opened.open(key, code_page_.to_ansi(KeyName), platform::kKeyRead) != platform::kSuccess) return names;
+        if (opened.open(key, platform::to_ansi(KeyName), platform::kKeyRead) != platform::kSuccess) return names;
         key = opened.get();
     }
     for (std::uint32_t index = 0;; ++index) {
@@ -27,7 +28,7 @@ KeyedCollection<std::u16string> RegistryRoutines::EnumRegistryKeys(std::int32_t 
         // Kept: only the end is looked for. Another failure yields the empty name, and its second time the
         // collection's refusal of a key twice.
         if (registry_.enum_key(key, index, buffer, length) == platform::kNoMoreItems) break;
-        const std::u16string name = trimmed_at_null(code_page_.from_ansi({buffer, kNameSize}));
+        const std::u16string name = trimmed_at_null(platform::from_ansi({buffer, kNameSize}));
         names.add(name, name);
     }
     return names;
@@ -39,10 +40,10 @@ KeyedCollection<RegistryRoutines::NamedValue> RegistryRoutines::EnumRegistryValu
     OpenRegistryKey opened(registry_);
     platform::RegistryKey key = platform::registry_key(hKey);
     if (!KeyName.empty()) {
-        if (opened.open(key, code_page_.to_ansi(KeyName), platform::kKeyRead) != platform::kSuccess) return values;
+        if (opened.open(key, platform::to_ansi(KeyName), platform::kKeyRead) != platform::kSuccess) return values;
         key = opened.get();
     }
-    EnumeratedValues decoder(texts_);
+    EnumeratedValues decoder(registry_);
     for (std::uint32_t index = 0;; ++index) {
         char buffer[kNameSize] = {};
         std::uint32_t length = kNameSize;
@@ -57,7 +58,7 @@ KeyedCollection<RegistryRoutines::NamedValue> RegistryRoutines::EnumRegistryValu
             result = registry_.enum_value(key, index, buffer, length, data.type, data.buffer.data(), data.size);
         }
         if (result != platform::kSuccess) break;
-        const std::u16string name = code_page_.from_ansi({buffer, std::min(length, kNameSize)});
+        const std::u16string name = platform::from_ansi({buffer, std::min(length, kNameSize)});
         values.add({name, decoder.next(std::move(data))}, name);
     }
     return values;

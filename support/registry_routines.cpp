@@ -3,6 +3,7 @@
 
 #include "core/narrow.h"
 #include "core/runtime_error.h"
+#include "platform/system.h"
 #include "support/open_registry_key.h"
 
 namespace vex {
@@ -21,7 +22,7 @@ std::uint32_t size_of(const Bytes& bytes, std::size_t more = 0) {
 bool RegistryRoutines::KeyExists() {
     platform::RegistryKey key = 0;
     // Kept: the key that opened is left open.
-    return registry_.open_key(platform::registry_key(root_key_), code_page_.to_ansi(working_path()).c_str(),
+    return registry_.open_key(platform::registry_key(root_key_), platform::to_ansi(working_path()).c_str(),
                               platform::kKeyRead, key) == platform::kSuccess;
 }
 
@@ -33,7 +34,7 @@ std::u16string RegistryRoutines::CreateKey(std::optional<AutomationValue>& KeyNa
 std::u16string RegistryRoutines::CreateKey() { return CreateKey(subkey_); }
 
 std::u16string RegistryRoutines::CreateKey(std::u16string_view KeyName) {
-    const std::string path = code_page_.to_ansi(key_root_ + u'\\' + std::u16string(KeyName));
+    const std::string path = platform::to_ansi(key_root_ + u'\\' + std::u16string(KeyName));
     OpenRegistryKey key(registry_);
     const std::int32_t result = registry_.create_key(platform::registry_key(root_key_), path.c_str(), "",
                                                      platform::kKeyAllAccess, security_, key.receive());
@@ -41,7 +42,7 @@ std::u16string RegistryRoutines::CreateKey(std::u16string_view KeyName) {
 }
 
 std::int32_t RegistryRoutines::DeleteKey(const std::u16string& KeyName) {
-    const std::string path = code_page_.to_ansi(key_root_ + u'\\' + KeyName);
+    const std::string path = platform::to_ansi(key_root_ + u'\\' + KeyName);
     // Kept: a null handle is closed after a success, which the system refuses without harm.
     if (registry_.delete_key(platform::registry_key(root_key_), path.c_str()) == platform::kSuccess)
         registry_.close_key(0);
@@ -52,15 +53,15 @@ std::int32_t RegistryRoutines::DeleteKey(const std::u16string& KeyName) {
 std::int32_t RegistryRoutines::DeleteValue(const std::u16string& ValueName) {
     OpenRegistryKey key(registry_);
     const std::int32_t opened =
-        key.open(platform::registry_key(root_key_), code_page_.to_ansi(working_path()), platform::kKeyAllAccess);
+        key.open(platform::registry_key(root_key_), platform::to_ansi(working_path()), platform::kKeyAllAccess);
     if (opened != platform::kSuccess) return opened;
-    return registry_.delete_value(key.get(), code_page_.to_ansi(ValueName).c_str());
+    return registry_.delete_value(key.get(), platform::to_ansi(ValueName).c_str());
 }
 
 AutomationValue RegistryRoutines::GetRegistryValue(const std::u16string& ValueName, AutomationValue DefaultValue) {
     OpenRegistryKey key(registry_);
     const std::int32_t opened =
-        key.open(platform::registry_key(root_key_), code_page_.to_ansi(working_path()), platform::kKeyRead);
+        key.open(platform::registry_key(root_key_), platform::to_ansi(working_path()), platform::kKeyRead);
     if (opened != platform::kSuccess) return DefaultValue;
     return read_value(key.get(), ValueName, std::move(DefaultValue), EmptyExpandable::one_null);
 }
@@ -69,7 +70,7 @@ bool RegistryRoutines::SetRegistryValue(const std::u16string& ValueName, const A
                                         std::uint32_t DType) {
     OpenRegistryKey key(registry_);
     const std::int32_t opened =
-        key.open(platform::registry_key(hKey()), code_page_.to_ansi(working_path()), platform::kKeyWrite);
+        key.open(platform::registry_key(hKey()), platform::to_ansi(working_path()), platform::kKeyWrite);
     if (opened != platform::kSuccess) return false;
     return write_value(key.get(), ValueName, Value, DType) == platform::kSuccess;
 }
@@ -79,12 +80,12 @@ AutomationValue RegistryRoutines::ReadRemoteRegistryValue(const std::u16string& 
                                                           const std::u16string& KeyPath) {
     platform::RegistryKey root = 0;
     const std::int32_t connected =
-        registry_.connect_registry(code_page_.to_ansi(sRemoteComputer).c_str(), platform::registry_key(hKey), root);
+        registry_.connect_registry(platform::to_ansi(sRemoteComputer).c_str(), platform::registry_key(hKey), root);
     if (connected != platform::kSuccess) return u"Error!";
     // Kept: an omitted path is the root itself, not the working path; and whether the path opens is left to
     // the read to find out, which fails on the null handle.
     OpenRegistryKey key(registry_);
-    static_cast<void>(key.open(root, code_page_.to_ansi(KeyPath), platform::kKeyAllAccess));
+    static_cast<void>(key.open(root, platform::to_ansi(KeyPath), platform::kKeyAllAccess));
     return read_value(key.get(), ValueName, {}, EmptyExpandable::empty_text);
 }
 
@@ -93,12 +94,12 @@ bool RegistryRoutines::WriteRemoteRegistryValue(const std::u16string& sRemoteCom
                                                 std::uint32_t DType, const std::u16string& KeyPath) {
     platform::RegistryKey root = 0;
     const std::int32_t connected =
-        registry_.connect_registry(code_page_.to_ansi(sRemoteComputer).c_str(), platform::registry_key(hKey), root);
+        registry_.connect_registry(platform::to_ansi(sRemoteComputer).c_str(), platform::registry_key(hKey), root);
     // Kept: the twin of the reader's "Error!", which a Boolean result cannot hold.
     if (connected != platform::kSuccess) throw RuntimeError(kTypeMismatch);
     // Kept: as in reading.
     OpenRegistryKey key(registry_);
-    static_cast<void>(key.open(root, code_page_.to_ansi(KeyPath), platform::kKeyAllAccess));
+    static_cast<void>(key.open(root, platform::to_ansi(KeyPath), platform::kKeyAllAccess));
     return write_value(key.get(), ValueName, Value, DType) == platform::kSuccess;
 }
 
@@ -106,7 +107,7 @@ std::u16string RegistryRoutines::TrimNull(std::u16string& item) { return item = 
 
 AutomationValue RegistryRoutines::read_value(platform::RegistryKey key, const std::u16string& name,
                                              AutomationValue initial, EmptyExpandable empty_expandable) {
-    const std::string ansi_name = code_page_.to_ansi(name);
+    const std::string ansi_name = platform::to_ansi(name);
     RegistryData data;
     data.buffer.resize(kFirstReadSize);
     data.size = kFirstReadSize;
@@ -117,12 +118,12 @@ AutomationValue RegistryRoutines::read_value(platform::RegistryKey key, const st
     }
     if (result == platform::kFileNotFound) return initial;
     // Any other failure reports no type, and no type is converted.
-    return decode_value(std::move(data), std::move(initial), empty_expandable, texts_);
+    return decode_value(std::move(data), std::move(initial), empty_expandable, registry_);
 }
 
 std::int32_t RegistryRoutines::write_value(platform::RegistryKey key, const std::u16string& name,
                                            const AutomationValue& value, std::uint32_t type) {
-    const std::string ansi_name = code_page_.to_ansi(name);
+    const std::string ansi_name = platform::to_ansi(name);
     const auto write = [&](const void* data, std::uint32_t size) {
         return registry_.set_value(key, ansi_name.c_str(), type, static_cast<const std::uint8_t*>(data), size);
     };
@@ -131,7 +132,7 @@ std::int32_t RegistryRoutines::write_value(platform::RegistryKey key, const std:
         case platform::kRegExpandSz:
         case platform::kRegMultiSz: {
             // Kept: a multiple string gets one terminating null as well; its inner ones are the caller's.
-            const std::string text = code_page_.to_ansi(value.to_text());
+            const std::string text = platform::to_ansi(value.to_text());
             return write(text.c_str(), size_of(text, 1));
         }
         case platform::kRegBinary: {

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/code_page.h"
 #include "platform/registry.h"
 #include "support/automation_value.h"
 #include "support/keyed_collection.h"
@@ -27,9 +26,8 @@ public:
     /// The name and the data of a value.
     using NamedValue = std::pair<std::u16string, AutomationValue>;
 
-    /// Both outlive the object.
-    RegistryRoutines(platform::Registry& registry, const platform::CodePage& code_page)
-        : registry_(registry), code_page_(code_page), texts_(registry, code_page) {}
+    /// `registry` outlives the object.
+    explicit RegistryRoutines(platform::Registry& registry) : registry_(registry) {}
     RegistryRoutines(const RegistryRoutines&) = delete;
     RegistryRoutines& operator=(const RegistryRoutines&) = delete;
 
@@ -89,8 +87,6 @@ private:
                              std::uint32_t type);
 
     platform::Registry& registry_;
-    const platform::CodePage& code_page_;
-    RegistryTexts texts_;
     std::int32_t root_key_ = 0;
     std::u16string key_root_;
     std::u16string subkey_;

@@ -6,9 +6,6 @@
 #include "com/object.h"
 #include "core/product.h"
 #include "forms/toolkit.h"
-#include "platform/code_page.h"
-#include "platform/files.h"
-#include "platform/processes.h"
 #include "platform/registry.h"
 
 namespace vex {
@@ -17,9 +14,6 @@ namespace vex {
 struct Services {
     forms::Toolkit& toolkit;
     platform::Registry& registry;
-    platform::Files& files;
-    platform::Processes& processes;
-    const platform::CodePage& code_page;
     /// Counts what keeps the library loaded.
     com::ModuleLifetime& module;
     /// The folder of the plug-in's own library file, normally without a trailing backslash.

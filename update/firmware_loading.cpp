@@ -1,4 +1,5 @@
 // The work steps of a session: resetting and clearing, and the ways of loading firmware.
+#include "platform/system.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "update/dlg_handle_sign_option.h"
@@ -46,7 +47,7 @@ bool dlgHandleSignOption::LoadFirmwareWithFlashLoader() {
     const std::u16string loader_name = sLANBoxType == u"XPort" ? kLoaderBehindXPort : kLoader;
     const std::u16string loader_path = folder + loader_name;
     bool result = false;
-    if (services_.files.ordinary_file_exists(loader_path)) {
+    if (platform::ordinary_file_exists(loader_path)) {
         result = transmission_->DownloadFirmwareWithLoader(sFirmwareFilename, loader_path);
     } else {
         ShowStatus(u"Flash Loader [" + loader_name + u"] not found");
@@ -62,7 +63,7 @@ bool dlgHandleSignOption::RunExternalDownloader() {
     // Frees the port for the tool.
     transmission_->CloseConnection();
     const std::u16string tool = folder + kDownloader;
-    if (services_.files.ordinary_file_exists(tool)) services_.processes.start(tool);
+    if (platform::ordinary_file_exists(tool)) platform::start_program(tool);
     return result;
 }
 

@@ -23,7 +23,7 @@ void dlgFirmwareWizard::FinishWizard() {
 }
 
 void dlgFirmwareWizard::WriteDownloaderSettings() {
-    RegistryRoutines registry(services_.registry, services_.code_page);
+    RegistryRoutines registry(services_.registry);
     registry.set_hKey(platform::kHkeyCurrentUser);
     const std::u16string installation = host_installation_folder(services_);
 

@@ -6,7 +6,6 @@
 #include <fstream>
 #include <string>
 
-#include "platform/native/code_page_1252.h"
 #include "platform/native/registry_service.h"
 #include "support/registry_routines.h"
 
@@ -14,7 +13,6 @@ namespace vex::platform::native {
 namespace {
 
 constexpr char16_t kKey[] = u"Software\\Settings";
-const CodePage1252 kCodePage;
 
 /// A computer whose registry has one key with many values of the usual length.
 struct Computer {
@@ -33,13 +31,13 @@ struct Computer {
     ~Computer() { std::filesystem::remove_all(folder); }
 
     const std::filesystem::path folder = std::filesystem::temp_directory_path() / "vex-registry-benchmark";
-    RegistryService service{kCodePage};
-    RegistryRoutines routines{service, kCodePage};
+    RegistryService service;
+    RegistryRoutines routines{service};
 };
 
 void open_store(benchmark::State& state) {
     const Computer computer(state.range(0));
-    for (auto _ : state) RegistryService(kCodePage).use_folder(computer.folder);
+    for (auto _ : state) RegistryService().use_folder(computer.folder);
 }
 
 void read_value(benchmark::State& state) {

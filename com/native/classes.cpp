@@ -18,11 +18,14 @@
 #include "core/digits.h"
 #include "core/runtime_error.h"
 #include "platform/native/machine.h"
+#include "platform/registry.h"
+#include "platform/system.h"
 
 namespace vex::com::native {
 namespace {
 
-using platform::native::code_page;
+using platform::from_ansi;
+using platform::to_ansi;
 
 struct ClassRegistration {
     DWORD cookie;
@@ -65,7 +68,7 @@ Servers& servers() {
 std::string class_value(const std::string& path) {
     using namespace platform;
     RegistryKey key = 0;
-    Registry& store = platform::native::registry();
+    Registry& store = platform::registry();
     if (store.open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, key) != kSuccess) return {};
     std::uint32_t type = kRegNone;
     std::uint32_t size = 0;
@@ -105,12 +108,12 @@ HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*
 HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
     OLECHAR name[39];
     StringFromGUID2(clsid, name, 39);
-    const std::string path = class_value("CLSID\\" + code_page().to_ansi(name) + "\\InprocServer32");
+    const std::string path = class_value("CLSID\\" + to_ansi(name) + "\\InprocServer32");
     if (path.empty()) return REGDB_E_CLASSNOTREG;
     Servers& loaded = servers();
     std::unique_lock lock(loaded.mutex);
     Server* server = nullptr;
-    HRESULT result = enter_server(loaded, platform::native::real_path(code_page().from_ansi(path)), server);
+    HRESULT result = enter_server(loaded, platform::native::real_path(from_ansi(path)), server);
     if (FAILED(result)) return result;
     lock.unlock();
     result = server->get_class_object(clsid, iid, object);
@@ -203,9 +206,9 @@ HRESULT CLSIDFromProgID(LPCOLESTR programmatic_id, CLSID* clsid) noexcept {
     if (programmatic_id == nullptr || clsid == nullptr) return E_INVALIDARG;
     *clsid = GUID_NULL;
     return guarded([&] {
-        const std::string text = class_value(code_page().to_ansi(programmatic_id) + "\\CLSID");
+        const std::string text = class_value(to_ansi(programmatic_id) + "\\CLSID");
         if (text.empty()) return CO_E_CLASSSTRING;
-        return CLSIDFromString(code_page().from_ansi(text).c_str(), clsid);
+        return CLSIDFromString(from_ansi(text).c_str(), clsid);
     });
 }
 

@@ -1,18 +1,22 @@
-// The simulated computer's drives: folders of the real file system under drive letters.
-#include "platform/native/files.h"
-
+// The simulated computer's drives, which are folders of the real file system under drive letters, and its programs,
+// which are told of and never started for real.
 #include <algorithm>
 #include <fstream>
+#include <mutex>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/native/machine.h"
 #include "platform/paths.h"
 #include "platform/private_files.h"
+#include "platform/system.h"
 
-namespace vex::platform::native {
+namespace vex::platform {
+namespace native {
 namespace {
 
 namespace fs = std::filesystem;
@@ -57,16 +61,20 @@ bool lies_below(const fs::path& file, const fs::path& folder, fs::path& rest) {
     return true;
 }
 
-}  // namespace
+/// Told of programs that start, on any thread.
+struct ProgramListener {
+    std::mutex mutex;
+    std::function<void(const std::u16string&)> function;
+};
 
-bool DriveFiles::ordinary_file_exists(const std::u16string& path) {
-    if (!is_full_path(path) || is_separator(path.back())) return false;
-    const fs::path file = real_path(path);
-    std::error_code error;
-    return !file.empty() && fs::is_regular_file(file, error) && !is_hidden(file);
+ProgramListener& program_listener() {
+    static auto& instance = *new ProgramListener;
+    return instance;
 }
 
-fs::path DriveFiles::real_path(const std::u16string& path) const {
+}  // namespace
+
+fs::path real_path(const std::u16string& path) {
     if (path.size() < 2 || path[1] != u':' || path.find(u'\0') != std::u16string::npos) return {};
     const char16_t letter = to_upper(path[0]);
     if (letter < u'A' || letter > u'Z') return {};
@@ -75,8 +83,8 @@ fs::path DriveFiles::real_path(const std::u16string& path) const {
     if (letter == u'Z') {
         file = "/";
     } else {
-        if (folder_.empty()) return {};
-        file = folder_ / (std::string("drive_") + static_cast<char>(letter - u'A' + u'a'));
+        if (machine_folder().empty()) return {};
+        file = machine_folder() / (std::string("drive_") + static_cast<char>(letter - u'A' + u'a'));
         std::error_code error;
         if (!fs::is_directory(file, error)) return {};
     }
@@ -84,12 +92,12 @@ fs::path DriveFiles::real_path(const std::u16string& path) const {
     return file;
 }
 
-std::u16string DriveFiles::drive_path(const fs::path& file) const {
+std::u16string drive_path(const fs::path& file) {
     const fs::path whole = fs::absolute(file).lexically_normal();
     std::u16string result = u"Z:";
     fs::path rest = whole.relative_path();
     fs::path below;
-    if (!folder_.empty() && lies_below(whole, folder_, below) && !below.empty()) {
+    if (!machine_folder().empty() && lies_below(whole, machine_folder(), below) && !below.empty()) {
         const std::string drive = below.begin()->native();
         if (drive.starts_with("drive_") && drive.size() == 7 && drive[6] >= 'a' && drive[6] < 'z') {
             result[0] = static_cast<char16_t>(drive[6] - 'a' + u'A');
@@ -103,7 +111,7 @@ std::u16string DriveFiles::drive_path(const fs::path& file) const {
     return result;
 }
 
-void DriveFiles::set_hidden(const std::u16string& path, bool hidden) const {
+void set_hidden(const std::u16string& path, bool hidden) {
     const fs::path file = real_path(path);
     bool listed = false;
     if (!file.empty()) {
@@ -123,4 +131,29 @@ void DriveFiles::set_hidden(const std::u16string& path, bool hidden) const {
     if (!listed) throw RuntimeError(kAutomationError, u"The hidden files of " + path + u" cannot be listed");
 }
 
-}  // namespace vex::platform::native
+void on_program_started(std::function<void(const std::u16string&)> listener) {
+    const std::lock_guard lock(program_listener().mutex);
+    program_listener().function = std::move(listener);
+}
+
+}  // namespace native
+
+bool ordinary_file_exists(const std::u16string& path) {
+    if (!is_full_path(path) || is_separator(path.back())) return false;
+    const std::filesystem::path file = native::real_path(path);
+    std::error_code error;
+    return !file.empty() && std::filesystem::is_regular_file(file, error) && !native::is_hidden(file);
+}
+
+bool start_program(const std::u16string& path) {
+    if (!is_full_path(path)) return false;
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(native::real_path(path), error)) return false;
+    std::unique_lock lock(native::program_listener().mutex);
+    const auto listener = native::program_listener().function;
+    lock.unlock();
+    if (listener) listener(path);
+    return true;
+}
+
+}  // namespace vex::platform

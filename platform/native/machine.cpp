@@ -9,23 +9,19 @@
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "platform/native/code_page_1252.h"
-#include "platform/native/files.h"
-#include "platform/native/processes.h"
 #include "platform/native/registry_service.h"
 #include "platform/private_files.h"
+#include "platform/system.h"
 
-namespace vex::platform::native {
+namespace vex::platform {
+namespace native {
 namespace {
 
 namespace fs = std::filesystem;
 
 struct Machine {
     fs::path folder;
-    CodePage1252 code_page;
-    DriveFiles files;
-    SimulatedProcesses processes{files};
-    RegistryService registry{code_page};
+    RegistryService registry;
 };
 
 Machine& machine() {
@@ -55,6 +51,34 @@ void use_private_folder(const fs::path& folder) {
     if (status.st_uid != user && status.st_uid != 0 && user != 0) fail(folder, "this folder is somebody else's");
 }
 
+/// What a thread knows as its windowing system: always the one that was set last, so that dialogs which
+/// outlive one (between two showings) find the next.
+class Desktop final : public forms::Toolkit {
+public:
+    void set(forms::Toolkit* toolkit) noexcept { current_ = toolkit; }
+
+    forms::Toolkit& current() const {
+        if (current_ == nullptr) {
+            throw RuntimeError(kCannotCreateObject, u"There is no desktop to show a dialog on");
+        }
+        return *current_;
+    }
+
+    void run_modal(forms::Form& form, forms::Form* owner) override { current().run_modal(form, owner); }
+    void pump_messages() override { current().pump_messages(); }
+    forms::MessageAnswer message_box(const forms::MessageBox& box) override { return current().message_box(box); }
+    std::optional<std::u16string> open_file(const forms::OpenFileRequest& request) override {
+        return current().open_file(request);
+    }
+    void pop_up_menu(forms::Form& form, forms::Menu& menu) override { current().pop_up_menu(form, menu); }
+    void beep() override { current().beep(); }
+
+private:
+    forms::Toolkit* current_ = nullptr;
+};
+
+thread_local Desktop thread_desktop;
+
 }  // namespace
 
 void use_machine_folder(const fs::path& folder) {
@@ -68,23 +92,20 @@ void use_machine_folder(const fs::path& folder) {
     } catch (const std::system_error& error) {
         fail(whole / "registry", error.code().message());
     }
-    machine().files.set_folder(whole);
     machine().folder = whole;
 }
 
 const fs::path& machine_folder() { return machine().folder; }
 
-Registry& registry() { return machine().registry; }
-Files& files() { return machine().files; }
-Processes& processes() { return machine().processes; }
-const CodePage& code_page() { return machine().code_page; }
+void set_desktop(forms::Toolkit* toolkit) { thread_desktop.set(toolkit); }
 
-fs::path real_path(const std::u16string& path) { return machine().files.real_path(path); }
-std::u16string drive_path(const fs::path& path) { return machine().files.drive_path(path); }
-void set_hidden(const std::u16string& path, bool hidden) { machine().files.set_hidden(path, hidden); }
+}  // namespace native
 
-void on_program_started(std::function<void(const std::u16string&)> listener) {
-    machine().processes.set_listener(std::move(listener));
+Registry& registry() { return native::machine().registry; }
+
+forms::Toolkit& desktop() {
+    native::thread_desktop.current();
+    return native::thread_desktop;
 }
 
-}  // namespace vex::platform::native
+}  // namespace vex::platform

@@ -13,6 +13,7 @@
 
 #include "core/narrow.h"
 #include "core/unicode.h"
+#include "platform/system.h"
 
 namespace vex::platform::native {
 namespace {
@@ -40,6 +41,29 @@ std::int32_t answer_name(const std::string& name, char* target, std::uint32_t& l
     std::memcpy(target, name.c_str(), name.size() + 1);
     length = static_cast<std::uint32_t>(name.size());
     return kSuccess;
+}
+
+/// A null pointer is an empty text.
+std::u16string wide(const char* text) { return text == nullptr ? std::u16string() : from_ansi(text); }
+
+std::int32_t answer_data(const RegistryValue& value, std::uint32_t& type, std::uint8_t* data,
+                         std::uint32_t& data_size) {
+    type = value.type;
+    const std::uint32_t room = data_size;
+    const auto answer = [&](const void* bytes, std::size_t size) {
+        data_size = narrowed<std::uint32_t>(size);
+        if (data == nullptr) return kSuccess;
+        if (size > room) return kMoreData;
+        if (size > 0) std::memcpy(data, bytes, size);
+        return kSuccess;
+    };
+    if (!is_string(value.type)) return answer(value.data.data(), value.data.size());
+    const std::string text = to_ansi(text_of(value.data));
+    const std::int32_t result = answer(text.data(), text.size());
+    // As on Windows, a text without its null gets one where there is room, and it does not count.
+    const bool terminated = text.empty() || text.back() == '\0';
+    if (result == kSuccess && data != nullptr && !terminated && text.size() < room) data[text.size()] = 0;
+    return result;
 }
 
 std::int32_t result_of(const std::system_error& error) {
@@ -99,10 +123,7 @@ std::int32_t RegistryService::answered(Operation operation) noexcept {
     }
 }
 
-RegistryService::RegistryService(const CodePage& code_page)
-    : code_page_(code_page), local_(std::make_unique<RegistryStore>()) {
-    add_predefined_handles();
-}
+RegistryService::RegistryService() : local_(std::make_unique<RegistryStore>()) { add_predefined_handles(); }
 
 void RegistryService::use_folder(const std::filesystem::path& folder) {
     auto store = std::make_unique<RegistryStore>(folder / "registry");
@@ -120,10 +141,6 @@ void RegistryService::add_predefined_handles() {
         RegistryNode& key = *local_->tree().root(root.name);
         handles_[registry_key(root.handle)] = {local_.get(), key.shared_from_this(), kKeyAllAccess};
     }
-}
-
-std::u16string RegistryService::wide(const char* text) const {
-    return text == nullptr ? std::u16string() : code_page_.from_ansi(text);
 }
 
 const RegistryService::Handle& RegistryService::handle(RegistryKey key, std::uint32_t rights) const {
@@ -228,7 +245,7 @@ std::int32_t RegistryService::enum_key(RegistryKey key, std::uint32_t index, cha
     return answered([&]() -> std::int32_t {
         const auto& keys = current(handle(key, kEnumerateSubKeys)).keys;
         if (index >= keys.size()) return kNoMoreItems;
-        return answer_name(code_page_.to_ansi(keys[index].name), name, name_length);
+        return answer_name(to_ansi(keys[index].name), name, name_length);
     });
 }
 
@@ -239,7 +256,7 @@ std::int32_t RegistryService::enum_value(RegistryKey key, std::uint32_t index, c
         if (index >= values.size()) return kNoMoreItems;
         const std::int32_t result = answer_data(values[index], type, data, data_size);
         if (result != kSuccess) return result;
-        return answer_name(code_page_.to_ansi(values[index].name), name, name_length);
+        return answer_name(to_ansi(values[index].name), name, name_length);
     });
 }
 
@@ -251,26 +268,6 @@ std::int32_t RegistryService::query_value(RegistryKey key, const char* name, std
     });
 }
 
-std::int32_t RegistryService::answer_data(const RegistryValue& value, std::uint32_t& type, std::uint8_t* data,
-                                          std::uint32_t& data_size) const {
-    type = value.type;
-    const std::uint32_t room = data_size;
-    const auto answer = [&](const void* bytes, std::size_t size) {
-        data_size = narrowed<std::uint32_t>(size);
-        if (data == nullptr) return kSuccess;
-        if (size > room) return kMoreData;
-        if (size > 0) std::memcpy(data, bytes, size);
-        return kSuccess;
-    };
-    if (!is_string(value.type)) return answer(value.data.data(), value.data.size());
-    const std::string text = code_page_.to_ansi(text_of(value.data));
-    const std::int32_t result = answer(text.data(), text.size());
-    // As on Windows, a text without its null gets one where there is room, and it does not count.
-    const bool terminated = text.empty() || text.back() == '\0';
-    if (result == kSuccess && data != nullptr && !terminated && text.size() < room) data[text.size()] = 0;
-    return result;
-}
-
 std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::uint32_t type, const std::uint8_t* data,
                                         std::uint32_t data_size) noexcept {
     return answered([&]() -> std::int32_t {
@@ -278,7 +275,7 @@ std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::
         RegistryValue value{wide(name), type, {}};
         if (value.name.size() > kLongestValueName) return kInvalidParameter;
         if (is_string(type)) {
-            value.data = data_of(code_page_.from_ansi({reinterpret_cast<const char*>(data), data_size}));
+            value.data = data_of(from_ansi({reinterpret_cast<const char*>(data), data_size}));
         } else {
             value.data.assign(data, data + data_size);
         }
@@ -298,7 +295,7 @@ std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::
 }
 
 RegistryStore* RegistryService::remote_store(std::string_view computer) {
-    const std::u16string name = to_upper(code_page_.from_ansi(computer));
+    const std::u16string name = to_upper(from_ansi(computer));
     const auto known_remote = remotes_.find(name);
     if (known_remote != remotes_.end()) return known_remote->second.get();
     if (folder_.empty()) return nullptr;
@@ -331,7 +328,7 @@ std::int32_t RegistryService::connect_registry(const char* computer, RegistryKey
 std::uint32_t RegistryService::expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept {
     std::uint32_t length = 0;
     const std::int32_t result = answered([&] {
-        const std::string text = code_page_.to_ansi(expanded(wide(source)));
+        const std::string text = to_ansi(expanded(wide(source)));
         length = narrowed<std::uint32_t>(text.size() + 1);
         if (length <= capacity) std::memcpy(target, text.c_str(), length);
         return kSuccess;

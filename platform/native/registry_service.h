@@ -9,7 +9,6 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "platform/code_page.h"
 #include "platform/native/registry_store.h"
 #include "platform/registry.h"
 
@@ -19,8 +18,8 @@ namespace vex::platform::native {
 /// computer's folder, theirs in the sub-folders of "remote" named after them. Any thread.
 class RegistryService final : public Registry {
 public:
-    /// An empty registry in memory, and no other computer. The code page outlives the object.
-    explicit RegistryService(const CodePage& code_page);
+    /// An empty registry in memory, and no other computer.
+    RegistryService();
 
     /// Changes to the registry in `folder`. All handles become invalid. Raises RegistryDamage or std::system_error,
     /// with the registry before still in place.
@@ -64,12 +63,7 @@ private:
     RegistryKey add_handle(RegistryStore& store, RegistryNode& key, std::uint32_t access);
     /// Null when there is no such computer.
     RegistryStore* remote_store(std::string_view computer);
-    std::int32_t answer_data(const RegistryValue& value, std::uint32_t& type, std::uint8_t* data,
-                             std::uint32_t& data_size) const;
-    /// A null pointer is an empty text.
-    std::u16string wide(const char* text) const;
 
-    const CodePage& code_page_;
     std::mutex mutex_;
     std::filesystem::path folder_;
     std::unique_ptr<RegistryStore> local_;

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 
 namespace vex::platform::win32 {

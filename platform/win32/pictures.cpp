@@ -5,34 +5,23 @@
 #include "core/unicode.h"
 
 namespace vex::platform::win32 {
-namespace {
 
-class IconPictures final : public Pictures {
-public:
-    com::ComPtr<IPictureDisp> load_icon(std::int16_t id) override {
-        const auto name = MAKEINTRESOURCEW(static_cast<WORD>(id));
-        const auto icon = static_cast<HICON>(LoadImageW(module_instance(), name, IMAGE_ICON, 0, 0, 0));
-        if (icon == nullptr) throw RuntimeError(kResourceNotFound);
-        PICTDESC description{};
-        description.cbSizeofstruct = sizeof description;
-        description.picType = PICTYPE_ICON;
-        description.icon.hicon = icon;
-        com::ComPtr<IPictureDisp> picture;
-        // TRUE: the picture owns the icon from now on.
-        const HRESULT result = OleCreatePictureIndirect(&description, IID_IPictureDisp, TRUE, picture.put_void());
-        if (FAILED(result)) {
-            DestroyIcon(icon);
-            throw RuntimeError(result, u"The picture cannot be made");
-        }
-        return picture;
+com::ComPtr<IPictureDisp> load_icon(std::int16_t id) {
+    const auto name = MAKEINTRESOURCEW(static_cast<WORD>(id));
+    const auto icon = static_cast<HICON>(LoadImageW(module_instance(), name, IMAGE_ICON, 0, 0, 0));
+    if (icon == nullptr) throw RuntimeError(kResourceNotFound);
+    PICTDESC description{};
+    description.cbSizeofstruct = sizeof description;
+    description.picType = PICTYPE_ICON;
+    description.icon.hicon = icon;
+    com::ComPtr<IPictureDisp> picture;
+    // TRUE: the picture owns the icon from now on.
+    const HRESULT result = OleCreatePictureIndirect(&description, IID_IPictureDisp, TRUE, picture.put_void());
+    if (FAILED(result)) {
+        DestroyIcon(icon);
+        throw RuntimeError(result, u"The picture cannot be made");
     }
-};
-
-}  // namespace
-
-Pictures& pictures() {
-    static IconPictures instance;
-    return instance;
+    return picture;
 }
 
 OwnedIcon module_icon(std::string_view name, int width, int height) {

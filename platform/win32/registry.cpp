@@ -1,10 +1,9 @@
 // The registry seam on advapi32: each operation is the system's own.
 #include "platform/registry.h"
 
-#include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 
-namespace vex::platform::win32 {
+namespace vex::platform {
 namespace {
 
 HKEY key_of(RegistryKey key) noexcept { return reinterpret_cast<HKEY>(key); }
@@ -76,4 +75,4 @@ Registry& registry() {
     return instance;
 }
 
-}  // namespace vex::platform::win32
+}  // namespace vex::platform

@@ -1,12 +1,15 @@
-#include "platform/win32/system.h"
+// The Windows side of the small seams: the system itself.
+#include "platform/system.h"
 
 #include <limits>
 
 #include "platform/paths.h"
 #include "platform/win32/windows_api.h"
 
-namespace vex::platform::win32 {
+namespace vex::platform {
 namespace {
+
+using win32::wide;
 
 int checked_length(std::size_t length) {
     if (length > static_cast<std::size_t>(std::numeric_limits<int>::max())) throw RuntimeError(kOutOfMemory);
@@ -17,78 +20,56 @@ int checked_length(std::size_t length) {
 /// full-width backslash's plain one, would make another path of it.
 DWORD exact_only() noexcept { return GetACP() == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS; }
 
-class AnsiCodePage final : public CodePage {
-public:
-    std::string to_ansi(std::u16string_view text) const override {
-        const int length = checked_length(text.size());
-        if (length == 0) return {};
-        const auto* source = reinterpret_cast<LPCWSTR>(text.data());
-        const int size = WideCharToMultiByte(CP_ACP, exact_only(), source, length, nullptr, 0, nullptr, nullptr);
-        std::string bytes(static_cast<std::size_t>(size), '\0');
-        WideCharToMultiByte(CP_ACP, exact_only(), source, length, bytes.data(), size, nullptr, nullptr);
-        return bytes;
-    }
-
-    std::u16string from_ansi(std::string_view bytes) const override {
-        const int size = checked_length(bytes.size());
-        if (size == 0) return {};
-        const int length = MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0);
-        std::u16string text(static_cast<std::size_t>(length), u'\0');
-        MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, wide(text), length);
-        return text;
-    }
-};
-
-class SystemFiles final : public Files {
-public:
-    bool ordinary_file_exists(const std::u16string& path) override {
-        constexpr DWORD kExtraordinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-        if (!is_full_path(path)) return false;
-        const DWORD attributes = GetFileAttributesW(wide(path));
-        return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kExtraordinary) == 0;
-    }
-};
-
-class SystemProcesses final : public Processes {
-public:
-    bool start(const std::u16string& path) override {
-        // The system would complete any other from the current folder, and end one early at a null.
-        if (!is_full_path(path)) return false;
-        // The program is named by its path alone, so that no part of a path with blanks is ever tried as a
-        // program, and neither the current folder nor the search path is looked through for it.
-        std::u16string command_line = u"\"" + path + u"\"";
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESHOWWINDOW;
-        startup.wShowWindow = SW_SHOWNORMAL;
-        PROCESS_INFORMATION process = {};
-        if (!CreateProcessW(wide(path), wide(command_line), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                            &process)) {
-            return false;
-        }
-        AllowSetForegroundWindow(process.dwProcessId);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
-        return true;
-    }
-};
-
 }  // namespace
 
-const CodePage& code_page() {
-    static const AnsiCodePage instance;
-    return instance;
+std::string to_ansi(std::u16string_view text) {
+    const int length = checked_length(text.size());
+    if (length == 0) return {};
+    const auto* source = reinterpret_cast<LPCWSTR>(text.data());
+    const int size = WideCharToMultiByte(CP_ACP, exact_only(), source, length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_ACP, exact_only(), source, length, bytes.data(), size, nullptr, nullptr);
+    return bytes;
 }
 
-Files& files() {
-    static SystemFiles instance;
-    return instance;
+std::u16string from_ansi(std::string_view bytes) {
+    const int size = checked_length(bytes.size());
+    if (size == 0) return {};
+    const int length = MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0);
+    std::u16string text(static_cast<std::size_t>(length), u'\0');
+    MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, wide(text), length);
+    return text;
 }
 
-Processes& processes() {
-    static SystemProcesses instance;
-    return instance;
+bool ordinary_file_exists(const std::u16string& path) {
+    constexpr DWORD kExtraordinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    if (!is_full_path(path)) return false;
+    const DWORD attributes = GetFileAttributesW(wide(path));
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kExtraordinary) == 0;
 }
+
+bool start_program(const std::u16string& path) {
+    // The system would complete any other from the current folder, and end one early at a null.
+    if (!is_full_path(path)) return false;
+    // The program is named by its path alone, so that no part of a path with blanks is ever tried as a
+    // program, and neither the current folder nor the search path is looked through for it.
+    std::u16string command_line = u"\"" + path + u"\"";
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESHOWWINDOW;
+    startup.wShowWindow = SW_SHOWNORMAL;
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(wide(path), wide(command_line), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &process)) {
+        return false;
+    }
+    AllowSetForegroundWindow(process.dwProcessId);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return true;
+}
+
+namespace win32 {
 
 HINSTANCE module_instance() noexcept {
     static constexpr char kAnchor = 0;
@@ -114,4 +95,5 @@ std::u16string module_path() {
     }
 }
 
-}  // namespace vex::platform::win32
+}  // namespace win32
+}  // namespace vex::platform

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/runtime_error.h"
-#include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 
 namespace vex::platform {

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/system.h"
 #include "platform/win32/form_window.h"
-#include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
 
 namespace vex::platform::win32 {
@@ -114,11 +114,6 @@ std::u16string file_filter(std::u16string filter) {
 
 }  // namespace
 
-forms::Toolkit& desktop() {
-    static Win32Toolkit toolkit;
-    return toolkit;
-}
-
 void Win32Toolkit::run_modal(forms::Form& form, forms::Form* owner) {
     const HWND below = top_window();
     const bool owned = owner != nullptr && owner->view() != nullptr;
@@ -192,3 +187,12 @@ void Win32Toolkit::pop_up_menu(forms::Form& form, forms::Menu& menu) {
 void Win32Toolkit::beep() { MessageBeep(MB_OK); }
 
 }  // namespace vex::platform::win32
+
+namespace vex::platform {
+
+forms::Toolkit& desktop() {
+    static win32::Win32Toolkit toolkit;
+    return toolkit;
+}
+
+}  // namespace vex::platform

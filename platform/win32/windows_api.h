@@ -19,6 +19,8 @@ inline LPWSTR wide(std::u16string& text) noexcept { return reinterpret_cast<LPWS
 
 /// The module (library or program) that this code is linked into.
 HINSTANCE module_instance() noexcept;
+/// The full path of its file. Raises RuntimeError with the system's result code when the system does not tell.
+std::u16string module_path();
 
 /// The calling thread's last error as an error of ours: `what` went wrong, numbered as the system does.
 RuntimeError last_error(const char16_t* what);

@@ -8,10 +8,6 @@ namespace vex::sim {
 
 namespace native = platform::native;
 
-platform::Registry& NativeMachine::registry() { return native::registry(); }
-
-const platform::CodePage& NativeMachine::code_page() { return native::code_page(); }
-
 std::filesystem::path NativeMachine::real_path(const std::u16string& path) { return native::real_path(path); }
 
 void NativeMachine::hide(const std::u16string& path) { native::set_hidden(path, true); }

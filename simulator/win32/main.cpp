@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "core/unicode.h"
-#include "platform/win32/system.h"
+#include "platform/system.h"
 #include "simulator/registry_editor.h"
 #include "simulator/trial.h"
 #include "simulator/win32/win32_session.h"
@@ -21,9 +21,9 @@ int run_trial(const CommandLine& options) {
     return session.try_out(std::cerr, [&](Host& host, PluginHost& plugin, bool fresh) {
         // The Open dialog shows the real disks, so it begins where the sample firmware really is.
         if (fresh)
-            RegistryEditor(host.machine)
-                .write({.key = kFirmwareSettings}, u"LastFilePath", u"sz", session.samples_folder().u16string());
-        forms::Toolkit& desktop = platform::win32::desktop();
+            RegistryEditor().write({.key = kFirmwareSettings}, u"LastFilePath", u"sz",
+                                   session.samples_folder().u16string());
+        forms::Toolkit& desktop = platform::desktop();
         RunProgress progress(host);
         const Trial trial(host, desktop, progress, Pace(desktop, options.speed, [] { return false; }));
         host.machine.on_program_started([](const std::u16string& path) {

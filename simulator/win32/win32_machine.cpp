@@ -8,7 +8,6 @@
 
 #include "core/unicode.h"
 #include "platform/paths.h"
-#include "platform/win32/system.h"
 
 namespace vex::sim {
 
@@ -109,10 +108,6 @@ Win32Machine::~Win32Machine() {
     current_ = nullptr;
     if (!keep_) RegDeleteTreeW(HKEY_CURRENT_USER, wide(key_));
 }
-
-platform::Registry& Win32Machine::registry() { return platform::win32::registry(); }
-
-const platform::CodePage& Win32Machine::code_page() { return platform::win32::code_page(); }
 
 void Win32Machine::on_program_started(std::function<void(const std::u16string&)> listener) {
     watched_.clear();

@@ -25,8 +25,6 @@ public:
     Win32Machine& operator=(const Win32Machine&) = delete;
     ~Win32Machine() override;
 
-    platform::Registry& registry() override;
-    const platform::CodePage& code_page() override;
     std::filesystem::path real_path(const std::u16string& path) override;
     void hide(const std::u16string& path) override;
     /// The plug-in must be loaded by then, and until nobody listens. Meanwhile it looks for files on the run's drives,

@@ -1,12 +1,12 @@
 // The Windows program's composition.
 #include "simulator/win32/win32_session.h"
+#include "platform/win32/windows_api.h"
 
 #include <algorithm>
 #include <cstdio>
 
 #include "core/unicode.h"
 #include "platform/library.h"
-#include "platform/win32/system.h"
 #include "simulator/class_library.h"
 
 #include <fcntl.h>

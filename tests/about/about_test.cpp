@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "core/product.h"
+#include "platform/system.h"
 #include "tests/shared/error_of.h"
 #include "tests/shared/notebook.h"
 
@@ -29,7 +30,7 @@ TEST_F(About, ShowsTheCompanyOrThePrivateLabelAfreshEachTime) {
     const Key label = machine_key("Software\\BrivolaLite");
     for (const char* company : {"Signs & Co", "Other"}) {
         label.set_text("Private Label Company", company);
-        EXPECT_EQ(shown_description(), side_code_page().from_ansi(company)) << "not behind the text of before";
+        EXPECT_EQ(shown_description(), platform::from_ansi(company)) << "not behind the text of before";
     }
     label.set("Private Label Company", platform::kRegBinary, {1, 2});
     EXPECT_EQ(shown_description(), product::kCompanyName) << "bytes are no text";

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/runtime_error.h"
-#include "platform/native/code_page_1252.h"
 #include "platform/native/registry_service.h"
 #include "support/registry_data.h"
 #include "tests/fuzz/target.h"
@@ -46,15 +45,13 @@ RegistryData take_answer(const std::uint8_t*& data, std::size_t& rest) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const platform::native::CodePage1252 code_page;
-    static platform::native::RegistryService registry(code_page);
-    const RegistryTexts texts(registry, code_page);
-    EnumeratedValues enumeration(texts);
+    static platform::native::RegistryService registry;
+    EnumeratedValues enumeration(registry);
     while (size > 0) {
         const RegistryData answer = take_answer(data, size);
         for (const EmptyExpandable rule : {EmptyExpandable::empty_text, EmptyExpandable::one_null}) {
             try {
-                const AutomationValue value = decode_value(answer, AutomationValue(u"initial"), rule, texts);
+                const AutomationValue value = decode_value(answer, AutomationValue(u"initial"), rule, registry);
                 require(!value.is_empty());
                 require(!value.is_bytes() || value.bytes().size() <= answer.buffer.size());
             } catch (const RuntimeError& error) {

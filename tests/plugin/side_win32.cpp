@@ -1,5 +1,5 @@
 // The Windows side.
-#include "platform/win32/system.h"
+#include "platform/win32/windows_api.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {

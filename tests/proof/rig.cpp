@@ -13,8 +13,9 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/native/machine.h"
-#include "simulator/firmware_image.h"
+#include "platform/registry.h"
 #include "simulator/controls.h"
+#include "simulator/firmware_image.h"
 #include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
@@ -96,8 +97,7 @@ public:
 
     void pumped(forms::Form& form) override {
         const forms::Control* const status = form.find("lblStatus");
-        const sim::ScriptedMessage* const message =
-            status == nullptr ? nullptr : host_.read_message(status->caption());
+        const sim::ScriptedMessage* const message = status == nullptr ? nullptr : host_.read_message(status->caption());
         if (message != nullptr && message->reaction && plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
     }
 
@@ -240,8 +240,7 @@ Outcome play(const Plan& plan) {
         const long factories = host.lifetime.objects();
         forms::ScriptedToolkit toolkit(user);
         namespace native = platform::native;
-        const Services services{toolkit, native::registry(), native::files(), native::processes(), native::code_page(),
-                                module,  u"C:\\Host"};
+        const Services services{toolkit, platform::registry(), module, u"C:\\Host"};
         try {
             dlgFirmwareWizard wizard(services, [](forms::Form&) {});
             wizard.show_modal();

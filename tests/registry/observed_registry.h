@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/system.h"
 #include "tests/registry/side.h"
 
 namespace vex::test {
@@ -55,7 +56,7 @@ public:
         return target_.set_value(key, name, type, data, size);
     }
     std::int32_t connect_registry(const char* computer, Key root, Key& key) noexcept override {
-        if (side_code_page().from_ansi(computer) != kComputer) return platform::kBadNetPath;
+        if (platform::from_ansi(computer) != kComputer) return platform::kBadNetPath;
         return opened(target_.open_key(root, "", platform::kKeyAllAccess, key), key);
     }
     std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept override {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <set>
 
+#include "platform/system.h"
 #include "tests/registry/test_key.h"
 
 namespace vex::test {
@@ -132,8 +133,7 @@ TEST_F(RegistryContract, EveryByteOfATextSurvives) {
     for (int byte = 1; byte < 256; ++byte) {
         const std::string one(1, static_cast<char>(byte));
         // Bytes that the code page has no character for are not promised.
-        if (side_code_page().to_ansi(side_code_page().from_ansi(one)) == one)
-            data.push_back(static_cast<std::uint8_t>(byte));
+        if (platform::to_ansi(platform::from_ansi(one)) == one) data.push_back(static_cast<std::uint8_t>(byte));
     }
     data.push_back(0);
     for (const std::uint32_t kind : {kRegSz, kRegExpandSz, kRegMultiSz}) {
@@ -228,7 +228,10 @@ TEST_F(RegistryContract, VariablesOfTheEnvironmentAreExpanded) {
     set_environment("VEX_SHORT", "s");
     set_environment("VEX_LONG", "a longer value than its name");
     const std::pair<const char*, const char*> cases[] = {
-        {"", ""}, {"plain", "plain"}, {"%VEX_SHORT%", "s"}, {"100%", "100%"},
+        {"", ""},
+        {"plain", "plain"},
+        {"%VEX_SHORT%", "s"},
+        {"100%", "100%"},
         {"<%vex_short%%VEX_LONG%>", "<sa longer value than its name>"},
         {"%VEX_NO_SUCH_VARIABLE%", "%VEX_NO_SUCH_VARIABLE%"},
         // The sign that ends an unknown name begins the next. Wine takes it for used up.

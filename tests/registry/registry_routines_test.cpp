@@ -3,6 +3,7 @@
 
 #include <set>
 
+#include "platform/system.h"
 #include "support/registry_routines.h"
 #include "tests/registry/observed_registry.h"
 #include "tests/registry/test_key.h"
@@ -30,7 +31,7 @@ protected:
     ~RegistryRoutinesTest() override { observed.close_all(); }
 
     ObservedRegistry observed;
-    RegistryRoutines routines{observed, side_code_page()};
+    RegistryRoutines routines{observed};
 };
 
 // ---- Keys
@@ -184,7 +185,8 @@ std::u16string wide_letters(std::size_t count) {
 
 std::vector<ReadCase> read_cases() {
     std::vector<ReadCase> cases = {
-        {"no text at all", kRegSz, {}, kDefault}, {"empty text", kRegSz, {0}, u""},
+        {"no text at all", kRegSz, {}, kDefault},
+        {"empty text", kRegSz, {0}, u""},
         {"text", kRegSz, bytes_of("abc\0"sv), u"abc"},
         {"text without its null loses its end", kRegSz, bytes_of("abc"), u"ab"},
         {"text with a null within", kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s},
@@ -197,12 +199,15 @@ std::vector<ReadCase> read_cases() {
         {"text whose null just fits", kRegExpandSz, bytes_of("%VEX_JUST%\0"sv), u"123456789\0"s},
         {"number", kRegDword, {0x39, 0x30, 0, 0}, 12345},
         {"number with all bits", kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}, -1},
-        {"short number", kRegDword, {0x39, 0x30}, 12345}, {"long number", kRegDword, {1, 0, 0, 0, 9, 9}, 1},
-        {"no number at all", kRegDword, {}, 0}, {"list", kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one\0two"s},
+        {"short number", kRegDword, {0x39, 0x30}, 12345},
+        {"long number", kRegDword, {1, 0, 0, 0, 9, 9}, 1},
+        {"no number at all", kRegDword, {}, 0},
+        {"list", kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one\0two"s},
         {"list with one null at its end", kRegMultiSz, bytes_of("one\0two\0"sv), u"one\0tw"s},
         {"empty list", kRegMultiSz, {0, 0}, kDefault},
         {"list that begins with an empty string", kRegMultiSz, bytes_of("\0two\0\0"sv), kDefault},
-        {"no type", kRegNone, {1, 2}, kDefault}, {"type 5", 5, {1, 2, 3, 4}, kDefault},
+        {"no type", kRegNone, {1, 2}, kDefault},
+        {"type 5", 5, {1, 2, 3, 4}, kDefault},
     };
     for (const std::size_t size : kSizes) {
         cases.push_back({"bytes", kRegBinary, letters(size), AutomationValue(letters(size))});
@@ -254,14 +259,18 @@ struct WriteCase {
 };
 
 const WriteCase kWriteCases[] = {
-    {"text", kRegSz, u"abc", bytes_of("abc\0"sv)}, {"empty text", kRegSz, u"", {0}},
-    {"nothing as text", kRegSz, {}, {0}}, {"number as text", kRegSz, -12, bytes_of("-12\0"sv)},
+    {"text", kRegSz, u"abc", bytes_of("abc\0"sv)},
+    {"empty text", kRegSz, u"", {0}},
+    {"nothing as text", kRegSz, {}, {0}},
+    {"number as text", kRegSz, -12, bytes_of("-12\0"sv)},
     {"text beyond the code page", kRegSz, u"\x4E2D", bytes_of("?\0"sv)},
     {"expandable text", kRegExpandSz, u"%VEX_SHORT%", bytes_of("%VEX_SHORT%\0"sv)},
     {"list with one terminating null", kRegMultiSz, u"one\0two"s, bytes_of("one\0two\0"sv)},
-    {"bytes", kRegBinary, Bytes{0, 1, 255}, {0, 1, 255}}, {"number", kRegDword, 0x01020304, {4, 3, 2, 1}},
+    {"bytes", kRegBinary, Bytes{0, 1, 255}, {0, 1, 255}},
+    {"number", kRegDword, 0x01020304, {4, 3, 2, 1}},
     {"negative number", kRegDword, -2, {0xFE, 0xFF, 0xFF, 0xFF}},
-    {"text as number", kRegDword, u" 258.0 ", {2, 1, 0, 0}}, {"nothing as number", kRegDword, {}, {0, 0, 0, 0}},
+    {"text as number", kRegDword, u" 258.0 ", {2, 1, 0, 0}},
+    {"nothing as number", kRegDword, {}, {0, 0, 0, 0}},
 };
 
 TEST_F(RegistryRoutinesTest, WritingConvertsByType) {
@@ -292,8 +301,8 @@ TEST_F(RegistryRoutinesTest, UnknownTypesWriteNothingAndSucceedWhereThereIsAKey)
 
 TEST_F(RegistryRoutinesTest, WritingRaisesWhatCannotBeConverted) {
     const std::tuple<std::uint32_t, AutomationValue, int> cases[] = {
-        {kRegBinary, u"text", kTypeMismatch},     {kRegSz, Bytes{1}, kTypeMismatch},
-        {kRegDword, u"no number", kTypeMismatch}, {kRegDword, u"2147483648", kOverflow},
+        {kRegBinary, u"text", kTypeMismatch},        {kRegSz, Bytes{1}, kTypeMismatch},
+        {kRegDword, u"no number", kTypeMismatch},    {kRegDword, u"2147483648", kOverflow},
         {kRegBinary, Bytes{}, kSubscriptOutOfRange},
     };
     for (const auto& [type, value, error] : cases) {
@@ -317,23 +326,39 @@ std::string name_of(std::size_t index) { return {static_cast<char>('a' + index)}
 const std::vector<EnumeratedValue> kEnumerations[] = {
     {
         // Each binary value begins with what the text or binary value before left, leading blanks aside.
-        {kRegSz, bytes_of("abc\0"sv), u"abc"}, {kRegBinary, {0x01, 0x0A, 0x1F}, u"abc 01 A 1F"},
+        {kRegSz, bytes_of("abc\0"sv), u"abc"},
+        {kRegBinary, {0x01, 0x0A, 0x1F}, u"abc 01 A 1F"},
         {kRegDword, {7, 0, 0, 0}, 7},
-        {kRegBinary, {0x00, 0x09, 0x0F, 0x10, 0x99, 0xFF}, u"abc 01 A 1F 00 09 F 10 99 FF"}, {kRegSz, {0}, u""},
-        {kRegBinary, {0x42}, u"42"}, {kRegBinary, {0x43}, u"42 43"}, {kRegSz, {}, u""}, {kRegBinary, {0x0B}, u"B"},
-        {kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one,two"}, {kRegBinary, {0xAB}, u"one,two AB"},
-        {kRegSz, bytes_of("  blanks\0"sv), u"  blanks"}, {kRegBinary, {0xCD}, u"blanks CD"},
-        {kRegExpandSz, bytes_of("%VEX_SHORT%\0"sv), u"s"}, {kRegBinary, {0x77}, u"s 77"},
+        {kRegBinary, {0x00, 0x09, 0x0F, 0x10, 0x99, 0xFF}, u"abc 01 A 1F 00 09 F 10 99 FF"},
+        {kRegSz, {0}, u""},
+        {kRegBinary, {0x42}, u"42"},
+        {kRegBinary, {0x43}, u"42 43"},
+        {kRegSz, {}, u""},
+        {kRegBinary, {0x0B}, u"B"},
+        {kRegMultiSz, bytes_of("one\0two\0\0"sv), u"one,two"},
+        {kRegBinary, {0xAB}, u"one,two AB"},
+        {kRegSz, bytes_of("  blanks\0"sv), u"  blanks"},
+        {kRegBinary, {0xCD}, u"blanks CD"},
+        {kRegExpandSz, bytes_of("%VEX_SHORT%\0"sv), u"s"},
+        {kRegBinary, {0x77}, u"s 77"},
     },
     {
         // A type without a conversion shows the data of the value before.
-        {5, {1, 2, 3, 4}, {}}, {kRegDword, {9, 0, 0, 0}, 9}, {kRegNone, {}, 9},
-        {kRegSz, bytes_of("text\0"sv), u"text"}, {11, {1, 2, 3, 4, 5, 6, 7, 8}, u"text"},
+        {5, {1, 2, 3, 4}, {}},
+        {kRegDword, {9, 0, 0, 0}, 9},
+        {kRegNone, {}, 9},
+        {kRegSz, bytes_of("text\0"sv), u"text"},
+        {11, {1, 2, 3, 4, 5, 6, 7, 8}, u"text"},
     },
     {
-        {kRegExpandSz, {}, u""}, {kRegExpandSz, {0}, u""}, {kRegMultiSz, {0, 0}, u""},
-        {kRegMultiSz, bytes_of("\0b\0\0"sv), u",b"}, {kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s}, {kRegDword, {1}, 1},
-        {kRegSz, letters(4096), wide_letters(4095)}, {kRegSz, letters(4097), wide_letters(4096)},
+        {kRegExpandSz, {}, u""},
+        {kRegExpandSz, {0}, u""},
+        {kRegMultiSz, {0, 0}, u""},
+        {kRegMultiSz, bytes_of("\0b\0\0"sv), u",b"},
+        {kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s},
+        {kRegDword, {1}, 1},
+        {kRegSz, letters(4096), wide_letters(4095)},
+        {kRegSz, letters(4097), wide_letters(4096)},
     },
 };
 
@@ -347,7 +372,7 @@ TEST_F(RegistryRoutinesTest, EnumRegistryValuesCarriesOverFromValueToValue) {
         ASSERT_EQ(values.size(), enumeration.size());
         for (std::size_t i = 0; i < enumeration.size(); ++i) {
             SCOPED_TRACE("value " + name_of(i));
-            EXPECT_EQ(values[i].first, side_code_page().from_ansi(name_of(i)));
+            EXPECT_EQ(values[i].first, platform::from_ansi(name_of(i)));
             EXPECT_EQ(values[i].second, enumeration[i].expected);
         }
         EXPECT_EQ(values.find(u"A"), &values[0]);

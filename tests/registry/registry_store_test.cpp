@@ -12,7 +12,6 @@
 #include <random>
 #include <thread>
 
-#include "platform/native/code_page_1252.h"
 #include "platform/native/registry_service.h"
 #include "tests/shared/temporary_folder.h"
 
@@ -25,7 +24,6 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 constexpr RegistryKey kRoot = registry_key(kHkeyLocalMachine);
-const CodePage1252 kCodePage;
 const std::string kHeader(kRegistryHeader);
 
 /// A computer's registry as one process sees it. Paths begin at HKEY_LOCAL_MACHINE.
@@ -65,7 +63,7 @@ struct Process {
         return text;
     }
 
-    RegistryService service{kCodePage};
+    RegistryService service;
     std::int32_t result = kSuccess;
 };
 
@@ -127,8 +125,8 @@ TEST_F(RegistryStoreTest, TheFileLooksLikeAnExportAndIsTheOwnersAlone) {
 TEST_F(RegistryStoreTest, EveryKindOfChangeLasts) {
     const struct {
         const char *path, *name, *text;
-    } values[] = {{"A", "kept", "1"}, {"A", "changed", "old"}, {"A", "CHANGED", "new"}, {"A", "gone", "x"},
-                  {"B\\C", "v", "x"}, {"Key]\" [", "a\nb\\\"=", "line\nbreak\\\""}};
+    } values[] = {{"A", "kept", "1"}, {"A", "changed", "old"}, {"A", "CHANGED", "new"},
+                  {"A", "gone", "x"}, {"B\\C", "v", "x"},      {"Key]\" [", "a\nb\\\"=", "line\nbreak\\\""}};
     {
         Process process(folder);
         for (const auto& [path, name, text] : values) EXPECT_EQ(process.write(path, name, text), kSuccess);

@@ -1,13 +1,11 @@
 // The side that the contract tests run on: its registry, and where its behaviour may differ.
 #pragma once
 
-#include "platform/code_page.h"
 #include "platform/registry.h"
 
 namespace vex::test {
 
 platform::Registry& side_registry();
-const platform::CodePage& side_code_page();
 /// Sets a variable of the process's environment.
 void set_environment(const char* name, const char* value);
 

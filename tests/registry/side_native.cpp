@@ -21,10 +21,8 @@ void start_computer() { static const Computer computer; }
 
 platform::Registry& side_registry() {
     start_computer();
-    return platform::native::registry();
+    return platform::registry();
 }
-
-const platform::CodePage& side_code_page() { return platform::native::code_page(); }
 
 void set_environment(const char* name, const char* value) { ::setenv(name, value, 1); }
 

@@ -1,13 +1,10 @@
 // The contract tests on Windows: the real registry.
-#include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
 #include "tests/registry/side.h"
 
 namespace vex::test {
 
-platform::Registry& side_registry() { return platform::win32::registry(); }
-
-const platform::CodePage& side_code_page() { return platform::win32::code_page(); }
+platform::Registry& side_registry() { return platform::registry(); }
 
 void set_environment(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
 

@@ -4,7 +4,20 @@
 #include "com/class_factory.h"
 #include "core/digits.h"
 #include "core/unicode.h"
+#include "platform/system.h"
 #include "tests/shared/late_object.h"
+
+// Where the linker finds these functions in a program, it takes them and not the system's.
+
+bool vex::platform::ordinary_file_exists(const std::u16string& path) {
+    test::current_notebook->line("", "is there " + to_utf8(path));
+    return test::files_exist;
+}
+
+bool vex::platform::start_program(const std::u16string& path) {
+    test::current_notebook->line("", "start " + to_utf8(path));
+    return test::programs_start;
+}
 
 namespace vex::test {
 namespace {
@@ -30,12 +43,21 @@ const HostClass kClasses[] = {
     {"HostDisplayPicker", {0x829CA34E, 0xAE00, 0x4DDB, {0x94, 0x0C, 0xDB, 0xF8, 0x94, 0x72, 0xB8, 0xFA}}, "", {}},
     {"HostConnection", {1, 0, 0, {}}, "vexBrivolaClasses4.HostConnection", {}},
     {"HostSignInfo", {2, 0, 0, {}}, "", {}},
-    {"vexDispTrans", {3, 0, 0, {}}, "vexDTCon4.vexDispTrans",
-     {{id(0x60030065), "OpenConnection"}, {id(0x68030001), "SignID"}, {id(0x60030053), "GetSignInfo"},
-      {id(0x60030068), "ResetAndClear"}, {id(0x60030067), "DownloadFirmware"}, {id(0x6003004E), "PrepareForFirmware"},
-      {id(0x600300B2), "DownloadFirmwareWithLoader"}, {id(0x60030066), "CloseConnection"},
+    {"vexDispTrans",
+     {3, 0, 0, {}},
+     "vexDTCon4.vexDispTrans",
+     {{id(0x60030065), "OpenConnection"},
+      {id(0x68030001), "SignID"},
+      {id(0x60030053), "GetSignInfo"},
+      {id(0x60030068), "ResetAndClear"},
+      {id(0x60030067), "DownloadFirmware"},
+      {id(0x6003004E), "PrepareForFirmware"},
+      {id(0x600300B2), "DownloadFirmwareWithLoader"},
+      {id(0x60030066), "CloseConnection"},
       {id(0x60030069), "CancelTransmission"}}},
-    {"vexLANBoxFinder2", {4, 0, 0, {}}, "vexLantronixControls2.vexLANBoxFinder2",
+    {"vexLANBoxFinder2",
+     {4, 0, 0, {}},
+     "vexLantronixControls2.vexLANBoxFinder2",
      {{id(0x68030001), "SearchTimeout"}, {id(0x6003000A), "FindBoxes"}}},
 };
 
@@ -93,8 +115,8 @@ forms::MessageAnswer Screen::message_box(const forms::MessageBox& box) {
 }
 
 std::optional<std::u16string> Screen::open_file(const forms::OpenFileRequest& request) {
-    notebook_.line("", "choose file in " + in_quotes(request.initial_folder) + " named " + in_quotes(request.file_name) + ' ' +
-                           in_quotes(request.filter) + ' ' + hex(request.flags));
+    notebook_.line("", "choose file in " + in_quotes(request.initial_folder) + " named " +
+                           in_quotes(request.file_name) + ' ' + in_quotes(request.filter) + ' ' + hex(request.flags));
     return file;
 }
 
@@ -165,7 +187,8 @@ public:
             arguments += (arguments.empty() ? "" : ", ") + shown(parameters->rgvarg[i]);
         // What is only read is not written down.
         if (puts) host_.notebook_.part(class_.name, class_.name, ' ' + name + '=' + arguments);
-        if (flags == DISPATCH_METHOD) host_.notebook_.part(class_.name, class_.name, ' ' + name + '(' + arguments + ')');
+        if (flags == DISPATCH_METHOD)
+            host_.notebook_.part(class_.name, class_.name, ' ' + name + '(' + arguments + ')');
         if (!puts && flags != DISPATCH_METHOD && flags != (DISPATCH_METHOD | DISPATCH_PROPERTYGET))
             return DISP_E_MEMBERNOTFOUND;
         const com::ComPtr<HostObject> alive(this);
@@ -173,8 +196,10 @@ public:
         if (result == nullptr) return S_OK;
         const auto answer = host_.answers.find(call);
         if (answer != host_.answers.end()) return VariantCopy(result, &answer->second.get());
-        if (call == "vexDispTrans.GetSignInfo") *result = com::Variant::object(host_.make("HostSignInfo").get()).detach();
-        else if (class_.name == std::string("vexDispTrans")) *result = com::Variant::boolean(true).detach();
+        if (call == "vexDispTrans.GetSignInfo")
+            *result = com::Variant::object(host_.make("HostSignInfo").get()).detach();
+        else if (class_.name == std::string("vexDispTrans"))
+            *result = com::Variant::boolean(true).detach();
         return S_OK;
     }
 
@@ -250,7 +275,8 @@ HRESULT RecordedHost::raise(const char* control, std::u16string_view text, DISPI
 
 com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
     for (const HostClass& one : kClasses) {
-        if (one.name == std::string_view(name)) return com::make_object<HostObject>(*this, one).template query<IDispatch>();
+        if (one.name == std::string_view(name))
+            return com::make_object<HostObject>(*this, one).template query<IDispatch>();
     }
     return {};
 }

@@ -112,10 +112,17 @@ private:
     std::vector<DWORD> cookies_;
 };
 
+/// What the system answers in the place of the real one: whether each file exists, and whether each program starts.
+inline bool files_exist, programs_start;
+/// The lines of the test that runs.
+inline Notebook* current_notebook;
+
 /// Dialogs on a recorded screen and host, with a registry that is empty at first.
-class RecordedFixture : public ::testing::Test, public platform::Files, public platform::Processes {
+class RecordedFixture : public ::testing::Test {
 protected:
     RecordedFixture() {
+        current_notebook = &notebook;
+        files_exist = programs_start = true;
         for (const std::int32_t root : {platform::kHkeyLocalMachine, platform::kHkeyCurrentUser}) {
             for (const char* branch : {"Norvan", "Tarvex", "BrivolaLite", "Microsoft", "Values"})
                 delete_tree(platform::registry_key(root), std::string("Software\\") + branch);
@@ -125,15 +132,6 @@ protected:
         host.forget_sinks();
         EXPECT_TRUE(registry.open_keys.empty()) << "a key was left open";
         EXPECT_EQ(module.objects(), 0) << "an object of the plug-in was left";
-    }
-
-    bool ordinary_file_exists(const std::u16string& path) override {
-        notebook.line("", "is there " + to_utf8(path));
-        return files_exist;
-    }
-    bool start(const std::u16string& path) override {
-        notebook.line("", "start " + to_utf8(path));
-        return programs_start;
     }
 
     /// What the display list tells of its current display.
@@ -149,10 +147,8 @@ protected:
     Screen screen{notebook};
     RecordedHost host{notebook};
     ObservedRegistry registry;
-    bool files_exist = true;
-    bool programs_start = true;
     com::ModuleLifetime module;
-    Services services{screen, registry, *this, *this, side_code_page(), module, u"C:\\Plugin"};
+    Services services{screen, registry, module, u"C:\\Plugin"};
 };
 
 /// An expected text that begins with a line break of its own, without it.

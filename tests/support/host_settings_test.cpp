@@ -20,7 +20,8 @@ protected:
 
 TEST_F(HostSettings, WhatIsMissingReadsAsTheDefault) {
     EXPECT_EQ(read(u"AppPath"), u"the default");
-    EXPECT_FALSE(Key::opened(platform::registry_key(kHkeyLocalMachine), "Software\\Norvan")) << "reading creates nothing";
+    EXPECT_FALSE(Key::opened(platform::registry_key(kHkeyLocalMachine), "Software\\Norvan"))
+        << "reading creates nothing";
     registry.read_only = true;
     WriteHostSetting(services, u"Brivola3", u"Settings", u"AppPath", u"what cannot be written is dropped silently");
     EXPECT_EQ(read(u"AppPath"), u"the default");
@@ -30,7 +31,8 @@ TEST_F(HostSettings, WhatIsMissingReadsAsTheDefault) {
 
 TEST_F(HostSettings, WritingCreatesTheKeysAsTheyAreNamedAndATextValue) {
     WriteHostSetting(services, u"Brivola3", u" Deeper\\Section ", u"Key\\Name", u"C:\\Firmware");
-    const Key section = Key::opened(platform::registry_key(kHkeyLocalMachine), "Software\\Norvan\\Brivola3\\ Deeper\\Section ");
+    const Key section =
+        Key::opened(platform::registry_key(kHkeyLocalMachine), "Software\\Norvan\\Brivola3\\ Deeper\\Section ");
     ASSERT_TRUE(section);
     EXPECT_EQ(section.get("Key\\Name"), std::pair(std::uint32_t{kRegSz}, bytes_of({"C:\\Firmware\0", 12})));
     WriteHostSetting(services, u"Brivola3", u" Deeper\\Section ", u"Key\\Name", u"12");
@@ -47,7 +49,7 @@ TEST_F(HostSettings, NumbersReadAsDecimalTextAndBytesAsTheDefault) {
 }
 
 TEST_F(HostSettings, AnEnumerationEndsAtANameOf260Characters) {
-    RegistryRoutines routines(registry, side_code_page());
+    RegistryRoutines routines(registry);
     const auto values = [&routines](std::size_t length) {
         machine_key("Software\\Values").set(std::string(length, 'n').c_str(), kRegSz, {'x'});
         auto found = routines.EnumRegistryValues(kHkeyLocalMachine, u"Software\\Values");

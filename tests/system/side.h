@@ -4,19 +4,12 @@
 #include <memory>
 #include <string>
 
-#include "platform/code_page.h"
-#include "platform/files.h"
-#include "platform/processes.h"
-
 namespace vex::test {
 
 class SystemSide {
 public:
     virtual ~SystemSide() = default;
 
-    virtual platform::Files& files() = 0;
-    virtual platform::Processes& processes() = 0;
-    virtual const platform::CodePage& code_page() = 0;
     /// Whether the code page is Windows-1252, as the cases with its characters need.
     virtual bool is_windows_1252() const = 0;
 

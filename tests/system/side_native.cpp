@@ -20,9 +20,6 @@ public:
     }
     ~NativeSystemSide() override { platform::native::on_program_started(nullptr); }
 
-    platform::Files& files() override { return platform::native::files(); }
-    platform::Processes& processes() override { return platform::native::processes(); }
-    const platform::CodePage& code_page() override { return platform::native::code_page(); }
     bool is_windows_1252() const override { return true; }
     std::u16string folder() const override { return u"C:\\contract"; }
     void make_file(const std::u16string& path) override { std::ofstream(platform::native::real_path(path)) << "x"; }

@@ -2,10 +2,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
-#include "simulator/words.h"
 #include "simulator/win32/win32_session.h"
+#include "simulator/words.h"
 #include "tests/system/side.h"
 
 namespace vex::test {
@@ -15,9 +14,6 @@ constexpr char16_t kSign[] = u".ran";
 
 class Win32SystemSide final : public SystemSide {
 public:
-    platform::Files& files() override { return platform::win32::files(); }
-    platform::Processes& processes() override { return platform::win32::processes(); }
-    const platform::CodePage& code_page() override { return platform::win32::code_page(); }
     bool is_windows_1252() const override { return GetACP() == 1252; }
     std::u16string folder() const override { return folder_.path().u16string(); }
     void make_file(const std::u16string& path) override { std::ofstream(std::filesystem::path(path)) << "x"; }

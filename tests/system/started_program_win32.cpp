@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/win32/system.h"
+#include "platform/win32/windows_api.h"
 #include "simulator/win32/win32_session.h"
 
 int main() {

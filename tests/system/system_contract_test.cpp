@@ -3,6 +3,7 @@
 
 #include "core/runtime_error.h"
 #include "platform/library.h"
+#include "platform/system.h"
 #include "tests/system/side.h"
 
 namespace vex::test {
@@ -13,7 +14,7 @@ protected:
     std::unique_ptr<SystemSide> side = make_system_side();
     const std::u16string folder = side->folder() + u"\\";
 
-    bool exists(const std::u16string& path) { return side->files().ordinary_file_exists(path); }
+    bool exists(const std::u16string& path) { return platform::ordinary_file_exists(path); }
 };
 
 TEST_F(SystemContract, OrdinaryFileIsFoundHoweverItsPathIsWritten) {
@@ -42,7 +43,7 @@ TEST_F(SystemContract, PathWithBlanksIsOneProgram) {
     // What a command line that is guessed at would start instead.
     side->make_program(folder + u"serial.exe");
     side->make_program(folder + u"serial tool.exe");
-    EXPECT_TRUE(side->processes().start(folder + u"\\serial tool.exe")) << "doubled separators do not matter";
+    EXPECT_TRUE(platform::start_program(folder + u"\\serial tool.exe")) << "doubled separators do not matter";
     EXPECT_TRUE(side->has_run(folder + u"serial tool.exe"));
     EXPECT_FALSE(side->has_run(folder + u"serial.exe"));
 }
@@ -50,12 +51,12 @@ TEST_F(SystemContract, PathWithBlanksIsOneProgram) {
 TEST_F(SystemContract, NothingIsStartedButTheProgramThatIsThere) {
     side->make_program(folder + u"tool.exe");
     side->make_folder(folder + u"folder.exe");
-    EXPECT_FALSE(side->processes().start(folder + u"missing.exe"));
-    EXPECT_FALSE(side->processes().start(folder + u"tool"));
-    EXPECT_FALSE(side->processes().start(folder + u"tool.exe -x"));
-    EXPECT_FALSE(side->processes().start(u"\"" + folder + u"tool.exe\""));
-    EXPECT_FALSE(side->processes().start(folder + u"folder.exe"));
-    EXPECT_FALSE(side->processes().start(u""));
+    EXPECT_FALSE(platform::start_program(folder + u"missing.exe"));
+    EXPECT_FALSE(platform::start_program(folder + u"tool"));
+    EXPECT_FALSE(platform::start_program(folder + u"tool.exe -x"));
+    EXPECT_FALSE(platform::start_program(u"\"" + folder + u"tool.exe\""));
+    EXPECT_FALSE(platform::start_program(folder + u"folder.exe"));
+    EXPECT_FALSE(platform::start_program(u""));
     EXPECT_FALSE(side->has_run(folder + u"tool.exe"));
 }
 
@@ -66,7 +67,7 @@ TEST_F(SystemContract, OnlyFullPathsLeadAnywhere) {
     for (const std::u16string& path : {std::u16string(u"tool.exe"), below_drive, folder.substr(0, 2) + below_drive,
                                        folder + u"tool.exe" + u'\0', folder + u"tool.exe" + u'\0' + u".bin"}) {
         EXPECT_FALSE(exists(path));
-        EXPECT_FALSE(side->processes().start(path));
+        EXPECT_FALSE(platform::start_program(path));
     }
     EXPECT_FALSE(side->has_run(folder + u"tool.exe"));
 }
@@ -76,16 +77,16 @@ TEST_F(SystemContract, LibrariesAreNotLookedForOnASearchPath) {
 }
 
 TEST_F(SystemContract, TextGoesThroughTheCodePageAndBack) {
-    const platform::CodePage& page = side->code_page();
-    EXPECT_EQ(page.to_ansi(u""), "");
-    EXPECT_EQ(page.from_ansi(""), u"");
+    using platform::from_ansi, platform::to_ansi;
+    EXPECT_EQ(to_ansi(u""), "");
+    EXPECT_EQ(from_ansi(""), u"");
     const std::u16string_view with_null(u"C:\\a\0b", 6);
-    EXPECT_EQ(page.from_ansi(page.to_ansi(with_null)), with_null);
+    EXPECT_EQ(from_ansi(to_ansi(with_null)), with_null);
     if (!side->is_windows_1252()) GTEST_SKIP() << "another code page";
-    EXPECT_EQ(page.to_ansi(u"M\u00FCller \u20AC"), "M\xFCller \x80");
-    EXPECT_EQ(page.from_ansi("M\xFCller \x80"), u"M\u00FCller \u20AC");
-    EXPECT_EQ(page.to_ansi(u"\u5317"), "?");
-    EXPECT_EQ(page.to_ansi(u"C:\uFF3CBIN"), "C:?BIN") << "what looks like a separator is none";
+    EXPECT_EQ(to_ansi(u"M\u00FCller \u20AC"), "M\xFCller \x80");
+    EXPECT_EQ(from_ansi("M\xFCller \x80"), u"M\u00FCller \u20AC");
+    EXPECT_EQ(to_ansi(u"\u5317"), "?");
+    EXPECT_EQ(to_ansi(u"C:\uFF3CBIN"), "C:?BIN") << "what looks like a separator is none";
 }
 
 }  // namespace

@@ -262,8 +262,8 @@ std::string faults_of(const forms::Form& form, Size terminal) {
 
 TEST_F(OnTerminal, ControlsOfOneSizeHaveOneSizeOnEveryScreen) {
     com::ModuleLifetime module;
-    const Services services{toolkit, native::registry(), native::files(), native::processes(), native::code_page(),
-                            module, u"C:\\Brivola"};
+    const Services services{
+        .toolkit = toolkit, .registry = platform::registry(), .module = module, .module_folder = u"C:\\Brivola"};
     dlgFirmwareWizard wizard(services, {});
     dlgDispUpdater run(services);
     dlgHandleSignOption session(services);

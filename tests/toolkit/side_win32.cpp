@@ -1,6 +1,6 @@
 // The Windows side: real windows.
 #include "com/com.h"
-#include "platform/win32/system.h"
+#include "platform/system.h"
 #include "simulator/win32/win32_screen.h"
 #include "tests/toolkit/side.h"
 
@@ -12,7 +12,7 @@ public:
     Win32Side() { OleInitialize(nullptr); }
     ~Win32Side() override { OleUninitialize(); }
 
-    forms::Toolkit& toolkit() override { return platform::win32::desktop(); }
+    forms::Toolkit& toolkit() override { return platform::desktop(); }
     sim::Screen& screen() override { return screen_; }
 
 private:

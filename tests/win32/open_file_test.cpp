@@ -1,4 +1,5 @@
 // The system's own Open dialog, with a user who types a name or cancels.
+#include "platform/system.h"
 #include "platform/win32/windows_api.h"
 
 #include <gtest/gtest.h>
@@ -7,9 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/win32/system.h"
-#include "simulator/words.h"
 #include "simulator/win32/win32_screen.h"
+#include "simulator/words.h"
 
 namespace vex::test {
 namespace {
@@ -52,8 +52,7 @@ protected:
     std::optional<std::u16string> choose(const std::u16string& initial_folder, const std::u16string& last_name = {}) {
         current_user = &user;
         SetTimer(nullptr, 0, 50, look);
-        return platform::win32::desktop().open_file(
-            {initial_folder, last_name, u"Motorola SHX Files(*.SHX)|*.SHX", 0x81000});
+        return platform::desktop().open_file({initial_folder, last_name, u"Motorola SHX Files(*.SHX)|*.SHX", 0x81000});
     }
 
     sim::PrivateFolder folder;

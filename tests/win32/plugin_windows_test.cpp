@@ -7,12 +7,12 @@
 #include <map>
 #include <sstream>
 
-#include "platform/win32/system.h"
 #include "platform/win32/window_name.h"
-#include "simulator/words.h"
+#include "platform/win32/windows_api.h"
 #include "simulator/session.h"
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
+#include "simulator/words.h"
 #include "tests/toolkit/test_user.h"
 #include "tests/win32/handle_counts.h"
 
@@ -133,8 +133,7 @@ TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
     const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, close_top_form);
     run([](sim::Host&, sim::PluginHost& plugin) {
         const char* number = std::getenv("VEX_WIZARDS");
-        expect_no_handle_stays(number == nullptr ? 10 : std::atoi(number),
-                               [&] { plugin.start(); });
+        expect_no_handle_stays(number == nullptr ? 10 : std::atoi(number), [&] { plugin.start(); });
     });
     KillTimer(nullptr, timer);
 }

@@ -2,10 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/class_keys.h"
-#include "platform/win32/system.h"
 #include "platform/win32/windows_api.h"
-#include "simulator/words.h"
 #include "simulator/win32/win32_session.h"
+#include "simulator/words.h"
 
 namespace vex::platform::win32 {
 namespace {

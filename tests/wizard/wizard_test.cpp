@@ -19,16 +19,21 @@ using Fields = std::map<std::string, std::u16string>;
 class Wizard : public RecordedFixture {
 protected:
     Wizard() {
-        notebook.omitted = {"HostDisplayList", "vexDispTrans", "vexLANBoxFinder2", "HostConnection",
-                            "dlgHandleSignOption", "dlgDispUpdater"};
+        notebook.omitted = {"HostDisplayList", "vexDispTrans",        "vexLANBoxFinder2",
+                            "HostConnection",  "dlgHandleSignOption", "dlgDispUpdater"};
         // The display found last is the current one, with the fields of all where it has none of its own.
         host.during["HostDisplayList.FindDisplay"] = [this](DISPPARAMS& given) {
             found_ = com::view(*given.rgvarg[0].pbstrVal);
             host.answers["HostDisplayList.FindDisplay"] = com::Variant::int32(1);
         };
         host.during["HostDisplayList.SelectDisplay"] = [this](DISPPARAMS&) {
-            display({{"SignTypeCode", u"12"}, {"ConnectionType", u"1"}, {"DisplayTypeName", u"Z180 Sign"},
-                     {"ComPort", u"COM1"}, {"ComBaud", u"9600"}, {"PhoneNumber", u"555"}, {"SignIDs", u"7"},
+            display({{"SignTypeCode", u"12"},
+                     {"ConnectionType", u"1"},
+                     {"DisplayTypeName", u"Z180 Sign"},
+                     {"ComPort", u"COM1"},
+                     {"ComBaud", u"9600"},
+                     {"PhoneNumber", u"555"},
+                     {"SignIDs", u"7"},
                      {"FirmwareVersion", u"1.50"}});
             display(displays[found_]);
         };
@@ -38,9 +43,9 @@ protected:
         host.answers["HostDisplayPicker.ShowDisplayPicker"] = com::Variant::text(names);
     }
 
-    /// What the user does: clicks on controls by their names; "@X,Y" is a press in the tree, "=TEXT" what he types as the
-    /// file's name, "?NAMES" what he will pick, "--" forgets what has been written down so far. Answers what has been
-    /// written down.
+    /// What the user does: clicks on controls by their names; "@X,Y" is a press in the tree, "=TEXT" what he types as
+    /// the file's name, "?NAMES" what he will pick, "--" forgets what has been written down so far. Answers what has
+    /// been written down.
     std::string play(const std::vector<std::string>& steps) {
         screen.acts.clear();
         for (const std::string& step : steps) {
@@ -48,8 +53,8 @@ protected:
                 if (step == "--") {
                     notebook.take();
                 } else if (step[0] == '@') {
-                    form.raise_mouse_down(*form.find("picNavTree"), forms::MouseButton::right, std::stof(step.substr(1)),
-                                          std::stof(step.substr(step.find(',') + 1)));
+                    form.raise_mouse_down(*form.find("picNavTree"), forms::MouseButton::right,
+                                          std::stof(step.substr(1)), std::stof(step.substr(step.find(',') + 1)));
                 } else if (step[0] == '=') {
                     form.user_text(static_cast<forms::TextBox&>(*form.find("txtFirmwareFilename")),
                                    from_utf8(step.substr(1)));
@@ -60,7 +65,8 @@ protected:
                 }
             });
         }
-        dlgFirmwareWizard wizard(services, [this](forms::Form& owner) { notebook.line("", "about over " + owner.name()); });
+        dlgFirmwareWizard wizard(services,
+                                 [this](forms::Form& owner) { notebook.line("", "about over " + owner.name()); });
         wizard.show_modal();
         EXPECT_FALSE(wizard.loaded());
         EXPECT_EQ(wizard.find("SSTab1")->tab_index(), 1);
@@ -69,10 +75,10 @@ protected:
 
     /// The values that the external tool finds, a line each, in the order of their names.
     std::string tool_settings() const {
-        RegistryRoutines routines(services.registry, services.code_page);
+        RegistryRoutines routines(services.registry);
         std::set<std::string> lines;
-        for (const auto& [name, value] : routines.EnumRegistryValues(platform::kHkeyCurrentUser,
-                                                                     u"Software\\Tarvex\\nvSerDownload\\Settings"))
+        for (const auto& [name, value] :
+             routines.EnumRegistryValues(platform::kHkeyCurrentUser, u"Software\\Tarvex\\nvSerDownload\\Settings"))
             lines.insert(to_utf8(name + u'=' + value.to_text()) + '\n');
         return std::accumulate(lines.begin(), lines.end(), std::string());
     }
@@ -87,8 +93,9 @@ TEST_F(Wizard, ResettingSkipsTheFirmwareStep) {
     notebook.omitted.erase("HostDisplayList");
     pick(u"A, B");
     displays[u" B"] = {{"DisplayTypeName", u"Other"}, {"ComPort", u"COM2"}, {"ComBaud", u""}, {"PhoneNumber", u""}};
-    EXPECT_EQ(play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdBack", "cmdAbout", "cmdFinish",
-                    "cmdClose"}), log(R"(
+    EXPECT_EQ(
+        play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdBack", "cmdAbout", "cmdFinish", "cmdClose"}),
+        log(R"(
 HostDisplayList new OpenDisplayFile(&"Displays.dat")
 open dlgFirmwareWizard
 set shpNavNodeStart=00FF00 shpNavNodeChooseOpt=808080 shpNavNodesChooseDest=808080 shpNavNodePickFiles=808080 shpNavNodesFinish=808080 lblSignMismatchWarning=hidden picFirmwareFileSect=hidden chkUseExternalApp=hidden lblFinishLoadFirmware=hidden cmdBack=off cmdFinish=off
@@ -125,7 +132,8 @@ TEST_F(Wizard, LoadingRabbitFirmwareReadiesTheExternalTool) {
     WriteHostSetting(services, u"Brivola3", u"Settings", u"AppPath", u"C:\\Host");
     screen.file = u"D:\\fw\\new.bin";
     EXPECT_EQ(play({"cmdNext", "--", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdFirmwareBrowse",
-                    "chkUseExternalApp", "cmdNext", "cmdBack", "cmdFinish", "cmdClose"}), log(R"(
+                    "chkUseExternalApp", "cmdNext", "cmdBack", "cmdFinish", "cmdClose"}),
+              log(R"(
 set SSTab1=2 shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080 cmdNext=off picFirmwareFileSect=shown lblFinishLoadFirmware=shown
 HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "tq-1 - Street" "COM3" "9600" "555"
@@ -170,20 +178,38 @@ TEST_F(Wizard, EveryChoiceReachesTheSession) {
         all.insert(all.end(), {"cmdFinish", "cmdClose"});
         return play(all);
     };
-    EXPECT_THAT(handed_on(u"Z180 Sign", {"=D:\\a.SHX", "@800,2000"}), testing::HasSubstr("DownloadFirmware(&\"D:\\a.SHX\")"));
-    EXPECT_THAT(handed_on(u"TQ-1 - X", {"=D:\\a.BIN", "@800,2000"}), testing::HasSubstr("DownloadFirmwareWithLoader(&\"D:\\a.BIN\", "));
-    EXPECT_THAT(handed_on(u"TQ-1 - X", {"=D:\\a.BIN", "@800,2000", "chkUseExternalApp"}),
-                testing::HasSubstr("start "));
+    EXPECT_THAT(handed_on(u"Z180 Sign", {"=D:\\a.SHX", "@800,2000"}),
+                testing::HasSubstr("DownloadFirmware(&\"D:\\a.SHX\")"));
+    EXPECT_THAT(handed_on(u"TQ-1 - X", {"=D:\\a.BIN", "@800,2000"}),
+                testing::HasSubstr("DownloadFirmwareWithLoader(&\"D:\\a.BIN\", "));
+    EXPECT_THAT(handed_on(u"TQ-1 - X", {"=D:\\a.BIN", "@800,2000", "chkUseExternalApp"}), testing::HasSubstr("start "));
     EXPECT_THAT(handed_on(u"TQ-1 - X", {"=D:\\a.BIN", "@700,900", "optJustResetDisplays", "cmdNext"}),
                 testing::HasSubstr("ResetAndClear()"));
 }
 
 TEST_F(Wizard, TheTickIsHandedOnWhileItsBoxIsHidden) {
     displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}};
-    const std::string all =
-        play({"cmdNext", "opLoadFirmware", "cmdNext", "?A", "cmdChooseDisplay", "cmdNext", "=D:\\a.BIN",
-              "chkUseExternalApp", "cmdBack", "--", "?B", "cmdChooseDisplay", "cmdBack", "optJustResetDisplays", "cmdNext",
-              "?A", "cmdChooseDisplay", "cmdBack", "opLoadFirmware", "cmdFinish", "cmdClose"});
+    const std::string all = play({"cmdNext",
+                                  "opLoadFirmware",
+                                  "cmdNext",
+                                  "?A",
+                                  "cmdChooseDisplay",
+                                  "cmdNext",
+                                  "=D:\\a.BIN",
+                                  "chkUseExternalApp",
+                                  "cmdBack",
+                                  "--",
+                                  "?B",
+                                  "cmdChooseDisplay",
+                                  "cmdBack",
+                                  "optJustResetDisplays",
+                                  "cmdNext",
+                                  "?A",
+                                  "cmdChooseDisplay",
+                                  "cmdBack",
+                                  "opLoadFirmware",
+                                  "cmdFinish",
+                                  "cmdClose"});
     EXPECT_THAT(all, testing::HasSubstr("chkUseExternalApp=hidden"));
     EXPECT_THAT(all, testing::Not(testing::HasSubstr("chkUseExternalApp=shown")));
     EXPECT_THAT(all, testing::HasSubstr("start "));
@@ -193,7 +219,8 @@ TEST_F(Wizard, DifferentTypesAreWarnedOfAndBlockTheWayUnlessOnlyResetting) {
     pick(u"A,B,C");
     displays[u"C"] = {{"DisplayTypeName", u"z180 sign"}};
     EXPECT_EQ(play({"cmdNext", "opLoadFirmware", "cmdNext", "--", "cmdChooseDisplay", "cmdNext", "@700,900",
-                    "optJustResetDisplays", "cmdNext", "cmdNext"}), log(R"(
+                    "optJustResetDisplays", "cmdNext", "cmdNext"}),
+              log(R"(
 HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "Z180 Sign" "COM1" "9600" "555"
 lstvDisplays[1] "B" key "B" tag "" "Z180 Sign" "COM1" "9600" "555"
@@ -208,8 +235,9 @@ close dlgFirmwareWizard
 
 TEST_F(Wizard, TheTreeLeadsStraightToAStepOrBeeps) {
     pick(u"A");
-    EXPECT_EQ(play({"@390,600", "--", "@800,1000", "@800,1500", "@800,2000", "@390,2480", "cmdChooseDisplay", "@800,1500",
-                    "cmdChooseDisplay", "@390,2480"}), log(R"(
+    EXPECT_EQ(play({"@390,600", "--", "@800,1000", "@800,1500", "@800,2000", "@390,2480", "cmdChooseDisplay",
+                    "@800,1500", "cmdChooseDisplay", "@390,2480"}),
+              log(R"(
 set SSTab1=1 shpNavNodeStart=808080 shpNavNodeChooseOpt=00FF00 cmdBack=on
 set SSTab1=2 shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080
 set SSTab1=3 shpNavNodePickFiles=00FF00 shpNavNodesChooseDest=808080 cmdNext=off
@@ -232,9 +260,10 @@ close dlgFirmwareWizard
 TEST_F(Wizard, ARefusedStepStillChecksTheTypes) {
     pick(u"A");
     displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}};
-    EXPECT_EQ(play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdBack", "opLoadFirmware", "--", "@390,2480"}),
-              "lblFirmwareFileNotification: This file will be in Rabbit BIN format.\nset chkUseExternalApp=shown\nbeep\n"
-              "close dlgFirmwareWizard\n");
+    EXPECT_EQ(
+        play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdBack", "opLoadFirmware", "--", "@390,2480"}),
+        "lblFirmwareFileNotification: This file will be in Rabbit BIN format.\nset chkUseExternalApp=shown\nbeep\n"
+        "close dlgFirmwareWizard\n");
 }
 
 TEST_F(Wizard, ButtonsStandUntilTheNextRefresh) {

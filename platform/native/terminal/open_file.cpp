@@ -9,6 +9,7 @@
 #include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "platform/native/terminal/terminal_toolkit.h"
+#include "platform/system.h"
 
 namespace vex::platform::native::terminal {
 namespace {
@@ -62,7 +63,7 @@ std::optional<std::vector<u16string>> names_in(const u16string& folder) {
         std::error_code unreadable;
         const u16string name = from_utf8(file->path().filename().native());
         const bool is_directory = file->is_directory(unreadable);
-        if (!is_directory && !files().ordinary_file_exists(folder + u"\\" + name)) continue;
+        if (!is_directory && !ordinary_file_exists(folder + u"\\" + name)) continue;
         names.push_back(is_directory ? name + u"\\" : name);
     }
     std::sort(names.begin(), names.end(), [](const u16string& left, const u16string& right) {
@@ -93,7 +94,10 @@ public:
             {.control = lstFiles, .name = "lstFiles", .at = {200, 975, 6600, 1950}, .tab_index = 1},
             {.control = lblFilter, .name = "lblFilter", .at = {200, 3120, 4200, 195}, .text = filter},
             {.control = cmdOpen, .name = "cmdOpen", .at = {4600, 3120, 1000, 195}, .text = u"&Open", .tab_index = 2},
-            {.control = cmdCancel, .name = "cmdCancel", .at = {5800, 3120, 1000, 195}, .text = u"Cancel",
+            {.control = cmdCancel,
+             .name = "cmdCancel",
+             .at = {5800, 3120, 1000, 195},
+             .text = u"Cancel",
              .tab_index = 3},
         });
         cmdOpen.is_default = true;

@@ -1,10 +1,12 @@
-// The simulated computer's ANSI code page: Windows-1252.
-#include "platform/native/code_page_1252.h"
-
+// The simulated computer's ANSI code page, Windows-1252: one byte for each character. The five bytes without a
+// character stand for the control characters of the same number, as on Windows, so that every byte survives both ways.
+// What the page cannot hold becomes "?", once for each half of a surrogate pair.
 #include <algorithm>
 #include <iterator>
 
-namespace vex::platform::native {
+#include "platform/system.h"
+
+namespace vex::platform {
 namespace {
 
 /// Bytes 0x80 to 0x9F; all others stand for the character of the same number.
@@ -30,16 +32,16 @@ char16_t to_character(char byte) {
 
 }  // namespace
 
-std::string CodePage1252::to_ansi(std::u16string_view text) const {
+std::string to_ansi(std::u16string_view text) {
     std::string bytes(text.size(), '\0');
     std::transform(text.begin(), text.end(), bytes.begin(), to_byte);
     return bytes;
 }
 
-std::u16string CodePage1252::from_ansi(std::string_view bytes) const {
+std::u16string from_ansi(std::string_view bytes) {
     std::u16string text(bytes.size(), u'\0');
     std::transform(bytes.begin(), bytes.end(), text.begin(), to_character);
     return text;
 }
 
-}  // namespace vex::platform::native
+}  // namespace vex::platform
