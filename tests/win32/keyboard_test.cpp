@@ -67,7 +67,7 @@ TEST_F(KeyboardTest, EnterPressesTheButtonThatHasTheFocusAndElseTheDefaultOne) {
 TEST_F(KeyboardTest, EscPressesTheCancelButtonUnlessItIsDisabledAndMnemonicsChooseTheirControl) {
     form.cmdCancel.set_enabled(false);
     user.then(key(VK_ESCAPE))
-        .then([&] { PostMessageW(GetFocus(), WM_SYSCHAR, u'b', KF_ALTDOWN << 16 | 1); })
+        .then([&] { PostMessageW(focus_window(), WM_SYSCHAR, u'b', KF_ALTDOWN << 16 | 1); })
         .then([&] { form.cmdCancel.set_enabled(true); })
         .then(key(VK_ESCAPE));
     form.show_modal();
@@ -84,13 +84,13 @@ TEST_F(KeyboardTest, FocusLeavesWhatCanNoLongerBeUsed) {
         .then([&] {
             form.pages.set_tab(1);
             EXPECT_NE(focused(), u"text");
-            EXPECT_NE(GetFocus(), nullptr);
+            EXPECT_NE(focus_window(), nullptr);
             SetFocus(window_of(u"list"));
         });
     show([&] {
         form.list.set_visible(false);
         EXPECT_NE(focused(), u"list");
-        EXPECT_TRUE(IsWindowEnabled(GetFocus()) && IsWindowVisible(GetFocus()));
+        EXPECT_TRUE(IsWindowEnabled(focus_window()) && IsWindowVisible(focus_window()));
     });
 }
 
@@ -123,12 +123,12 @@ TEST_F(KeyboardTest, ArrowsAndLettersSelectRowsAndTheMenuKeyIsARightPressThere) 
     show_list({u"Alpha", u"Beta", u"Gamma"});
     user.then(focus(u"list")).then(key(VK_DOWN)).then([&] {
         EXPECT_EQ(form.list.selected(), 1U);
-        SendMessageW(GetFocus(), WM_CONTEXTMENU, 0, -1);
+        SendMessageW(focus_window(), WM_CONTEXTMENU, 0, -1);
         ASSERT_EQ(form.presses.size(), 1U);
         EXPECT_EQ(form.presses[0].button, forms::MouseButton::right);
         EXPECT_GT(form.presses[0].y, static_cast<float>(form.list.row_top(1)));
         EXPECT_LT(form.presses[0].y, static_cast<float>(form.list.row_top(2)));
-        PostMessageW(GetFocus(), WM_CHAR, u'g', 1);
+        PostMessageW(focus_window(), WM_CHAR, u'g', 1);
     });
     show([&] { EXPECT_EQ(form.list.selected(), 2U); });
 }
