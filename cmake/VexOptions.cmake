@@ -3,6 +3,7 @@
 option(VEX_TESTS "Build the tests" ON)
 option(VEX_BENCHMARKS "Build the benchmarks" OFF)
 option(VEX_PRECOMPILE "Read the library's headers once for all rooms" ON)
+option(VEX_JOIN "Compile the sources of the simulated host and of each test program in one go, for a build made once" OFF)
 option(VEX_FUZZ "Build the fuzz targets (clang only)" OFF)
 set(VEX_SANITIZE "" CACHE STRING "Sanitizers, as in address,undefined")
 

@@ -16,7 +16,7 @@ namespace vex::sim {
 namespace {
 
 /// More than any board's memory; a file of that size was chosen by mistake.
-constexpr std::uintmax_t kLargestImage = 64U << 20U;
+constexpr std::uintmax_t kLargestFile = 64U << 20U;
 
 /// A flash loader is written in these: where (two bytes), and what.
 constexpr std::size_t kTriplet = 3;
@@ -81,7 +81,7 @@ std::string read_image(const std::filesystem::path& path, const std::u16string& 
     std::error_code error;
     const auto size = std::filesystem::file_size(path, error);
     if (error) reject(shown, " is no file that can be read");
-    if (size > kLargestImage) reject(shown, " is too large for a display");
+    if (size > kLargestFile) reject(shown, " is too large for a display");
     try {
         return read_file(path);
     } catch (const TextError&) {

@@ -27,7 +27,7 @@ void units(const std::string& text) { Units::parse("a", text); }
 void image(const std::string& text) { check_motorola_image(text, u"a"); }
 void loader(const std::string& text) { check_loader_image(text, u"a"); }
 /// Words with blanks between; a quote stands for an empty one.
-void command_line(const std::string& text) {
+void read_command_line(const std::string& text) {
     std::vector<std::string> words;
     std::istringstream stream(text);
     for (std::string word; stream >> word;) words.push_back(word == "'" ? "" : word);
@@ -99,12 +99,12 @@ TEST(Refusals, NameThePlaceAndTheFault) {
         {image, std::string(kData) + "S5030002FA\n" + kEnd, "a, line 2: record count is 2, but 1 data records stand before it"},
         {loader, "", "a, byte 0: no flash loader"},
         {loader, "abc\x80\x24\x80xyz", "a, byte 3: no flash loader"},
-        {command_line, "run", "run needs a scenario file"},
-        {command_line, "run a.scn b.scn", "only --compare takes several scenarios"},
-        {command_line, "run a.scn --loud", "\"--loud\" is not understood"},
-        {command_line, "'", "\"\" is not understood"},
-        {command_line, "run a.scn --data", "--data needs a value"},
-        {command_line, "--speed 0.01", "\"0.01\" is no speed"},
+        {read_command_line, "run", "run needs a scenario file"},
+        {read_command_line, "run a.scn b.scn", "only --compare takes several scenarios"},
+        {read_command_line, "run a.scn --loud", "\"--loud\" is not understood"},
+        {read_command_line, "'", "\"\" is not understood"},
+        {read_command_line, "run a.scn --data", "--data needs a value"},
+        {read_command_line, "--speed 0.01", "\"0.01\" is no speed"},
     };
     for (const auto& bad : cases) EXPECT_THAT(complaint(bad.read, bad.text), StartsWith(bad.complaint)) << bad.text;
     EXPECT_EQ(complaint(loader, make_loader_image(LoaderKind::line)), "");
