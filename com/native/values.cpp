@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -232,8 +231,9 @@ BSTR SysAllocStringLen(const OLECHAR* text, UINT length) noexcept {
     constexpr std::size_t kOverhead = sizeof(vex::com::StringHeader) + sizeof(OLECHAR);
     if (length > (std::numeric_limits<std::uint32_t>::max() - kOverhead) / sizeof(OLECHAR)) return nullptr;
     const std::size_t bytes = length * sizeof(OLECHAR);
-    auto* header = static_cast<vex::com::StringHeader*>(std::calloc(1, kOverhead + bytes));
+    auto* header = static_cast<vex::com::StringHeader*>(::operator new(kOverhead + bytes, std::nothrow));
     if (header == nullptr) return nullptr;
+    std::memset(static_cast<void*>(header), 0, kOverhead + bytes);
     header->byte_length = static_cast<std::uint32_t>(bytes);
     BSTR result = reinterpret_cast<BSTR>(header + 1);
     if (text != nullptr) std::memcpy(result, text, bytes);
@@ -247,7 +247,7 @@ BSTR SysAllocString(const OLECHAR* text) noexcept {
 }
 
 void SysFreeString(BSTR text) noexcept {
-    if (text != nullptr) std::free(vex::com::header_of(text));
+    if (text != nullptr) ::operator delete(vex::com::header_of(text));
 }
 
 UINT SysStringLen(BSTR text) noexcept {

@@ -26,20 +26,22 @@ bool is_empty(RegistryKey key) {
 bool write_class_text(const std::u16string& key, const std::u16string& name, const std::u16string& text) {
     const std::string bytes = to_ansi(text);
     if (from_ansi(bytes) != text) return false;
+    const std::string value = to_ansi(name);
     RegistryKey handle = 0;
     if (registry().create_key(kClasses, to_ansi(key).c_str(), "", kKeyWrite, {}, handle) != kSuccess) return false;
     const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.c_str());
     const auto size = static_cast<std::uint32_t>(bytes.size() + 1);
-    const bool written = registry().set_value(handle, to_ansi(name).c_str(), kRegSz, data, size) == kSuccess;
+    const bool written = registry().set_value(handle, value.c_str(), kRegSz, data, size) == kSuccess;
     registry().close_key(handle);
     return written;
 }
 
 bool remove_class_text(const std::u16string& key, const std::u16string& name) {
+    const std::string value = to_ansi(name);
     RegistryKey handle = 0;
     std::int32_t result = registry().open_key(kClasses, to_ansi(key).c_str(), kKeyWrite, handle);
     if (result == kSuccess) {
-        result = registry().delete_value(handle, to_ansi(name).c_str());
+        result = registry().delete_value(handle, value.c_str());
         registry().close_key(handle);
     }
     return result == kSuccess || result == kFileNotFound;

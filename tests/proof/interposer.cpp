@@ -5,6 +5,7 @@
 #include "com/variant.h"
 #include "simulator/controls.h"
 #include "simulator/class_library.h"
+#include "tests/proof/memory.h"
 
 namespace vex::proof {
 namespace {
@@ -31,15 +32,18 @@ public:
         : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        const Side host(Side::host);
         const bool own = com::interface_matches<IDispatch>(iid);
         return own ? Object::QueryInterface(iid, object) : inner_->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
                                             DISPID* ids) noexcept override {
+        const Side host(Side::host);
         return inner_->GetIDsOfNames(reserved, names, count, locale, ids);
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
+        const Side host(Side::host);
         const com::ComPtr<Wrapper> alive(this);
         std::u16string call;
         if (meddling_.judge || meddling_.substitute || meddling_.amend)
@@ -86,6 +90,7 @@ private:
 template <class Wrapped>
 DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
     return com::offer_class(host.lifetime, clsid, [&host, &meddling, known = facts<Wrapped>(name)] {
+        const Side side(Side::host);
         if (meddling.judge && meddling.judge(std::u16string(u"new ") + known.name) != Verdict::pass) {
             throw RuntimeError(kAutomationError);
         }

@@ -19,6 +19,7 @@
 #include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
+#include "tests/proof/memory.h"
 #include "wizard/dlg_firmware_wizard.h"
 
 namespace vex::proof {
@@ -72,9 +73,9 @@ public:
     User(const Plan& plan, sim::Host& host, Outcome& outcome, bool& interrupting) noexcept
         : plan_(plan), host_(host), outcome_(outcome), interrupting_(interrupting) {
         const bool loads = plan.mode != Mode::reset;
-        clicks_ = {"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext"};
+        clicks_ = {"cmdAbout", "cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext"};
         if (loads) {
-            clicks_.insert(clicks_.begin() + 1, "opLoadFirmware");
+            clicks_.insert(clicks_.begin() + 2, "opLoadFirmware");
             clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
         }
         if (plan.mode == Mode::external_tool) clicks_.insert(clicks_.end() - 1, "chkUseExternalApp");
@@ -82,26 +83,32 @@ public:
     }
 
     void form_closed(forms::Form& form) override {
+        const Side side(Side::host);
         if (form.name() == "dlgHandleSignOption") cancelled_ = false;
+        if (form.name() == "dlgDispUpdater") look_at_rows(form);
     }
 
     bool act(forms::Form& form) override {
+        const Side side(Side::host);
+        if (form.name() == "frmAbout") return click(form, "cmdOK");
         if (form.name() == "dlgFirmwareWizard") {
             if (clicks_.empty()) return false;
-            form.raise_click(*form.find(std::exchange(clicks_.front(), {})));
+            const char* const button = clicks_.front();
             clicks_.pop_front();
-            return true;
+            return click(form, button);
         }
         return form.name() == "dlgDispUpdater" && look_at_run(form);
     }
 
     void pumped(forms::Form& form) override {
+        const Side side(Side::host);
         const forms::Control* const status = form.find("lblStatus");
         const sim::ScriptedMessage* const message = status == nullptr ? nullptr : host_.read_message(status->caption());
-        if (message != nullptr && message->reaction && plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
+        if (message != nullptr && message->reaction && plan_.moment->cancel) click(form, "cmdCancel");
     }
 
     forms::MessageAnswer answer(const forms::MessageBox&) override {
+        const Side side(Side::host);
         const auto answer = plan_.moment->cancel.value_or(forms::MessageAnswer::ok);
         if (answer == forms::MessageAnswer::yes) {
             cancelled_ = true;
@@ -123,22 +130,33 @@ private:
         return words;
     }
 
-    bool look_at_run(forms::Form& form) {
+    static bool click(forms::Form& form, const char* button) {
+        const Side side(Side::plugin);
+        form.raise_click(*form.find(button));
+        return true;
+    }
+
+    forms::ListView& look_at_rows(forms::Form& form) {
         auto& list = static_cast<forms::ListView&>(*form.find("lstvDisplayStatus"));
         if (outcome_.rows.empty()) {
             outcome_.rows = status_column(list);
             outcome_.units = unit_contents(host_);
             interrupting_ = false;
         }
+        return list;
+    }
+
+    bool look_at_run(forms::Form& form) {
+        forms::ListView& list = look_at_rows(form);
         for (; plan_.retry && next_retry_ < list.row_count(); ++next_retry_) {
             if (outcome_.rows[next_retry_] == u"Updated - ") continue;
             const auto y = static_cast<float>(list.row_top(next_retry_)) + 1;
+            const Side side(Side::plugin);
             form.raise_mouse_down(list, forms::MouseButton::right, 1, y);
             if (!form.running()) return true;
         }
         outcome_.rows_after_retry = status_column(list);
-        form.raise_click(*form.find("cmdClose"));
-        return true;
+        return click(form, "cmdClose");
     }
 
     const Plan& plan_;
@@ -242,8 +260,12 @@ Outcome play(const Plan& plan) {
         namespace native = platform::native;
         const Services services{toolkit, platform::registry(), module, u"C:\\Host"};
         try {
-            dlgFirmwareWizard wizard(services, [](forms::Form&) {});
-            wizard.show_modal();
+            if (plan.start) {
+                plan.start(toolkit);
+            } else {
+                dlgFirmwareWizard wizard(services, [](forms::Form&) {});
+                wizard.show_modal();
+            }
         } catch (const RuntimeError& error) {
             outcome.error = error.number();
             if (outcome.units.empty()) outcome.units = unit_contents(host);

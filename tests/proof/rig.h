@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -42,6 +43,8 @@ struct Plan {
     std::optional<Moment> moment;
     /// The host's operations answer True whatever became of them.
     bool heedless = false;
+    /// Opens the wizard over the toolkit in the plug-in's place; empty: its dialogs themselves.
+    std::function<void(forms::Toolkit& toolkit)> start;
     /// After the run, each row that was not updated is tried again without any interruption.
     bool retry = true;
 };
