@@ -1,4 +1,4 @@
-// The registry seam on the native side: handles, rights and result codes over the stores.
+// The registry seam on the native side: handles, rights and result codes over the store.
 #pragma once
 
 #include <filesystem>
@@ -6,22 +6,19 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 
 #include "platform/native/registry_store.h"
 #include "platform/registry.h"
 
 namespace vex::platform::native {
 
-/// The registry of one computer and of those that it can reach: each is a file "registry", its own in the
-/// computer's folder, theirs in the sub-folders of "remote" named after them. Any thread.
+/// The registry of one computer, which reaches no other one. Any thread.
 class RegistryService final : public Registry {
 public:
-    /// An empty registry in memory, and no other computer.
-    RegistryService();
+    /// An empty registry in memory.
+    RegistryService() { add_predefined_handles(); }
 
-    /// Changes to the registry in `folder`. All handles become invalid. Raises RegistryDamage or std::system_error,
+    /// Changes to the file "registry" in `folder`. All handles become invalid. Raises RegistryDamage or std::system_error,
     /// with the registry before still in place.
     void use_folder(const std::filesystem::path& folder);
 
@@ -44,10 +41,10 @@ public:
     std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept override;
 
 private:
-    /// An open or predefined key.
+    /// An open or predefined key. It keeps no key's values: they go when the key is deleted.
     struct Handle {
-        RegistryStore* store;
-        std::shared_ptr<RegistryNode> key;
+        std::u16string path;
+        std::weak_ptr<RegistryValues> values;
         std::uint32_t access;
     };
 
@@ -55,21 +52,17 @@ private:
     std::int32_t answered(Operation operation) noexcept;
     /// Fails with kInvalidHandle, or with kAccessDenied when it lacks a right.
     const Handle& handle(RegistryKey key, std::uint32_t rights = 0) const;
-    /// The key of a handle as far as it was read. Fails with kKeyDeleted.
-    static RegistryNode& key_of(const Handle& handle);
-    /// The same after reading what other processes have changed.
-    static RegistryNode& current(const Handle& handle);
+    /// The values of its key as far as they were read. Fails with kKeyDeleted.
+    static RegistryValues& values_of(const Handle& handle);
+    /// The handle of a key that is there after reading what other processes have changed. Fails as both of them do.
+    const Handle& current(RegistryKey key, std::uint32_t rights = 0);
     void add_predefined_handles();
-    RegistryKey add_handle(RegistryStore& store, RegistryNode& key, std::uint32_t access);
-    /// Null when there is no such computer.
-    RegistryStore* remote_store(std::string_view computer);
+    RegistryKey add_handle(const std::u16string& path, const std::shared_ptr<RegistryValues>& values,
+                           std::uint32_t access);
 
     std::mutex mutex_;
-    std::filesystem::path folder_;
-    std::unique_ptr<RegistryStore> local_;
-    std::map<std::u16string, std::unique_ptr<RegistryStore>> remotes_;
-    std::unordered_map<RegistryKey, Handle> handles_;
-    std::int32_t last_handle_ = 0;
+    RegistryStore store_;
+    std::map<RegistryKey, Handle> handles_;
 };
 
 }  // namespace vex::platform::native
