@@ -68,7 +68,7 @@ void measure_all(const std::filesystem::path& file) {
     const Action release = [&] { objects.clear(); };
     check(CLSIDFromProgID(platform::win32::wide(kClassName), &clsid));
     check(library->function<decltype(&DllGetClassObject)>("DllGetClassObject")(clsid, IID_IClassFactory,
-                                                                              factory.put_void()));
+                                                                               factory.put_void()));
     const auto create = [&] {
         for (int i = 0; i < kObjects; ++i) {
             check(factory->CreateInstance(nullptr, IID_IDispatch, objects.emplace_back().put_void()));

@@ -41,8 +41,7 @@ struct Server {
 
     std::filesystem::path file;
     platform::Library library;
-    decltype(&DllGetClassObject) get_class_object =
-        library.function<decltype(&DllGetClassObject)>("DllGetClassObject");
+    decltype(&DllGetClassObject) get_class_object = library.function<decltype(&DllGetClassObject)>("DllGetClassObject");
     decltype(&DllCanUnloadNow) can_unload_now = library.function<decltype(&DllCanUnloadNow)>("DllCanUnloadNow");
 };
 

@@ -7,13 +7,15 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
-#include <new>
+#include <map>
+#include <mutex>
 #include <optional>
 #include <string_view>
 #include <system_error>
 
 #include "core/narrow.h"
 #include "core/unicode.h"
+#include "platform/native/registry_store.h"
 #include "platform/system.h"
 
 namespace vex::platform::native {
@@ -53,8 +55,8 @@ std::u16string wide(const char* text) { return text == nullptr ? std::u16string(
 
 std::int32_t answer_data(const RegistryValue& value, std::uint32_t& type, std::uint8_t* data,
                          std::uint32_t& data_size) {
-    const std::string bytes = is_string(value.type) ? to_ansi(text_of(value.data))
-                                                    : std::string(value.data.begin(), value.data.end());
+    const std::string bytes =
+        is_string(value.type) ? to_ansi(text_of(value.data)) : std::string(value.data.begin(), value.data.end());
     const std::uint32_t room = data_size;
     type = value.type;
     data_size = narrowed<std::uint32_t>(bytes.size());
@@ -104,212 +106,231 @@ std::u16string expanded(std::u16string_view text) {
     }
 }
 
-}  // namespace
+class RegistryService final : public NativeRegistry {
+public:
+    RegistryService() { add_predefined_handles(); }
 
-template <class Operation>
-std::int32_t RegistryService::answered(Operation operation) noexcept {
-    try {
+    void use_folder(const std::filesystem::path& folder) override {
+        RegistryStore store(folder / "registry");
+        store.refresh();
         const std::lock_guard lock(mutex_);
-        return operation();
-    } catch (const Failure& failure) {
-        return failure.result;
-    } catch (const RegistryDamage&) {
-        return kRegistryCorrupt;
-    } catch (const std::invalid_argument&) {
-        return kInvalidParameter;
-    } catch (const std::system_error& error) {
-        return result_of(error);
-    } catch (const std::bad_alloc&) {
-        return kNotEnoughMemory;
-    } catch (const std::exception&) {
-        return kRegistryIoFailed;
+        store_ = std::move(store);
+        handles_.clear();
+        add_predefined_handles();
     }
-}
 
-void RegistryService::use_folder(const std::filesystem::path& folder) {
-    RegistryStore store(folder / "registry");
-    store.refresh();
-    const std::lock_guard lock(mutex_);
-    store_ = std::move(store);
-    handles_.clear();
-    add_predefined_handles();
-}
-
-void RegistryService::add_predefined_handles() {
-    for (const auto& [key, path] : kPredefinedKeys) {
-        handles_[registry_key(key)] = {std::u16string(path), store_.keys().find(path), kKeyAllAccess};
+    std::int32_t open_key(RegistryKey parent, const char* path, std::uint32_t access,
+                          RegistryKey& key) noexcept override {
+        key = 0;
+        return answered([&] {
+            const Handle& above = current(parent);
+            const std::u16string full = path_below(above.path, wide(path));
+            const auto values = store_.keys().find(full);
+            if (values == nullptr) return kFileNotFound;
+            key = add_handle(full, values, access);
+            return kSuccess;
+        });
     }
-}
 
-const RegistryService::Handle& RegistryService::handle(RegistryKey key, std::uint32_t rights) const {
-    const auto found = handles_.find(key);
-    if (found == handles_.end()) throw Failure{kInvalidHandle};
-    if ((found->second.access & rights) != rights) throw Failure{kAccessDenied};
-    return found->second;
-}
+    std::int32_t create_key(RegistryKey parent, const char* path, const char* /*class_name*/, std::uint32_t access,
+                            const SecurityAttributes& /*attributes*/, RegistryKey& key) noexcept override {
+        key = 0;
+        return answered([&] {
+            const Handle& above = current(parent);
+            const std::u16string full = path_below(above.path, wide(path));
+            auto values = store_.keys().find(full);
+            if (values == nullptr) {
+                store_.update([&] {
+                    values_of(above);
+                    values = store_.keys().create(full);
+                    return true;
+                });
+            }
+            key = add_handle(full, values, access);
+            return kSuccess;
+        });
+    }
 
-RegistryValues& RegistryService::values_of(const Handle& handle) {
-    const auto values = handle.values.lock();
-    if (values == nullptr) throw Failure{kKeyDeleted};
-    return *values;
-}
+    std::int32_t close_key(RegistryKey key) noexcept override {
+        return answered([&] {
+            static_cast<void>(handle(key));
+            // The predefined ones, which are negative, never really close.
+            if (key > 0) handles_.erase(key);
+            return kSuccess;
+        });
+    }
 
-const RegistryService::Handle& RegistryService::current(RegistryKey key, std::uint32_t rights) {
-    const Handle& found = handle(key, rights);
-    store_.refresh();
-    values_of(found);
-    return found;
-}
-
-RegistryKey RegistryService::add_handle(const std::u16string& path, const std::shared_ptr<RegistryValues>& values,
-                                        std::uint32_t access) {
-    // Positive, which tells it from the predefined ones.
-    const RegistryKey last = std::max<RegistryKey>(handles_.rbegin()->first, 0);
-    const auto key = narrowed<std::int32_t>(last + 4);
-    handles_[key] = {path, values, access};
-    return key;
-}
-
-std::int32_t RegistryService::open_key(RegistryKey parent, const char* path, std::uint32_t access,
-                                       RegistryKey& key) noexcept {
-    key = 0;
-    return answered([&] {
-        const Handle& above = current(parent);
-        const std::u16string full = path_below(above.path, wide(path));
-        const auto values = store_.keys().find(full);
-        if (values == nullptr) return kFileNotFound;
-        key = add_handle(full, values, access);
-        return kSuccess;
-    });
-}
-
-std::int32_t RegistryService::create_key(RegistryKey parent, const char* path, const char* /*class_name*/,
-                                         std::uint32_t access, const SecurityAttributes& /*attributes*/,
-                                         RegistryKey& key) noexcept {
-    key = 0;
-    return answered([&] {
-        const Handle& above = current(parent);
-        const std::u16string full = path_below(above.path, wide(path));
-        auto values = store_.keys().find(full);
-        if (values == nullptr) {
+    std::int32_t delete_key(RegistryKey parent, const char* path) noexcept override {
+        return answered([&] {
+            if (path == nullptr) return kInvalidParameter;
+            const Handle& above = handle(parent);
             store_.update([&] {
                 values_of(above);
-                values = store_.keys().create(full);
+                RegistryKeys& keys = store_.keys();
+                const std::u16string full = path_below(above.path, wide(path));
+                if (keys.find(full) == nullptr) throw Failure{kFileNotFound};
+                if (keys.is_permanent(full) || keys.name_below(full, 0)) throw Failure{kAccessDenied};
+                keys.remove(full);
                 return true;
             });
+            return kSuccess;
+        });
+    }
+
+    std::int32_t delete_value(RegistryKey key, const char* name) noexcept override {
+        return answered([&] {
+            const Handle& holder = handle(key, kSetValue);
+            store_.update([&] {
+                if (values_of(holder).erase(wide(name)) == 0) throw Failure{kFileNotFound};
+                return true;
+            });
+            return kSuccess;
+        });
+    }
+
+    std::int32_t enum_key(RegistryKey key, std::uint32_t index, char* name,
+                          std::uint32_t& name_length) noexcept override {
+        return answered([&]() -> std::int32_t {
+            const auto found = store_.keys().name_below(current(key, kEnumerateSubKeys).path, index);
+            return found ? answer_name(to_ansi(*found), name, name_length) : kNoMoreItems;
+        });
+    }
+
+    std::int32_t enum_value(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length,
+                            std::uint32_t& type, std::uint8_t* data, std::uint32_t& data_size) noexcept override {
+        return answered([&]() -> std::int32_t {
+            const RegistryValues& values = values_of(current(key, kQueryValue));
+            if (index >= values.size()) return kNoMoreItems;
+            const auto& [its_name, value] = *std::next(values.begin(), index);
+            const std::int32_t result = answer_data(value, type, data, data_size);
+            return result == kSuccess ? answer_name(to_ansi(its_name), name, name_length) : result;
+        });
+    }
+
+    std::int32_t query_value(RegistryKey key, const char* name, std::uint32_t& type, std::uint8_t* data,
+                             std::uint32_t& data_size) noexcept override {
+        return answered([&]() -> std::int32_t {
+            const RegistryValues& values = values_of(current(key, kQueryValue));
+            const auto found = values.find(wide(name));
+            return found == values.end() ? kFileNotFound : answer_data(found->second, type, data, data_size);
+        });
+    }
+
+    std::int32_t set_value(RegistryKey key, const char* name, std::uint32_t type, const std::uint8_t* data,
+                           std::uint32_t data_size) noexcept override {
+        return answered([&] {
+            if (data == nullptr && data_size > 0) return kInvalidParameter;
+            RegistryValue value{type, {}};
+            if (is_string(type)) {
+                value.data = data_of(from_ansi({reinterpret_cast<const char*>(data), data_size}));
+            } else {
+                value.data.assign(data, data + data_size);
+            }
+            const Handle& holder = handle(key, kSetValue);
+            store_.update([&] {
+                const auto [place, is_new] = values_of(holder).try_emplace(wide(name), value);
+                // The file already tells what it holds.
+                if (!is_new && place->second == value) return false;
+                place->second = value;
+                return true;
+            });
+            return kSuccess;
+        });
+    }
+
+    std::int32_t connect_registry(const char* computer, RegistryKey root, RegistryKey& key) noexcept override {
+        key = 0;
+        return answered([&] {
+            if (root >= 0) return kInvalidHandle;
+            const Handle& own = handle(root);
+            if (computer != nullptr && *computer != '\0') return kBadNetPath;
+            key = add_handle(own.path, own.values.lock(), kKeyAllAccess);
+            return kSuccess;
+        });
+    }
+
+    std::uint32_t expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept override {
+        std::uint32_t length = 0;
+        const std::int32_t result = answered([&] {
+            const std::string text = to_ansi(expanded(wide(source)));
+            length = narrowed<std::uint32_t>(text.size() + 1);
+            if (length <= capacity) std::memcpy(target, text.c_str(), length);
+            return kSuccess;
+        });
+        return result == kSuccess ? length : 0;
+    }
+
+private:
+    /// An open or predefined key. It keeps no key's values: they go when the key is deleted.
+    struct Handle {
+        std::u16string path;
+        std::weak_ptr<RegistryValues> values;
+        std::uint32_t access;
+    };
+
+    template <class Operation>
+    std::int32_t answered(Operation operation) noexcept {
+        try {
+            const std::lock_guard lock(mutex_);
+            return operation();
+        } catch (const Failure& failure) {
+            return failure.result;
+        } catch (const RegistryDamage&) {
+            return kRegistryCorrupt;
+        } catch (const std::invalid_argument&) {
+            return kInvalidParameter;
+        } catch (const std::system_error& error) {
+            return result_of(error);
+        } catch (...) {
+            return kRegistryIoFailed;
         }
-        key = add_handle(full, values, access);
-        return kSuccess;
-    });
-}
+    }
 
-std::int32_t RegistryService::close_key(RegistryKey key) noexcept {
-    return answered([&] {
-        static_cast<void>(handle(key));
-        // The predefined ones, which are negative, never really close.
-        if (key > 0) handles_.erase(key);
-        return kSuccess;
-    });
-}
+    /// Fails with kInvalidHandle, or with kAccessDenied when it lacks a right.
+    const Handle& handle(RegistryKey key, std::uint32_t rights = 0) const {
+        const auto found = handles_.find(key);
+        if (found == handles_.end()) throw Failure{kInvalidHandle};
+        if ((found->second.access & rights) != rights) throw Failure{kAccessDenied};
+        return found->second;
+    }
 
-std::int32_t RegistryService::delete_key(RegistryKey parent, const char* path) noexcept {
-    return answered([&] {
-        if (path == nullptr) return kInvalidParameter;
-        const Handle& above = handle(parent);
-        store_.update([&] {
-            values_of(above);
-            RegistryKeys& keys = store_.keys();
-            const std::u16string full = path_below(above.path, wide(path));
-            if (keys.find(full) == nullptr) throw Failure{kFileNotFound};
-            if (keys.is_permanent(full) || keys.name_below(full, 0)) throw Failure{kAccessDenied};
-            keys.remove(full);
-            return true;
-        });
-        return kSuccess;
-    });
-}
+    /// The values of its key as far as they were read. Fails with kKeyDeleted.
+    static RegistryValues& values_of(const Handle& handle) {
+        const auto values = handle.values.lock();
+        if (values == nullptr) throw Failure{kKeyDeleted};
+        return *values;
+    }
 
-std::int32_t RegistryService::delete_value(RegistryKey key, const char* name) noexcept {
-    return answered([&] {
-        const Handle& holder = handle(key, kSetValue);
-        store_.update([&] {
-            if (values_of(holder).erase(wide(name)) == 0) throw Failure{kFileNotFound};
-            return true;
-        });
-        return kSuccess;
-    });
-}
+    /// The handle of a key that is there after reading what other processes have changed. Fails as both of them do.
+    const Handle& current(RegistryKey key, std::uint32_t rights = 0) {
+        const Handle& found = handle(key, rights);
+        store_.refresh();
+        values_of(found);
+        return found;
+    }
 
-std::int32_t RegistryService::enum_key(RegistryKey key, std::uint32_t index, char* name,
-                                       std::uint32_t& name_length) noexcept {
-    return answered([&]() -> std::int32_t {
-        const auto found = store_.keys().name_below(current(key, kEnumerateSubKeys).path, index);
-        return found ? answer_name(to_ansi(*found), name, name_length) : kNoMoreItems;
-    });
-}
-
-std::int32_t RegistryService::enum_value(RegistryKey key, std::uint32_t index, char* name, std::uint32_t& name_length,
-                                         std::uint32_t& type, std::uint8_t* data, std::uint32_t& data_size) noexcept {
-    return answered([&]() -> std::int32_t {
-        const RegistryValues& values = values_of(current(key, kQueryValue));
-        if (index >= values.size()) return kNoMoreItems;
-        const auto& [its_name, value] = *std::next(values.begin(), index);
-        const std::int32_t result = answer_data(value, type, data, data_size);
-        return result == kSuccess ? answer_name(to_ansi(its_name), name, name_length) : result;
-    });
-}
-
-std::int32_t RegistryService::query_value(RegistryKey key, const char* name, std::uint32_t& type, std::uint8_t* data,
-                                          std::uint32_t& data_size) noexcept {
-    return answered([&]() -> std::int32_t {
-        const RegistryValues& values = values_of(current(key, kQueryValue));
-        const auto found = values.find(wide(name));
-        return found == values.end() ? kFileNotFound : answer_data(found->second, type, data, data_size);
-    });
-}
-
-std::int32_t RegistryService::set_value(RegistryKey key, const char* name, std::uint32_t type, const std::uint8_t* data,
-                                        std::uint32_t data_size) noexcept {
-    return answered([&] {
-        if (data == nullptr && data_size > 0) return kInvalidParameter;
-        RegistryValue value{type, {}};
-        if (is_string(type)) {
-            value.data = data_of(from_ansi({reinterpret_cast<const char*>(data), data_size}));
-        } else {
-            value.data.assign(data, data + data_size);
+    void add_predefined_handles() {
+        for (const auto& [key, path] : kPredefinedKeys) {
+            handles_[registry_key(key)] = {std::u16string(path), store_.keys().find(path), kKeyAllAccess};
         }
-        const Handle& holder = handle(key, kSetValue);
-        store_.update([&] {
-            const auto [place, is_new] = values_of(holder).try_emplace(wide(name), value);
-            // The file already tells what it holds.
-            if (!is_new && place->second == value) return false;
-            place->second = value;
-            return true;
-        });
-        return kSuccess;
-    });
-}
+    }
 
-std::int32_t RegistryService::connect_registry(const char* computer, RegistryKey root, RegistryKey& key) noexcept {
-    key = 0;
-    return answered([&] {
-        if (root >= 0) return kInvalidHandle;
-        const Handle& own = handle(root);
-        if (computer != nullptr && *computer != '\0') return kBadNetPath;
-        key = add_handle(own.path, own.values.lock(), kKeyAllAccess);
-        return kSuccess;
-    });
-}
+    RegistryKey add_handle(const std::u16string& path, const std::shared_ptr<RegistryValues>& values,
+                           std::uint32_t access) {
+        // Positive, which tells it from the predefined ones.
+        const RegistryKey last = std::max<RegistryKey>(handles_.rbegin()->first, 0);
+        const auto key = narrowed<std::int32_t>(last + 4);
+        handles_[key] = {path, values, access};
+        return key;
+    }
 
-std::uint32_t RegistryService::expand_environment(const char* source, char* target, std::uint32_t capacity) noexcept {
-    std::uint32_t length = 0;
-    const std::int32_t result = answered([&] {
-        const std::string text = to_ansi(expanded(wide(source)));
-        length = narrowed<std::uint32_t>(text.size() + 1);
-        if (length <= capacity) std::memcpy(target, text.c_str(), length);
-        return kSuccess;
-    });
-    return result == kSuccess ? length : 0;
-}
+    std::mutex mutex_;
+    RegistryStore store_;
+    std::map<RegistryKey, Handle> handles_;
+};
+
+}  // namespace
+
+std::unique_ptr<NativeRegistry> make_registry() { return std::make_unique<RegistryService>(); }
 
 }  // namespace vex::platform::native

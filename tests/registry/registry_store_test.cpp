@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "platform/native/registry_service.h"
+#include "platform/native/registry_text.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::platform::native {
@@ -63,7 +64,8 @@ struct Process {
         return text;
     }
 
-    RegistryService service;
+    const std::unique_ptr<NativeRegistry> made = make_registry();
+    NativeRegistry& service = *made;
     std::int32_t result = kSuccess;
 };
 
@@ -267,7 +269,7 @@ TEST_F(RegistryStoreTest, WhereNothingCanBeWrittenNothingChanges) {
 
 TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachineAndRootsStay) {
     Process process(folder);
-    RegistryService& service = process.service;
+    Registry& service = process.service;
     constexpr RegistryKey kClasses = registry_key(kHkeyClassesRoot);
     RegistryKey key = 0;
     ASSERT_EQ(service.create_key(kClasses, "Some.Class\\CLSID", nullptr, kKeyAllAccess, {}, key), kSuccess);
