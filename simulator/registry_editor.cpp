@@ -170,15 +170,16 @@ void RegistryEditor::import(const std::string& file, std::string_view bytes) {
             line = section.line;
             change(imported_path(section), [&](platform::RegistryKey key) {
                 std::int32_t result = platform::kSuccess;
-                for (auto entry = section.entries.begin(); entry != section.entries.end() && result == 0; ++entry) {
-                    const auto& [name, type, data] = entry->value;
-                    if (entry->deleted) {
+                for (const auto& [name, value] : section.entries) {
+                    if (!value) {
                         registry_.delete_value(key, narrow(name).c_str());
-                    } else {
-                        result = set(key, name, type,
-                                     native::is_string(type) ? narrow(native::text_of(data))
-                                                             : std::string(data.begin(), data.end()));
+                        continue;
                     }
+                    const auto& [type, data] = *value;
+                    result = set(key, name, type,
+                                 native::is_string(type) ? narrow(native::text_of(data))
+                                                         : std::string(data.begin(), data.end()));
+                    if (result != platform::kSuccess) break;
                 }
                 return result;
             });

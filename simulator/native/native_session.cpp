@@ -10,7 +10,7 @@ namespace native = platform::native;
 
 std::filesystem::path NativeMachine::real_path(const std::u16string& path) { return native::real_path(path); }
 
-void NativeMachine::hide(const std::u16string& path) { native::set_hidden(path, true); }
+void NativeMachine::hide(const std::u16string& path) { native::hide(path); }
 
 void NativeMachine::on_program_started(std::function<void(const std::u16string&)> listener) {
     native::on_program_started(std::move(listener));

@@ -1,4 +1,4 @@
-// An automation object whose references and calls a test can count.
+// An automation object whose references a test can count.
 #pragma once
 
 #include "tests/shared/late_object.h"
@@ -11,21 +11,14 @@ inline ModuleLifetime& test_module() {
     return instance;
 }
 
-/// Its default property has the value that it was given.
 class CountedObject final : public test::LateObject<CountedObject> {
 public:
-    explicit CountedObject(SHORT value = 0) noexcept : LateObject(test_module()), value_(value) {}
+    CountedObject() noexcept : LateObject(test_module()) {}
 
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) noexcept override {
-        if (member != DISPID_VALUE || (flags & DISPATCH_PROPERTYGET) == 0) return DISP_E_MEMBERNOTFOUND;
-        result->vt = VT_I2;
-        result->iVal = value_;
-        return S_OK;
+        return DISP_E_MEMBERNOTFOUND;
     }
-
-private:
-    SHORT value_;
 };
 
 }  // namespace vex::com

@@ -19,21 +19,21 @@ void require(bool condition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    RegistryTree tree;
+    RegistryKeys keys;
     try {
-        tree.apply(read_registry(bytes));
+        keys.apply(read_registry(bytes));
     } catch (const RegistryDamage& damage) {
         // In UTF-16, too, each break has its byte.
         const auto breaks = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
         require(damage.line() >= 1 && damage.line() <= breaks + 2);
         return 0;
     }
-    const std::string text = tree.text();
-    RegistryTree again;
+    const std::string text = keys.text();
+    RegistryKeys again;
     again.apply(read_registry(text));
     require(again.text() == text);
 
-    static RegistryTree lasting;
+    static RegistryKeys lasting;
     lasting.take(again);
     require(lasting.text() == text);
     return 0;

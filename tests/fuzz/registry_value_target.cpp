@@ -45,7 +45,7 @@ RegistryData take_answer(const std::uint8_t*& data, std::size_t& rest) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static platform::native::RegistryService registry;
+    static platform::Registry& registry = *platform::native::make_registry().release();
     EnumeratedValues enumeration(registry);
     while (size > 0) {
         const RegistryData answer = take_answer(data, size);

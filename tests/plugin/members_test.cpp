@@ -51,16 +51,12 @@ HRESULT call_slot(IUnknown* object, std::size_t slot, Arguments... arguments) {
     return reinterpret_cast<Method>((*reinterpret_cast<void***>(object))[slot])(object, arguments...);
 }
 
-/// What a member has answered; an icon is a picture as wide as 16 pixels of 1/96 inch.
+/// What a member has answered.
 std::string shown(const VARIANT& value) {
     if (value.vt == VT_BSTR) return to_utf8(com::view(value.bstrVal));
     if (value.vt == VT_I2 || value.vt == VT_BOOL) return std::to_string(value.iVal);
     if (value.vt != VT_DISPATCH || value.pdispVal == nullptr) return "";
-    const auto picture = com::ComPtr<IDispatch>(value.pdispVal).query<IPicture>();
-    SHORT type = 0;
-    OLE_XSIZE_HIMETRIC width = 0;
-    const bool told = picture && picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK;
-    return told && type == PICTYPE_ICON && width >= 422 && width <= 424 ? "icon" : "no icon";
+    return is_icon(*value.pdispVal) ? "icon" : "no icon";
 }
 
 using Members = PluginTest;

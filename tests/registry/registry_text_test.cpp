@@ -14,16 +14,16 @@ const std::string kHeader(kRegistryHeader);
 
 /// What a text says once it is read and written again, without the header.
 std::string rewritten(const std::string& text) {
-    RegistryTree tree;
-    tree.apply(read_registry(text));
-    const std::string written = tree.text();
+    RegistryKeys keys;
+    keys.apply(read_registry(text));
+    const std::string written = keys.text();
     return written.substr(std::min(written.size(), written.find("\n[")));
 }
 
 /// 0: there is none.
 std::size_t line_of_damage(const std::string& text) {
     try {
-        read_registry(text);
+        RegistryKeys().apply(read_registry(text));
         return 0;
     } catch (const RegistryDamage& damage) {
         return damage.line();
@@ -42,7 +42,7 @@ TEST(RegistryText, AnExportOfTheRealThingIsRead) {
               "\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3]\n@=\"Brivola\"\n"
               "\"AppPath\"=\"C:\\\\Program Files\\\\Brivola\\\\\"\n\"Count\"=dword:0000002a\n"
               "\"Home\"=hex(2):25,00,48,00,25,00,00,00\n\"Nothing\"=hex(0):\n\"Quoted \\\"name\\\"\"=\"Zürich €\"\n"
-              "\"Two lines\"=hex(1):31,00,0d,00,0a,00,32,00,00,00\n\"Window\"=hex:2c,00,ff,ff,16,1d,00\n");
+              "\"Two lines\"=\"1\r\n2\"\n\"Window\"=hex:2c,00,ff,ff,16,1d,00\n");
 }
 
 TEST(RegistryText, PeopleMayWriteItLoosely) {
