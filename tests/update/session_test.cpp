@@ -16,7 +16,7 @@ using testing::HasSubstr;
 class Session : public RecordedFixture {
 protected:
     Session() {
-        display({{"DisplayName", u"Main Street"}, {"FirmwareVersion", u"1.50"}, {"ConnectionType", u"1"},
+        display({{"DisplayName", u"Main Street"}, {"FirmwareVersion", u"1.41"}, {"ConnectionType", u"1"},
                  {"ComPort", u"COM1"}, {"ComBaud", u"9600"}, {"PhoneNumber", u"555"}, {"NetworkAddress", u"10.0.0.7"},
                  {"SignIDs", u"7"}});
         notebook.omitted = {"HostDisplayList"};
@@ -142,8 +142,10 @@ start C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 close dlgHandleSignOption
 )"));
     }
+    // Without the tool, the preparation alone is the outcome.
     files_exist = false;
-    EXPECT_FALSE(play(u"D:\\fw\\new.BIN", true, true));
+    host.answers.erase("vexDispTrans.PrepareForFirmware");
+    EXPECT_TRUE(play(u"D:\\fw\\new.BIN", true, true));
     EXPECT_EQ(notebook.take().find("start"), std::string::npos);
 }
 
@@ -154,6 +156,8 @@ TEST_F(Session, RefusesFirmwareForATq1BoardThatCannotTakeItAndForNoOther) {
     EXPECT_EQ(notebook.take().find("HostConnection"), std::string::npos);
     EXPECT_TRUE(play(u"D:\\fw\\new.SHX"));
     EXPECT_TRUE(play(u"", true)) << "any board can be reset";
+    display({{"FirmwareVersion", u"KQS 1"}});
+    EXPECT_TRUE(play(u"D:\\fw\\new.BIN", true));
 }
 
 TEST_F(Session, AConnectionThatDoesNotOpenEndsIt) {
@@ -161,6 +165,12 @@ TEST_F(Session, AConnectionThatDoesNotOpenEndsIt) {
     EXPECT_FALSE(play(u""));
     EXPECT_EQ(log_from("lblStatus: Connection"), "lblStatus: Connection Problem\nlblStatus: Unable to open connection "
                                                  "to display!\nclose dlgHandleSignOption\n");
+}
+
+TEST_F(Session, AnUnknownKindOfConnectionIsTheNetwork) {
+    display({{"ConnectionType", u"7"}});
+    EXPECT_TRUE(play(u""));
+    EXPECT_THAT(notebook.take(), HasSubstr("new ConnectionType=I2 2 NetworkAddress=\"10.0.0.7\" ComPort=\"COM1\" "));
 }
 
 TEST_F(Session, TheControlMayReplaceTheConnection) {

@@ -160,8 +160,9 @@ RAM File=C:\Host\BIN\FIRMWARE\SL-RCM2000B.BIN
 ROM File=D:\fw\new.bin
 )"));
     EXPECT_EQ(ReadHostSetting(services, u"Brivola3", u"Firmware", u"LastFilePath", u""), u"D:\\fw");
+    EXPECT_EQ(registry.writes, 7) << "these, and AppPath above";
     // Only resetting, too; what the tool could not use stays as it was.
-    displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}, {"ComPort", u"CO1"}, {"ComBaud", u"0 baud"}};
+    displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}, {"ComPort", u"COm1"}, {"ComBaud", u"0 baud"}};
     pick(u"A");
     play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdFinish", "cmdClose"});
     EXPECT_EQ(tool_settings(), "Com Baud=9600\nCom Port=COM3:\nPhone Number=555\n"
@@ -310,7 +311,11 @@ TEST_F(Wizard, TheRecentDisplaysNameIsOneInTheListAndTwoInTheRun) {
     displays[u"A,B"] = {{"SignTypeCode", u"165"}, {"ConnectionType", u"1"}};
     EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext"}), testing::HasSubstr("lstvDisplays[0] "));
     displays[u"A,B"] = {{"SignTypeCode", u"165"}, {"ConnectionType", u"2"}};
-    EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext"}), testing::Not(testing::HasSubstr("lstvDisplays[0] ")));
+    std::vector<std::string> steps = {"cmdNext", "opLoadFirmware", "cmdNext"};
+    EXPECT_THAT(play(steps), testing::Not(testing::HasSubstr("lstvDisplays[0] ")));
+    // Only resetting they are listed, and stay when that changes.
+    steps.insert(steps.end(), {"cmdBack", "optJustResetDisplays", "cmdNext", "cmdBack", "opLoadFirmware", "cmdNext"});
+    EXPECT_THAT(play(steps), testing::HasSubstr("lstvDisplays[0] "));
 }
 
 }  // namespace
