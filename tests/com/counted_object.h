@@ -1,7 +1,7 @@
 // An automation object whose references and calls a test can count.
 #pragma once
 
-#include "tests/shared/late_object.h"
+#include "com/object.h"
 
 namespace vex::com {
 
@@ -12,10 +12,13 @@ inline ModuleLifetime& test_module() {
 }
 
 /// Its default property has the value that it was given.
-class CountedObject final : public test::LateObject<CountedObject> {
+class CountedObject final : public Object<CountedObject, Untyped<IDispatch>> {
 public:
-    explicit CountedObject(SHORT value = 0) noexcept : LateObject(test_module()), value_(value) {}
+    explicit CountedObject(SHORT value = 0) noexcept : Object(test_module()), value_(value) {}
 
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override {
+        return DISP_E_UNKNOWNNAME;
+    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                                      UINT*) noexcept override {
         if (member != DISPID_VALUE || (flags & DISPATCH_PROPERTYGET) == 0) return DISP_E_MEMBERNOTFOUND;
