@@ -145,15 +145,6 @@ TEST(SplitWords, QuotesAndComments) {
     EXPECT_THAT(split_words(u"type=\"a b\" phone=\"\" x\"y\"z"), ElementsAre(u"type=a b", u"phone=", u"xyz"));
 }
 
-TEST(AsWord, IsReadBack) {
-    for (const std::u16string text : {u"", u"plain", u"two words", u"\"", u"#no comment", u"a\"b", u"tab\there", u" ",
-                                      u"C:\\Host\\", u"\u00C4\u20AC"}) {
-        EXPECT_THAT(split_words(u"x " + as_word(text) + u" y"), ElementsAre(u"x", text, u"y"));
-    }
-    EXPECT_EQ(as_word(u"plain"), u"plain");
-    EXPECT_EQ(in_quotes(u"line\r\nbreak"), u"\"line  break\"");
-}
-
 // ---- The units behind a display
 
 Display display_with(std::u16string ids) {

@@ -95,11 +95,6 @@ TEST(TerminalScreen, TakesSequencesAsTheyAreHoweverTheyCome) {
             process.send(bytes.substr(split));
             expect("in two", lines);
         }
-        for (const char byte : bytes) {
-            process.send({&byte, 1});
-            usleep(2'000);
-        }
-        expect("in bytes", lines);
         all += bytes;
         all_lines += lines;
     }

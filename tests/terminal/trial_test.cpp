@@ -46,41 +46,6 @@ TEST(Picker, SearchesAndChecksByKeyAndMouse) {
     EXPECT_FALSE(toolkit.ended());
 }
 
-TEST(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
-    std::ostream nowhere(nullptr);
-    Trace trace(nowhere, true);
-    NativeMachine computer;
-    Host host(trace, computer);
-    Display main;
-    main.name = u"Main";
-    main.ids = u"1,20";
-    host.put_display(main);
-    host.units.set_slaves(u"Main", 1, {.y = 0, .x = 2});
-    RunProgress progress(host);
-    progress.begin_run({u"Main", u"Second"});
-    using enum LinkEvent::Kind;
-    // After each event: the unit of four (two masters, and two slaves behind one of them), and the run's share.
-    constexpr auto kOpen = Operation::OpenConnection, kLoad = Operation::DownloadFirmware;
-    const std::tuple<LinkEvent::Kind, Operation, const char16_t*, std::size_t, double> events[] = {
-        {begins, kOpen, u"Main", 0, 0}, {begins, kLoad, u"Main", 1, 0}, {transfers, kLoad, u"Main", 1, 0.0625},
-        {ends, kLoad, u"Main", 1, 0.125}, {begins, kLoad, u"Main", 2, 0.125}, {begins, kOpen, u"Second", 0, 0.5},
-        // Done again, a display is a run of its own.
-        {begins, kOpen, u"Main", 0, 0}, {transfers, kLoad, u"Main", 0, 0},
-    };
-    for (const auto& [kind, operation, display, unit, share] : events) {
-        LinkEvent event;
-        event.kind = kind;
-        event.call.operation = operation;
-        event.call.display = display;
-        event.percent = 50;
-        event.succeeded = true;
-        progress.follow(event);
-        EXPECT_EQ(progress.unit_number(), unit);
-        EXPECT_DOUBLE_EQ(progress.run_share(), share);
-    }
-    EXPECT_EQ(progress.displays(), 1U);
-}
-
 TerminalProcess program(const char* terminal) {
     return TerminalProcess([](int) { execl(VEX_PROGRAM, "brivola-sim", "--speed", "2", nullptr); }, terminal);
 }

@@ -130,13 +130,19 @@ close dlgHandleSignOption
 
 TEST_F(Session, LeavesRabbitFirmwareToTheExternalTool) {
     WriteHostSetting(services, u"Brivola3", u"Settings", u"AppPath", u"C:\\Host\\");
+    host.during["vexDispTrans.PrepareForFirmware"] = [this](DISPPARAMS&) { host.raise("vexDispTrans", u"It is locked"); };
     for (const bool prepared : {true, false}) {
         host.answers["vexDispTrans.PrepareForFirmware"] = com::Variant::boolean(prepared);
         EXPECT_EQ(play(u"D:\\fw\\new.BIN", true, true), prepared);
+        EXPECT_EQ(status, u"It is locked") << "the control's last word";
         EXPECT_EQ(log_from("OpenConnection"), log(R"(
 OpenConnection(&HostConnection)
 lblStatus: Connection Open
-vexDispTrans PrepareForFirmware() CloseConnection()
+vexDispTrans PrepareForFirmware()
+pump
+lblStatus: It is locked
+pump
+vexDispTrans CloseConnection()
 is there C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 start C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 close dlgHandleSignOption
