@@ -72,7 +72,7 @@ TEST(HostileValues, InEveryFieldOfEveryHostObject) {
             if (field.starts_with(u"new ") || !tried_fields.insert(field).second) continue;
             for (std::size_t i = 0; i < values.size(); ++i) {
                 SCOPED_TRACE(std::string(name_of(mode)) + " " + to_utf8(field) + " value " + std::to_string(i));
-                plan.substitute = [&](const std::u16string& call) {
+                plan.meddle = [&](const std::u16string& call) {
                     return call == field ? std::optional(values[i]) : std::nullopt;
                 };
                 check(play(plan));

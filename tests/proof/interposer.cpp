@@ -41,39 +41,25 @@ public:
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         const com::ComPtr<Wrapper> alive(this);
-        std::u16string call;
-        if (meddling_.judge || meddling_.substitute || meddling_.amend)
-            call = facts_.name + (u"." + facts_.member_name(id, flags));
-        switch (meddling_.judge ? meddling_.judge(call) : Verdict::pass) {
-            case Verdict::pass:
-                break;
-            case Verdict::answer_false:
-                if (result != nullptr) *result = com::Variant::boolean(false).detach();
+        return guarded_invoke(exception, [&] {
+            const std::u16string call = facts_.name + (u"." + facts_.member_name(id, flags));
+            if (auto answer = meddling_.before(call); answer && result != nullptr) {
+                *result = answer->detach();
                 return S_OK;
-            case Verdict::raise:
-                if (exception != nullptr) {
-                    *exception = {};
-                    exception->scode = static_cast<HRESULT>(0x800A0000U + kRaisedNumber);
-                    exception->bstrDescription = com::allocate_bstr(u"raised by the test");
-                }
-                return DISP_E_EXCEPTION;
-        }
-        if (auto answer = meddling_.substitute ? meddling_.substitute(call) : std::nullopt;
-            answer && result != nullptr) {
-            *result = answer->detach();
-            return S_OK;
-        }
-        const HRESULT outcome =
-            inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
-        if (SUCCEEDED(outcome) && result != nullptr && meddling_.amend) meddling_.amend(call, *result);
-        if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
-            // Sign information is the only object that the host gives away.
-            static const ClassFacts kSignInfo = facts<sim::SignInfoObject>(u"HostSignInfo");
-            auto wrapped =
-                com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
-            result->pdispVal = wrapped.detach();
-        }
-        return outcome;
+            }
+            const HRESULT outcome =
+                inner_->Invoke(id, reserved, locale, flags, parameters, result, exception, argument_error);
+            if (FAILED(outcome) || result == nullptr) return outcome;
+            meddling_.after(call, *result);
+            if (result->vt == VT_DISPATCH) {
+                // Sign information is the only object that the host gives away.
+                static const ClassFacts kSignInfo = facts<sim::SignInfoObject>(u"HostSignInfo");
+                result->pdispVal = com::make_object<Wrapper>(host_, meddling_, kSignInfo,
+                                                             com::ComPtr<IDispatch>::adopt(result->pdispVal))
+                                       .detach();
+            }
+            return outcome;
+        });
     }
 
 private:
@@ -86,9 +72,7 @@ private:
 template <class Wrapped>
 DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
     return com::offer_class(host.lifetime, clsid, [&host, &meddling, known = facts<Wrapped>(name)] {
-        if (meddling.judge && meddling.judge(std::u16string(u"new ") + known.name) != Verdict::pass) {
-            throw RuntimeError(kAutomationError);
-        }
+        meddling.before(std::u16string(u"new ") + known.name);
         auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host).detach());
         return com::make_object<Wrapper>(host, meddling, known, std::move(inner));
     });

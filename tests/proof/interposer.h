@@ -11,26 +11,19 @@
 
 namespace vex::proof {
 
-/// What becomes of a call: it happens, it happens not and answers False, or it raises an error.
-enum class Verdict { pass, answer_false, raise };
-
-/// The number of the errors that the interposer raises.
+/// The number of the errors that tests raise.
 inline constexpr std::int32_t kRaisedNumber = 1234;
 
-/// "Class.Member", or "new Class" for a creation, where answer_false and raise both mean that it fails.
-using Judge = std::function<Verdict(const std::u16string& call)>;
-
-/// What the host answers to a call in place of its own answer; nothing: its own.
-using Substitute = std::function<std::optional<com::Variant>(const std::u16string& call)>;
+/// What becomes of a call, "Class.Member": nothing: it happens; a value: it does not, and is answered so; an error that
+/// is thrown here: it raises that one. Of a creation, "new Class": an error makes it fail.
+using Meddle = std::function<std::optional<com::Variant>(const std::u16string& call)>;
 
 /// Changes what a call has answered.
 using Amend = std::function<void(const std::u16string& call, VARIANT& answer)>;
 
-/// How the interposer meddles; what is empty does nothing.
 struct Meddling {
-    Judge judge;
-    Substitute substitute;
-    Amend amend;
+    Meddle before;
+    Amend after;
 };
 
 /// While it lives, the host's objects that the plug-in creates or is given are wrapped. Needs an initialised
