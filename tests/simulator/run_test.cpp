@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 
 #include "simulator/native/native_session.h"
@@ -94,15 +93,6 @@ TEST(Run, KeepsItsDataWhereItIsTold) {
     EXPECT_THAT(third.out, EndsWith("unit \"B\" 1: empty\nunit \"B\" 3: as delivered\n"));
     // Without a folder a run knows of nothing.
     EXPECT_THAT(run("units").out, IsEmpty());
-}
-
-TEST(Run, FailsWhereItsTraceCannotBeWritten) {
-    CommandLine options;
-    options.plugin = VEX_PLUGIN_LIBRARY;
-    std::ofstream full("/dev/full");
-    std::ostringstream errors;
-    EXPECT_EQ(NativeSession(options).play_text("a.scn", "display A\nunits\n", {}, full, errors), kFailed);
-    EXPECT_EQ(errors.str(), "the trace cannot be written\n");
 }
 
 TEST(Run, SaysWhyThereIsNoPlugin) {
