@@ -1,10 +1,9 @@
 // Windows only, for its loader: the system's own loader reads the type library in the plug-in's resources, and calls by
 // it.
-#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 
+#include "core/digits.h"
 #include "core/unicode.h"
 #include "plugin/contract.h"
 #include "plugin/type_library/writer.h"
@@ -49,11 +48,7 @@ std::string guid_text(REFGUID guid) {
     return text;
 }
 
-std::string hex_text(std::uint32_t number) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "0x%X", static_cast<unsigned>(number));
-    return text.data();
-}
+std::string hex_text(std::uint32_t number) { return "0x" + to_utf8(digits_of(number, 16)); }
 
 std::string simple_type_text(VARTYPE type) {
     switch (type) {
@@ -66,15 +61,14 @@ std::string simple_type_text(VARTYPE type) {
     }
 }
 
-std::string parameter_flags_text(std::uint32_t flags) {
-    constexpr std::array<std::pair<std::uint32_t, const char*>, 4> kNames = {
-        {{1, "in"}, {2, "out"}, {8, "retval"}, {0x10, "optional"}}};
-    std::string text;
-    for (const auto& [flag, name] : kNames) {
-        if ((flags & flag) != 0) text += (text.empty() ? "" : ", ") + std::string(name);
+std::string parameter_flags_text(USHORT flags) {
+    switch (flags) {
+        case PARAMFLAG_FIN: return "[in] ";
+        case PARAMFLAG_FIN | PARAMFLAG_FOUT: return "[in, out] ";
+        case PARAMFLAG_FIN | PARAMFLAG_FOUT | PARAMFLAG_FOPT: return "[in, out, optional] ";
+        case PARAMFLAG_FOUT | PARAMFLAG_FRETVAL: return "[out, retval] ";
+        default: return "[" + hex_text(flags) + "] ";
     }
-    if ((flags & ~0x1BU) != 0) text += " and " + hex_text(flags & ~0x1BU);
-    return "[" + text + "] ";
 }
 
 TYPEATTR attributes_of(ITypeInfo& type) {
