@@ -238,22 +238,22 @@ TEST_F(OnTerminal, FollowsTheSizeTakesNoInputWhileItIsTooSmallAndEndsWithTheProc
 /// The controls of a form that are cut, or have another size in cells than others of their size; and the buttons that
 /// meet another control or whose captions are short.
 std::string faults_of(const forms::Form& form, Size terminal) {
-    using forms::ControlKind;
+    using enum forms::ControlKind;
     std::string faults;
-    std::map<std::tuple<ControlKind, int, int>, Point> sizes;
+    std::map<std::tuple<forms::ControlKind, int, int>, std::pair<int, int>> sizes;
     const std::vector<PlacedControl> controls = lay_out(form, scale_for(terminal));
     for (const PlacedControl& placed : controls) {
         const forms::Control& control = *placed.control;
-        const auto [kind, place, cells] = std::tuple(control.kind(), control.place(), placed.cells);
-        if (kind == ControlKind::label || kind == ControlKind::line || kind == ControlKind::option_button) continue;
-        const Point size{cells.width(), cells.height()};
-        bool good = sizes.try_emplace({kind, place.width, place.height}, size).first->second == size;
-        good = good && cells.meet(placed.clip) == cells;
+        const Area& cells = placed.cells;
+        if (control.kind() == label || control.kind() == line || control.kind() == option_button) continue;
+        const std::pair size(cells.width(), cells.height());
+        const auto known = sizes.try_emplace({control.kind(), control.place().width, control.place().height}, size);
+        bool good = known.first->second == size && cells.meet(placed.clip) == cells;
+        if (control.kind() == button) good = good && !placed.lines.front().ends_with(U'…');
         for (const PlacedControl& other : controls) {
-            if (kind != ControlKind::button || &other == &placed) continue;
-            if (other.control->parent() != control.parent()) continue;
+            if (control.kind() != button || &other == &placed || other.control->parent() != control.parent()) continue;
             const Area common = other.cells.meet(cells);
-            good = good && (common.width() <= 0 || common.height() <= 0) && !placed.lines.front().ends_with(U'…');
+            good = good && (common.width() <= 0 || common.height() <= 0);
         }
         if (!good) faults += control.name() + "; ";
     }
