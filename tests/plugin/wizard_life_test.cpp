@@ -1,8 +1,4 @@
-// Native only, for its scripted user: wizards opened by the entry class, and what keeps the library loaded
-// meanwhile.
-#include <functional>
-
-#include "forms/scripted_toolkit.h"
+// Native only, for its recorded screen: wizards opened by the entry class, and what keeps the library loaded meanwhile.
 #include "platform/native/machine.h"
 #include "tests/plugin/plugin_fixture.h"
 #include "tests/shared/notebook.h"
@@ -10,12 +6,11 @@
 namespace vex::plugin_test {
 namespace {
 
-/// Does what the test says on each dialog that opens, then closes it.
-class WizardLife : public PluginTest, public forms::ScriptedUser {
+class WizardLife : public PluginTest {
 protected:
     void SetUp() override {
         PluginTest::SetUp();
-        platform::native::set_desktop(&toolkit_);
+        platform::native::set_desktop(&screen);
         entry = make(kEntryClass).detach();
     }
     void TearDown() override {
@@ -23,43 +18,39 @@ protected:
         platform::native::set_desktop(nullptr);
         PluginTest::TearDown();
     }
-    void form_opened(forms::Form& form) override { on_open(form); }
-    void form_closed(forms::Form& form) override { closed.push_back(form.name()); }
 
     Outcome start() { return call(*entry, kStartPlugin, DISPATCH_METHOD); }
 
-    std::function<void(forms::Form&)> on_open;
-    std::vector<std::string> closed;
+    test::Notebook notebook;
+    test::Screen screen{notebook};
+    test::RecordedHost host{notebook};
     IDispatch* entry = nullptr;
-
-private:
-    test::Notebook notebook_;
-    test::RecordedHost host_{notebook_};
-    forms::ScriptedToolkit toolkit_{*this};
 };
 
 TEST_F(WizardLife, TheLibraryStaysWhileAWizardIsOpenEvenWithoutItsObject) {
-    on_open = [this](forms::Form&) {
+    screen.acts = {[this](forms::Form&) {
         EXPECT_EQ(can_unload_now(), S_FALSE);
         std::exchange(entry, nullptr)->Release();
         EXPECT_EQ(can_unload_now(), S_FALSE) << "the wizard is still open";
-    };
+    }};
     EXPECT_EQ(start().result, S_OK);
-    EXPECT_EQ(closed, std::vector<std::string>{"dlgFirmwareWizard"});
+    EXPECT_TRUE(notebook.take().ends_with("close dlgFirmwareWizard\n"));
     EXPECT_EQ(can_unload_now(), S_OK);
 }
 
 TEST_F(WizardLife, TheAboutBoxIsOneForAllWizards) {
     int boxes = 0;
-    on_open = [&](forms::Form& form) {
-        if (form.name() == "frmAbout") {
-            if (boxes++ == 0) form.find("cmdOK")->set_caption(u"seen");
-            EXPECT_EQ(form.find("cmdOK")->caption(), u"seen");
-        } else {
-            for (int i = 0; i < 2; ++i) form.raise_click(*form.find("cmdAbout"));
-        }
+    const auto open_twice = [](forms::Form& wizard) {
+        for (int i = 0; i < 2; ++i) wizard.raise_click(*wizard.find("cmdAbout"));
     };
+    const auto look = [&boxes](forms::Form& about) {
+        if (boxes++ == 0) about.find("cmdOK")->set_caption(u"seen");
+        EXPECT_EQ(about.find("cmdOK")->caption(), u"seen");
+        about.raise_click(*about.find("cmdOK"));
+    };
+    screen.acts = {open_twice, look, look};
     EXPECT_EQ(start().result, S_OK);
+    screen.acts = {open_twice, look, look};
     EXPECT_EQ(call(*entry, kStartFrameFeature, DISPATCH_METHOD, {com::Variant::object_reference(&entry)}).result, S_OK);
     EXPECT_EQ(boxes, 4);
 }
