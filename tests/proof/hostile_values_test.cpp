@@ -35,13 +35,11 @@ std::vector<com::Variant> hostile_values() {
     values.push_back(com::Variant::boolean(false));
     values.push_back(com::Variant::object(nullptr));
     values.emplace_back();
-    com::Variant null;
-    null.get().vt = VT_NULL;
-    values.push_back(null);
-    com::Variant error;
-    error.get().vt = VT_ERROR;
-    error.get().scode = DISP_E_PARAMNOTFOUND;
-    values.push_back(error);
+    for (const VARTYPE none : {VT_NULL, VT_ERROR}) {
+        values.emplace_back();
+        values.back().get().vt = none;
+        values.back().get().scode = DISP_E_PARAMNOTFOUND;
+    }
     return values;
 }
 
