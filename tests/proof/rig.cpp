@@ -67,7 +67,9 @@ public:
     User(const Plan& plan, sim::Host& host, Outcome& outcome, bool& interrupting) noexcept
         : plan_(plan), host_(host), outcome_(outcome), interrupting_(interrupting) {
         const bool loads = plan.mode != Mode::reset;
-        clicks_ = {"cmdNext", loads ? "opLoadFirmware" : "optJustResetDisplays", "cmdNext", "cmdChooseDisplay", "cmdNext"};
+        clicks_ = {"cmdNext"};
+        if (loads) clicks_.push_back("opLoadFirmware");
+        clicks_.insert(clicks_.end(), {"cmdNext", "cmdChooseDisplay", "cmdNext"});
         if (plan.mode == Mode::external_tool) clicks_.push_back("chkUseExternalApp");
         if (loads) clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
         clicks_.push_back("cmdFinish");

@@ -29,17 +29,13 @@ TEST(Picker, SearchesAndChecksByKeyAndMouse) {
         picker.show_modal();
         return picker.answer();
     };
-    screen.keys(U"⏎");
-    screen.look([&] { EXPECT_EQ(screen.beeps, 1) << "there is nothing to take yet"; });
-    screen.keys(U"↓⇲ ");
+    // There is nothing to take yet; then a row by key and one by mouse.
+    screen.keys(U"⏎↓⇲ ");
     screen.look([&] { screen.click(screen.find(U"☐ Platform 1")); });
     screen.keys(U"⏎");
     EXPECT_EQ(choose({}), u"Platform 1,Platform 2") << "in the host's order";
-    screen.keys(U"müL");
-    screen.look([&] { EXPECT_TRUE(!screen.shows("Platform") && screen.shows("\n Enter Check All 1 ")); });
-    screen.keys(U"⏎x");
-    screen.look([&] { EXPECT_TRUE(screen.shows("No display has this")); });
-    screen.keys(U"⏎⌫⏎");
+    EXPECT_EQ(screen.beeps, 1);
+    screen.keys(U"müL⏎⏎");
     EXPECT_EQ(choose(u"北口,gone"), u"Café Müller,北口") << "with the choice of the last time";
     screen.keys(U"⎋");
     EXPECT_EQ(choose(u"北口"), u"");

@@ -130,17 +130,17 @@ close dlgHandleSignOption
 
 TEST_F(Session, LeavesRabbitFirmwareToTheExternalTool) {
     WriteHostSetting(services, u"Brivola3", u"Settings", u"AppPath", u"C:\\Host\\");
-    host.during["vexDispTrans.PrepareForFirmware"] = [this](DISPPARAMS&) { host.raise("vexDispTrans", u"It is locked"); };
+    host.during["vexDispTrans.PrepareForFirmware"] = [this](DISPPARAMS&) { host.raise("vexDispTrans", u"Locked"); };
     for (const bool prepared : {true, false}) {
         host.answers["vexDispTrans.PrepareForFirmware"] = com::Variant::boolean(prepared);
         EXPECT_EQ(play(u"D:\\fw\\new.BIN", true, true), prepared);
-        EXPECT_EQ(status, u"It is locked") << "the control's last word";
+        EXPECT_EQ(status, u"Locked") << "the control's last word";
         EXPECT_EQ(log_from("OpenConnection"), log(R"(
 OpenConnection(&HostConnection)
 lblStatus: Connection Open
 vexDispTrans PrepareForFirmware()
 pump
-lblStatus: It is locked
+lblStatus: Locked
 pump
 vexDispTrans CloseConnection()
 is there C:\Host\\BIN\FIRMWARE\nvSerDownload.exe

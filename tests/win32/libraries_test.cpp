@@ -1,5 +1,5 @@
-// Libraries: where the Windows side looks for them, what a clean-up may remove of them, and that the plug-in's leaves the
-// process when the last reference is given back, and lets the threads that used it end.
+// Libraries: where the Windows side looks for them, what a clean-up may remove of them, and that the plug-in's leaves
+// the process when the last reference is given back, and lets the threads that used it end.
 #include <gtest/gtest.h>
 
 #include "com/bstr.h"

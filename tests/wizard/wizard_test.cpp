@@ -211,6 +211,7 @@ set SSTab1=2 shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080 lblSignMism
 set SSTab1=4 shpNavNodesChooseDest=808080 shpNavNodesFinish=00FF00 cmdNext=off
 close dlgFirmwareWizard
 )"));
+    EXPECT_EQ(registry.writes, 0) << "nothing is written before the end";
 }
 
 TEST_F(Wizard, TheTreeLeadsStraightToAStepOrBeeps) {
