@@ -1,19 +1,16 @@
 // Fuzz target: any bytes as a registry's file. What is read must come out the same when it is written and read
-// again, and when it takes the place of what was read before; what is damaged must be told with a line of the text.
+// again, also in UTF-16, and when it takes the place of what was read before; what is damaged must be told with a line
+// of the text.
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
+#include "core/unicode.h"
 #include "platform/native/registry_store.h"
 #include "tests/fuzz/target.h"
 
 namespace {
 
 using namespace vex::platform::native;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 }  // namespace
 
@@ -32,6 +29,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     RegistryKeys again;
     again.apply(read_registry(text));
     require(again.text() == text);
+
+    const std::vector<std::uint8_t> wide = data_of(u'\xFEFF' + vex::from_utf8(text));
+    RegistryKeys exported;
+    exported.apply(read_registry({reinterpret_cast<const char*>(wide.data()), wide.size()}));
+    require(exported.text() == text);
 
     static RegistryKeys lasting;
     lasting.take(again);

@@ -1,6 +1,5 @@
 // Fuzz target: any type, size and data as the registry's answers to reads and to an enumeration.
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
 #include "core/runtime_error.h"
@@ -11,10 +10,6 @@
 namespace {
 
 using namespace vex;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// The only errors that conversions raise.
 void require_known(const RuntimeError& error) {

@@ -5,7 +5,6 @@
 
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <utility>
@@ -20,6 +19,7 @@
 #include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "tests/proof/memory.h"
+#include "tests/shared/temporary_folder.h"
 #include "wizard/dlg_firmware_wizard.h"
 
 namespace vex::proof {
@@ -27,22 +27,17 @@ namespace {
 
 using platform::native::real_path;
 
-void write_file(const std::u16string& path, const std::string& content) {
-    const std::filesystem::path real = real_path(path);
-    std::filesystem::create_directories(real.parent_path());
-    std::ofstream(real, std::ios::binary) << content;
-}
-
 /// The machine of all plans: there before the first test, gone after the last while the runtime still stands.
 class Machine final : public ::testing::Environment {
     void SetUp() override {
         folder_.emplace();
-        platform::native::use_machine_folder(folder_->path());
-        for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_->path() / drive);
-        write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
-        write_file(u"D:\\fw\\new.BIN", "image");
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image(sim::LoaderKind::line));
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
+        platform::native::use_machine_folder(*folder_ / "machine");
+        folder_->write("machine/drive_d/fw/new.SHX",
+                       "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
+        folder_->write("machine/drive_d/fw/new.BIN", "image");
+        folder_->write("machine/drive_c/Host/BIN/FIRMWARE/SL-RCM2000B.BIN",
+                       sim::make_loader_image(sim::LoaderKind::line));
+        folder_->write("machine/drive_c/Host/BIN/FIRMWARE/nvSerDownload.exe", "tool");
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }
     void TearDown() override {
@@ -50,7 +45,7 @@ class Machine final : public ::testing::Environment {
         folder_.reset();
     }
 
-    std::optional<sim::PrivateFolder> folder_;
+    std::optional<test::TemporaryFolder> folder_;
 };
 
 [[maybe_unused]] auto* const environment = ::testing::AddGlobalTestEnvironment(new Machine);
@@ -73,12 +68,11 @@ public:
     User(const Plan& plan, sim::Host& host, Outcome& outcome, bool& interrupting) noexcept
         : plan_(plan), host_(host), outcome_(outcome), interrupting_(interrupting) {
         const bool loads = plan.mode != Mode::reset;
-        clicks_ = {"cmdAbout", "cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext"};
-        if (loads) {
-            clicks_.insert(clicks_.begin() + 2, "opLoadFirmware");
-            clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
-        }
-        if (plan.mode == Mode::external_tool) clicks_.insert(clicks_.end() - 1, "chkUseExternalApp");
+        clicks_ = {"cmdAbout", "cmdNext"};
+        if (loads) clicks_.push_back("opLoadFirmware");
+        clicks_.insert(clicks_.end(), {"cmdNext", "cmdChooseDisplay", "cmdNext"});
+        if (plan.mode == Mode::external_tool) clicks_.push_back("chkUseExternalApp");
+        if (loads) clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
         clicks_.push_back("cmdFinish");
     }
 
@@ -196,13 +190,8 @@ void equip(sim::Host& host, const Plan& plan) {
 }  // namespace
 
 const char* name_of(Mode mode) noexcept {
-    switch (mode) {
-        case Mode::reset: return "reset";
-        case Mode::firmware: return "firmware";
-        case Mode::flash_loader: return "flash loader";
-        case Mode::external_tool: return "external tool";
-    }
-    return "?";
+    constexpr const char* kNames[] = {"reset", "firmware", "flash loader", "external tool"};
+    return kNames[static_cast<std::size_t>(mode)];
 }
 
 std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16string>& calls) {
@@ -232,23 +221,16 @@ Outcome play(const Plan& plan) {
         bool interrupting = true;
         User user(plan, host, outcome, interrupting);
         Meddling meddling;
-        meddling.judge = [&](const std::u16string& call) {
-            if (!interrupting) return Verdict::pass;
+        meddling.before = [&](const std::u16string& call) -> std::optional<com::Variant> {
+            if (!interrupting) return std::nullopt;
             outcome.calls.push_back(call);
             if (user.cancelled() && call.starts_with(u"vexDispTrans.")) outcome.calls_after_cancel.push_back(call);
-            return plan.judge ? plan.judge(call) : Verdict::pass;
+            return plan.meddle ? plan.meddle(call) : std::nullopt;
         };
-        if (plan.substitute) {
-            meddling.substitute = [&](const std::u16string& call) {
-                return interrupting ? plan.substitute(call) : std::nullopt;
-            };
-        }
-        if (plan.heedless) {
-            meddling.amend = [&](const std::u16string& call, VARIANT& answer) {
-                if (interrupting && call.starts_with(u"vexDispTrans.") && answer.vt == VT_BOOL)
-                    answer.boolVal = VARIANT_TRUE;
-            };
-        }
+        meddling.after = [&](const std::u16string& call, VARIANT& answer) {
+            const bool heedless = plan.heedless && interrupting && call.starts_with(u"vexDispTrans.");
+            if (heedless && answer.vt == VT_BOOL) answer.boolVal = VARIANT_TRUE;
+        };
         if (plan.moment) {
             host.links.add_message({std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
                                    {u"Just a moment", [] {}, false});

@@ -37,9 +37,8 @@ struct Plan {
     Mode mode = Mode::reset;
     /// 1 to 3 for the interruption tests; the first of three has slaves, the second is on the network.
     std::size_t displays = 1;
-    Judge judge;
     /// Until the run is over.
-    Substitute substitute;
+    Meddle meddle;
     std::optional<Moment> moment;
     /// The host's operations answer True whatever became of them.
     bool heedless = false;
