@@ -14,8 +14,6 @@
 namespace vex::test {
 namespace {
 
-using Fields = std::map<std::string, std::u16string>;
-
 class Wizard : public RecordedFixture {
 protected:
     Wizard() {
@@ -83,7 +81,7 @@ protected:
         return std::accumulate(lines.begin(), lines.end(), std::string());
     }
 
-    std::map<std::u16string, Fields> displays;
+    std::map<std::u16string, std::map<std::string, std::u16string>> displays;
 
 private:
     std::u16string found_;
