@@ -85,6 +85,8 @@ TEST_F(FormsTest, PressesComeToTheTopmostControlInItsOwnTwips) {
         press(x, y);
     dialog.panel_label.on_mouse_down = nullptr;
     press(450, 1000);  // it takes this and does nothing with it
+    dialog.panel_label.set_visible(false);
+    press(450, 1000);  // it is not there
     press(450, 450);   // a shape takes none
     dialog.panel.set_enabled(false);
     press(150, 150);
@@ -92,7 +94,7 @@ TEST_F(FormsTest, PressesComeToTheTopmostControlInItsOwnTwips) {
     for (const auto& [control, button, x, y] : dialog.presses)
         presses += control + std::to_string(static_cast<int>(x)) + ',' + std::to_string(static_cast<int>(y)) + ' ';
     EXPECT_EQ(presses, "panel_label0,0 panel_label899,194 panel299,900 panel1200,900 panel300,899 panel300,1095 "
-                       "panel450,450 ");
+                       "panel450,1000 panel450,450 ");
 }
 
 TEST_F(FormsTest, TheViewIsToldOfChangesAndOfNothingElse) {

@@ -8,7 +8,6 @@
 #include "simulator/automation.h"
 #include "simulator/class_library.h"
 #include "simulator/native/native_session.h"
-#include "tests/shared/error_of.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
@@ -34,15 +33,6 @@ protected:
     Host host_{trace_, machine_};
     std::optional<HostClasses> classes_;
 };
-
-TEST_F(ObjectsTest, WrongCallsGetTheUsualErrors) {
-    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"NoSuchMember"); }), kMemberNotSupported);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"ComPort", {com::Variant::int16(1)}); }), kWrongArgumentCount);
-    const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
-    // Its settings are write-only.
-    EXPECT_EQ(test::error_of([&] { call_late(*connection, u"ComPort"); }), kMemberNotSupported);
-}
 
 /// Nothing is converted: an argument is of the declared kind, or it is refused with its place.
 TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {

@@ -103,6 +103,7 @@ lblStatus: Closing Connection
 
 TEST_F(Session, LoadsRabbitFirmwareWithTheFlashLoaderOverTheNetwork) {
     display({{"ConnectionType", u"2"}});
+    EXPECT_FALSE(play(u"D:\\fw\\new.BIN", true)) << "not unless it is switched on";
     WriteHostSetting(services, u"Brivola3", u"Settings", u"EnableXPort", u"True");
     host.during["vexLANBoxFinder2.FindBoxes"] = [this](DISPPARAMS&) {
         host.raise("vexLANBoxFinder2", u"an UDS");
