@@ -224,8 +224,10 @@ void check(const Travel& travel, const Travel& whole) {
     }
 }
 
-/// Every allocation only when it is asked for: otherwise so many steps apart.
-std::size_t stride() { return std::getenv("VEX_EVERY_ALLOCATION") == nullptr ? 37 : 1; }
+std::size_t number(const char* variable, std::size_t otherwise) {
+    const char* const text = std::getenv(variable);
+    return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
+}
 
 TEST(Memory, MayEndAtEveryAllocation) {
     plugin();
@@ -234,9 +236,11 @@ TEST(Memory, MayEndAtEveryAllocation) {
     ASSERT_TRUE(whole.all_well());
     const std::size_t all = memory.counted;
     ASSERT_EQ(whole.outcome.rows_after_retry, (std::vector<std::u16string>(2, u"Updated - ")));
+    // Every allocation only when it is asked for, by a step of 1.
+    const std::size_t first = number("VEX_MEMORY_FIRST", 1), step = number("VEX_MEMORY_STEP", 37);
     std::size_t tried = 0;
     for (const bool to_the_end : {false, true}) {
-        for (std::size_t refused = to_the_end ? 2 : 1; refused <= all; refused += stride(), ++tried) {
+        for (std::size_t refused = first; refused <= all; refused += step, ++tried) {
             SCOPED_TRACE((to_the_end ? "from allocation " : "allocation ") + std::to_string(refused));
             const long alive = memory.alive;
             check(travel(refused, to_the_end), whole);
