@@ -66,33 +66,29 @@ BENCHMARK(enumerate_settings)->Arg(100)->Arg(1'000)->Unit(benchmark::kMicrosecon
 // ---- Dialogs, for a user who closes whatever is shown
 
 /// A simulated host with displays of its own, and what a plug-in beside it is given.
-class Bed {
-public:
-    explicit Bed(std::int64_t displays) : host_(trace_, computer_) {
-        host_.display_file = platform::native::real_path(u"C:\\Displays.dat");
+struct Bed {
+    explicit Bed(std::int64_t displays) {
+        host.display_file = platform::native::real_path(u"C:\\Displays.dat");
         for (std::int64_t i = 0; i < displays; ++i) {
             sim::Display display;
             display.name = u"Display " + decimal_text(i);
             display.port = u"COM" + decimal_text(i);
             names += (i == 0 ? u"" : u",") + display.name;
-            host_.put_display(std::move(display));
+            host.put_display(std::move(display));
         }
-        host_.save_displays();
+        host.save_displays();
     }
 
-private:
-    forms::ScriptedUser user_;
-    forms::ScriptedToolkit toolkit_{user_};
-    com::ModuleLifetime module_;
-    std::ostringstream nowhere_;
-    sim::Trace trace_{nowhere_, true};
-    sim::NativeMachine computer_;
-    sim::Host host_;
-    const sim::HostClasses classes_{host_};
-
-public:
+    std::ostringstream nowhere;
+    sim::Trace trace{nowhere, true};
+    sim::NativeMachine computer;
+    sim::Host host{trace, computer};
+    const sim::HostClasses classes{host};
     std::u16string names;
-    const Services services{toolkit_, platform::registry(), module_, u"C:\\Host"};
+    forms::ScriptedUser user;
+    forms::ScriptedToolkit toolkit{user};
+    com::ModuleLifetime module;
+    const Services services{toolkit, platform::registry(), module, u"C:\\Host"};
 };
 
 void open_wizard(benchmark::State& state) {

@@ -34,7 +34,8 @@ struct ClassRegistration {
     ComPtr<IUnknown> factory;
 };
 
-/// An in-process server that the thread has loaded; others may have loaded it, too, each for itself.
+/// An in-process server that the thread has loaded; others may have loaded it, too, each for itself. It goes with the
+/// thread at the latest.
 struct Server {
     /// Raises RuntimeError where there is no such library, or it is no server.
     explicit Server(const std::filesystem::path& its_file) : file(its_file), library(its_file) {}

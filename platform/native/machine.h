@@ -25,8 +25,8 @@ const std::filesystem::path& machine_folder();
 std::filesystem::path real_path(const std::u16string& path);
 /// The drive-letter path of a real file, on Z: unless it lies on one of the machine's drives.
 std::u16string drive_path(const std::filesystem::path& path);
-/// Hides a file or folder that is there: adds its name to its folder's list of hidden names (the file ".hidden", as file
-/// managers read it). Raises std::system_error.
+/// Hides a file or folder that is there: adds its name to its folder's list of hidden names (the file ".hidden", as
+/// file managers read it). Raises std::system_error.
 void hide(const std::u16string& path);
 
 /// Told the path of each program that is started; null: programs really start nothing and are forgotten.

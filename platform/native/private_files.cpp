@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <system_error>
@@ -28,6 +29,13 @@ bool write_all(int descriptor, std::string_view bytes) noexcept {
     return true;
 }
 
+/// Puts a file in another's place in one step. Where the system can exchange the two, that takes a fraction of the
+/// time: to rename one over the other, ext4 first writes it to the disk.
+bool take_place(const char* fresh, const char* path) noexcept {
+    if (::renameat2(AT_FDCWD, fresh, AT_FDCWD, path, RENAME_EXCHANGE) != 0) return ::rename(fresh, path) == 0;
+    return ::unlink(fresh) == 0;
+}
+
 }  // namespace
 
 bool make_private_folder(const std::filesystem::path& folder) {
@@ -44,7 +52,7 @@ void replace_private_file(const std::filesystem::path& path, std::string_view by
     const bool written = write_all(descriptor, bytes) && ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
     int reason = written ? 0 : errno;
     if (::close(descriptor) != 0 && reason == 0) reason = errno;
-    if (reason == 0 && ::rename(fresh.c_str(), path.c_str()) != 0) reason = errno;
+    if (reason == 0 && !take_place(fresh.c_str(), path.c_str())) reason = errno;
     if (reason == 0) return;
     ::unlink(fresh.c_str());
     fail(reason, path.native());

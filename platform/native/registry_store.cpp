@@ -58,7 +58,9 @@ void require_possible(std::u16string_view path) {
 
 bool NameOrder::operator()(std::u16string_view left, std::u16string_view right) const noexcept {
     const auto rank = [](char16_t character) { return character == u'\\' ? u'\0' : to_upper(character); };
-    return std::ranges::lexicographical_compare(left, right, {}, rank, rank);
+    // Most paths begin alike, and are spelled alike so far.
+    const auto [from_left, from_right] = std::ranges::mismatch(left, right);
+    return std::ranges::lexicographical_compare(from_left, left.end(), from_right, right.end(), {}, rank, rank);
 }
 
 std::u16string path_below(std::u16string_view above, std::u16string_view path) {
