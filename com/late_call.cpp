@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -62,6 +63,11 @@ private:
 
 RuntimeError error_of(HRESULT result, std::u16string description) {
     return numbered_error(number_of(result), std::move(description));
+}
+
+bool succeeded(HRESULT result) {
+    if (result == E_OUTOFMEMORY) throw std::bad_alloc();
+    return SUCCEEDED(result);
 }
 
 Variant invoke(IDispatch& object, DISPID member, WORD flags, std::initializer_list<Variant> arguments) {

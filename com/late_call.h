@@ -13,6 +13,9 @@ namespace vex::com {
 /// empty. A result code without an automation error number is the number itself.
 RuntimeError error_of(HRESULT result, std::u16string description = {});
 
+/// Whether a call succeeded. Raises std::bad_alloc where memory has ended, whatever else a failure would mean.
+bool succeeded(HRESULT result);
+
 /// Calls a member with `flags` (a set of DISPATCH_...); the arguments stand as they are written. Raises the error
 /// that the object raised, or that of the result code.
 Variant invoke(IDispatch& object, DISPID member, WORD flags, std::initializer_list<Variant> arguments = {});

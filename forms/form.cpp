@@ -115,15 +115,9 @@ bool Form::unload_as(UnloadMode mode) {
     return true;
 }
 
-bool Form::may_unload(UnloadMode mode) noexcept {
-    bool cancel = false;
-    guarded([this, &cancel, mode] { Form_QueryUnload(cancel, mode); });
-    return !cancel;
-}
-
-void Form::Form_QueryUnload(bool& /*cancel*/, UnloadMode /*mode*/) {}
-
-void Form::guarded(const std::function<void()>& handler) noexcept {
+// A template, since a handler kept as std::function might need memory that has ended.
+template <class Handler>
+void Form::guarded(const Handler& handler) noexcept {
     try {
         handler();
     } catch (...) {
@@ -131,6 +125,14 @@ void Form::guarded(const std::function<void()>& handler) noexcept {
         if (fault_ == nullptr) fault_ = std::current_exception();
     }
 }
+
+bool Form::may_unload(UnloadMode mode) noexcept {
+    bool cancel = false;
+    guarded([this, &cancel, mode] { Form_QueryUnload(cancel, mode); });
+    return !cancel;
+}
+
+void Form::Form_QueryUnload(bool& /*cancel*/, UnloadMode /*mode*/) {}
 
 void Form::raise_activate() noexcept {
     guarded([this] { Form_Activate(); });

@@ -126,7 +126,8 @@ private:
 
     void add_in_keyboard_order(const Control* container, std::vector<Control*>& order) const;
     int keyboard_position(const Control& control) const noexcept;
-    void guarded(const std::function<void()>& handler) noexcept;
+    template <class Handler>
+    void guarded(const Handler& handler) noexcept;
     bool unload_as(UnloadMode mode);
     void changed(Control& control, Change change);
 

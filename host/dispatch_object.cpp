@@ -18,7 +18,7 @@ com::Variant converted(const com::Variant& value, VARTYPE type) {
 
 com::ComPtr<IDispatch> create(REFCLSID clsid, const char16_t* name) {
     com::ComPtr<IDispatch> object;
-    if (FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IDispatch, object.put_void()))) {
+    if (!com::succeeded(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IDispatch, object.put_void()))) {
         throw RuntimeError(kCannotCreateObject, std::u16string(u"ActiveX component can't create object: ") + name);
     }
     return object;
@@ -31,7 +31,7 @@ com::ComPtr<IDispatch> create_object(REFCLSID clsid, const char16_t* name) { ret
 com::ComPtr<IDispatch> create_object(const char16_t* programmatic_id) {
     CLSID clsid = GUID_NULL;
     // An unknown identifier leaves the null class id, which cannot be created: one error for both.
-    if (FAILED(CLSIDFromProgID(reinterpret_cast<const OLECHAR*>(programmatic_id), &clsid))) clsid = GUID_NULL;
+    if (!com::succeeded(CLSIDFromProgID(reinterpret_cast<const OLECHAR*>(programmatic_id), &clsid))) clsid = GUID_NULL;
     return create(clsid, programmatic_id);
 }
 
@@ -79,7 +79,7 @@ DISPID DispatchObject::member_id(const char16_t* name) const {
     if (known != ids_.end()) return known->second;
     DISPID member = DISPID_UNKNOWN;
     auto* ole_name = const_cast<OLECHAR*>(reinterpret_cast<const OLECHAR*>(name));
-    if (FAILED(object_->GetIDsOfNames(IID_NULL, &ole_name, 1, LOCALE_USER_DEFAULT, &member))) {
+    if (!com::succeeded(object_->GetIDsOfNames(IID_NULL, &ole_name, 1, LOCALE_USER_DEFAULT, &member))) {
         throw RuntimeError(kMemberNotSupported,
                            std::u16string(u"Object doesn't support this property or method: ") + name);
     }

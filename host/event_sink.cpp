@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "com/boundary.h"
+#include "com/late_call.h"
 #include "core/runtime_error.h"
 #include "host/dispatch_object.h"
 #include "platform/event_source.h"
@@ -31,7 +32,7 @@ public:
         return guarded_invoke(exception, [&] {
             com::Variant text;
             // The event's argument is a reference to the text.
-            if (FAILED(VariantCopyInd(text.put(), &parameters->rgvarg[0]))) throw RuntimeError(kTypeMismatch);
+            if (!com::succeeded(VariantCopyInd(text.put(), &parameters->rgvarg[0]))) throw RuntimeError(kTypeMismatch);
             handler_(to_text(text));
         });
     }
@@ -46,7 +47,7 @@ EventConnection::EventConnection(IUnknown& object, std::u16string_view name, DIS
                                  com::ModuleLifetime& module, Handler handler) {
     const platform::EventSource source = platform::find_event_source(object, name, position);
     sink_ = com::make_object<Sink>(module, source.iid, source.member, std::move(handler));
-    if (FAILED(source.point->Advise(sink_.get(), &cookie_))) throw RuntimeError(kNoSuchEvents);
+    if (!com::succeeded(source.point->Advise(sink_.get(), &cookie_))) throw RuntimeError(kNoSuchEvents);
     point_ = source.point;
 }
 
