@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "forms/controls.h"
 
@@ -15,10 +16,11 @@ class Form;
 enum class MessageButtons { ok, yes_no };
 enum class MessageAnswer { ok, yes, no };
 
-/// A message box without an icon. The first button is the default. Closing an OK box answers ok.
+/// A message box without an icon. The first button is the default. Closing an OK box answers ok. Both texts outlive
+/// the box and end with a null, as literals do: a question can still be asked when memory has ended.
 struct MessageBox {
-    std::u16string title;
-    std::u16string text;
+    std::u16string_view title;
+    std::u16string_view text;
     MessageButtons buttons = MessageButtons::ok;
 };
 

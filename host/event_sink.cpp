@@ -1,6 +1,8 @@
 // Receives the one event of a host control that the plug-in handles.
 #include "host/event_sink.h"
 
+#include <new>
+#include <string>
 #include <utility>
 
 #include "com/boundary.h"
@@ -30,14 +32,25 @@ public:
         if (member != member_ || !handler_) return S_OK;
         if (parameters == nullptr || parameters->cArgs == 0) return DISP_E_BADPARAMCOUNT;
         return guarded_invoke(exception, [&] {
-            com::Variant text;
-            // The event's argument is a reference to the text.
-            if (!com::succeeded(VariantCopyInd(text.put(), &parameters->rgvarg[0]))) throw RuntimeError(kTypeMismatch);
-            handler_(to_text(text));
+            std::u16string copy;
+            handler_(text_of(parameters->rgvarg[0], copy));
         });
     }
 
 private:
+    /// The event's argument, copied, since the control may go on to another text before the handler is done.
+    static std::u16string_view text_of(const VARIANTARG& argument, std::u16string& copy) {
+        try {
+            com::Variant value;
+            if (!com::succeeded(VariantCopyInd(value.put(), &argument))) throw RuntimeError(kTypeMismatch);
+            return copy = to_text(value);
+        } catch (const std::bad_alloc&) {
+            // Most controls refer to their text, which can also be read where it stands.
+            if (argument.vt != (VT_BYREF | VT_BSTR) || argument.pbstrVal == nullptr) throw;
+            return com::view(*argument.pbstrVal);
+        }
+    }
+
     IID source_;
     DISPID member_;
     Handler handler_;

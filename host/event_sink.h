@@ -2,18 +2,18 @@
 #pragma once
 
 #include <functional>
-#include <string>
+#include <string_view>
 
 #include "com/object.h"
 
 namespace vex::host {
 
 /// A connection to one event of an object. While it lives, the handler is called with the event's last
-/// argument as text, on the thread that raises the event. Errors of the handler go back to the object as
+/// argument as text, also when memory has ended, on the thread that raises the event. Errors of the handler go back to the object as
 /// its call's result. Cut off when it is destroyed, even if the object keeps the sink.
 class EventConnection {
 public:
-    using Handler = std::function<void(std::u16string text)>;
+    using Handler = std::function<void(std::u16string_view text)>;
 
     /// Connects to the event `name`, the one at `position` where the object describes no names. `module`
     /// counts the sink. Raises 459 when the object offers no events or refuses the connection.

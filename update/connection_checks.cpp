@@ -35,7 +35,7 @@ bool dlgHandleSignOption::DisplaySupportsFirmware() {
     return enable_xport;
 }
 
-void dlgHandleSignOption::FindXPort_BoxFound(const std::u16string& description) {
+void dlgHandleSignOption::FindXPort_BoxFound(std::u16string_view description) {
     // The last box reported wins.
     sLANBoxType = lan_box_type(description);
 }

@@ -41,8 +41,8 @@ dlgHandleSignOption::dlgHandleSignOption(const Services& services)
 
 void dlgHandleSignOption::Form_Load() {
     transmission_.emplace(services_.module,
-                          [this](std::u16string text) { vexDispTrans1_StatusMessage(std::move(text)); });
-    finder_.emplace(services_.module, [this](const std::u16string& text) { FindXPort_BoxFound(text); });
+                          [this](std::u16string_view text) { vexDispTrans1_StatusMessage(text); });
+    finder_.emplace(services_.module, [this](std::u16string_view text) { FindXPort_BoxFound(text); });
     vexDispTrans1.object = transmission_->object();
     FindXPort.object = finder_->object();
 }
@@ -129,10 +129,10 @@ void dlgHandleSignOption::CloseDisplayConnection() {
     transmission_->CloseConnection();
 }
 
-void dlgHandleSignOption::vexDispTrans1_StatusMessage(std::u16string text) {
+void dlgHandleSignOption::vexDispTrans1_StatusMessage(std::u16string_view text) {
     // The only place where the session yields: a click on Cancel during an operation is served here.
     services_.toolkit.pump_messages();
-    ShowStatus(std::move(text));
+    ShowStatus(std::u16string(text));
     services_.toolkit.pump_messages();
 }
 

@@ -44,8 +44,8 @@ private:
     void Form_QueryUnload(bool& cancel, forms::UnloadMode mode) override;
 
     void cmdCancel_Click();
-    void vexDispTrans1_StatusMessage(std::u16string text);
-    void FindXPort_BoxFound(const std::u16string& description);
+    void vexDispTrans1_StatusMessage(std::u16string_view text);
+    void FindXPort_BoxFound(std::u16string_view description);
 
     bool OpenDisplayConnection();
     void CloseDisplayConnection();

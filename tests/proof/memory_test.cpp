@@ -164,16 +164,20 @@ bool is_registered() {
 
 using Export = HRESULT(STDAPICALLTYPE*)();
 
-Travel travel(std::size_t refused, bool to_the_end) {
+/// With a download that fails and is tried again, or with a cancel in its midst.
+Travel travel(std::size_t refused, bool to_the_end, const std::optional<Moment>& cancel) {
     Travel travel;
     bool failed_once = false;
     Plan plan;
     plan.mode = Mode::firmware;
     plan.displays = 2;
-    plan.meddle = [&](const std::u16string& call) -> std::optional<com::Variant> {
-        if (call != u"vexDispTrans.DownloadFirmware" || std::exchange(failed_once, true)) return std::nullopt;
-        return com::Variant::boolean(false);
-    };
+    plan.moment = cancel;
+    if (!cancel) {
+        plan.meddle = [&](const std::u16string& call) -> std::optional<com::Variant> {
+            if (call != u"vexDispTrans.DownloadFirmware" || std::exchange(failed_once, true)) return std::nullopt;
+            return com::Variant::boolean(false);
+        };
+    }
     plan.start = [&](forms::Toolkit& toolkit) {
         platform::native::set_desktop(&toolkit);
         Caller call(travel.answers);
@@ -218,8 +222,13 @@ void check(const Travel& travel, const Travel& whole) {
         if (outcome.rows[row] != u"Updated - ") continue;
         EXPECT_EQ(outcome.units.at(row), whole.outcome.units.at(row));
     }
-    const auto calls = [&](const char16_t* name) { return std::ranges::count(outcome.calls, std::u16string(name)); };
-    if (travel.all_well()) {
+    if (const auto confirmed = outcome.calls_before_cancel) {
+        ASSERT_GE(outcome.calls.size(), *confirmed + 2);
+        EXPECT_EQ(outcome.calls[*confirmed], u"vexDispTrans.CancelTransmission");
+        EXPECT_EQ(outcome.calls[*confirmed + 1], u"vexDispTrans.CloseConnection");
+        EXPECT_TRUE(!travel.all_well() || outcome.rows.front() == u"Cancelled - ");
+    } else if (travel.all_well()) {
+        const auto calls = [&](const char16_t* name) { return std::ranges::count(outcome.calls, std::u16string(name)); };
         EXPECT_EQ(calls(u"vexDispTrans.OpenConnection"), calls(u"vexDispTrans.CloseConnection"));
     }
 }
@@ -229,27 +238,36 @@ std::size_t number(const char* variable, std::size_t otherwise) {
     return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
 }
 
-TEST(Memory, MayEndAtEveryAllocation) {
+class MemoryTest : public ::testing::TestWithParam<std::tuple<bool, bool>> {};
+
+TEST_P(MemoryTest, MayEndAtEveryAllocation) {
+    const auto [to_the_end, cancels] = GetParam();
     plugin();
-    travel(0, false);
-    const Travel whole = travel(0, false);
+    const std::vector<std::u16string> calls = travel(0, false, {}).outcome.calls;
+    std::optional<Moment> cancel;
+    for (auto [call, moment] : moments(calls)) {
+        moment.cancel = forms::MessageAnswer::yes;
+        if (cancels && !cancel && calls[call] == u"vexDispTrans.DownloadFirmware") cancel = moment;
+    }
+    const Travel whole = travel(0, false, cancel);
     ASSERT_TRUE(whole.all_well());
     const std::size_t all = memory.counted;
     ASSERT_EQ(whole.outcome.rows_after_retry, (std::vector<std::u16string>(2, u"Updated - ")));
     // Every allocation only when it is asked for, by a step of 1.
-    const std::size_t first = number("VEX_MEMORY_FIRST", 1), step = number("VEX_MEMORY_STEP", 37);
+    const std::size_t first = number("VEX_MEMORY_FIRST", 1), step = number("VEX_MEMORY_STEP", 79);
     std::size_t tried = 0;
-    for (const bool to_the_end : {false, true}) {
-        for (std::size_t refused = first; refused <= all; refused += step, ++tried) {
-            SCOPED_TRACE((to_the_end ? "from allocation " : "allocation ") + std::to_string(refused));
-            const long alive = memory.alive;
-            check(travel(refused, to_the_end), whole);
-            EXPECT_EQ(memory.alive, alive) << "a leak";
-            if (HasFailure()) return;
-        }
+    for (std::size_t refused = first; refused <= all; refused += step, ++tried) {
+        SCOPED_TRACE("allocation " + std::to_string(refused));
+        const long alive = memory.alive;
+        check(travel(refused, to_the_end, cancel), whole);
+        EXPECT_EQ(memory.alive, alive) << "a leak";
+        if (HasFailure()) return;
     }
-    std::cout << all << " allocations on the road; memory ended " << tried << " times\n";
+    std::cout << "memory ended at " << tried << " of " << all << " allocations\n";
 }
+
+INSTANTIATE_TEST_SUITE_P(OnceOrForGoodInARunOrACancel, MemoryTest,
+                         ::testing::Combine(::testing::Bool(), ::testing::Bool()));
 
 }  // namespace
 }  // namespace vex::proof

@@ -25,7 +25,8 @@ public:
     }
 
     std::vector<std::string> dialogs;
-    std::vector<forms::MessageBox> boxes;
+    /// Title, text and, for a question, a mark.
+    std::vector<std::u16string> boxes;
     /// To the boxes, in their order.
     std::vector<forms::MessageAnswer> answers;
     /// What the user does while messages are handled in the midst of some work.
@@ -46,7 +47,8 @@ private:
         if (on_messages_handled) on_messages_handled();
     }
     forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override {
-        boxes.push_back(box);
+        const bool question = box.buttons == forms::MessageButtons::yes_no;
+        boxes.push_back(std::u16string(box.title).append(u": ").append(box.text).append(question ? u" ?" : u""));
         return answers.at(boxes.size() - 1);
     }
     std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) noexcept override { return std::nullopt; }

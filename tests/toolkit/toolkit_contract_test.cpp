@@ -312,10 +312,8 @@ TEST_F(ToolkitContract, MessageBoxShowsItsTextsAndTellsTheAnswer) {
     user.then([&] { screen.click(u"cmdOk"); });
     show();
     EXPECT_THAT(given, ElementsAre(MessageAnswer::ok, MessageAnswer::no, MessageAnswer::yes));
-    ASSERT_EQ(user.boxes.size(), 3U);
-    EXPECT_EQ(user.boxes[0].title + u": " + user.boxes[0].text, u"Title: Not a valid SHX file!");
-    EXPECT_EQ(user.boxes[0].buttons, MessageButtons::ok);
-    EXPECT_EQ(user.boxes[1].buttons, MessageButtons::yes_no);
+    const std::u16string shown = u"Title: Not a valid SHX file!";
+    EXPECT_THAT(user.boxes, ElementsAre(shown, shown + u" ?", shown + u" ?"));
 }
 
 }  // namespace

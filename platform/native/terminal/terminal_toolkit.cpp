@@ -123,7 +123,7 @@ void TerminalToolkit::pump_messages() {
 
 MessageAnswer TerminalToolkit::message_box(const forms::MessageBox& box) {
     const bool question = box.buttons == forms::MessageButtons::yes_no;
-    ChoiceForm form(*this, box.title, box.text,
+    ChoiceForm form(*this, std::u16string(box.title), std::u16string(box.text),
                     question ? ChoiceForm::Texts{u"&Yes", u"&No"} : ChoiceForm::Texts{u"OK"}, false);
     form.show_modal();
     if (!question) return MessageAnswer::ok;
