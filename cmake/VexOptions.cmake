@@ -28,6 +28,10 @@ set(CMAKE_CXX_FLAGS_QUICK "-O1 -g1 -Wno-array-bounds -Wno-stringop-overflow -Wno
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   add_compile_options(-Wno-restrict $<$<CONFIG:Release>:-Wno-maybe-uninitialized>)
 endif()
+if(VEX_JOIN)
+  # It takes a source that another one includes for a header.
+  add_compile_options(-Wno-subobject-linkage)
+endif()
 if(VEX_SANITIZE)
   add_compile_options(-fsanitize=${VEX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${VEX_SANITIZE})

@@ -1,6 +1,9 @@
 // The two classes: their factories, what keeps the library loaded, and what their members answer, called through the
 // virtual table and late.
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "core/unicode.h"
 #include "plugin/type_library/writer.h"
@@ -119,50 +122,68 @@ std::string shown(const VARIANT& value) {
     return is_icon(*value.pdispVal) ? "icon" : "no icon";
 }
 
+/// Whether a client's calls come to the object itself, or by way of the system, which may stand in between.
+enum class Reached { directly, by_the_system };
+
+com::ComPtr<IUnknown> own_interface(const Member& member, IDispatch& object) {
+    com::ComPtr<IUnknown> own;
+    const bool is_catalogue = IsEqualGUID(member.clsid, kCatalogueClass);
+    EXPECT_EQ(object.QueryInterface(is_catalogue ? kCatalogueInterface : kEntryInterface, own.put_void()), S_OK);
+    return own;
+}
+
+void check_member(const Member& member, const com::ComPtr<IDispatch>& object, Reached reached) {
+    SCOPED_TRACE(testing::Message() << std::hex << member.id);
+    const auto own = own_interface(member, *object);
+    const com::ComPtr<IDispatch> given = object;
+    IDispatch* mine = com::ComPtr<IDispatch>(given).detach();
+
+    Variant early;
+    // More than any result is long: what the callee does not write shows.
+    std::memset(&early.get().dblVal, 0x77, sizeof early.get().dblVal);
+    const auto call_early = [&](void* result) {
+        switch (member.argument) {
+            case Takes::index: return call_slot(own.get(), member.slot, SHORT{0}, result);
+            case Takes::object: return call_slot(own.get(), member.slot, &mine);
+            default: return call_slot(own.get(), member.slot, result);
+        }
+    };
+    EXPECT_EQ(call_early(&early.get().dblVal), member.code);
+    early.get().vt = member.type;
+    EXPECT_EQ(shown(early.get()), member.answer);
+    if (member.argument != Takes::object && reached == Reached::directly) {
+        EXPECT_EQ(call_early(nullptr), E_POINTER);
+    }
+
+    LPOLESTR text = ole_name(member.name);
+    DISPID id = DISPID_UNKNOWN;
+    EXPECT_EQ(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+    EXPECT_EQ(id, member.id);
+
+    std::vector<Variant> arguments;
+    if (member.argument == Takes::index) arguments.push_back(Variant::int16(0));
+    if (member.argument == Takes::object) arguments.push_back(Variant::object_reference(&mine));
+    // Clients that cannot tell properties from methods ask for both.
+    const Outcome late = call(*object, member.id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments);
+    EXPECT_EQ(late.result, member.code == S_OK ? S_OK : DISP_E_EXCEPTION);
+    EXPECT_EQ(late.code, member.code);
+    EXPECT_EQ(late.value.type(), member.type);
+    EXPECT_EQ(shown(late.value.get()), member.answer);
+
+    const WORD other_kind = IsEqualGUID(member.clsid, kEntryClass) ? DISPATCH_PROPERTYGET : DISPATCH_METHOD;
+    EXPECT_EQ(call(*object, member.id, other_kind, arguments).result, DISP_E_MEMBERNOTFOUND);
+    // The argument is left alone.
+    com::ComPtr<IUnknown> identity, same;
+    EXPECT_EQ(mine->QueryInterface(IID_IUnknown, same.put_void()), S_OK);
+    EXPECT_EQ(given->QueryInterface(IID_IUnknown, identity.put_void()), S_OK);
+    EXPECT_EQ(same.get(), identity.get());
+    mine->Release();
+}
+
 using Members = PluginTest;
 
 TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
-    for (const Member& member : kMembers) {
-        SCOPED_TRACE(testing::Message() << std::hex << member.id);
-        const auto object = make(member.clsid);
-        IDispatch* mine = object.get();
-
-        Variant early;
-        // More than any result is long: what the callee does not write shows.
-        std::memset(&early.get().dblVal, 0x77, sizeof early.get().dblVal);
-        const auto call_early = [&](void* result) {
-            switch (member.argument) {
-                case Takes::index: return call_slot(object.get(), member.slot, SHORT{0}, result);
-                case Takes::object: return call_slot(object.get(), member.slot, &mine);
-                default: return call_slot(object.get(), member.slot, result);
-            }
-        };
-        EXPECT_EQ(call_early(&early.get().dblVal), member.code);
-        early.get().vt = member.type;
-        EXPECT_EQ(shown(early.get()), member.answer);
-        if (member.argument != Takes::object) {
-            EXPECT_EQ(call_early(nullptr), E_POINTER);
-        }
-
-        LPOLESTR text = ole_name(member.name);
-        DISPID id = DISPID_UNKNOWN;
-        EXPECT_EQ(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-        EXPECT_EQ(id, member.id);
-
-        std::vector<Variant> arguments;
-        if (member.argument == Takes::index) arguments.push_back(Variant::int16(0));
-        if (member.argument == Takes::object) arguments.push_back(Variant::object_reference(&mine));
-        // Clients that cannot tell properties from methods ask for both.
-        const Outcome late = call(*object, member.id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments);
-        EXPECT_EQ(late.result, member.code == S_OK ? S_OK : DISP_E_EXCEPTION);
-        EXPECT_EQ(late.code, member.code);
-        EXPECT_EQ(late.value.type(), member.type);
-        EXPECT_EQ(shown(late.value.get()), member.answer);
-        EXPECT_EQ(mine, object.get()) << "the argument is left alone";
-
-        const WORD other_kind = IsEqualGUID(member.clsid, kEntryClass) ? DISPATCH_PROPERTYGET : DISPATCH_METHOD;
-        EXPECT_EQ(call(*object, member.id, other_kind, arguments).result, DISP_E_MEMBERNOTFOUND);
-    }
+    for (const Member& member : kMembers) check_member(member, make(member.clsid), Reached::directly);
 }
 
 TEST_F(Members, OtherIndexesFailForTextsAndAreNoPictures) {
@@ -218,6 +239,52 @@ TEST_F(Members, HaveOneTypeDescriptionOrNone) {
     EXPECT_EQ(type, nullptr);
     EXPECT_EQ(SUCCEEDED(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type)), count == 1);
     EXPECT_EQ(com::ComPtr<ITypeInfo>::adopt(type).get() != nullptr, count == 1);
+}
+
+// ---- Apartments
+
+class Apartments : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(plugin_function<decltype(DllRegisterServer)>("DllRegisterServer")(), S_OK);
+    }
+    void TearDown() override {
+        EXPECT_EQ(plugin_function<decltype(DllUnregisterServer)>("DllUnregisterServer")(), S_OK);
+        EXPECT_EQ(can_unload_now(), S_OK);
+    }
+};
+
+/// For as long as it is asked for; a while otherwise.
+std::chrono::milliseconds patience() {
+    const char* const seconds = std::getenv("VEX_SECONDS");
+    return std::chrono::milliseconds(seconds == nullptr ? 300 : 1000 * std::atoi(seconds));
+}
+
+TEST_F(Apartments, AreServedThroughTheSystem) {
+    call_from_other_apartments([](const Create& create_there) {
+        for (const Member& member : kMembers) check_member(member, create_there(member.clsid), Reached::by_the_system);
+        const Outcome outcome = call(*create_there(kCatalogueClass), kPluginNames, DISPATCH_PROPERTYGET, {Variant::int16(1)});
+        EXPECT_EQ(outcome.code, error_code(9));
+        EXPECT_EQ(outcome.description, u"Subscript out of range");
+    });
+}
+
+TEST_F(Apartments, ManyAtOnceCreateCallAndLetGo) {
+    const auto end = std::chrono::steady_clock::now() + patience();
+    std::vector<std::thread> clients;
+    for (int client = 0; client < 8; ++client) {
+        clients.emplace_back([end] {
+            do {
+                EXPECT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+                for (const Member& member : kMembers) {
+                    if (member.code == S_OK) check_member(member, create_registered(member.clsid), Reached::directly);
+                }
+                CoFreeUnusedLibraries();
+                CoUninitialize();
+            } while (std::chrono::steady_clock::now() < end);
+        });
+    }
+    for (std::thread& client : clients) client.join();
 }
 
 /// What it says is read by the system's loader on the other side; here it is the very file that was read there.

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,11 @@ extern const char* const kPlatform;
 extern const bool kAnyFolderIsRegistered;
 /// Whether an object is a picture, and, where pictures are real, an icon of 16 pixels.
 bool is_icon(IDispatch& object);
+/// An object of a class.
+using Create = std::function<com::ComPtr<IDispatch>(REFCLSID clsid)>;
+/// Lets clients in every other kind of apartment use the registered classes, where the system carries calls between
+/// apartments.
+void call_from_other_apartments(const std::function<void(const Create& create)>& use);
 
 // ---- The library as hosts know it; not taken from the plug-in's own tables
 
@@ -70,6 +76,12 @@ inline com::ComPtr<IClassFactory> factory_of(REFCLSID clsid) {
 inline com::ComPtr<IDispatch> make(REFCLSID clsid) {
     com::ComPtr<IDispatch> object;
     EXPECT_EQ(factory_of(clsid)->CreateInstance(nullptr, IID_IDispatch, object.put_void()), S_OK);
+    return object;
+}
+
+inline com::ComPtr<IDispatch> create_registered(REFCLSID clsid) {
+    com::ComPtr<IDispatch> object;
+    EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()), S_OK);
     return object;
 }
 

@@ -1,4 +1,6 @@
 // The native side.
+#include <thread>
+
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -9,6 +11,15 @@ std::filesystem::path plugin_file() {
 
 const char* const kPlatform = "win32";
 const bool kAnyFolderIsRegistered = false;
+
+void call_from_other_apartments(const std::function<void(const Create& create)>& use) {
+    // Objects never change threads here: another thread makes its own.
+    std::thread([&use] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        use(create_registered);
+        CoUninitialize();
+    }).join();
+}
 
 bool is_icon(IDispatch& object) { return com::ComPtr<IDispatch>(&object).query<IPictureDisp>().get() != nullptr; }
 

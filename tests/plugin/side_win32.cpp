@@ -1,5 +1,8 @@
 // The Windows side.
 #include "platform/win32/windows_api.h"
+
+#include <thread>
+
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -11,12 +14,48 @@ std::filesystem::path plugin_file() {
 const char* const kPlatform = sizeof(void*) == 8 ? "win64" : "win32";
 const bool kAnyFolderIsRegistered = true;
 
+void call_from_other_apartments(const std::function<void(const Create& create)>& use) {
+    // From the multithreaded one, for which the system makes an apartment for our objects.
+    std::thread([&use] {
+        EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+        use(create_registered);
+        CoUninitialize();
+    }).join();
+
+    // From one of the same kind, by objects that are here.
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    const GUID classes[] = {kCatalogueClass, kEntryClass};
+    IStream* streams[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        const auto object = create_registered(classes[i]);
+        EXPECT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object.get(), &streams[i]), S_OK);
+    }
+    const DWORD here = GetCurrentThreadId();
+    std::thread client([&] {
+        EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+        com::ComPtr<IDispatch> proxies[2];
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(CoGetInterfaceAndReleaseStream(streams[i], IID_IDispatch, proxies[i].put_void()), S_OK);
+        use([&](REFCLSID clsid) { return proxies[IsEqualGUID(clsid, kEntryClass) ? 1 : 0]; });
+        for (auto& proxy : proxies) proxy.reset();
+        CoUninitialize();
+        PostThreadMessageW(here, WM_QUIT, 0, 0);
+    });
+    // Its calls come as messages.
+    for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+    client.join();
+    CoUninitialize();
+}
+
 bool is_icon(IDispatch& object) {
     com::ComPtr<IPicture> picture;
     SHORT type = 0;
+    // Pictures stay in their apartment, except for what is called late.
+    if (object.QueryInterface(IID_IPicture, picture.put_void()) != S_OK)
+        return call(object, DISPID_PICT_TYPE, DISPATCH_PROPERTYGET).value.get().iVal == PICTYPE_ICON;
     OLE_XSIZE_HIMETRIC width = 0;
     // 16 pixels of 1/96 inch, in 1/100 mm.
-    return object.QueryInterface(IID_IPicture, picture.put_void()) == S_OK && picture->get_Type(&type) == S_OK &&
+    return picture->get_Type(&type) == S_OK &&
            picture->get_Width(&width) == S_OK && type == PICTYPE_ICON && width >= 422 && width <= 424;
 }
 
