@@ -149,10 +149,7 @@ private:
 class RecordedClasses {
 public:
     RecordedClasses(Recording& recording, sim::Host& host) : recording_(recording), host_(host) {
-        offer<sim::DisplayListObject>(sim::kHostDisplayListClass);
-        offer<sim::ConnectionObject>(sim::kHostConnectionClass, u"vexBrivolaClasses4.HostConnection");
-        offer<sim::TransmissionControl>(sim::kTransmissionControlClass, u"vexDTCon4.vexDispTrans");
-        offer<sim::BoxFinder>(sim::kBoxFinderClass, u"vexLantronixControls2.vexLANBoxFinder2");
+        for (const sim::HostClass& wrapped : sim::host_classes()) offer(wrapped);
     }
     RecordedClasses(const RecordedClasses&) = delete;
     RecordedClasses& operator=(const RecordedClasses&) = delete;
@@ -161,15 +158,14 @@ public:
     }
 
 private:
-    /// `programmatic_id`: how the plug-in creates the class; null: by class id.
-    template <class Wrapped>
-    void offer(REFCLSID clsid, const char16_t* programmatic_id = nullptr) {
-        cookies_.push_back(com::offer_class(host_.lifetime, clsid, [this, clsid, programmatic_id] {
-            auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host_).detach());
-            auto made = com::make_object<Recorder>(recording_, std::move(inner));
-            recording_.record([number = made->number(), clsid, programmatic_id](auto& places) {
-                places[number].object = programmatic_id != nullptr ? host::create_object(programmatic_id)
-                                                                   : host::create_object(clsid, u"recorded class");
+    void offer(const sim::HostClass& wrapped) {
+        cookies_.push_back(com::offer_class(host_.lifetime, wrapped.clsid, [this, &wrapped] {
+            auto made = com::make_object<Recorder>(recording_, wrapped.make(host_));
+            recording_.record([number = made->number(), &wrapped](auto& places) {
+                // As the plug-in creates it: the display list by class id, the others by programmatic identifier.
+                places[number].object = wrapped.name() == u"HostDisplayList"
+                                            ? host::create_object(wrapped.clsid, u"HostDisplayList")
+                                            : host::create_object(wrapped.programmatic_id.c_str());
             });
             return made;
         }));

@@ -68,9 +68,9 @@ std::string difference(const std::string& file, const std::string& recorded, con
 }
 
 /// What is not as recorded; empty: everything is.
-std::string compare(const CommandLine& options, const fs::path& scenario, const ProgramSide& side) {
+std::string compare(const CommandLine& options, const fs::path& scenario, MakeSession make) {
     std::ostringstream trace, messages;
-    const ExitStatus status = side.play(options, scenario.string(), trace, messages);
+    const ExitStatus status = make(options)->play(scenario.string(), trace, messages);
     std::string faults;
     if (status != kPassed) faults += "  exit status " + std::to_string(status) + '\n' + messages.str();
     const auto check = [&](const char* extension, const std::string& found, bool always) {
@@ -89,7 +89,7 @@ std::string compare(const CommandLine& options, const fs::path& scenario, const 
     return faults;
 }
 
-ExitStatus compare_scenarios(const CommandLine& options, const ProgramSide& side) {
+ExitStatus compare_scenarios(const CommandLine& options, MakeSession make) {
     std::vector<fs::path> files;
     for (const std::string& file : options.scenarios) files.push_back(fs::absolute(file));
     CommandLine whole = options;
@@ -103,7 +103,7 @@ ExitStatus compare_scenarios(const CommandLine& options, const ProgramSide& side
         try {
             // Names in messages and relative files are then the same wherever the folder lies.
             fs::current_path(file.parent_path());
-            faults = compare(whole, file.filename(), side);
+            faults = compare(whole, file.filename(), make);
         } catch (const std::exception& error) {
             faults = std::string("  ") + error.what() + '\n';
         }
@@ -146,11 +146,12 @@ constexpr std::pair<std::string_view, bool CommandLine::*> kFlags[] = {
     {"--pictures", &CommandLine::pictures}, {"--compare", &CommandLine::compare}, {"--record", &CommandLine::record},
 };
 
-int run(const CommandLine& options, const ProgramSide& side) {
-    if (options.controls) return side.print_controls(options);
-    if (options.scenarios.empty()) return side.play_without_scenario(options);
-    if (options.compare) return compare_scenarios(options, side);
-    return side.play(options, options.scenarios.front(), std::cout, std::cerr);
+int run(const CommandLine& options, MakeSession make) {
+    if (options.compare) return compare_scenarios(options, make);
+    const auto session = make(options);
+    if (options.controls) return session->print_controls();
+    if (options.scenarios.empty()) return session->play_without_scenario();
+    return session->play(options.scenarios.front(), std::cout, std::cerr);
 }
 
 }  // namespace
@@ -193,7 +194,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
     return line;
 }
 
-int run_program(std::span<const std::string> words, const ProgramSide& side) {
+int run_program(std::span<const std::string> words, MakeSession make) {
     constexpr char kName[] = "brivola-sim: ";
     CommandLine options;
     try {
@@ -207,7 +208,7 @@ int run_program(std::span<const std::string> words, const ProgramSide& side) {
         return std::cout ? kPassed : kFailed;
     }
     try {
-        return run(options, side);
+        return run(options, make);
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {

@@ -7,7 +7,8 @@
 #include "core/digits.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "simulator/class_library.h"
+#include "simulator/automation.h"
+#include "simulator/registry_editor.h"
 #include "simulator/session.h"
 
 namespace vex::sim {
@@ -16,15 +17,19 @@ namespace {
 /// Where the session shows what the control says.
 constexpr char16_t kStatusControl[] = u"lblStatus";
 
+std::u16string control_of(const StatementType& type, const Words& words) {
+    if (type.control == 0 || is_registry_path(words[type.control])) return {};
+    return words[type.control].substr(0, words[type.control].find(u'.'));
+}
+
 void read(Scenario& scenario, const std::string& file, std::string_view text, const std::filesystem::path& folder,
           int depth) {
     constexpr int kDeepest = 8;
     const auto name = std::make_shared<const std::string>(file);
     read_lines(file, text, {}, [&](const Words& words, std::size_t line) {
         const StatementType& type = statement_type(words);
-        if (type.play != nullptr) {
-            type.play(words, nullptr);
-            scenario.push_back({{name, line}, words});
+        if (type.read != nullptr) {
+            scenario.push_back({{name, line}, control_of(type, words), type.read(words)});
             return;
         }
         if (depth == kDeepest) throw std::invalid_argument("files include each other too deeply");
@@ -37,13 +42,6 @@ void read(Scenario& scenario, const std::string& file, std::string_view text, co
         }
         read(scenario, included.string(), content, folder, depth + 1);
     });
-}
-
-/// The control that a statement acts on or looks at; empty: none.
-std::u16string control_of(const Words& words) {
-    const std::size_t position = statement_type(words).control;
-    if (position == 0 || is_registry_path(words[position])) return {};
-    return words[position].substr(0, words[position].find(u'.'));
 }
 
 std::u16string_view shown_answer(forms::MessageAnswer answer) {
@@ -100,14 +98,14 @@ bool ScenarioPlayer::act() noexcept {
     if (stopped_ || next_ == scenario_.size()) return false;
     // Advanced first: the statement may open a dialog that the ones after it act in.
     const Statement& statement = scenario_[next_++];
-    run(statement.place, statement.words);
+    run(statement.place, statement.action);
     return true;
 }
 
-void ScenarioPlayer::run(const Place& where, const Words& words) noexcept {
+void ScenarioPlayer::run(const Place& where, const Action& action) noexcept {
     Place outer = std::exchange(place, where);
     try {
-        statement_type(words).play(words, this);
+        action(*this);
     } catch (const std::exception& error) {
         report(where, error.what());
         stopped_ = true;
@@ -134,16 +132,13 @@ void ScenarioPlayer::put_file(const std::u16string& path, std::string_view bytes
     replace_file(real, bytes);
 }
 
-const Display& ScenarioPlayer::display(const std::u16string& name) const {
-    const auto index = host.displays.find(name);
-    if (!index) throw std::invalid_argument("there is no display " + to_utf8(in_quotes(name)));
-    return host.displays.at(*index);
+void ScenarioPlayer::require_display(const std::u16string& name) const {
+    if (!host.displays.find(name)) throw std::invalid_argument("there is no display " + to_utf8(in_quotes(name)));
 }
 
-void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text, const Words& reaction) {
-    if (pattern.display) static_cast<void>(display(*pattern.display));
+void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text, const Action& reaction) {
     std::function<void()> bound;
-    if (!reaction.empty()) {
+    if (reaction) {
         // A click may lead to another call with the same message; the user does not click in his own click.
         bound = [this, where = place, reaction, busy = std::make_shared<bool>(false)] {
             if (std::exchange(*busy, true)) return;
@@ -151,14 +146,14 @@ void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text,
             *busy = false;
         };
     }
-    host.links.add_message(pattern, {text, std::move(bound), false});
+    host.script.push_back({.pattern = pattern, .message = ScriptedMessage{text, std::move(bound), false}});
 }
 
 void ScenarioPlayer::start(bool frame) {
     if (screen.any_dialog()) throw std::invalid_argument("a dialog is still open");
     const std::u16string name = frame ? u"StartFrameFeature" : u"StartPlugin";
     try {
-        plugin_.start(frame ? com::make_object<SignInfoObject>(host).get() : nullptr);
+        plugin_.start(frame ? create_object(u"vexBrivolaClasses4.HostSignInfo").get() : nullptr);
         host.trace.line(u"return " + name);
     } catch (const RuntimeError& error) {
         host.trace.line(u"error " + name + u" " + decimal_text(error.number()) + u" " + in_quotes(error.description()));
@@ -197,7 +192,7 @@ void ScenarioPlayer::messages_handled() noexcept {
         return reaction();
     }
     // A statement about a control of the busy dialog can mean no other moment. Others wait until it is done.
-    const std::u16string control = next_ < scenario_.size() ? control_of(scenario_[next_].words) : u"";
+    const std::u16string control = next_ < scenario_.size() ? scenario_[next_].control : u"";
     if (!control.empty() && screen.find(control)) act();
 }
 

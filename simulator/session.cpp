@@ -1,6 +1,7 @@
 // One run of the simulated host.
 #include "simulator/session.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "core/runtime_error.h"
@@ -133,7 +134,7 @@ ExitStatus Session::play_text(const std::string& name, const std::string& text, 
     });
 }
 
-ExitStatus Session::try_out(std::ostream& errors,
+ExitStatus Session::try_out(std::ostream& summary, std::ostream& errors,
                             const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work) {
     std::ostream no_trace(nullptr);
     return run_host(machine(), data_, plugin_, true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
@@ -144,7 +145,18 @@ ExitStatus Session::try_out(std::ostream& errors,
             const ExitStatus status = ScenarioPlayer(sample, host, screen(), plugin, errors, samples_).play();
             if (status != kPassed) return status;
         }
-        return work(host, plugin, fresh);
+        const std::vector<std::u16string> before = host.unit_lines();
+        const ExitStatus status = work(host, plugin, fresh);
+        std::size_t unchanged = 0;
+        for (const std::u16string& line : host.unit_lines()) {
+            if (std::ranges::find(before, line) != before.end()) {
+                ++unchanged;
+            } else {
+                summary << to_utf8(line) << '\n';
+            }
+        }
+        if (unchanged > 0) summary << unchanged << (unchanged == 1 ? " unit has" : " units have") << " not changed\n";
+        return status;
     });
 }
 

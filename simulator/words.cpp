@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <system_error>
 
 #include "core/unicode.h"
@@ -28,6 +29,27 @@ void append_quoted(std::u16string_view line, std::size_t& next, std::u16string& 
         }
     }
     throw std::invalid_argument("a quote is not closed");
+}
+
+/// The lines without their ends. Raises `TextError` for a byte that is no UTF-8.
+std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark) bytes.remove_prefix(kByteOrderMark.size());
+    std::vector<std::u16string> lines;
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find('\n'), bytes.size());
+        std::string_view line = bytes.substr(0, end);
+        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+        const std::u16string& text = lines.emplace_back(from_utf8(line));
+        // What is no UTF-8 has become something else, and does not come back.
+        const std::string back = to_utf8(text);
+        if (back != line) {
+            const auto bad = std::ranges::mismatch(line, back).in1 - line.begin();
+            throw TextError(file, lines.size(), "byte " + std::to_string(bad + 1) + " of the line is no UTF-8");
+        }
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return lines;
 }
 
 }  // namespace
@@ -78,25 +100,11 @@ std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t 
     return number && *number >= low && *number <= high ? number : std::nullopt;
 }
 
-std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes) {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark) bytes.remove_prefix(kByteOrderMark.size());
-    std::vector<std::u16string> lines;
-    while (!bytes.empty()) {
-        const std::size_t end = std::min(bytes.find('\n'), bytes.size());
-        std::string_view line = bytes.substr(0, end);
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        const std::u16string& text = lines.emplace_back(from_utf8(line));
-        // What is no UTF-8 has become something else, and does not come back.
-        const std::string back = to_utf8(text);
-        if (back != line) {
-            const auto bad = std::ranges::mismatch(line, back).in1 - line.begin();
-            throw TextError(file, lines.size(), "byte " + std::to_string(bad + 1) + " of the line is no UTF-8");
-        }
-        bytes.remove_prefix(std::min(end + 1, bytes.size()));
-    }
-    return lines;
+std::optional<std::u16string> value_of(const std::u16string& key, const std::u16string& word) {
+    return word.starts_with(key + u'=') ? std::optional(word.substr(key.size() + 1)) : std::nullopt;
 }
+
+std::u16string shown_boolean(bool value) { return value ? u"True" : u"False"; }
 
 void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
                 const std::function<void(const Words& words, std::size_t line)>& read) {
@@ -116,18 +124,11 @@ void read_lines(const std::string& file, std::string_view text, std::u16string_v
 }
 
 std::string read_stream(const std::string& name, std::istream& stream) {
-    constexpr std::size_t kLargest = 64U << 20U;
-    constexpr std::size_t kPiece = 1U << 16U;
-    std::string bytes;
-    while (stream && bytes.size() <= kLargest) {
-        const std::size_t size = bytes.size();
-        bytes.resize(size + kPiece);
-        stream.read(bytes.data() + size, kPiece);
-        bytes.resize(size + static_cast<std::size_t>(stream.gcount()));
-    }
-    if (bytes.size() > kLargest) throw TextError(name, 0, "is larger than 64 MiB");
-    if (!stream.eof()) throw TextError(name, 0, "cannot be read");
-    return bytes;
+    std::ostringstream bytes;
+    // An empty stream has nothing to copy, which is no fault.
+    if (stream.peek() != std::istream::traits_type::eof()) bytes << stream.rdbuf();
+    if (stream.bad() || !bytes) throw TextError(name, 0, "cannot be read");
+    return std::move(bytes).str();
 }
 
 std::string read_file(const std::filesystem::path& path) {
@@ -137,6 +138,7 @@ std::string read_file(const std::filesystem::path& path) {
     // A folder opens like a file on some systems and fails only when it is read.
     if (std::filesystem::is_directory(status)) throw TextError(path.string(), 0, "is a folder");
     std::ifstream file(path, std::ios::binary);
+    if (!file) throw TextError(path.string(), 0, "cannot be read");
     return read_stream(path.string(), file);
 }
 

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "core/unicode.h"
 #include "platform/native/terminal/terminal_toolkit.h"
 
 namespace vex::sim {
@@ -61,18 +60,6 @@ forms::Form& NativeScreen::form() const {
     return *top;
 }
 
-forms::Control& NativeScreen::control(const std::u16string& name) const {
-    forms::Control* const found = form().find(to_utf8(name));
-    if (found == nullptr) throw std::invalid_argument(form().name() + " has no control " + to_utf8(name));
-    return *found;
-}
-
-std::vector<std::u16string> NativeScreen::control_names() const {
-    std::vector<std::u16string> names;
-    for (const forms::Control* control : form().controls()) names.push_back(from_utf8(control->name()));
-    return names;
-}
-
 std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const {
     const forms::Control* const found = any_dialog() ? form().find(to_utf8(name)) : nullptr;
     if (found == nullptr) return std::nullopt;
@@ -105,8 +92,6 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     return shown;
 }
 
-std::u16string NativeScreen::dialog_name() const { return from_utf8(form().name()); }
-
 bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) {
     auto& list = static_cast<forms::ListView&>(control(name));
     menu_item_ = item;
@@ -116,46 +101,12 @@ bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const 
     return std::exchange(menu_item_, {}).empty();
 }
 
-// ---- What the toolkit asks of its user ----------------------------------------------------------------
-
-void NativeScreen::form_opened(forms::Form& form) {
-    if (user_ != nullptr) user_->form_opened(from_utf8(form.name()));
-}
-
-void NativeScreen::form_closed(forms::Form& form) {
-    if (user_ != nullptr) user_->form_closed(from_utf8(form.name()));
-}
-
-bool NativeScreen::act(forms::Form& form) {
-    on_look(&form);
-    return user_ != nullptr && user_->act();
-}
-
-void NativeScreen::pumped(forms::Form& /*form*/) {
-    if (user_ != nullptr) user_->messages_handled();
-}
-
-forms::MessageAnswer NativeScreen::answer(const forms::MessageBox& box) {
-    on_look(&box);
-    if (user_ != nullptr) return user_->answer(box);
-    return box.buttons == forms::MessageButtons::yes_no ? forms::MessageAnswer::yes : forms::MessageAnswer::ok;
-}
-
-std::optional<std::u16string> NativeScreen::choose_file(const forms::OpenFileRequest& request) {
-    on_look(&request);
-    return user_ == nullptr ? std::nullopt : user_->choose_file(request);
-}
-
 const forms::MenuItem* NativeScreen::choose(const forms::Menu& menu) {
     const std::u16string wanted = std::exchange(menu_item_, {});
     for (const forms::MenuItem& item : menu.items) {
         if (!wanted.empty() && item.caption == wanted) return &item;
     }
     return nullptr;
-}
-
-void NativeScreen::beep() {
-    if (user_ != nullptr) user_->beeped();
 }
 
 }  // namespace vex::sim

@@ -3,32 +3,21 @@
 
 #include "com/class_factory.h"
 #include "com/variant.h"
-#include "simulator/controls.h"
 #include "simulator/class_library.h"
 
 namespace vex::proof {
 namespace {
 
-/// What the wrapper needs to know of the wrapped class.
-struct ClassFacts {
-    const char16_t* name;
-    std::function<std::u16string(DISPID, WORD)> member_name;
-};
-
-template <class Wrapped>
-ClassFacts facts(const char16_t* name) {
-    return {name, [](DISPID id, WORD flags) {
-                for (const auto& member : Wrapped::members()) {
-                    if (member.id == id && (member.kind & flags) != 0) return std::u16string(member.name);
-                }
-                return std::u16string(u"?");
-            }};
+std::u16string member_name(const sim::HostClass& wrapped, DISPID id, WORD flags) {
+    const auto member = std::ranges::find_if(
+        wrapped.members, [&](const sim::MemberFacts& facts) { return facts.is_called(id, flags); });
+    return std::u16string(member == wrapped.members.end() ? u"?" : member->name);
 }
 
 class Wrapper final : public com::Object<Wrapper, com::Untyped<IDispatch>> {
 public:
-    Wrapper(sim::Host& host, Meddling& meddling, const ClassFacts& facts, com::ComPtr<IDispatch> inner)
-        : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
+    Wrapper(sim::Host& host, Meddling& meddling, const sim::HostClass& wrapped, com::ComPtr<IDispatch> inner)
+        : Object(host.lifetime), host_(host), meddling_(meddling), class_(wrapped), inner_(std::move(inner)) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
         const bool own = com::interface_matches<IDispatch>(iid);
@@ -43,7 +32,7 @@ public:
         const com::ComPtr<Wrapper> alive(this);
         std::u16string call;
         if (meddling_.judge || meddling_.substitute || meddling_.amend)
-            call = facts_.name + (u"." + facts_.member_name(id, flags));
+            call = std::u16string(class_.name()) + u"." + member_name(class_, id, flags);
         switch (meddling_.judge ? meddling_.judge(call) : Verdict::pass) {
             case Verdict::pass:
                 break;
@@ -68,9 +57,10 @@ public:
         if (SUCCEEDED(outcome) && result != nullptr && meddling_.amend) meddling_.amend(call, *result);
         if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH) {
             // Sign information is the only object that the host gives away.
-            static const ClassFacts kSignInfo = facts<sim::SignInfoObject>(u"HostSignInfo");
+            static const sim::HostClass& sign_info =
+                *std::ranges::find(sim::host_classes(), u"HostSignInfo", &sim::HostClass::name);
             auto wrapped =
-                com::make_object<Wrapper>(host_, meddling_, kSignInfo, com::ComPtr<IDispatch>::adopt(result->pdispVal));
+                com::make_object<Wrapper>(host_, meddling_, sign_info, com::ComPtr<IDispatch>::adopt(result->pdispVal));
             result->pdispVal = wrapped.detach();
         }
         return outcome;
@@ -79,29 +69,21 @@ public:
 private:
     sim::Host& host_;
     Meddling& meddling_;
-    const ClassFacts& facts_;
+    const sim::HostClass& class_;
     com::ComPtr<IDispatch> inner_;
 };
 
-template <class Wrapped>
-DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
-    return com::offer_class(host.lifetime, clsid, [&host, &meddling, known = facts<Wrapped>(name)] {
-        if (meddling.judge && meddling.judge(std::u16string(u"new ") + known.name) != Verdict::pass) {
-            throw RuntimeError(kAutomationError);
-        }
-        auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host).detach());
-        return com::make_object<Wrapper>(host, meddling, known, std::move(inner));
-    });
-}
-
 }  // namespace
 
-Interposer::Interposer(sim::Host& host, Meddling& meddling)
-    : cookies_{offer<sim::DisplayListObject>(host, meddling, sim::kHostDisplayListClass, u"HostDisplayList"),
-               offer<sim::DisplayPickerObject>(host, meddling, sim::kHostDisplayPickerClass, u"HostDisplayPicker"),
-               offer<sim::ConnectionObject>(host, meddling, sim::kHostConnectionClass, u"HostConnection"),
-               offer<sim::TransmissionControl>(host, meddling, sim::kTransmissionControlClass, u"vexDispTrans"),
-               offer<sim::BoxFinder>(host, meddling, sim::kBoxFinderClass, u"vexLANBoxFinder2")} {}
+Interposer::Interposer(sim::Host& host, Meddling& meddling) {
+    for (const sim::HostClass& wrapped : sim::host_classes()) {
+        cookies_.push_back(com::offer_class(host.lifetime, wrapped.clsid, [&host, &meddling, &wrapped] {
+            if (meddling.judge && meddling.judge(u"new " + std::u16string(wrapped.name())) != Verdict::pass)
+                throw RuntimeError(kAutomationError);
+            return com::make_object<Wrapper>(host, meddling, wrapped, wrapped.make(host));
+        }));
+    }
+}
 
 Interposer::~Interposer() {
     for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);

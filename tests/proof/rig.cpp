@@ -14,7 +14,7 @@
 #include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "platform/registry.h"
-#include "simulator/controls.h"
+#include "simulator/class_library.h"
 #include "simulator/firmware_image.h"
 #include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"
@@ -40,7 +40,7 @@ class Machine final : public ::testing::Environment {
         for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_->path() / drive);
         write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
         write_file(u"D:\\fw\\new.BIN", "image");
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image(sim::LoaderKind::line));
+        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image());
         write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }
@@ -60,7 +60,7 @@ std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
         const sim::Display& display = host.displays.at(i);
         auto& units = contents.emplace_back();
         for (const std::int16_t id : host.units.ids(display)) {
-            units.push_back(sim::describe(host.units.content(display.name, id)));
+            units.push_back(host.units.content(display.name, id));
         }
     }
     return contents;
@@ -232,8 +232,8 @@ Outcome play(const Plan& plan) {
             };
         }
         if (plan.moment) {
-            host.links.add_message({std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
-                                   {u"Just a moment", [] {}, false});
+            host.script.push_back({.pattern = {std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
+                                   .message = sim::ScriptedMessage{u"Just a moment", [] {}, false}});
         }
         const Interposer interposer(host, meddling);
         const sim::HostClasses classes(host);

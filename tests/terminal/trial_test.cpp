@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "simulator/native/terminal_trial.h"
+#include "simulator/native/native_session.h"
+#include "simulator/trial.h"
 #include "tests/terminal/fake_screen.h"
 #include "tests/terminal/terminal_process.h"
 
@@ -60,7 +61,7 @@ TEST(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
     progress.begin_run({u"Main", u"Second"});
     using enum LinkEvent::Kind;
     // After each event: the unit of four (two masters, and two slaves behind one of them), and the run's share.
-    constexpr auto kOpen = Operation::OpenConnection, kLoad = Operation::DownloadFirmware;
+    constexpr Operation kOpen = u"OpenConnection", kLoad = u"DownloadFirmware";
     const std::tuple<LinkEvent::Kind, Operation, const char16_t*, std::size_t, double> events[] = {
         {begins, kOpen, u"Main", 0, 0}, {begins, kLoad, u"Main", 1, 0}, {transfers, kLoad, u"Main", 1, 0.0625},
         {ends, kLoad, u"Main", 1, 0.125}, {begins, kLoad, u"Main", 2, 0.125}, {begins, kOpen, u"Second", 0, 0.5},
@@ -75,10 +76,10 @@ TEST(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
         event.percent = 50;
         event.succeeded = true;
         progress.follow(event);
-        EXPECT_EQ(progress.unit_number(), unit);
+        EXPECT_EQ(progress.unit_number, unit);
         EXPECT_DOUBLE_EQ(progress.run_share(), share);
     }
-    EXPECT_EQ(progress.displays(), 1U);
+    EXPECT_EQ(progress.displays, 1U);
 }
 
 TerminalProcess program(const char* terminal) {
@@ -96,7 +97,7 @@ TEST(TrialProgram, GoesFromStartThroughARunToWhatTheUnitsHold) {
         std::vector<const char*> table;
     } runs[] = {
         {{{"Preparing to Open", "\r"}, {"Are you sure", "\r"}, {"cancelled: F10", "\033[21~\r"}, {"1 updated", "\r"}},
-         0, {"\033[?1049l", "Main Street     1  empty", "Main Street    20  empty", "5 units have not changed"}},
+         0, {"\033[?1049l", "unit \"Main Street\" 1: empty", "unit \"Main Street\" 20: empty", "5 units have not changed"}},
         {{{"Preparing to Open", "\003"}}, (128 + SIGINT) << 8, {"\033[?1049l", "9 units have not changed"}},
     };
     for (const auto& [steps, status, table] : runs) {
