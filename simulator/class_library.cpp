@@ -120,17 +120,12 @@ constexpr CLSID kDisplayListClass = {
 constexpr CLSID kDisplayPickerClass = {
     0x829CA34E, 0xAE00, 0x4DDB, {0x94, 0x0C, 0xDB, 0xF8, 0x94, 0x72, 0xB8, 0xFA}};
 
-void register_names(const HostClass& entry) {
-    const std::u16string& name = entry.programmatic_id;
-    OLECHAR text[39];
-    StringFromGUID2(entry.clsid, text, 39);
-    const std::u16string clsid = reinterpret_cast<const char16_t*>(text);
-    const std::pair<std::u16string, const std::u16string&> texts[] = {
-        {name, name}, {name + u"\\CLSID", clsid}, {u"CLSID\\" + clsid, name}, {u"CLSID\\" + clsid + u"\\ProgID", name}};
-    for (const auto& [key, value] : texts) {
-        if (!platform::write_class_text(key, u"", value))
-            throw RuntimeError(kAutomationError, name + u" cannot be registered");
-    }
+/// Makes the class known by its name; the class itself is the process's.
+void register_name(const HostClass& entry) {
+    OLECHAR clsid[39];
+    StringFromGUID2(entry.clsid, clsid, 39);
+    if (!platform::write_class_text(entry.programmatic_id + u"\\CLSID", u"", reinterpret_cast<const char16_t*>(clsid)))
+        throw RuntimeError(kAutomationError, entry.programmatic_id + u" cannot be registered");
 }
 
 }  // namespace
@@ -163,7 +158,7 @@ Operation parse_operation(std::u16string_view name) {
 
 HostClasses::HostClasses(Host& host) {
     for (const HostClass& entry : host_classes()) {
-        register_names(entry);
+        register_name(entry);
         cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
             host.begin({host.display_asked_about, 0, entry.name()}, u"new " + std::u16string(entry.name()));
             return entry.make(host);

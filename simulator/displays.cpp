@@ -142,19 +142,11 @@ std::int16_t parse_id(std::u16string_view word) {
     return *id;
 }
 
-void Units::set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts) {
-    Unit& unit = units_[{display, id}];
-    unit.slaves = counts;
-    unit.absent = false;
-}
-
 void Units::clear_hardware(const std::u16string& display) {
     boxes_.erase(display);
     for (auto unit = units_.lower_bound({display, kLowestId}); unit != units_.end() && unit->first.first == display;
-         ++unit) {
+         ++unit)
         unit->second.slaves.reset();
-        unit->second.absent = false;
-    }
 }
 
 Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
@@ -163,11 +155,8 @@ Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
 }
 
 bool Units::answers(const Display& display, std::int16_t id) const {
-    const Unit unit = find(display.name, id);
-    if (unit.absent || unit.slaves) return !unit.absent;
-    return std::ranges::any_of(masters(display), [&](std::int16_t master) {
-        return id >= master && id <= master + slaves(display.name, master).value_or(SlaveCounts()).slaves();
-    });
+    const std::vector<std::int16_t> known = ids(display);
+    return std::ranges::find(known, id) != known.end();
 }
 
 std::vector<std::u16string> Units::boxes(const std::u16string& display) const {
@@ -199,18 +188,15 @@ std::vector<std::int16_t> Units::ids(const Display& display) const {
 void Units::read(const Words& words) {
     const std::u16string& what = words.front();
     if (what == u"unit" && words.size() == 4) {
-        const std::int16_t id = parse_id(words[2]);
         const auto slaves = value_of(u"slaves", words[3]);
-        if (slaves) return set_slaves(words[1], id, parse_slaves(*slaves));
-        if (words[3] != u"absent") refuse(words[3], "is neither slaves=YxX nor absent");
-        units_[{words[1], id}].absent = true;
+        if (!slaves) refuse(words[3], "is not slaves=YxX");
+        set_slaves(words[1], parse_id(words[2]), parse_slaves(*slaves));
     } else if (what == u"box" && words.size() == 3) {
         add_box(words[1], words[2]);
     } else if (what == u"holds" && words.size() == 4) {
         store(words[1], parse_id(words[2]), words[3]);
     } else {
-        throw std::invalid_argument(
-            "expected unit NAME ID slaves=YxX|absent, box NAME TEXT or holds NAME ID CONTENT");
+        throw std::invalid_argument("expected unit NAME ID slaves=YxX, box NAME TEXT or holds NAME ID CONTENT");
     }
 }
 
@@ -227,7 +213,6 @@ std::string Units::text() const {
         if (unit.slaves)
             lines += u"unit " + where + u"slaves=" + decimal_text(unit.slaves->y) + u"x" +
                      decimal_text(unit.slaves->x) + u"\n";
-        if (unit.absent) lines += u"unit " + where + u"absent\n";
         if (unit.content != kAsDelivered) lines += u"holds " + where + as_word(unit.content) + u"\n";
     }
     for (const auto& [display, box] : boxes_) lines += u"box " + as_word(display) + u" " + as_word(box) + u"\n";

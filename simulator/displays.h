@@ -93,11 +93,13 @@ inline constexpr char16_t kAsDelivered[] = u"as delivered";
 /// that were put there by `set_slaves`; each is as delivered until something happens to it.
 class Units {
 public:
-    void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts);
+    void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts) {
+        units_[{display, id}].slaves = counts;
+    }
     void add_box(const std::u16string& display, const std::u16string& description) {
         boxes_.emplace(display, description);
     }
-    /// Forgets the slaves, absences and device servers of a display; what its units hold stays.
+    /// Forgets the slaves and device servers of a display; what its units hold stays.
     void clear_hardware(const std::u16string& display);
 
     std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const {
@@ -115,8 +117,8 @@ public:
     /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
     std::vector<std::int16_t> ids(const Display& display) const;
 
-    /// Does what a line says: "unit NAME ID slaves=YxX", "unit NAME ID absent", "box NAME TEXT" or "holds NAME ID
-    /// CONTENT". Raises `std::invalid_argument`.
+    /// Does what a line says: "unit NAME ID slaves=YxX", "box NAME TEXT" or "holds NAME ID CONTENT". Raises
+    /// `std::invalid_argument`.
     void read(const Words& words);
     /// `file`: how messages name the text. Raises `TextError` naming the line and what was expected there.
     static Units parse(const std::string& file, std::string_view text);
@@ -126,7 +128,6 @@ public:
 private:
     struct Unit {
         std::optional<SlaveCounts> slaves;
-        bool absent = false;
         std::u16string content = kAsDelivered;
     };
     using Place = std::pair<std::u16string, std::int16_t>;

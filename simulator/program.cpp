@@ -122,23 +122,14 @@ double read_speed(const std::string& word) {
 
 constexpr char kUsage[] = R"(brivola-sim: a simulated host with displays, for the firmware plug-in
 
-  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace
-  brivola-sim controls   prints the controls of each dialog, by the names that scenarios use (not on Windows)
-  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is
-                         none, plays the sample scenario and draws each screen as text
+  brivola-sim [--speed N]                         opens its wizard on sample displays, on the terminal; where there
+                                                  is none, plays the sample scenario and draws each screen as text
+  brivola-sim run FILE [--quiet] [--pictures]     plays a scenario (-: standard input) and prints its trace
+  brivola-sim run {--compare | --record} FILE...  compares traces with those recorded, or records them
+  brivola-sim controls                            prints the controls of each dialog
 
-  --compare      plays several FILEs and compares each trace with the one recorded in FILE.trace, messages
-                 with FILE.errors; --record writes these anew
-  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own
-  --plugin PATH  the plug-in's library; without it the one beside this program
-  --quiet        prints no trace, only what the scenario shows
-  --pictures     draws each screen of the scenario as text (not on Windows)
-  --speed N      on the terminal: makes the simulated links N times as fast as usual (0.1 to 1000)
-
-Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage,
-128 + N the wizard was ended by signal N.
-
-Statements, one a line (# begins a comment):
+Also: --data DIR keeps settings, drives, displays and units; --plugin PATH is the library to try.
+The manual page tells more. Statements of a scenario, one a line (# begins a comment):
 )";
 
 constexpr std::pair<std::string_view, bool CommandLine::*> kFlags[] = {

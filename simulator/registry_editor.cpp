@@ -12,6 +12,7 @@
 #include "platform/native/registry_text.h"
 #include "platform/system.h"
 #include "simulator/words.h"
+#include "support/open_registry_key.h"
 
 namespace vex::sim {
 namespace {
@@ -34,19 +35,11 @@ constexpr Root kRoots[] = {
 constexpr std::pair<std::u16string_view, std::uint32_t> kTypes[] = {
     {u"sz", platform::kRegSz}, {u"expand_sz", platform::kRegExpandSz}, {u"dword", platform::kRegDword}};
 
-constexpr std::size_t kDwordSize = 4;
-
-const Root* root_of(std::u16string_view path) noexcept {
-    const auto* const root = std::ranges::find(kRoots, path.substr(0, path.find(u'\\')), &Root::name);
-    return root == std::end(kRoots) ? nullptr : root;
-}
-
 std::string dword_bytes(std::u16string_view text) {
-    auto number = parse_number(text, 0, std::numeric_limits<std::uint32_t>::max());
+    const auto number = parse_number(text, 0, std::numeric_limits<std::uint32_t>::max());
     if (!number) refuse(text, "is no number of 32 bits");
-    std::string bytes;
-    for (; bytes.size() < kDwordSize; *number >>= 8) bytes += static_cast<char>(*number & 0xFF);
-    return bytes;
+    const auto value = static_cast<std::uint32_t>(*number);
+    return {reinterpret_cast<const char*>(&value), sizeof value};
 }
 
 /// The path of an exported key where a 32-bit program finds it: 64-bit Windows keeps such keys in a branch of their
@@ -71,14 +64,11 @@ RegistryPath imported_path(const native::RegistrySection& section) {
 
 /// Does the `work` on a key, which is made where it is missing; it answers a result code.
 void change(const RegistryPath& path, const std::function<std::int32_t(platform::RegistryKey key)>& work) {
-    platform::Registry& registry = platform::registry();
-    platform::RegistryKey key = 0;
-    std::int32_t result = registry.create_key(platform::registry_key(path.root), platform::to_ansi(path.key).c_str(),
-                                              "", platform::kKeyWrite, {}, key);
-    if (result == platform::kSuccess) {
-        result = work(key);
-        registry.close_key(key);
-    }
+    OpenRegistryKey key(platform::registry());
+    std::int32_t result = platform::registry().create_key(platform::registry_key(path.root),
+                                                          platform::to_ansi(path.key).c_str(), "",
+                                                          platform::kKeyWrite, {}, key.receive());
+    if (result == platform::kSuccess) result = work(key.get());
     if (result == platform::kSuccess) return;
     throw std::runtime_error("the registry refuses " + to_utf8(path.key) + " (result " + std::to_string(result) + ")");
 }
@@ -103,15 +93,11 @@ std::int32_t merge(platform::RegistryKey key, const native::RegistrySection::Ent
 }  // namespace
 
 RegistryPath parse_registry_path(std::u16string_view text) {
-    const Root* root = root_of(text);
-    const std::size_t separator = text.find(u'\\');
-    if (root == nullptr || separator == text.npos || separator + 1 == text.size())
+    const std::size_t separator = std::min(text.find(u'\\'), text.size());
+    const auto* const root = std::ranges::find(kRoots, text.substr(0, separator), &Root::name);
+    if (root == std::end(kRoots) || separator + 1 >= text.size())
         refuse(text, "is no ROOT\\KEY with a root of HKLM, HKCU or HKCR");
     return {root->handle, std::u16string(text.substr(separator + 1))};
-}
-
-bool is_registry_path(std::u16string_view text) noexcept {
-    return text.find(u'\\') != text.npos && root_of(text) != nullptr;
 }
 
 void write_registry(const RegistryPath& path, std::u16string_view name, std::u16string_view type,
@@ -143,29 +129,28 @@ void import_registry(const std::string& file, std::string_view bytes) {
 }
 
 std::u16string show_registry(const RegistryPath& path, std::u16string_view name) {
+    constexpr std::size_t kLargest = 1U << 16U;
     platform::Registry& registry = platform::registry();
-    const std::string value = platform::to_ansi(name);
-    platform::RegistryKey key = 0;
+    OpenRegistryKey key(registry);
     std::uint32_t type = 0;
-    std::uint32_t size = 0;
-    std::string data;
-    std::int32_t result = registry.open_key(platform::registry_key(path.root), platform::to_ansi(path.key).c_str(),
-                                            platform::kKeyRead, key);
-    if (result != platform::kSuccess) return kNoValue;
-    result = registry.query_value(key, value.c_str(), type, nullptr, size);
+    std::uint32_t size = kLargest;
+    std::string data(kLargest, '\0');
+    if (key.open(platform::registry_key(path.root), platform::to_ansi(path.key), platform::kKeyRead) !=
+            platform::kSuccess ||
+        registry.query_value(key.get(), platform::to_ansi(name).c_str(), type,
+                             reinterpret_cast<std::uint8_t*>(data.data()), size) != platform::kSuccess)
+        return kNoValue;
     data.resize(size);
-    if (result == platform::kSuccess && size > 0)
-        result = registry.query_value(key, value.c_str(), type, reinterpret_cast<std::uint8_t*>(data.data()), size);
-    registry.close_key(key);
-    if (result != platform::kSuccess) return kNoValue;
     if (type == platform::kRegSz || type == platform::kRegExpandSz)
         return platform::from_ansi(data.substr(0, data.find('\0')));
     std::uint32_t number = 0;
+    if (type == platform::kRegDword && data.size() == sizeof number) {
+        data.copy(reinterpret_cast<char*>(&number), sizeof number);
+        return decimal_text(number);
+    }
     std::u16string digits;
     for (const char byte : data) digits += digits_of(static_cast<unsigned char>(byte), 16, 2);
-    if (type != platform::kRegDword || data.size() != kDwordSize) return digits;
-    for (std::size_t i = kDwordSize; i-- > 0;) number = number << 8U | static_cast<unsigned char>(data[i]);
-    return decimal_text(number);
+    return digits;
 }
 
 }  // namespace vex::sim

@@ -17,8 +17,6 @@ struct RegistryPath {
 
 /// Reads "ROOT\KEY" with a root of HKLM, HKCU or HKCR. Raises `std::invalid_argument`.
 RegistryPath parse_registry_path(std::u16string_view text);
-/// Whether a word begins like such a path.
-bool is_registry_path(std::u16string_view text) noexcept;
 
 // Writing makes the missing keys, and raises `std::runtime_error` with the registry's result code when it refuses.
 

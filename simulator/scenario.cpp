@@ -8,7 +8,6 @@
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/automation.h"
-#include "simulator/registry_editor.h"
 #include "simulator/session.h"
 
 namespace vex::sim {
@@ -17,11 +16,6 @@ namespace {
 /// Where the session shows what the control says.
 constexpr char16_t kStatusControl[] = u"lblStatus";
 
-std::u16string control_of(const StatementType& type, const Words& words) {
-    if (type.control == 0 || is_registry_path(words[type.control])) return {};
-    return words[type.control].substr(0, words[type.control].find(u'.'));
-}
-
 void read(Scenario& scenario, const std::string& file, std::string_view text, const std::filesystem::path& folder,
           int depth) {
     constexpr int kDeepest = 8;
@@ -29,7 +23,7 @@ void read(Scenario& scenario, const std::string& file, std::string_view text, co
     read_lines(file, text, {}, [&](const Words& words, std::size_t line) {
         const StatementType& type = statement_type(words);
         if (type.read != nullptr) {
-            scenario.push_back({{name, line}, control_of(type, words), type.read(words)});
+            scenario.push_back({{name, line}, type.read(words)});
             return;
         }
         if (depth == kDeepest) throw std::invalid_argument("files include each other too deeply");
@@ -165,9 +159,8 @@ void ScenarioPlayer::note_unless_done(ActionResult result, std::u16string_view w
     report(place, "note: " + to_utf8(what) + " is disabled or cannot be reached; nothing happens");
 }
 
-void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found,
-                            bool equal) {
-    if (equal) return;
+void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found) {
+    if (expected == found) return;
     failed_ = true;
     report(place, "expected " + to_utf8(what) + " = " + to_utf8(expected) + ", found " + to_utf8(found));
 }
@@ -186,14 +179,8 @@ void ScenarioPlayer::messages_handled() noexcept {
     ScriptedMessage* const message = status && !stopped_ ? host.read_message(status->caption) : nullptr;
     if (message == nullptr) return;
     if (!std::exchange(seen_at_work_, true)) screen.look();
-    if (message->reaction) {
-        // By value: other messages may be said meanwhile.
-        const auto reaction = message->reaction;
-        return reaction();
-    }
-    // A statement about a control of the busy dialog can mean no other moment. Others wait until it is done.
-    const std::u16string control = next_ < scenario_.size() ? scenario_[next_].control : u"";
-    if (!control.empty() && screen.find(control)) act();
+    // By value: other messages may be said meanwhile.
+    if (const auto reaction = message->reaction) reaction();
 }
 
 forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexcept {

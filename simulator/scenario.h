@@ -32,8 +32,6 @@ using Action = std::function<void(ScenarioPlayer& player)>;
 
 struct Statement {
     Place place;
-    /// The control that it acts on or looks at; empty: none.
-    std::u16string control;
     Action action;
 };
 
@@ -48,8 +46,6 @@ struct StatementType {
     /// `words`: all, in a number that is allowed. Raises `std::invalid_argument` for words that cannot be meant. Null for
     /// the one that includes a file.
     Action (*read)(const Words& words);
-    /// Position of the word that names a control, before its first "."; 0: none.
-    std::size_t control = 0;
 };
 
 /// The type of a statement, by its first word. Raises `std::invalid_argument`, also for a wrong number of words.
@@ -99,7 +95,7 @@ public:
     void start(bool frame);
     /// Tells of an action that a user could not take.
     void note_unless_done(ActionResult result, std::u16string_view what);
-    void expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found, bool equal);
+    void expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found);
 
 private:
     void run(const Place& where, const Action& action) noexcept;

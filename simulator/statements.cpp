@@ -76,13 +76,7 @@ Action import(const Words& words) {
 }
 
 Action file(const Words& words) {
-    const bool folder =
-        words.size() > 2 && one_of({u"hidden", u"folder"}, words[2], "is neither hidden nor folder") == 1;
-    if (folder) {
-        return [path = words[1]](Player& player) {
-            std::filesystem::create_directories(player.host.machine.writable_path(path));
-        };
-    }
+    if (words.size() > 2 && words[2] != u"hidden") refuse(words[2], "is not hidden");
     return [path = words[1], hidden = words.size() > 2](Player& player) {
         player.put_file(path, "");
         if (hidden) player.host.machine.hide(path);
@@ -220,21 +214,19 @@ Action retry(const Words& words) {
 /// What is looked at, as it is written, and what is found there.
 struct Sight {
     std::u16string name;
-    std::u16string property;
     std::function<std::u16string(Player& player)> find;
 };
 
 /// CONTROL.PROPERTY, one word, or ROOT\KEY NAME, two.
 Sight look(const Words& words, bool in_registry) {
     if (in_registry) {
-        return {as_word(words[1]) + u" " + as_word(words[2]), {},
+        return {as_word(words[1]) + u" " + as_word(words[2]),
                 [path = parse_registry_path(words[1]), name = words[2]](Player&) { return show_registry(path, name); }};
     }
     const std::size_t point = words[1].find(u'.');
     if (point == words[1].npos || point == 0 || point + 1 == words[1].size())
         refuse(words[1], "is no CONTROL.PROPERTY");
-    const std::u16string property = words[1].substr(point + 1);
-    return {words[1], property, [control = words[1].substr(0, point), property](Player& player) {
+    return {words[1], [control = words[1].substr(0, point), property = words[1].substr(point + 1)](Player& player) {
                 return player.screen.property(control, property);
             }};
 }
@@ -246,14 +238,8 @@ Action show(const Words& words) {
 }
 
 Action expect(const Words& words) {
-    const Sight sight = look(words, words.size() == 4);
-    // Texts are compared exactly; words such as True and digits such as those of a colour in any case.
-    const bool is_word = sight.property == u"Enabled" || sight.property == u"Visible" || sight.property == u"Value" ||
-                         sight.property == u"FillColor" || sight.property.ends_with(u".ForeColor");
-    return [sight, is_word, expected = words.back()](Player& player) {
-        const std::u16string found = sight.find(player);
-        const bool equal = is_word ? equal_ignoring_case(expected, found) : expected == found;
-        player.expect(sight.name, expected, found, equal);
+    return [sight = look(words, words.size() == 4), expected = words.back()](Player& player) {
+        player.expect(sight.name, expected, sight.find(player));
     };
 }
 
@@ -268,12 +254,12 @@ Action rows(const Words& words) {
 constexpr StatementType kStatements[] = {
     {"include FILE", 2, 2, nullptr},
     {"display NAME [KEY=VALUE]...", 2, kAnyNumber, &display},
-    {"unit NAME ID slaves=YxX|absent", 4, 4, &hardware},
+    {"unit NAME ID slaves=YxX", 4, 4, &hardware},
     {"box NAME TEXT", 3, 3, &hardware},
     {"setting APPLICATION SECTION KEY VALUE", 5, 5, &setting},
     {"registry ROOT\\KEY NAME TYPE VALUE", 5, 5, &registry},
     {"import FILE", 2, 2, &import},
-    {"file PATH [hidden|folder]", 2, 3, &file},
+    {"file PATH [hidden]", 2, 3, &file},
     {"copy SOURCE PATH", 3, 3, &copy},
     {"lines PATH LINE...", 3, kAnyNumber, &lines},
     {"image PATH BYTES", 3, 3, &image},
@@ -282,15 +268,15 @@ constexpr StatementType kStatements[] = {
     {"say NAME ID MEMBER TEXT [at=N] [STATEMENT]", 5, kAnyNumber, &say},
     {"answer picker TEXT | answer openfile PATH|cancel | answer msgbox yes|no|ok", 3, 3, &answer},
     {"start [frame]", 1, 2, &start},
-    {"click CONTROL", 2, 2, &click, 1},
-    {"press CONTROL X Y [left|right]", 4, 5, &press, 1},
-    {"set CONTROL VALUE", 3, 3, &set, 1},
+    {"click CONTROL", 2, 2, &click},
+    {"press CONTROL X Y [left|right]", 4, 5, &press},
+    {"set CONTROL VALUE", 3, 3, &set},
     {"close", 1, 1, &close},
     {"activate", 1, 1, &activate},
     {"retry ROW", 2, 2, &retry},
-    {"show CONTROL.PROPERTY | show ROOT\\KEY NAME", 2, 3, &show, 1},
-    {"expect CONTROL.PROPERTY VALUE | expect ROOT\\KEY NAME VALUE", 3, 4, &expect, 1},
-    {"rows CONTROL", 2, 2, &rows, 1},
+    {"show CONTROL.PROPERTY | show ROOT\\KEY NAME", 2, 3, &show},
+    {"expect CONTROL.PROPERTY VALUE | expect ROOT\\KEY NAME VALUE", 3, 4, &expect},
+    {"rows CONTROL", 2, 2, &rows},
     {"units", 1, 1, &units},
 };
 

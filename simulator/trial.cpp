@@ -111,29 +111,21 @@ void DisplayPicker::show_checks() {
         if (list_.rows()[row].icon != images_.find(key)) list_.set_icon(row, key);
     }
     count_.set_caption(digits_of(checked_.size(), 10) + u" of " + digits_of(displays_.size(), 10) + u" checked");
-    all_.set_caption((all_checked() ? u"Uncheck &All " : u"Check &All ") + digits_of(rows_.size(), 10));
-    all_.set_enabled(!rows_.empty());
+    all_.set_caption(u"Check &All " + digits_of(rows_.size(), 10));
+    all_.set_enabled(!all_checked());
     ok_.set_enabled(!checked_.empty());
     // Enter checks what the search has found, and then takes what is checked.
-    all_.is_default = !search_.text().empty() && rows_.size() == 1 && !all_checked();
+    all_.is_default = all_.enabled() && !search_.text().empty() && rows_.size() == 1;
     ok_.is_default = !all_.is_default && !rows_.empty();
 }
 
 bool DisplayPicker::all_checked() const {
-    return !rows_.empty() &&
-           std::ranges::all_of(rows_, [this](std::size_t display) { return checked_.contains(display); });
+    return std::ranges::all_of(rows_, [this](std::size_t display) { return checked_.contains(display); });
 }
 
 void DisplayPicker::check_all() {
-    const bool uncheck = all_checked();
-    for (const std::size_t display : rows_) {
-        if (uncheck) {
-            checked_.erase(display);
-        } else {
-            checked_.insert(display);
-        }
-    }
-    if (rows_.size() > 1 || uncheck) return show_checks();
+    checked_.insert(rows_.begin(), rows_.end());
+    if (rows_.size() > 1) return show_checks();
     // Found and checked: the next one may be looked for.
     const std::size_t display = rows_.front();
     search_.set_text({});

@@ -52,8 +52,6 @@ terminal::IconCharacters icon_characters() {
             {"CANCELLED", U'○'},  {"MARKED", U'☑'},   {"UNMARKED", U'☐'}};
 }
 
-using forms::ControlKind;
-
 forms::Form& NativeScreen::form() const {
     forms::Form* const top = toolkit_.top();
     if (top == nullptr) throw std::invalid_argument("no dialog is open");
@@ -69,25 +67,26 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     shown.visible = found->visible();
     shown.takes_input = found->enabled() && found->reachable();
     using Kind = ShownControl::Kind;
-    if (found->kind() == ControlKind::text_box) shown.kind = Kind::text_box;
-    if (found->kind() == ControlKind::option_button) {
+    if (const auto* option = dynamic_cast<const forms::OptionButton*>(found)) {
         shown.kind = Kind::option_button;
-        shown.checked = static_cast<const forms::OptionButton&>(*found).value();
-    } else if (found->kind() == ControlKind::check_box) {
+        shown.checked = option->value();
+    } else if (const auto* check = dynamic_cast<const forms::CheckBox*>(found)) {
         shown.kind = Kind::check_box;
-        shown.checked = static_cast<const forms::CheckBox&>(*found).value() != 0;
-    } else if (found->kind() == ControlKind::shape) {
+        shown.checked = check->value() != 0;
+    } else if (const auto* shape = dynamic_cast<const forms::Shape*>(found)) {
         shown.kind = Kind::shape;
-        shown.fill_color = static_cast<const forms::Shape&>(*found).fill_color();
-    } else if (found->kind() == ControlKind::tab_pages) {
+        shown.fill_color = shape->fill_color();
+    } else if (const auto* pages = dynamic_cast<const forms::TabPages*>(found)) {
         shown.kind = Kind::pages;
-        shown.page = static_cast<const forms::TabPages&>(*found).tab();
-    } else if (found->kind() == ControlKind::list_view) {
+        shown.page = pages->tab();
+    } else if (const auto* list = dynamic_cast<const forms::ListView*>(found)) {
         shown.kind = Kind::list;
-        for (const forms::ListRow& row : static_cast<const forms::ListView&>(*found).rows()) {
+        for (const forms::ListRow& row : list->rows()) {
             ShownRow& cells = shown.rows.emplace_back(ShownRow{{row.text}, row.fore_color});
             for (const forms::ListCell& cell : row.sub_items) cells.cells.push_back(cell.text);
         }
+    } else if (found->kind() == forms::ControlKind::text_box) {
+        shown.kind = Kind::text_box;
     }
     return shown;
 }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
-#include <map>
 #include <set>
 #include <sstream>
 
@@ -60,29 +59,23 @@ bool is_running(const terminal::TerminalToolkit& toolkit) {
     return (close != nullptr && !close->enabled()) || toolkit.find("dlgHandleSignOption") != nullptr;
 }
 
-/// How the displays of the run on the screen fared; empty where there is none.
-std::string outcome(const terminal::TerminalToolkit& toolkit) {
+/// Whether the topmost dialog is a run with displays that may be done again.
+bool can_retry(const terminal::TerminalToolkit& toolkit) {
     const forms::Form* const run = toolkit.find("dlgDispUpdater");
     forms::Control* const found = run == nullptr ? nullptr : run->find("lstvDisplayStatus");
-    if (found == nullptr || toolkit.top() != run) return {};
+    if (found == nullptr || toolkit.top() != run) return false;
     const auto& list = static_cast<const forms::ListView&>(*found);
-    std::map<std::string, int> counts;
-    for (const forms::ListRow& row : list.rows()) {
-        if (row.icon) ++counts[list.small_icons->images()[*row.icon].icon];
-    }
-    std::string text = std::to_string(counts["UPDATED"]) + " updated";
-    for (const auto& [icon, word] : {std::pair("FAILED", " failed"), std::pair("CANCELLED", " cancelled"),
-                                     std::pair("NOTUPDATED", " not tried")}) {
-        if (counts[icon] > 0) text += ", " + std::to_string(counts[icon]) + word;
-    }
-    return text + (counts["UPDATED"] < static_cast<int>(list.row_count()) ? ": F10 retries   " : "   ");
+    return std::ranges::any_of(list.rows(), [&list](const forms::ListRow& row) {
+        return !row.icon || list.small_icons->images()[*row.icon].icon != std::string_view("UPDATED");
+    });
 }
 
-/// Draws on the host's own line how far the run among the dialogs of `toolkit` is, or answers how it went.
+/// Draws on the host's own line how far the run among the dialogs of `toolkit` is, or answers what stands there
+/// before the keys.
 std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const terminal::Area& line,
                                              const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
     // A question is answered by keys.
-    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox") return wide(outcome(toolkit));
+    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox") return can_retry(toolkit) ? U"F10 retries   " : U"";
     canvas.fill(line, kLine);
     const std::u32string unit = wide(of("Unit", progress.unit_number, progress.units));
     const std::u32string display = wide(of("Display", progress.display_number, progress.displays));

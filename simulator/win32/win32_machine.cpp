@@ -37,7 +37,7 @@ OwnedKey make_key(const std::u16string& path) {
 Win32Machine* Win32Machine::current_ = nullptr;
 
 struct Win32Machine::Hooks {
-    static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
+    static void redirect_registry(HMODULE module, std::list<ImportHook>& hooks) {
         hooks.emplace_back(module, "RegOpenKeyExA", &open_key);
         hooks.emplace_back(module, "RegCreateKeyExA", &create_key);
         hooks.emplace_back(module, "RegDeleteKeyA", &delete_key);

@@ -24,14 +24,6 @@ std::u16string class_text(const std::u16string& key) {
     return show_registry({platform::kHkeyClassesRoot, key}, u"");
 }
 
-/// The key of the class behind a name, or empty text. Only an identity names a class: anything else that
-/// stands in the registry there could lead to the key of all classes, which is not ours to remove.
-std::u16string class_key(const std::u16string& programmatic_id) {
-    const std::u16string clsid = class_text(programmatic_id + u"\\CLSID");
-    IID identity;
-    return SUCCEEDED(IIDFromString(wide(clsid), &identity)) ? u"CLSID\\" + clsid : std::u16string();
-}
-
 }  // namespace
 
 std::vector<std::string> program_arguments() {
@@ -46,15 +38,8 @@ std::vector<std::string> program_arguments() {
 }
 
 bool class_has_server(const std::u16string& programmatic_id) {
-    const std::u16string key = class_key(programmatic_id);
-    return !key.empty() && (class_text(key + u"\\InprocServer32") != kNoValue ||
-                            class_text(key + u"\\LocalServer32") != kNoValue);
-}
-
-void remove_class(const std::u16string& programmatic_id) {
-    const std::u16string key = class_key(programmatic_id);
-    if (!key.empty()) RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(key));
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(programmatic_id));
+    const std::u16string key = u"CLSID\\" + class_text(programmatic_id + u"\\CLSID");
+    return class_text(key + u"\\InprocServer32") != kNoValue || class_text(key + u"\\LocalServer32") != kNoValue;
 }
 
 Win32Session::Win32Session(const CommandLine& options)
@@ -73,7 +58,7 @@ Win32Session::Win32Session(const CommandLine& options)
 Win32Session::~Win32Session() {
     screen_.reset();
     machine_.reset();
-    for (const HostClass& known : host_classes()) remove_class(known.programmatic_id);
+    for (const HostClass& known : host_classes()) RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(known.programmatic_id));
     try {
         platform::Library(plugin()).function<HRESULT(STDAPICALLTYPE*)()>("DllUnregisterServer")();
     } catch (const RuntimeError&) {

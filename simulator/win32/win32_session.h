@@ -18,9 +18,6 @@ std::vector<std::string> program_arguments();
 /// Whether the class of that name has a server of its own: then it belongs to an installed product.
 bool class_has_server(const std::u16string& programmatic_id);
 
-/// Removes the registration of a class, its class id's included. Nothing happens where there is none.
-void remove_class(const std::u16string& programmatic_id);
-
 class Win32Session final : public Session {
 public:
     /// Raises `RuntimeError` or `filesystem_error` when the data folder cannot be used, or when the classes of

@@ -36,7 +36,7 @@ CommandLine with_data(const test::TemporaryFolder& folder) {
 
 TEST(Run, ChecksAllExpectationsAndPrintsEach) {
     const Outcome outcome =
-        run("display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled false\nexpect SSTab1.Tab 3\n"
+        run("display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled False\nexpect SSTab1.Tab 3\n"
             "expect HKLM\\Software\\x y z\nclick cmdCancel");
     EXPECT_EQ(outcome.status, kFailed);
     EXPECT_EQ(outcome.errors,
@@ -58,7 +58,7 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
         {"rows cmdNext", "a.scn:3: cmdNext is no list\n"},
         {"retry 1", "a.scn:3: dlgFirmwareWizard has no control \"lstvDisplayStatus\"\n"},
         {"start", "a.scn:3: a dialog is still open\n"},
-        {"unit B 1 absent", "a.scn:3: there is no display \"B\"\n"},
+        {"unit B 1 slaves=0x0", "a.scn:3: there is no display \"B\"\n"},
         {"copy nowhere D:\\x", "a.scn:3: there is no file \"nowhere\"\n"},
         {"file Z:\\tmp\\x", "a.scn:3: \"Z:\\tmp\\x\" is no path on a drive of A: to Y:\n"},
         {"registry HKLM\\a b word 1", "a.scn:3: \"word\" is none of sz, expand_sz, dword\n"},
@@ -77,7 +77,7 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
 TEST(Run, KeepsItsDataWhereItIsTold) {
     const test::TemporaryFolder folder;
     const Outcome first =
-        run("display A ids=1,2\nunit A 1 absent\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
+        run("display A ids=1,2\nunit A 1 slaves=0x0\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
             "file C:\\Host\\x.bin\nanswer picker B\nstart\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick "
             "cmdFinish\n"
             "click cmdClose",

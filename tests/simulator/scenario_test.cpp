@@ -67,9 +67,6 @@ TEST(Units, AreMastersTheirSlavesAndWhatWasPutThere) {
     EXPECT_THAT(units.ids(display), ElementsAre(20, 1, 2, 3, 50));
     for (const int id : {1, 2, 3, 20, 50}) EXPECT_TRUE(units.answers(display, static_cast<std::int16_t>(id))) << id;
     for (const int id : {0, 4, 19, 21, -1}) EXPECT_FALSE(units.answers(display, static_cast<std::int16_t>(id))) << id;
-    units.read({u"unit", u"A", u"2", u"absent"});
-    EXPECT_FALSE(units.answers(display, 2));
-    EXPECT_TRUE(units.answers(display, 3));
     EXPECT_THAT(units.ids(display_with(u"")), ElementsAre(1, 50));
 }
 
