@@ -315,8 +315,7 @@ private:
             if (!display_) return goes_on(scripted) && refuse(u"No connection is open");
             // By value: what a user does meanwhile may change the host's displays.
             const Display display = host_.displays.at(*display_);
-            if (!host_.units.answers(display, sign_id_))
-                return goes_on(scripted) && refuse(unit(u" does not answer"));
+            if (!host_.units.answers(display, sign_id_)) return goes_on(scripted) && refuse(unit(u" does not answer"));
             return work(display, scripted);
         });
     }

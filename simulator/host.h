@@ -157,8 +157,8 @@ struct Host {
     /// The status messages that the control is saying, the innermost last.
     std::vector<ScriptedMessage> messages_said;
 
-    /// Takes what the script has for a call; to be asked once for each. Raises the error that it has; `shown` begins the
-    /// line of the trace that tells of that.
+    /// Takes what the script has for a call; to be asked once for each. Raises the error that it has; `shown` begins
+    /// the line of the trace that tells of that.
     ScriptedCall begin(const Call& call, const std::u16string& shown);
     /// The message that is being said, the first time that it can be read: `shown` is what a user sees on the session's
     /// status line. Null for other texts, and for a message that was read. Its reaction is the caller's to take.

@@ -46,8 +46,8 @@ using MakeSession = std::unique_ptr<Session> (*)(const CommandLine& options);
 
 /// Does what the words say and answers the exit status. Scenarios are compared each in its own folder. One is as
 /// recorded when it passes, its trace is that of FILE.trace, where what comes several times in a row is told once and
-/// what one object is asked and says shares lines, and its messages are those of FILE.errors, or none where that file is
-/// missing.
+/// what one object is asked and says shares lines, and its messages are those of FILE.errors, or none where that file
+/// is missing.
 int run_program(std::span<const std::string> words, MakeSession make);
 
 }  // namespace vex::sim

@@ -65,9 +65,9 @@ RegistryPath imported_path(const native::RegistrySection& section) {
 /// Does the `work` on a key, which is made where it is missing; it answers a result code.
 void change(const RegistryPath& path, const std::function<std::int32_t(platform::RegistryKey key)>& work) {
     OpenRegistryKey key(platform::registry());
-    std::int32_t result = platform::registry().create_key(platform::registry_key(path.root),
-                                                          platform::to_ansi(path.key).c_str(), "",
-                                                          platform::kKeyWrite, {}, key.receive());
+    std::int32_t result =
+        platform::registry().create_key(platform::registry_key(path.root), platform::to_ansi(path.key).c_str(), "",
+                                        platform::kKeyWrite, {}, key.receive());
     if (result == platform::kSuccess) result = work(key.get());
     if (result == platform::kSuccess) return;
     throw std::runtime_error("the registry refuses " + to_utf8(path.key) + " (result " + std::to_string(result) + ")");
@@ -83,9 +83,9 @@ std::int32_t set(platform::RegistryKey key, std::u16string_view name, std::uint3
 std::int32_t merge(platform::RegistryKey key, const native::RegistrySection::Entry& entry) {
     const auto& [name, type, data] = entry.value;
     if (!entry.deleted)
-        return set(key, name, type,
-                   native::is_string(type) ? platform::to_ansi(native::text_of(data))
-                                           : std::string(data.begin(), data.end()));
+        return set(
+            key, name, type,
+            native::is_string(type) ? platform::to_ansi(native::text_of(data)) : std::string(data.begin(), data.end()));
     platform::registry().delete_value(key, platform::to_ansi(name).c_str());
     return platform::kSuccess;
 }
@@ -104,8 +104,8 @@ void write_registry(const RegistryPath& path, std::u16string_view name, std::u16
                     std::u16string_view text) {
     const auto* const known = std::ranges::find(kTypes, type, &std::pair<std::u16string_view, std::uint32_t>::first);
     if (known == std::end(kTypes)) refuse(type, "is none of sz, expand_sz, dword");
-    const std::string data = known->second == platform::kRegDword ? dword_bytes(text)
-                                                                  : platform::to_ansi(std::u16string(text) + u'\0');
+    const std::string data =
+        known->second == platform::kRegDword ? dword_bytes(text) : platform::to_ansi(std::u16string(text) + u'\0');
     change(path, [&](platform::RegistryKey key) { return set(key, name, known->second, data); });
 }
 

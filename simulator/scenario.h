@@ -43,8 +43,8 @@ struct StatementType {
     std::string_view usage;
     std::size_t fewest_words;
     std::size_t most_words;
-    /// `words`: all, in a number that is allowed. Raises `std::invalid_argument` for words that cannot be meant. Null for
-    /// the one that includes a file.
+    /// `words`: all, in a number that is allowed. Raises `std::invalid_argument` for words that cannot be meant. Null
+    /// for the one that includes a file.
     Action (*read)(const Words& words);
 };
 

@@ -74,8 +74,8 @@ protected:
     /// Before a scenario is played, whose trace goes to `out`.
     virtual void prepare(std::ostream& /*out*/) {}
 
-    /// Lets somebody do the `work` on a host whose displays are those of the sample scenario, unless it has some already;
-    /// it is `fresh` then. What the units hold that have changed goes to `summary` in the end.
+    /// Lets somebody do the `work` on a host whose displays are those of the sample scenario, unless it has some
+    /// already; it is `fresh` then. What the units hold that have changed goes to `summary` in the end.
     ExitStatus try_out(std::ostream& summary, std::ostream& errors,
                        const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work);
     /// Opens the wizard for somebody to use.

@@ -64,15 +64,12 @@ Action setting(const Words& words) {
 }
 
 Action registry(const Words& words) {
-    return [words, path = parse_registry_path(words[1])](Player&) {
-        write_registry(path, words[2], words[3], words[4]);
-    };
+    return
+        [words, path = parse_registry_path(words[1])](Player&) { write_registry(path, words[2], words[3], words[4]); };
 }
 
 Action import(const Words& words) {
-    return [file = words[1]](Player& player) {
-        import_registry(to_utf8(file), read_file(player.source_file(file)));
-    };
+    return [file = words[1]](Player& player) { import_registry(to_utf8(file), read_file(player.source_file(file))); };
 }
 
 Action file(const Words& words) {

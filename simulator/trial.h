@@ -1,5 +1,5 @@
-// What somebody meets who tries the plug-in at a simulated host: its selection dialog, how far a run is, and the time that
-// links take.
+// What somebody meets who tries the plug-in at a simulated host: its selection dialog, how far a run is, and the time
+// that links take.
 #pragma once
 
 #include <chrono>

@@ -58,8 +58,8 @@ std::optional<std::u16string> value_of(const std::u16string& key, const std::u16
 std::u16string shown_boolean(bool value);
 
 /// Hands the words of each line of a UTF-8 text that has some to `read`, with the line's number; what it raises, a
-/// `TextError` apart, becomes a `TextError`. Lines end with "\n" or "\r\n"; a byte order mark does not count. `file`: how
-/// messages name the text. `header`: what the first line must be; empty: it is like the others.
+/// `TextError` apart, becomes a `TextError`. Lines end with "\n" or "\r\n"; a byte order mark does not count. `file`:
+/// how messages name the text. `header`: what the first line must be; empty: it is like the others.
 void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
                 const std::function<void(const Words& words, std::size_t line)>& read);
 

@@ -24,9 +24,7 @@ public:
     }
 
 private:
-    void run_modal(forms::Form& form, forms::Form* /*owner*/) override {
-        picture_ = picture_of(form);
-    }
+    void run_modal(forms::Form& form, forms::Form* /*owner*/) override { picture_ = picture_of(form); }
 
     terminal::Size size() const override { return terminal::kSmallestTerminal; }
     void show(const terminal::Canvas& /*canvas*/, std::optional<terminal::Point> /*cursor*/) override {}

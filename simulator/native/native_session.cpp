@@ -75,7 +75,8 @@ bool can_retry(const terminal::TerminalToolkit& toolkit) {
 std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const terminal::Area& line,
                                              const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
     // A question is answered by keys.
-    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox") return can_retry(toolkit) ? U"F10 retries   " : U"";
+    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox")
+        return can_retry(toolkit) ? U"F10 retries   " : U"";
     canvas.fill(line, kLine);
     const std::u32string unit = wide(of("Unit", progress.unit_number, progress.units));
     const std::u32string display = wide(of("Display", progress.display_number, progress.displays));

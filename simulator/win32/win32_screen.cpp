@@ -91,8 +91,7 @@ std::u16string shown_cell(HWND list, std::size_t row, int column) {
     item.iSubItem = column;
     item.pszText = wide(text);
     item.cchTextMax = kLongest;
-    text.resize(
-        static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item))));
+    text.resize(static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item))));
     return text;
 }
 

@@ -20,9 +20,7 @@ using namespace platform::win32;
 
 namespace {
 
-std::u16string class_text(const std::u16string& key) {
-    return show_registry({platform::kHkeyClassesRoot, key}, u"");
-}
+std::u16string class_text(const std::u16string& key) { return show_registry({platform::kHkeyClassesRoot, key}, u""); }
 
 }  // namespace
 
@@ -46,8 +44,8 @@ Win32Session::Win32Session(const CommandLine& options)
     : Session(options, std::filesystem::path(platform::win32::module_path()).parent_path(), "vexFirmwarePlugin.dll") {
     for (const HostClass& known : host_classes()) {
         if (class_has_server(known.programmatic_id))
-            throw RuntimeError(kAutomationError,
-                               u"the class " + known.programmatic_id + u" of a real host is registered on this machine");
+            throw RuntimeError(kAutomationError, u"the class " + known.programmatic_id +
+                                                     u" of a real host is registered on this machine");
     }
     std::filesystem::create_directories(data());
     OleInitialize(nullptr);
