@@ -40,8 +40,8 @@ public:
         const MemberFacts& member = arguments.member();
         std::u16string about = current_ < displays_.size() ? displays_.at(current_).name : u"";
         if (member.name == u"FindDisplay") about = arguments.text(0);
-        if (member.name == u"SelectDisplay" && is_handle(arguments.int32(0)))
-            about = displays_.at(static_cast<std::size_t>(arguments.int32(0)) - 1).name;
+        if (const auto index = member.name == u"SelectDisplay" ? index_of(arguments.int32(0)) : std::nullopt)
+            about = displays_.at(*index).name;
         const std::u16string shown = arguments.shown_call(u"HostDisplayList");
         host_.begin({about, 0, member.name}, shown);
         if (member.kind == kMethod) host_.trace.line(shown);
@@ -74,7 +74,7 @@ private:
 
     /// An unknown handle leaves the current display as it is.
     com::Variant select(const CallArguments& arguments) {
-        if (is_handle(arguments.int32(0))) current_ = static_cast<std::size_t>(arguments.int32(0)) - 1;
+        current_ = index_of(arguments.int32(0)).value_or(current_);
         current();
         return {};
     }
@@ -85,8 +85,9 @@ private:
     }
     com::Variant connection(const CallArguments& /*none*/) { return com::Variant::int16(current().connection); }
 
-    bool is_handle(std::int32_t handle) const noexcept {
-        return handle >= 1 && static_cast<std::size_t>(handle) <= displays_.size();
+    std::optional<std::size_t> index_of(std::int32_t handle) const noexcept {
+        const auto index = static_cast<std::size_t>(handle) - 1;
+        return handle >= 1 && index < displays_.size() ? std::optional(index) : std::nullopt;
     }
 
     const Display& current() {

@@ -159,7 +159,6 @@ public:
 private:
     /// Work on the connection or a unit; answers its success.
     using Work = std::function<bool(const ScriptedCall& scripted)>;
-    using UnitWork = std::function<bool(const Display& display, const ScriptedCall& scripted)>;
 
     // ---- The connection
 
@@ -226,16 +225,16 @@ private:
     }
 
     com::Variant reset_and_clear(const CallArguments& arguments) {
-        return operate_unit(arguments, [&](const Display& display, const ScriptedCall& scripted) {
+        return operate_unit(arguments, [&](const ScriptedCall& scripted) {
             say({unit(u": resetting and clearing"), {}, false});
             if (!goes_on(scripted)) return false;
-            host_.units.store(display.name, sign_id_, u"empty");
+            host_.units.store(called_display_, sign_id_, u"empty");
             return true;
         });
     }
 
     com::Variant prepare_for_firmware(const CallArguments& arguments) {
-        return operate_unit(arguments, [&](const Display&, const ScriptedCall& scripted) {
+        return operate_unit(arguments, [&](const ScriptedCall& scripted) {
             say({unit(u": preparing for firmware"), {}, false});
             return goes_on(scripted);
         });
@@ -254,26 +253,25 @@ private:
 
     /// Writes the firmware file that is the first argument into the selected unit. `check` raises `ImageError`.
     com::Variant download(const CallArguments& arguments, const std::function<void(const std::string& image)>& check) {
-        return operate_unit(arguments, [&](const Display& display, const ScriptedCall& scripted) {
+        return operate_unit(arguments, [&](const ScriptedCall& scripted) {
             const std::u16string file = arguments.text(0);
             try {
                 const std::string image = read_image(host_.machine.real_path(file), file);
                 check(image);
-                return transfer(display, image, file, scripted);
+                return transfer(image, file, scripted);
             } catch (const ImageError& error) {
                 return goes_on(scripted) && refuse(from_utf8(error.what()));
             }
         });
     }
 
-    bool transfer(const Display& display, const std::string& image, const std::u16string& file,
-                  const ScriptedCall& scripted) {
+    bool transfer(const std::string& image, const std::u16string& file, const ScriptedCall& scripted) {
         // Erased first: a unit that loses its link half way has neither its old firmware nor the new one.
-        const std::int16_t id = sign_id_;
-        host_.units.store(display.name, id, u"incomplete");
+        const Call call = call_of(operation_);
+        host_.units.store(call.display, call.id, u"incomplete");
         for (int percent = kPercentStep; percent <= 100; percent += kPercentStep) {
             tell({.kind = LinkEvent::Kind::transfers,
-                  .call = call_of(operation_),
+                  .call = call,
                   .percent = percent,
                   .bytes = image.size() * kPercentStep / 100});
             if (percent % kPercentSaid == 0)
@@ -281,7 +279,7 @@ private:
             if (interrupted_) return refuse(u"Transmission cancelled");
             if (percent == kScriptedPercent && !goes_on(scripted)) return false;
         }
-        host_.units.store(display.name, id, describe_image(image, file));
+        host_.units.store(call.display, call.id, describe_image(image, file));
         return true;
     }
 
@@ -310,13 +308,12 @@ private:
     }
 
     /// The same for the selected unit, which must be connected and answer.
-    com::Variant operate_unit(const CallArguments& arguments, const UnitWork& work) {
+    com::Variant operate_unit(const CallArguments& arguments, const Work& work) {
         return operate(arguments, u"", [&](const ScriptedCall& scripted) {
             if (!display_) return goes_on(scripted) && refuse(u"No connection is open");
-            // By value: what a user does meanwhile may change the host's displays.
-            const Display display = host_.displays.at(*display_);
-            if (!host_.units.answers(display, sign_id_)) return goes_on(scripted) && refuse(unit(u" does not answer"));
-            return work(display, scripted);
+            if (!host_.units.answers(host_.displays.at(*display_), sign_id_))
+                return goes_on(scripted) && refuse(unit(u" does not answer"));
+            return work(scripted);
         });
     }
 

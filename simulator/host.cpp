@@ -61,7 +61,7 @@ void Host::put_display(Display display) {
 void Host::save_displays() {
     if (!std::exchange(displays_changed, false)) return;
     std::filesystem::create_directories(display_file.parent_path());
-    replace_file(display_file, displays.text());
+    platform::replace_private_file(display_file, displays.text());
 }
 
 std::vector<std::u16string> Host::unit_lines() const {

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "platform/private_files.h"
 #include "simulator/scenario.h"
 #include "simulator/session.h"
 #include "simulator/words.h"
@@ -78,7 +79,7 @@ std::string compare(const CommandLine& options, const fs::path& scenario, MakeSe
         file.replace_extension(extension);
         if (options.record) {
             fs::remove(file);
-            if (always || !found.empty()) replace_file(file, found);
+            if (always || !found.empty()) platform::replace_private_file(file, found);
             return;
         }
         const std::string recorded = always || fs::exists(file) ? read_file(file) : std::string();

@@ -7,6 +7,7 @@
 #include "core/digits.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/private_files.h"
 #include "simulator/automation.h"
 #include "simulator/session.h"
 
@@ -123,7 +124,7 @@ void ScenarioPlayer::put_file(const std::u16string& path, std::string_view bytes
     host.save_displays();
     const std::filesystem::path real = host.machine.writable_path(path);
     std::filesystem::create_directories(real.parent_path());
-    replace_file(real, bytes);
+    platform::replace_private_file(real, bytes);
 }
 
 void ScenarioPlayer::require_display(const std::u16string& name) const {

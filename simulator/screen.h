@@ -2,7 +2,6 @@
 // as data, and on real windows.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>

@@ -6,6 +6,7 @@
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/private_files.h"
 #include "simulator/class_library.h"
 #include "simulator/words.h"
 
@@ -92,7 +93,7 @@ ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const s
         PluginHost plugin(plugin_library);
         status = work(host, plugin);
         host.save_displays();
-        replace_file(unit_file, host.units.text());
+        platform::replace_private_file(unit_file, host.units.text());
         if (!plugin.can_unload()) {
             errors << "the plug-in still has living objects\n";
             left_behind = true;
@@ -117,8 +118,8 @@ Session::Session(const CommandLine& options, const std::filesystem::path& progra
 }
 
 ExitStatus Session::play(const std::string& file, std::ostream& out, std::ostream& errors) {
-    constexpr char kStandardInput[] = "standard input";
-    if (file == "-") return play_text(kStandardInput, read_stream(kStandardInput, std::cin), {}, out, errors);
+    if (file == "-")
+        return play_text("standard input", {std::istreambuf_iterator<char>(std::cin), {}}, {}, out, errors);
     return play_text(file, read_file(file), std::filesystem::path(file).parent_path(), out, errors);
 }
 

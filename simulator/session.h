@@ -81,17 +81,15 @@ protected:
     /// Opens the wizard for somebody to use.
     static ExitStatus start(PluginHost& plugin, std::ostream& errors);
 
-    const std::filesystem::path& data() const noexcept { return data_; }
-    const std::filesystem::path& plugin() const noexcept { return plugin_; }
-    const std::filesystem::path& samples_folder() const noexcept { return samples_; }
-
     CommandLine options_;
+    /// Where settings, drives and units are kept.
+    std::filesystem::path data_;
+    /// The plug-in's library.
+    std::filesystem::path plugin_;
+    std::filesystem::path samples_;
 
 private:
     std::optional<PrivateFolder> private_;
-    std::filesystem::path data_;
-    std::filesystem::path plugin_;
-    std::filesystem::path samples_;
 };
 
 }  // namespace vex::sim

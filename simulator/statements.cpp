@@ -1,8 +1,6 @@
 // The statements of a scenario: each by what it means, and how all are written at the end.
 #include <algorithm>
-#include <iterator>
 #include <limits>
-#include <utility>
 
 #include "core/digits.h"
 #include "core/unicode.h"

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <istream>
 #include <optional>
 #include <random>
 #include <stdexcept>
@@ -63,13 +62,8 @@ std::u16string shown_boolean(bool value);
 void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
                 const std::function<void(const Words& words, std::size_t line)>& read);
 
-/// All that a stream has. Raises `TextError` without a line where it cannot be read.
-std::string read_stream(const std::string& name, std::istream& stream);
 /// A whole file. Raises `TextError` without a line.
 std::string read_file(const std::filesystem::path& path);
-/// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.
-/// Raises `TextError` without a line.
-void replace_file(const std::filesystem::path& path, std::string_view bytes);
 
 /// A new folder, for its owner alone, among the system's temporary files; removed in the end.
 class PrivateFolder {

@@ -119,7 +119,7 @@ void print_controls_of(const forms::Form& form) {
 
 NativeSession::NativeSession(const CommandLine& options)
     : Session(options, std::filesystem::read_symlink("/proc/self/exe").parent_path(), "libvexFirmwarePlugin.so") {
-    native::use_machine_folder(data());
+    native::use_machine_folder(data_);
     native::set_desktop(&screen_.toolkit());
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
@@ -138,7 +138,7 @@ int NativeSession::play_without_scenario() {
     if (terminal::find_terminal(std::cerr)) return run_trial();
     options_.pictures = true;
     options_.quiet = true;
-    return play((samples_folder() / kDemonstration).string(), std::cout, std::cerr);
+    return play((samples_ / kDemonstration).string(), std::cout, std::cerr);
 }
 
 int NativeSession::print_controls() {

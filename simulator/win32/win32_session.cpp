@@ -47,10 +47,10 @@ Win32Session::Win32Session(const CommandLine& options)
             throw RuntimeError(kAutomationError, u"the class " + known.programmatic_id +
                                                      u" of a real host is registered on this machine");
     }
-    std::filesystem::create_directories(data());
+    std::filesystem::create_directories(data_);
     OleInitialize(nullptr);
-    machine_.emplace(plugin().filename().u16string(), data(), options.data.has_value());
-    screen_.emplace(plugin().filename().u16string());
+    machine_.emplace(plugin_.filename().u16string(), data_, options.data.has_value());
+    screen_.emplace(plugin_.filename().u16string());
 }
 
 Win32Session::~Win32Session() {
@@ -58,7 +58,7 @@ Win32Session::~Win32Session() {
     machine_.reset();
     for (const HostClass& known : host_classes()) RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(known.programmatic_id));
     try {
-        platform::Library(plugin()).function<HRESULT(STDAPICALLTYPE*)()>("DllUnregisterServer")();
+        platform::Library(plugin_).function<HRESULT(STDAPICALLTYPE*)()>("DllUnregisterServer")();
     } catch (const RuntimeError&) {
         // Without the library nothing was registered.
     }
@@ -71,7 +71,7 @@ int Win32Session::play_without_scenario() {
         // The Open dialog shows the real disks, so it begins where the sample firmware really is.
         if (fresh)
             write_registry({.key = u"Software\\Norvan\\Brivola3\\Firmware"}, u"LastFilePath", u"sz",
-                           samples_folder().u16string());
+                           samples_.u16string());
         RunProgress progress(host);
         const Trial trial(host, platform::desktop(), progress, options_.speed, [] { return false; });
         machine_->on_program_started([](const std::u16string& path) {
