@@ -226,7 +226,7 @@ private:
 
     com::Variant reset_and_clear(const CallArguments& arguments) {
         return operate_unit(arguments, [&](const ScriptedCall& scripted) {
-            say({unit(u": resetting and clearing"), {}, false});
+            say({unit(u": resetting and clearing")});
             if (!goes_on(scripted)) return false;
             host_.units.store(called_display_, sign_id_, u"empty");
             return true;
@@ -235,7 +235,7 @@ private:
 
     com::Variant prepare_for_firmware(const CallArguments& arguments) {
         return operate_unit(arguments, [&](const ScriptedCall& scripted) {
-            say({unit(u": preparing for firmware"), {}, false});
+            say({unit(u": preparing for firmware")});
             return goes_on(scripted);
         });
     }
@@ -274,8 +274,7 @@ private:
                   .call = call,
                   .percent = percent,
                   .bytes = image.size() * kPercentStep / 100});
-            if (percent % kPercentSaid == 0)
-                say({unit(u": ") + decimal_text(percent) + u" % of " + file_name(file), {}, false});
+            if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + file_name(file)});
             if (interrupted_) return refuse(u"Transmission cancelled");
             if (percent == kScriptedPercent && !goes_on(scripted)) return false;
         }
@@ -301,7 +300,6 @@ private:
             operation_ = call.operation;
             tell({.kind = LinkEvent::Kind::begins, .call = call});
             done = interrupted_ ? refuse(u"Transmission cancelled") : work(scripted);
-            tell({.kind = LinkEvent::Kind::ends, .call = call_of(operation_), .succeeded = done});
         }
         host_.trace.line(line + u" -> " + shown_boolean(done));
         return com::Variant::boolean(done);
@@ -339,7 +337,7 @@ private:
 
     /// Says why the operation fails; answers false.
     bool refuse(const std::u16string& text) {
-        say({text, {}, false});
+        say({text});
         return false;
     }
 

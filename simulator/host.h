@@ -48,16 +48,12 @@ struct LinkEvent {
         transfers,
         /// The control has said something in its status event.
         says,
-        /// A call has ended.
-        ends,
     };
     Kind kind = Kind::begins;
     Call call;
     /// Of Kind::transfers: how much of the file the unit has when it is through, and the part's size.
     int percent = 0;
     std::size_t bytes = 0;
-    /// Of Kind::ends.
-    bool succeeded = false;
 };
 
 /// `replace`: the call succeeds and puts another object in the place of the one that it was given.
@@ -67,7 +63,7 @@ enum class FaultKind { none, fail, raise, replace };
 struct ScriptedMessage {
     std::u16string text;
     /// Empty: he only reads it.
-    std::function<void()> reaction;
+    std::function<void()> reaction = {};
     bool was_read = false;
 };
 

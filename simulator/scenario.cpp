@@ -141,7 +141,7 @@ void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text,
             *busy = false;
         };
     }
-    host.script.push_back({.pattern = pattern, .message = ScriptedMessage{text, std::move(bound), false}});
+    host.script.push_back({.pattern = pattern, .message = ScriptedMessage{text, std::move(bound)}});
 }
 
 void ScenarioPlayer::start(bool frame) {

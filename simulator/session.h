@@ -58,6 +58,7 @@ public:
     /// The same for a text; `folder`: where its relative files lie.
     ExitStatus play_text(const std::string& name, const std::string& text, const std::filesystem::path& folder,
                          std::ostream& out, std::ostream& errors);
+
     // These answer the program's exit status.
 
     /// No scenario is named: opens the wizard on the sample displays.

@@ -26,12 +26,6 @@ bool matches(const Display& display, const std::u16string& wanted) {
         texts, [&wanted](const std::u16string* text) { return to_upper(*text).find(wanted) != std::u16string::npos; });
 }
 
-/// Whether the call is what the run is about for its unit.
-bool is_unit_work(Operation operation) noexcept {
-    return operation == u"ResetAndClear" || operation == u"DownloadFirmware" ||
-           operation == u"DownloadFirmwareWithLoader";
-}
-
 }  // namespace
 
 // ---- The selection dialog -----------------------------------------------------------------------------
@@ -112,15 +106,11 @@ void DisplayPicker::show_checks() {
     }
     count_.set_caption(digits_of(checked_.size(), 10) + u" of " + digits_of(displays_.size(), 10) + u" checked");
     all_.set_caption(u"Check &All " + digits_of(rows_.size(), 10));
-    all_.set_enabled(!all_checked());
+    all_.set_enabled(std::ranges::any_of(rows_, [this](std::size_t display) { return !checked_.contains(display); }));
     ok_.set_enabled(!checked_.empty());
     // Enter checks what the search has found, and then takes what is checked.
     all_.is_default = all_.enabled() && !search_.text().empty() && rows_.size() == 1;
     ok_.is_default = !all_.is_default && !rows_.empty();
-}
-
-bool DisplayPicker::all_checked() const {
-    return std::ranges::all_of(rows_, [this](std::size_t display) { return checked_.contains(display); });
 }
 
 void DisplayPicker::check_all() {
@@ -143,17 +133,16 @@ void RunProgress::begin_run(std::vector<std::u16string> names) {
 
 void RunProgress::follow(const LinkEvent& event) {
     const Operation operation = event.call.operation;
-    const bool begins = event.kind == LinkEvent::Kind::begins;
     if (event.kind == LinkEvent::Kind::transfers) unit_share = event.percent / 100.0;
-    if (begins && operation == u"OpenConnection") begin_display(event.call.display);
-    if (!is_unit_work(operation)) return;
-    if (begins) {
-        // A loader goes to the first unit alone.
-        if (operation == u"DownloadFirmwareWithLoader") units = 1;
+    if (event.kind != LinkEvent::Kind::begins) return;
+    if (operation == u"OpenConnection") begin_display(event.call.display);
+    // A loader goes to the first unit alone.
+    if (operation == u"DownloadFirmwareWithLoader") units = 1;
+    // What the run is about for its unit.
+    if (operation == u"ResetAndClear" || operation.starts_with(u"DownloadFirmware")) {
         unit_number = std::min(unit_number + 1, units);
         unit_share = 0;
     }
-    if (event.kind == LinkEvent::Kind::ends && event.succeeded) unit_share = 1;
 }
 
 void RunProgress::begin_display(const std::u16string& name) {
@@ -221,7 +210,7 @@ Trial::Seconds Trial::time_of(const LinkEvent& event) {
         transferring_ = true;
         return Seconds(static_cast<double>(event.bytes) / kBytesPerSecond);
     }
-    if (event.kind == LinkEvent::Kind::ends || std::exchange(transferring_, false)) return Seconds::zero();
+    if (std::exchange(transferring_, false)) return Seconds::zero();
     return Seconds(operation == u"ResetAndClear" ? 0.9 : 0.5);
 }
 

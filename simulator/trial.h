@@ -31,7 +31,6 @@ private:
     void show_matches();
     /// Shows what is checked, and what the buttons do now.
     void show_checks();
-    bool all_checked() const;
     void check_all();
 
     const Displays& displays_;

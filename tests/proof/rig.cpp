@@ -233,7 +233,7 @@ Outcome play(const Plan& plan) {
         }
         if (plan.moment) {
             host.script.push_back({.pattern = {std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
-                                   .message = sim::ScriptedMessage{u"Just a moment", [] {}, false}});
+                                   .message = sim::ScriptedMessage{u"Just a moment", [] {}}});
         }
         const Interposer interposer(host, meddling);
         const sim::HostClasses classes(host);

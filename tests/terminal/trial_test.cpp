@@ -64,7 +64,7 @@ TEST(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
     constexpr Operation kOpen = u"OpenConnection", kLoad = u"DownloadFirmware";
     const std::tuple<LinkEvent::Kind, Operation, const char16_t*, std::size_t, double> events[] = {
         {begins, kOpen, u"Main", 0, 0}, {begins, kLoad, u"Main", 1, 0}, {transfers, kLoad, u"Main", 1, 0.0625},
-        {ends, kLoad, u"Main", 1, 0.125}, {begins, kLoad, u"Main", 2, 0.125}, {begins, kOpen, u"Second", 0, 0.5},
+        {begins, kLoad, u"Main", 2, 0.125}, {begins, kOpen, u"Second", 0, 0.5},
         // Done again, a display is a run of its own.
         {begins, kOpen, u"Main", 0, 0}, {transfers, kLoad, u"Main", 0, 0},
     };
@@ -74,7 +74,6 @@ TEST(Progress, SharesTheRunAmongDisplaysAndTheirUnits) {
         event.call.operation = operation;
         event.call.display = display;
         event.percent = 50;
-        event.succeeded = true;
         progress.follow(event);
         EXPECT_EQ(progress.unit_number, unit);
         EXPECT_DOUBLE_EQ(progress.run_share(), share);
