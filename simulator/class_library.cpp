@@ -37,14 +37,7 @@ public:
     }
 
     void on_call(const CallArguments& arguments) {
-        const MemberFacts& member = arguments.member();
-        std::u16string about = current_ < displays_.size() ? displays_.at(current_).name : u"";
-        if (member.name == u"FindDisplay") about = arguments.text(0);
-        if (const auto index = member.name == u"SelectDisplay" ? index_of(arguments.int32(0)) : std::nullopt)
-            about = displays_.at(*index).name;
-        const std::u16string shown = arguments.shown_call(u"HostDisplayList");
-        host_.begin({about, 0, member.name}, shown);
-        if (member.kind == kMethod) host_.trace.line(shown);
+        if (arguments.member().kind == kMethod) host_.trace.line(arguments.shown_call(u"HostDisplayList"));
     }
 
 private:
@@ -74,7 +67,8 @@ private:
 
     /// An unknown handle leaves the current display as it is.
     com::Variant select(const CallArguments& arguments) {
-        current_ = index_of(arguments.int32(0)).value_or(current_);
+        const auto index = static_cast<std::size_t>(arguments.int32(0)) - 1;
+        if (index < displays_.size()) current_ = index;
         current();
         return {};
     }
@@ -84,11 +78,6 @@ private:
         return com::Variant::text(current().*Field);
     }
     com::Variant connection(const CallArguments& /*none*/) { return com::Variant::int16(current().connection); }
-
-    std::optional<std::size_t> index_of(std::int32_t handle) const noexcept {
-        const auto index = static_cast<std::size_t>(handle) - 1;
-        return handle >= 1 && index < displays_.size() ? std::optional(index) : std::nullopt;
-    }
 
     const Display& current() {
         static const Display kNone = Display::none();
@@ -140,28 +129,10 @@ const std::vector<HostClass>& host_classes() {
     return kClasses;
 }
 
-Operation parse_operation(std::u16string_view name) {
-    std::string all;
-    const auto is_meant = [&](std::u16string_view known) {
-        all += (all.empty() ? "" : ", ") + to_utf8(known);
-        return known == name;
-    };
-    for (const HostClass& known : host_classes()) {
-        if (is_meant(known.name())) return known.name();
-        for (const MemberFacts& member : known.members) {
-            if (is_meant(member.name)) return member.name;
-        }
-    }
-    refuse(name, "is none of " + all);
-}
-
 HostClasses::HostClasses(Host& host) {
     for (const HostClass& entry : host_classes()) {
         register_name(entry);
-        cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
-            host.begin({host.display_asked_about, 0, entry.name()}, u"new " + std::u16string(entry.name()));
-            return entry.make(host);
-        }));
+        cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] { return entry.make(host); }));
     }
 }
 

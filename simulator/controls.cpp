@@ -392,11 +392,7 @@ public:
         return kMembers;
     }
 
-    void on_call(const CallArguments& arguments) {
-        const std::u16string shown = arguments.shown_call(kFinderName);
-        host_.begin({host_.display_asked_about, 0, arguments.member().name}, shown);
-        host_.trace.line(shown);
-    }
+    void on_call(const CallArguments& arguments) { host_.trace.line(arguments.shown_call(kFinderName)); }
 
 private:
     /// A simulated search takes no time.
@@ -436,9 +432,13 @@ std::vector<HostClass> control_classes() {
             host_class<SignInfoObject>(own_identity(0x4F), u"vexBrivolaClasses4.HostSignInfo")};
 }
 
-bool speaks(Operation operation) noexcept {
-    return std::ranges::any_of(TransmissionControl::members(),
-                               [operation](const MemberFacts& member) { return member.name == operation; });
+Operation parse_operation(std::u16string_view name) {
+    std::string all;
+    for (const MemberFacts& member : TransmissionControl::members()) {
+        if (member.name == name) return member.name;
+        all += (all.empty() ? "" : ", ") + to_utf8(member.name);
+    }
+    refuse(name, "is none of " + all);
 }
 
 }  // namespace vex::sim

@@ -18,8 +18,7 @@
 
 namespace vex::sim {
 
-/// What a scenario can disturb, by its name: a member of the transmission control, of the finder or of the display
-/// list, or the creation of an object, by its class. Of static life.
+/// A member of the transmission control, by its name of static life: what a scenario can disturb.
 using Operation = std::u16string_view;
 
 /// Which calls something is about; what is not given matches any.
@@ -31,8 +30,7 @@ struct CallPattern {
     std::int64_t at = 0;
 };
 
-/// One call. The display is empty where no display answers on the line, or none was asked about; the ID is 0 where
-/// none is addressed.
+/// One call. The display is empty where no display answers on the line.
 struct Call {
     std::u16string display;
     std::int16_t id = 0;
