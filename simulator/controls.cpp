@@ -1,7 +1,6 @@
 // The simulated host's two controls, and what goes with them.
 #include "simulator/controls.h"
 
-#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>

@@ -6,7 +6,6 @@
 #include "core/digits.h"
 #include "core/runtime_error.h"
 #include "platform/private_files.h"
-#include "support/text.h"
 
 namespace vex::sim {
 namespace {

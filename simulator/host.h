@@ -158,7 +158,7 @@ struct Host {
     ScriptedMessage* read_message(const std::u16string& shown);
     /// Adds or replaces a display, without slaves and device servers; what its units hold stays.
     void put_display(Display display);
-    /// Writes the file where a display has changed since. Raises `TextError` or `filesystem_error`.
+    /// Writes the file where a display has changed since. Raises `std::system_error`.
     void save_displays();
     /// What each unit of the displays holds, a line each.
     std::vector<std::u16string> unit_lines() const;
