@@ -36,7 +36,6 @@ VEX_INTERFACE(IConnectionPointContainer, IUnknown, IID_IConnectionPointContainer
 VEX_INTERFACE(IConnectionPoint, IUnknown, IID_IConnectionPoint);
 VEX_INTERFACE(IProvideClassInfo, IUnknown, IID_IProvideClassInfo);
 VEX_INTERFACE(IProvideClassInfo2, IProvideClassInfo, IID_IProvideClassInfo2);
-VEX_INTERFACE(IPicture, IUnknown, IID_IPicture);
 VEX_INTERFACE(IPictureDisp, IDispatch, IID_IPictureDisp);
 
 /// Whether `iid` names `Interface` or one that it derives from.

@@ -37,7 +37,6 @@ enum RegistryResult : std::int32_t {
     kFileNotFound = 2,
     kAccessDenied = 5,
     kInvalidHandle = 6,
-    kNotEnoughMemory = 8,
     kBadNetPath = 53,
     kInvalidParameter = 87,
     kDiskFull = 112,

@@ -1,16 +1,13 @@
 // The native side: the simulated computer.
 #include "com/native/server.h"
 #include "core/runtime_error.h"
-#include "plugin/embedded_icons.h"
 #include "plugin/module.h"
 
 namespace vex::plugin {
 
 com::ComPtr<IPictureDisp> load_icon(std::int16_t id) {
-    for (const EmbeddedIcon& icon : kEmbeddedIcons) {
-        if (icon.id == id) return com::native::create_icon_picture(icon.file);
-    }
-    throw RuntimeError(kResourceNotFound);
+    if (id != kFirstIcon) throw RuntimeError(kResourceNotFound);
+    return com::native::create_picture();
 }
 
 std::u16string module_path() {

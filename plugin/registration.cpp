@@ -1,6 +1,8 @@
 // The registration as a table, and its writing and removing.
 #include "plugin/registration.h"
 
+#include <utility>
+
 #include "core/unicode.h"
 #include "platform/class_keys.h"
 #include "plugin/contract.h"
@@ -73,23 +75,37 @@ std::vector<RegistrationEntry> registration_entries(const std::u16string& module
     return entries;
 }
 
-HRESULT write_registration(std::span<const RegistrationEntry> entries) {
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const RegistrationEntry& entry = entries[i];
-        if (platform::write_class_text(entry.key, entry.name, entry.text)) continue;
-        // The failed one too: its key may have been made.
-        remove_registration(entries.first(i + 1));
-        return entry.failure;
+HRESULT write_registration(std::vector<RegistrationEntry> entries) {
+    std::size_t tried = 0;
+    const auto take_back = [&] {
+        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(tried), entries.end());
+        remove_registration(std::move(entries));
+    };
+    try {
+        for (const RegistrationEntry& entry : entries) {
+            // Counted also when it fails: its key may have been made.
+            ++tried;
+            if (platform::write_class_text(entry.key, entry.name, entry.text)) continue;
+            const HRESULT failure = entry.failure;
+            take_back();
+            return failure;
+        }
+    } catch (...) {
+        take_back();
+        throw;
     }
     return S_OK;
 }
 
-HRESULT remove_registration(std::span<const RegistrationEntry> entries) {
+HRESULT remove_registration(std::vector<RegistrationEntry> entries) {
     HRESULT result = S_OK;
-    for (const RegistrationEntry& entry : entries) {
+    for (RegistrationEntry& entry : entries) {
         if (!platform::remove_class_text(entry.key, entry.name) && result == S_OK) result = entry.failure;
-        for (std::u16string key = entry.key; key != entry.shared_key; key = parent_of(key)) {
-            platform::remove_empty_class_key(key);
+        while (entry.key != entry.shared_key) {
+            platform::remove_empty_class_key(entry.key);
+            // Shortened where it stands, as memory may have ended.
+            const std::size_t separator = entry.key.find_last_of(u'\\');
+            entry.key.resize(separator == std::u16string::npos ? 0 : separator);
         }
     }
     return result;

@@ -2,7 +2,6 @@
 // DllUnregisterServer removes.
 #pragma once
 
-#include <span>
 #include <string>
 #include <vector>
 
@@ -26,13 +25,13 @@ struct RegistrationEntry {
 std::vector<RegistrationEntry> registration_entries(const std::u16string& module_path,
                                                     const std::u16string& type_library_platform);
 
-/// Writes the entries; what stands there already is written again. On failure takes back what it wrote and answers
-/// the failed entry's result.
-HRESULT write_registration(std::span<const RegistrationEntry> entries);
+/// Writes the entries; what stands there already is written again. On failure takes back what it wrote, which needs no
+/// memory, and answers the failed entry's result.
+HRESULT write_registration(std::vector<RegistrationEntry> entries);
 
 /// Removes the entries, whatever their text has become, and then those of their keys that are empty: what others put
 /// there stays. An entry that is not there is no failure; of those that cannot be removed, the first one's result is
 /// answered, after removing the others.
-HRESULT remove_registration(std::span<const RegistrationEntry> entries);
+HRESULT remove_registration(std::vector<RegistrationEntry> entries);
 
 }  // namespace vex::plugin

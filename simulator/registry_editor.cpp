@@ -81,13 +81,13 @@ std::int32_t set(platform::RegistryKey key, std::u16string_view name, std::uint3
 
 /// What an export says of one value.
 std::int32_t merge(platform::RegistryKey key, const native::RegistrySection::Entry& entry) {
-    const auto& [name, type, data] = entry.value;
-    if (!entry.deleted)
-        return set(
-            key, name, type,
-            native::is_string(type) ? platform::to_ansi(native::text_of(data)) : std::string(data.begin(), data.end()));
-    platform::registry().delete_value(key, platform::to_ansi(name).c_str());
-    return platform::kSuccess;
+    if (!entry.value) {
+        platform::registry().delete_value(key, platform::to_ansi(entry.name).c_str());
+        return platform::kSuccess;
+    }
+    const auto& [type, data] = *entry.value;
+    return set(key, entry.name, type,
+               native::is_string(type) ? platform::to_ansi(native::text_of(data)) : std::string(data.begin(), data.end()));
 }
 
 }  // namespace

@@ -2,21 +2,22 @@
 // names.
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <filesystem>
 #include <iterator>
-#include <map>
-#include <mutex>
+#include <list>
 #include <new>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "com/native/server.h"
 #include "core/digits.h"
 #include "core/runtime_error.h"
+#include "platform/library.h"
 #include "platform/native/machine.h"
 #include "platform/registry.h"
 #include "platform/system.h"
@@ -33,76 +34,40 @@ struct ClassRegistration {
     ComPtr<IUnknown> factory;
 };
 
+/// An in-process server that the thread has loaded; others may have loaded it, too, each for itself. It goes with the
+/// thread at the latest.
+struct Server {
+    /// Raises RuntimeError where there is no such library, or it is no server.
+    explicit Server(const std::filesystem::path& its_file) : file(its_file), library(its_file) {}
+
+    std::filesystem::path file;
+    platform::Library library;
+    decltype(&DllGetClassObject) get_class_object = library.function<decltype(&DllGetClassObject)>("DllGetClassObject");
+    decltype(&DllCanUnloadNow) can_unload_now = library.function<decltype(&DllCanUnloadNow)>("DllCanUnloadNow");
+};
+
 /// What one thread has of COM. Objects never change threads here, so class objects are the thread's too.
 struct Apartment {
     int initialisations = 0;
     DWORD last_cookie = 0;
     std::vector<ClassRegistration> classes;
+    std::list<Server> servers;
 };
 
 thread_local Apartment apartment;
-
-/// A loaded in-process server.
-struct Server {
-    void* library;
-    decltype(&DllGetClassObject) get_class_object;
-    decltype(&DllCanUnloadNow) can_unload_now;
-    /// Calls of DllGetClassObject under way; the library must not go meanwhile.
-    int calls = 0;
-};
-
-/// The servers that the process has loaded, by the file's path. The lock guards the table and the counts
-/// of calls, and is never held while a server's code runs that may create objects itself.
-struct Servers {
-    std::mutex mutex;
-    std::map<std::filesystem::path, Server> by_path;
-};
-
-Servers& servers() {
-    // Never destroyed: objects of a server may be released while the process ends.
-    static auto& instance = *new Servers;
-    return instance;
-}
 
 /// The default value of a key below HKEY_CLASSES_ROOT, or an empty text.
 std::string class_value(const std::string& path) {
     using namespace platform;
     RegistryKey key = 0;
-    Registry& store = platform::registry();
-    if (store.open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, key) != kSuccess) return {};
+    if (registry().open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, key) != kSuccess) return {};
     std::uint32_t type = kRegNone;
-    std::uint32_t size = 0;
-    std::string text;
-    if (store.query_value(key, "", type, nullptr, size) == kSuccess && (type == kRegSz || type == kRegExpandSz)) {
-        text.resize(size);
-        auto* bytes = reinterpret_cast<std::uint8_t*>(text.data());
-        if (store.query_value(key, "", type, bytes, size) != kSuccess) text.clear();
-        text.resize(std::string_view(text.c_str()).size());
-    }
-    store.close_key(key);
-    return text;
-}
-
-/// Finds or loads the server at `path` and counts a call of it. To be called under the lock.
-HRESULT enter_server(Servers& loaded, const std::filesystem::path& path, Server*& server) {
-    const auto known = loaded.by_path.find(path);
-    if (known != loaded.by_path.end()) {
-        server = &known->second;
-    } else {
-        // No path leads to no file; the loader would take it for the program itself.
-        if (path.empty()) return CO_E_DLLNOTFOUND;
-        void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) return CO_E_DLLNOTFOUND;
-        const Server found{library, reinterpret_cast<decltype(&DllGetClassObject)>(dlsym(library, "DllGetClassObject")),
-                           reinterpret_cast<decltype(&DllCanUnloadNow)>(dlsym(library, "DllCanUnloadNow"))};
-        if (found.get_class_object == nullptr) {
-            dlclose(library);
-            return CO_E_ERRORINDLL;
-        }
-        server = &loaded.by_path.emplace(path, found).first->second;
-    }
-    ++server->calls;
-    return S_OK;
+    std::array<char, 4096> text{};
+    auto size = static_cast<std::uint32_t>(text.size() - 1);
+    const std::int32_t result =
+        registry().query_value(key, "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
+    registry().close_key(key);
+    return result == kSuccess ? text.data() : "";
 }
 
 HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
@@ -110,16 +75,17 @@ HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
     StringFromGUID2(clsid, name, 39);
     const std::string path = class_value("CLSID\\" + to_ansi(name) + "\\InprocServer32");
     if (path.empty()) return REGDB_E_CLASSNOTREG;
-    Servers& loaded = servers();
-    std::unique_lock lock(loaded.mutex);
-    Server* server = nullptr;
-    HRESULT result = enter_server(loaded, platform::native::real_path(from_ansi(path)), server);
-    if (FAILED(result)) return result;
-    lock.unlock();
-    result = server->get_class_object(clsid, iid, object);
-    lock.lock();
-    --server->calls;
-    return result;
+    const std::filesystem::path file = platform::native::real_path(from_ansi(path));
+    if (file.empty()) return CO_E_DLLNOTFOUND;
+    auto server = std::ranges::find(apartment.servers, file, &Server::file);
+    if (server == apartment.servers.end()) {
+        try {
+            server = apartment.servers.emplace(server, file);
+        } catch (const RuntimeError&) {
+            return CO_E_DLLNOTFOUND;
+        }
+    }
+    return server->get_class_object(clsid, iid, object);
 }
 
 /// Runs a function of the runtime whose tables and texts may run out of memory.
@@ -253,15 +219,5 @@ HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD /*context*/, REF
 }
 
 void CoFreeUnusedLibraries() noexcept {
-    Servers& loaded = servers();
-    const std::lock_guard lock(loaded.mutex);
-    for (auto entry = loaded.by_path.begin(); entry != loaded.by_path.end();) {
-        const Server& server = entry->second;
-        if (server.calls == 0 && server.can_unload_now != nullptr && server.can_unload_now() == S_OK) {
-            dlclose(server.library);
-            entry = loaded.by_path.erase(entry);
-        } else {
-            ++entry;
-        }
-    }
+    std::erase_if(apartment.servers, [](const Server& server) { return server.can_unload_now() == S_OK; });
 }

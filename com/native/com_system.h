@@ -78,7 +78,6 @@ constexpr HRESULT REGDB_E_CLASSNOTREG = vex_failure(0x80040154U);
 constexpr HRESULT CO_E_NOTINITIALIZED = vex_failure(0x800401F0U);
 constexpr HRESULT CO_E_CLASSSTRING = vex_failure(0x800401F3U);
 constexpr HRESULT CO_E_DLLNOTFOUND = vex_failure(0x800401F8U);
-constexpr HRESULT CO_E_ERRORINDLL = vex_failure(0x800401F9U);
 constexpr HRESULT CONNECT_E_NOCONNECTION = vex_failure(0x80040200U);
 constexpr HRESULT CONNECT_E_CANNOTCONNECT = vex_failure(0x80040202U);
 constexpr HRESULT SELFREG_E_TYPELIB = vex_failure(0x80040200U);
@@ -198,7 +197,6 @@ VEX_DEFINE_GUID(IID_IConnectionPointContainer, 0xB196B284, 0xBAB4, 0x101A, 0xB6,
 VEX_DEFINE_GUID(IID_IConnectionPoint, 0xB196B286, 0xBAB4, 0x101A, 0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07);
 VEX_DEFINE_GUID(IID_IProvideClassInfo, 0xB196B283, 0xBAB4, 0x101A, 0xB6, 0x9C, 0x00, 0xAA, 0x00, 0x34, 0x1D, 0x07);
 VEX_DEFINE_GUID(IID_IProvideClassInfo2, 0xA6BC3AC0, 0xDBAA, 0x11CE, 0x9D, 0xE3, 0x00, 0xAA, 0x00, 0x4B, 0xB8, 0x51);
-VEX_DEFINE_GUID(IID_IPicture, 0x7BF80980, 0xBF32, 0x101A, 0x8B, 0xBB, 0x00, 0xAA, 0x00, 0x30, 0x0C, 0xAB);
 VEX_DEFINE_GUID(IID_IPictureDisp, 0x7BF80981, 0xBF32, 0x101A, 0x8B, 0xBB, 0x00, 0xAA, 0x00, 0x30, 0x0C, 0xAB);
 
 struct IUnknown {
@@ -270,20 +268,6 @@ constexpr DWORD GUIDKIND_DEFAULT_SOURCE_DISP_IID = 1;
 
 struct IProvideClassInfo2 : IProvideClassInfo {
     virtual HRESULT STDMETHODCALLTYPE GetGUID(DWORD kind, GUID* guid) = 0;
-};
-
-using OLE_HANDLE = std::uint32_t;
-using OLE_XSIZE_HIMETRIC = LONG;
-using OLE_YSIZE_HIMETRIC = LONG;
-constexpr SHORT PICTYPE_ICON = 3;
-
-/// The part of the picture interface that the project reads; sizes in HIMETRIC (1/100 millimetre).
-struct IPicture : IUnknown {
-    virtual HRESULT STDMETHODCALLTYPE get_Handle(OLE_HANDLE* handle) = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_hPal(OLE_HANDLE* palette) = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_Type(SHORT* type) = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_Width(OLE_XSIZE_HIMETRIC* width) = 0;
-    virtual HRESULT STDMETHODCALLTYPE get_Height(OLE_YSIZE_HIMETRIC* height) = 0;
 };
 
 struct IPictureDisp : IDispatch {};

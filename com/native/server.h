@@ -1,8 +1,6 @@
 // What the native runtime gives in-process servers beside COM: their own place, and pictures.
 #pragma once
 
-#include <cstdint>
-#include <span>
 #include <string>
 
 #include "com/com_ptr.h"
@@ -15,9 +13,8 @@ namespace vex::com::native {
 /// Raises kCannotCreateObject when it lies in none.
 std::u16string module_path(const void* address);
 
-/// A picture of type icon from the content of an icon file, in the size of its first image. The content is
-/// read only during the call. Raises kResourceNotFound when it is no icon file.
-ComPtr<IPictureDisp> create_icon_picture(std::span<const std::uint8_t> icon_file);
+/// A picture, which nobody can look at here.
+ComPtr<IPictureDisp> create_picture();
 
 #pragma GCC visibility pop
 

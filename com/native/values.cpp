@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -94,32 +93,20 @@ std::u16string_view trimmed(std::u16string_view text) noexcept {
     return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
-bool is_sign(char16_t character) noexcept { return character == u'-' || character == u'+'; }
-
-/// Reads a decimal number: blanks around, a sign before or behind, commas between whole digits, an exponent.
+/// Reads a decimal number, with blanks around it, a sign before it and an exponent.
 HRESULT parse_number(std::u16string_view text, double& number) {
-    text = trimmed(text);
-    char16_t sign = u'+';
-    if (!text.empty() && is_sign(text.front())) {
-        sign = text.front();
-        text.remove_prefix(1);
-    } else if (!text.empty() && is_sign(text.back())) {
-        sign = text.back();
-        text.remove_suffix(1);
-    }
-    text = trimmed(text);
-    // What is left as the standard library reads it, which would take names of numbers and a second sign too.
-    if (text.find_first_of(u"0123456789.") != 0) return DISP_E_TYPEMISMATCH;
-    std::u16string whole(text.substr(0, text.find_first_not_of(u"0123456789,")));
-    text.remove_prefix(whole.size());
-    std::erase(whole, u',');
-    const std::string plain = to_utf8(whole.append(text));
+    std::string plain = to_utf8(trimmed(text));
+    const bool negative = plain.starts_with('-');
+    if (negative || plain.starts_with('+')) plain.erase(0, 1);
+    // The standard library would take names of numbers and a second sign, too.
+    if (plain.find_first_of("0123456789.") != 0) return DISP_E_TYPEMISMATCH;
     // The larger range tells what is too large from what is nearly nothing.
     long double value = 0;
-    const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), value);
-    if (end != plain.data() + plain.size() || error == std::errc::invalid_argument) return DISP_E_TYPEMISMATCH;
+    const char* const end = plain.data() + plain.size();
+    const auto [stop, error] = std::from_chars(plain.data(), end, value);
+    if (stop != end || error == std::errc::invalid_argument) return DISP_E_TYPEMISMATCH;
     if (error != std::errc() || value > std::numeric_limits<double>::max()) return DISP_E_OVERFLOW;
-    number = static_cast<double>(sign == u'-' ? -value : value);
+    number = static_cast<double>(negative ? -value : value);
     return S_OK;
 }
 
@@ -161,10 +148,8 @@ HRESULT to_number(const VARIANT& from, VARTYPE type, VARIANT& to) {
 
 HRESULT to_boolean(const VARIANT& from, VARIANT& to) {
     const std::u16string_view word = from.vt == VT_BSTR ? view(from.bstrVal) : u"";
-    const bool is_true = equal_ignoring_case(word, u"True") || equal_ignoring_case(word, u"#TRUE#");
-    if (!is_true && !equal_ignoring_case(word, u"False") && !equal_ignoring_case(word, u"#FALSE#")) {
-        return to_number(from, VT_BOOL, to);
-    }
+    const bool is_true = equal_ignoring_case(word, u"True");
+    if (!is_true && !equal_ignoring_case(word, u"False")) return to_number(from, VT_BOOL, to);
     to.boolVal = is_true ? VARIANT_TRUE : VARIANT_FALSE;
     return S_OK;
 }
@@ -190,22 +175,8 @@ HRESULT to_text(const VARIANT& from, VARIANT& to) {
     return S_OK;
 }
 
-/// The value of an object's default property.
-HRESULT default_value(IDispatch* object, Variant& value) noexcept {
-    if (object == nullptr) return DISP_E_TYPEMISMATCH;
-    DISPPARAMS none{};
-    const HRESULT result = object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
-                                          value.put(), nullptr, nullptr);
-    return SUCCEEDED(result) && !is_object(value.type()) ? S_OK : DISP_E_TYPEMISMATCH;
-}
-
 /// Converts a value that is not a reference to another type.
 HRESULT convert(const VARIANT& from, VARTYPE type, VARIANT& to) {
-    if (from.vt == VT_DISPATCH) {
-        Variant value;
-        const HRESULT result = default_value(from.pdispVal, value);
-        return FAILED(result) ? result : VariantChangeType(&to, &value.get(), 0, type);
-    }
     HRESULT result = DISP_E_TYPEMISMATCH;
     switch (type) {
         case VT_I2:
@@ -232,8 +203,9 @@ BSTR SysAllocStringLen(const OLECHAR* text, UINT length) noexcept {
     constexpr std::size_t kOverhead = sizeof(vex::com::StringHeader) + sizeof(OLECHAR);
     if (length > (std::numeric_limits<std::uint32_t>::max() - kOverhead) / sizeof(OLECHAR)) return nullptr;
     const std::size_t bytes = length * sizeof(OLECHAR);
-    auto* header = static_cast<vex::com::StringHeader*>(std::calloc(1, kOverhead + bytes));
+    auto* header = static_cast<vex::com::StringHeader*>(::operator new(kOverhead + bytes, std::nothrow));
     if (header == nullptr) return nullptr;
+    std::memset(static_cast<void*>(header), 0, kOverhead + bytes);
     header->byte_length = static_cast<std::uint32_t>(bytes);
     BSTR result = reinterpret_cast<BSTR>(header + 1);
     if (text != nullptr) std::memcpy(result, text, bytes);
@@ -247,7 +219,7 @@ BSTR SysAllocString(const OLECHAR* text) noexcept {
 }
 
 void SysFreeString(BSTR text) noexcept {
-    if (text != nullptr) std::free(vex::com::header_of(text));
+    if (text != nullptr) ::operator delete(vex::com::header_of(text));
 }
 
 UINT SysStringLen(BSTR text) noexcept {

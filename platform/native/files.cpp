@@ -2,13 +2,11 @@
 // which are told of and never started for real.
 #include <algorithm>
 #include <fstream>
-#include <mutex>
 #include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "platform/paths.h"
@@ -52,25 +50,8 @@ bool is_hidden(const fs::path& file) {
     return std::find(hidden.begin(), hidden.end(), name) != hidden.end();
 }
 
-/// The rest of `file` below `folder`, or nothing when it lies elsewhere.
-bool lies_below(const fs::path& file, const fs::path& folder, fs::path& rest) {
-    const auto [at_folder, at_file] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
-    if (at_folder != folder.end()) return false;
-    rest.clear();
-    for (auto it = at_file; it != file.end(); ++it) rest /= *it;
-    return true;
-}
-
-/// Told of programs that start, on any thread.
-struct ProgramListener {
-    std::mutex mutex;
-    std::function<void(const std::u16string&)> function;
-};
-
-ProgramListener& program_listener() {
-    static auto& instance = *new ProgramListener;
-    return instance;
-}
+/// Told of programs that start.
+std::function<void(const std::u16string&)> program_listener;
 
 }  // namespace
 
@@ -96,45 +77,27 @@ std::u16string drive_path(const fs::path& file) {
     const fs::path whole = fs::absolute(file).lexically_normal();
     std::u16string result = u"Z:";
     fs::path rest = whole.relative_path();
-    fs::path below;
-    if (!machine_folder().empty() && lies_below(whole, machine_folder(), below) && !below.empty()) {
-        const std::string drive = below.begin()->native();
-        if (drive.starts_with("drive_") && drive.size() == 7 && drive[6] >= 'a' && drive[6] < 'z') {
-            result[0] = static_cast<char16_t>(drive[6] - 'a' + u'A');
-            lies_below(below, drive, rest);
-        }
+    const fs::path in_machine = whole.lexically_relative(machine_folder());
+    const std::string first = in_machine.empty() ? "" : in_machine.begin()->native();
+    if (first.starts_with("drive_") && first.size() == 7 && first[6] >= 'a' && first[6] < 'z') {
+        result[0] = static_cast<char16_t>(first[6] - 'a' + u'A');
+        rest = in_machine.lexically_relative(first);
     }
     for (const fs::path& name : rest) {
-        if (!name.empty()) result += u'\\' + from_utf8(name.native());
+        if (!name.empty() && name != ".") result += u'\\' + from_utf8(name.native());
     }
     if (result.size() == 2) result += u'\\';
     return result;
 }
 
-void set_hidden(const std::u16string& path, bool hidden) {
+void hide(const std::u16string& path) {
     const fs::path file = real_path(path);
-    bool listed = false;
-    if (!file.empty()) {
-        const std::string name = file.filename().native();
-        std::vector<std::string> names = read_hidden_names(file.parent_path());
-        std::erase(names, name);
-        if (hidden) names.push_back(name);
-        std::string list;
-        for (const std::string& each : names) list += each + '\n';
-        try {
-            replace_private_file(file.parent_path() / kHiddenList, list);
-            listed = true;
-        } catch (const std::system_error&) {
-            // Told below, with the path as the caller knows it.
-        }
-    }
-    if (!listed) throw RuntimeError(kAutomationError, u"The hidden files of " + path + u" cannot be listed");
+    std::string list;
+    for (const std::string& name : read_hidden_names(file.parent_path())) list += name + '\n';
+    replace_private_file(file.parent_path() / kHiddenList, list + file.filename().native() + '\n');
 }
 
-void on_program_started(std::function<void(const std::u16string&)> listener) {
-    const std::lock_guard lock(program_listener().mutex);
-    program_listener().function = std::move(listener);
-}
+void on_program_started(std::function<void(const std::u16string&)> listener) { program_listener = std::move(listener); }
 
 }  // namespace native
 
@@ -149,10 +112,7 @@ bool start_program(const std::u16string& path) {
     if (!is_full_path(path)) return false;
     std::error_code error;
     if (!std::filesystem::is_regular_file(native::real_path(path), error)) return false;
-    std::unique_lock lock(native::program_listener().mutex);
-    const auto listener = native::program_listener().function;
-    lock.unlock();
-    if (listener) listener(path);
+    if (native::program_listener) native::program_listener(path);
     return true;
 }
 

@@ -4,12 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <memory>
 #include <system_error>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/native/registry_service.h"
+#include "platform/native/registry_text.h"
 #include "platform/private_files.h"
 #include "platform/system.h"
 
@@ -21,7 +22,7 @@ namespace fs = std::filesystem;
 
 struct Machine {
     fs::path folder;
-    RegistryService registry;
+    std::unique_ptr<NativeRegistry> registry = make_registry();
 };
 
 Machine& machine() {
@@ -86,7 +87,7 @@ void use_machine_folder(const fs::path& folder) {
     use_private_folder(whole);
     use_private_folder(whole / "drive_c");
     try {
-        machine().registry.use_folder(whole);
+        machine().registry->use_folder(whole);
     } catch (const RegistryDamage& damage) {
         fail(whole / "registry", "line " + std::to_string(damage.line()) + ": " + damage.what());
     } catch (const std::system_error& error) {
@@ -101,7 +102,7 @@ void set_desktop(forms::Toolkit* toolkit) { thread_desktop.set(toolkit); }
 
 }  // namespace native
 
-Registry& registry() { return native::machine().registry; }
+Registry& registry() { return *native::machine().registry; }
 
 forms::Toolkit& desktop() {
     native::thread_desktop.current();

@@ -25,9 +25,9 @@ const std::filesystem::path& machine_folder();
 std::filesystem::path real_path(const std::u16string& path);
 /// The drive-letter path of a real file, on Z: unless it lies on one of the machine's drives.
 std::u16string drive_path(const std::filesystem::path& path);
-/// Hides or shows a file or folder: adds its name to, or takes it off, the list of its folder's hidden names (the file
-/// ".hidden", as file managers read it). Raises RuntimeError when the list cannot be written.
-void set_hidden(const std::u16string& path, bool hidden);
+/// Hides a file or folder that is there: adds its name to its folder's list of hidden names (the file ".hidden", as
+/// file managers read it). Raises std::system_error.
+void hide(const std::u16string& path);
 
 /// Told the path of each program that is started; null: programs really start nothing and are forgotten.
 void on_program_started(std::function<void(const std::u16string&)> listener);

@@ -3,21 +3,25 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
+#include <utility>
 
 #include "core/unicode.h"
+#include "platform/private_files.h"
 
 namespace vex::platform::native {
 namespace {
 
+constexpr std::u16string_view kRoots[] = {u"HKEY_CURRENT_CONFIG", u"HKEY_CURRENT_USER", u"HKEY_LOCAL_MACHINE",
+                                          u"HKEY_USERS"};
+
 /// What a new file begins with, behind the first line.
 constexpr std::string_view kPreamble =
     "; The registry of a simulated computer. It may be edited at any time; comments go with the next change.\n";
-
-constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 
 [[noreturn]] void fail(const std::filesystem::path& path) {
     throw std::system_error(errno, std::generic_category(), path.native());
@@ -25,150 +29,152 @@ constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
 
 bool is_absent(int reason) { return reason == ENOENT || reason == ENOTDIR; }
 
-/// Keeps other writers out until it is closed. The lock's file stays: it is nobody's content.
-Descriptor lock(const std::filesystem::path& path) {
-    Descriptor file(::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly));
-    if (!file.is_open()) fail(path);
-    while (::flock(file.get(), LOCK_EX) != 0) {
-        if (errno != EINTR) fail(path);
-    }
-    return file;
+bool lies_below(std::u16string_view path, std::u16string_view above) {
+    return path.size() > above.size() && path[above.size()] == u'\\' &&
+           equal_ignoring_case(path.substr(0, above.size()), above);
 }
 
-std::string read_all(const Descriptor& file, const std::filesystem::path& path) {
-    std::string bytes;
-    char part[65536];
-    for (;;) {
-        const ssize_t count = ::read(file.get(), part, sizeof part);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) fail(path);
-        if (count == 0) return bytes;
-        bytes.append(part, static_cast<std::size_t>(count));
+/// Limits as on Windows, a root that there is, and what can stand on one line between brackets.
+void require_possible(std::u16string_view path) {
+    constexpr std::size_t kLongestName = 255;
+    constexpr int kMostNames = 512;
+    const std::u16string_view root = take_name(path);
+    if (std::ranges::none_of(kRoots, [root](auto known) { return equal_ignoring_case(root, known); })) {
+        throw std::invalid_argument("a key below HKEY_LOCAL_MACHINE or another root is expected");
+    }
+    int names = 0;
+    for (auto name = take_name(path); !name.empty(); name = take_name(path)) {
+        if (name.size() > kLongestName) throw std::invalid_argument("a name of at most 255 characters is expected");
+        if (std::ranges::any_of(name, [](char16_t c) { return c < u' '; })) {
+            throw std::invalid_argument("a key's name without control characters is expected");
+        }
+        if (++names > kMostNames) throw std::invalid_argument("a key that is at most 512 keys deep is expected");
     }
 }
-
-/// Puts a file in another's place in one step. Where the system can exchange the two, that takes a thirtieth of the
-/// time: to rename one over the other, ext4 first writes it to the disk.
-bool take_place(const std::filesystem::path& fresh, const std::filesystem::path& path) {
-    if (::renameat2(AT_FDCWD, fresh.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) != 0) {
-        return ::rename(fresh.c_str(), path.c_str()) == 0;
-    }
-    ::unlink(fresh.c_str());
-    return true;
-}
-
-std::filesystem::path beside(std::filesystem::path path, const char* ending) { return path += ending; }
 
 }  // namespace
 
-bool name_precedes(std::u16string_view left, std::u16string_view right) noexcept {
-    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
-                                        [](char16_t a, char16_t b) { return to_upper(a) < to_upper(b); });
+// ---- The keys -----------------------------------------------------------------------------------------
+
+bool NameOrder::operator()(std::u16string_view left, std::u16string_view right) const noexcept {
+    const auto rank = [](char16_t character) { return character == u'\\' ? u'\0' : to_upper(character); };
+    // Most paths begin alike, and are spelled alike so far.
+    const auto [from_left, from_right] = std::ranges::mismatch(left, right);
+    return std::ranges::lexicographical_compare(from_left, left.end(), from_right, right.end(), {}, rank, rank);
 }
 
-RegistryNode* RegistryNode::find(std::u16string_view path) {
-    RegistryNode* node = this;
-    for (auto next = take_name(path); node != nullptr && !next.empty(); next = take_name(path)) {
-        node = node->keys.find(next).get();
+std::u16string path_below(std::u16string_view above, std::u16string_view path) {
+    std::u16string result(above);
+    for (auto name = take_name(path); !name.empty(); name = take_name(path)) {
+        result += u'\\';
+        result += name;
     }
-    return node;
+    return result;
 }
 
-RegistryNode& RegistryNode::create(std::u16string_view path) {
-    const std::u16string_view next = take_name(path);
-    if (next.empty()) return *this;
-    RegistryNode& key = keys.at(next);
-    key.parent = this;
-    return key.create(path);
+std::shared_ptr<RegistryValues> RegistryKeys::find(std::u16string_view path) const {
+    const auto found = keys_.find(path);
+    return found == keys_.end() ? nullptr : found->second;
 }
 
-void RegistryNode::remove() {
-    NameList<RegistryNode>& siblings = parent->keys;
-    const auto kept = shared_from_this();
-    mark_deleted();
-    siblings.remove(name);
+std::shared_ptr<RegistryValues> RegistryKeys::create(std::u16string_view path) {
+    require_possible(path);
+    // From its root down. What is there keeps the case in which it came first.
+    std::u16string made;
+    auto key = keys_.end();
+    while (!path.empty()) {
+        if (!made.empty()) made += u'\\';
+        made += take_name(path);
+        key = keys_.try_emplace(made, std::make_shared<RegistryValues>()).first;
+        made = key->first;
+    }
+    return key->second;
 }
 
-void RegistryNode::clear() {
-    RegistryNode empty;
-    take(empty);
+std::optional<std::u16string> RegistryKeys::name_below(std::u16string_view path, std::uint32_t index) const {
+    const std::size_t start = path.size() + 1;
+    for (auto key = keys_.upper_bound(path); key != keys_.end() && lies_below(key->first, path); ++key) {
+        const bool right_below = key->first.find(u'\\', start) == std::u16string::npos;
+        if (right_below && index-- == 0) return key->first.substr(start);
+    }
+    return std::nullopt;
 }
 
-void RegistryNode::take(RegistryNode& fresh) {
-    values.swap(fresh.values);
-    for (auto& key : fresh.keys) {
-        if (auto known = keys.find(key->name)) {
-            known->take(*key);
-            known->name = key->name;
-            key = std::move(known);
+bool RegistryKeys::is_permanent(std::u16string_view path) noexcept {
+    return path.find(u'\\') == path.npos || equal_ignoring_case(path, kClassesPath);
+}
+
+void RegistryKeys::remove(std::u16string_view path) {
+    const auto first = keys_.lower_bound(path);
+    const auto last = std::find_if_not(first, keys_.end(), [path](const auto& key) {
+        return equal_ignoring_case(key.first, path) || lies_below(key.first, path);
+    });
+    keys_.erase(first, last);
+    create_permanent_keys();
+}
+
+void RegistryKeys::create_permanent_keys() {
+    for (const std::u16string_view root : kRoots) create(root);
+    create(kClassesPath);
+}
+
+void RegistryKeys::apply(const std::vector<RegistrySection>& sections) {
+    for (const RegistrySection& section : sections) {
+        std::u16string_view rest = section.path;
+        const std::u16string_view root = take_name(rest);
+        const std::u16string path =
+            path_below(equal_ignoring_case(root, u"HKEY_CLASSES_ROOT") ? kClassesPath : root, rest);
+        try {
+            require_possible(path);
+        } catch (const std::invalid_argument& fault) {
+            throw RegistryDamage(section.line, fault.what());
         }
-        key->parent = this;
-    }
-    keys.swap(fresh.keys);
-    for (const auto& old : fresh.keys) {
-        if (keys.find(old->name) != old) old->mark_deleted();
-    }
-}
-
-void RegistryNode::mark_deleted() noexcept {
-    parent = nullptr;
-    for (const auto& key : keys) key->mark_deleted();
-}
-
-RegistryTree::RegistryTree() : classes_(&top_->create(kClassesPath)) {
-    for (const RegistryRoot& root : kRegistryRoots) {
-        if (root.handle != kHkeyClassesRoot) top_->create(root.name);
-    }
-}
-
-RegistryNode* RegistryTree::root(std::u16string_view name) const {
-    return equal_ignoring_case(name, u"HKEY_CLASSES_ROOT") ? classes_ : top_->keys.find(name).get();
-}
-
-void RegistryTree::apply(std::vector<RegistrySection> sections) {
-    for (RegistrySection& section : sections) {
-        std::u16string_view path = section.path;
-        RegistryNode& from = *root(take_name(path));
         if (section.deleted) {
-            RegistryNode* key = from.find(path);
-            if (key != nullptr) is_permanent(*key) ? key->clear() : key->remove();
-            classes_ = &top_->create(kClassesPath);
+            remove(path);
             continue;
         }
-        RegistryNode& key = from.create(path);
-        for (auto& [value, deleted] : section.entries) {
-            if (deleted) {
-                key.values.remove(value.name);
+        RegistryValues& values = *create(path);
+        for (const auto& [name, value] : section.entries) {
+            if (value) {
+                values[name] = *value;
             } else {
-                RegistryValue& kept = key.values.at(value.name);
-                kept.type = value.type;
-                kept.data = std::move(value.data);
+                values.erase(name);
             }
         }
     }
 }
 
-void RegistryTree::take(RegistryTree& fresh) { top_->take(*fresh.top_); }
+void RegistryKeys::take(RegistryKeys& fresh) {
+    for (auto& [path, values] : fresh.keys_) {
+        if (auto known = find(path)) {
+            known->swap(*values);
+            values = std::move(known);
+        }
+    }
+    keys_.swap(fresh.keys_);
+}
 
-std::string RegistryTree::text() const {
+std::string RegistryKeys::text() const {
     std::string text(kRegistryHeader);
     text += kPreamble;
-    for (const auto& root : top_->keys) append(text, *root, root->name);
+    for (const auto& [path, values] : keys_) {
+        // A key above others is told of by them, and one that always exists by nobody.
+        const bool untold = !is_permanent(path) && !name_below(path, 0);
+        if (!values->empty() || untold) append_key(text, path);
+        for (const auto& [name, value] : *values) append_value(text, name, value);
+    }
     return text;
 }
 
-void RegistryTree::append(std::string& text, const RegistryNode& key, const std::u16string& path) const {
-    // A key above others is told of by them, and one that always exists by nobody.
-    const bool untold = key.keys.size() == 0 && !is_permanent(key);
-    if (key.values.size() > 0 || untold) append_key(text, path);
-    for (const auto& value : key.values) append_value(text, *value);
-    for (const auto& below : key.keys) append(text, *below, path + u'\\' + below->name);
-}
-
-// ---- The file ------------------------------------------------------------------------------------------
+// ---- The file -----------------------------------------------------------------------------------------
 
 RegistryStore::Stamp RegistryStore::stamp_of(const struct ::stat& status) noexcept {
     return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+RegistryStore::File RegistryStore::open(const std::filesystem::path& path, int flags) {
+    const int descriptor = ::open(path.c_str(), flags | O_RDONLY | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+    return File(descriptor < 0 ? nullptr : ::fdopen(descriptor, "r"));
 }
 
 void RegistryStore::refresh() {
@@ -179,25 +185,21 @@ void RegistryStore::refresh() {
 }
 
 void RegistryStore::load() {
-    RegistryTree fresh;
+    RegistryKeys fresh;
     struct stat status = {};
-    // A link is not followed: the file that takes this one's place would not be where it leads.
-    Descriptor file(::open(file_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    if (file.is_open()) {
-        if (::fstat(file.get(), &status) != 0) fail(file_);
-        fresh.apply(read_registry(read_all(file, file_)));
+    File file = open(file_, O_NONBLOCK);
+    if (file) {
+        if (::fstat(::fileno(file.get()), &status) != 0) fail(file_);
+        std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+        bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+        if (std::ferror(file.get()) != 0) fail(file_);
+        fresh.apply(read_registry(bytes));
     } else if (!is_absent(errno)) {
         fail(file_);
     }
-    tree_.take(fresh);
+    keys_.take(fresh);
     held_ = std::move(file);
     stamp_ = stamp_of(status);
-}
-
-bool RegistryStore::is_writable() const {
-    if (file_.empty()) return true;
-    const bool may_replace = ::access(file_.c_str(), W_OK) == 0 || errno == ENOENT;
-    return may_replace && ::access(file_.parent_path().c_str(), W_OK) == 0;
 }
 
 void RegistryStore::update(const std::function<bool()>& change) {
@@ -205,30 +207,23 @@ void RegistryStore::update(const std::function<bool()>& change) {
         change();
         return;
     }
-    if (!is_writable()) fail(file_);
-    const Descriptor locked = lock(beside(file_, ".lock"));
-    refresh();
-    if (!change()) return;
-    stamp_.reset();
-    save();
-}
-
-void RegistryStore::save() {
-    // What lies there was left by a writer that was killed under this lock, or is no file of ours.
-    const std::filesystem::path fresh = beside(file_, ".new");
-    ::unlink(fresh.c_str());
-    struct stat status = {};
-    Descriptor file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
-    if (!file.is_open()) fail(fresh);
-    if (!write_all(file.get(), tree_.text()) || ::fchmod(file.get(), kOwnerOnly) != 0 ||
-        ::fstat(file.get(), &status) != 0 || !take_place(fresh, file_)) {
-        const int reason = errno;
-        ::unlink(fresh.c_str());
-        errno = reason;
-        fail(file_);
+    // A read-only file could be replaced, but whoever made it so does not want that.
+    if (::access(file_.c_str(), W_OK) != 0 && errno != ENOENT) fail(file_);
+    // The lock's file stays: it is nobody's content.
+    const std::filesystem::path lock_path = file_.native() + ".lock";
+    const File lock = open(lock_path, O_CREAT);
+    if (!lock) fail(lock_path);
+    while (::flock(::fileno(lock.get()), LOCK_EX) != 0) {
+        if (errno != EINTR) fail(lock_path);
     }
-    held_ = std::move(file);
-    stamp_ = stamp_of(status);
+    refresh();
+    // The new file is read again with the next look, like anybody else's; so is the old one after a failure.
+    const auto unchanged = std::exchange(stamp_, std::nullopt);
+    if (change()) {
+        replace_private_file(file_, keys_.text());
+    } else {
+        stamp_ = unchanged;
+    }
 }
 
 }  // namespace vex::platform::native

@@ -3,115 +3,65 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <utility>
 #include <vector>
 
-#include "platform/native/descriptor.h"
 #include "platform/native/registry_text.h"
 
 namespace vex::platform::native {
-/// Whether a name stands before another. Case does not count.
-bool name_precedes(std::u16string_view left, std::u16string_view right) noexcept;
 
-/// What has a `name`, in the order of the names. Only adding and removing take time in proportion to the size, and
-/// adding at the end does not.
-template <class Element>
-class NameList : std::vector<std::shared_ptr<Element>> {
-    using Elements = std::vector<std::shared_ptr<Element>>;
-
-public:
-    using Elements::begin, Elements::end, Elements::size;
-    Element& operator[](std::size_t index) const { return *Elements::operator[](index); }
-
-    /// Null where there is none of that name.
-    std::shared_ptr<Element> find(std::u16string_view name) const {
-        const auto place = place_of(name);
-        return has(place, name) ? *place : nullptr;
-    }
-    /// The one of that name, which keeps the case in which it came first; made where there is none.
-    Element& at(std::u16string_view name) {
-        auto place = place_of(name);
-        if (has(place, name)) return **place;
-        place = this->insert(place, std::make_shared<Element>());
-        (*place)->name = name;
-        return **place;
-    }
-    bool remove(std::u16string_view name) {
-        const auto place = place_of(name);
-        const bool there = has(place, name);
-        if (there) this->erase(place);
-        return there;
-    }
-    void swap(NameList& other) noexcept { Elements::swap(other); }
-
-private:
-    typename Elements::const_iterator place_of(std::u16string_view name) const {
-        if (size() == 0 || name_precedes(this->back()->name, name)) return end();
-        return std::partition_point(begin(), end(),
-                                    [name](const auto& each) { return name_precedes(each->name, name); });
-    }
-    bool has(typename Elements::const_iterator place, std::u16string_view name) const {
-        return place != end() && !name_precedes(name, (*place)->name);
-    }
+/// The order of names and paths. Case does not count, and a key stands right before the keys below it.
+struct NameOrder {
+    using is_transparent = void;
+    bool operator()(std::u16string_view left, std::u16string_view right) const noexcept;
 };
 
-/// A key: its values and the keys below it. Open handles share it, so that it outlives its deletion.
-struct RegistryNode : std::enable_shared_from_this<RegistryNode> {
-    std::u16string name;
-    /// Null for a deleted key, and for what is above the roots.
-    RegistryNode* parent = nullptr;
-    NameList<RegistryValue> values;
-    NameList<RegistryNode> keys;
+/// A key's values by their names, which keep the case in which they came first.
+using RegistryValues = std::map<std::u16string, RegistryValue, NameOrder>;
 
-    bool is_deleted() const noexcept { return parent == nullptr; }
-    /// How many keys lie between it and what is above the roots.
-    std::size_t depth() const noexcept { return parent->parent == nullptr ? 0 : parent->depth() + 1; }
+/// What HKEY_CLASSES_ROOT is another name for.
+inline constexpr std::u16string_view kClassesPath = u"HKEY_LOCAL_MACHINE\\Software\\Classes";
 
-    /// The key at a path below this one, or null. An empty path is the key itself.
-    RegistryNode* find(std::u16string_view path);
-    /// The same, and made where it is missing.
-    RegistryNode& create(std::u16string_view path);
-    /// Deletes it and everything below it.
-    void remove();
-    void clear();
-    /// Becomes what a key that was read anew is. Below it, each key that is there in both stays the same object.
-    void take(RegistryNode& fresh);
+/// The path of a key below another one, with one backslash between its names.
+std::u16string path_below(std::u16string_view above, std::u16string_view path);
 
-private:
-    void mark_deleted() noexcept;
-};
-
-/// All keys below the predefined roots. HKEY_CLASSES_ROOT is another name for a key that always exists, as the
-/// roots do.
-class RegistryTree {
+/// All keys by their paths, each of which begins with its root's own name. The roots and the classes always exist.
+/// The values of a key live as long as the key does, and no longer.
+class RegistryKeys {
 public:
-    RegistryTree();
+    RegistryKeys() { create_permanent_keys(); }
 
-    /// Null for what is no root's name.
-    RegistryNode* root(std::u16string_view name) const;
-    /// Whether a key cannot be deleted.
-    bool is_permanent(const RegistryNode& key) const { return key.parent == top_.get() || &key == classes_; }
+    /// Null where there is none.
+    std::shared_ptr<RegistryValues> find(std::u16string_view path) const;
+    /// The same, made where it is missing, with the keys above it. Raises `std::invalid_argument`, with nothing made,
+    /// where there is no such root, or the path is longer or deeper than one may be, or would break its line.
+    std::shared_ptr<RegistryValues> create(std::u16string_view path);
+    /// The name of the key that has this index, from 0, among those right below a path.
+    std::optional<std::u16string> name_below(std::u16string_view path, std::uint32_t index) const;
+    /// Whether a key is always there.
+    static bool is_permanent(std::u16string_view path) noexcept;
+    /// Removes a key and everything below it. Permanent ones become empty.
+    void remove(std::u16string_view path);
 
-    void apply(std::vector<RegistrySection> sections);
-    /// Becomes what a tree that was read anew is. Keys that are there in both stay, and open handles with them.
-    void take(RegistryTree& fresh);
-
+    /// Raises RegistryDamage.
+    void apply(const std::vector<RegistrySection>& sections);
+    /// Becomes what was read anew; the values of a key that is there in both stay the same object.
+    void take(RegistryKeys& fresh);
     /// All of it as a registry text.
     std::string text() const;
 
 private:
-    void append(std::string& text, const RegistryNode& key, const std::u16string& path) const;
+    void create_permanent_keys();
 
-    std::shared_ptr<RegistryNode> top_ = std::make_shared<RegistryNode>();
-    RegistryNode* classes_;
+    std::map<std::u16string, std::shared_ptr<RegistryValues>, NameOrder> keys_;
 };
 
 /// A store that many processes may use at once. A change is made under the lock on a file beside the store's, to what
@@ -126,33 +76,36 @@ class RegistryStore {
 public:
     /// `file`: empty for a store in memory only. Nothing is read yet.
     explicit RegistryStore(std::filesystem::path file = {}) : file_(std::move(file)) {}
-    RegistryStore(const RegistryStore&) = delete;
-    RegistryStore& operator=(const RegistryStore&) = delete;
 
-    /// What was last read or written. Its keys stay the same objects as long as they are there.
-    RegistryTree& tree() noexcept { return tree_; }
+    /// What was last read or written.
+    RegistryKeys& keys() noexcept { return keys_; }
     /// Reads the file again if it has changed.
     void refresh();
-    /// Makes a change that `change` makes to the tree, which nobody else changes meanwhile; it answers whether there
-    /// is one. Where the file cannot be written, the tree is read again, so that nothing is changed; only handles of
-    /// a key that should have been deleted take it for deleted.
+    /// Makes a change that `change` makes to the keys, which nobody else changes meanwhile; it answers whether there
+    /// is one. Where the file cannot be written, it is read again, so that nothing is changed; only handles of a key
+    /// that should have been deleted take it for deleted.
     void update(const std::function<bool()>& change);
-    bool is_writable() const;
 
 private:
+    struct Close {
+        void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    };
+    using File = std::unique_ptr<std::FILE, Close>;
     /// What tells whether a file is the one that was read: device, inode, size, time of change in seconds and
     /// nanoseconds. All zero: there is none.
     using Stamp = std::tuple<dev_t, ino_t, off_t, time_t, long>;
-    static Stamp stamp_of(const struct ::stat& status) noexcept;
-    void load();
-    void save();
 
-    const std::filesystem::path file_;
-    RegistryTree tree_;
-    /// Of what the tree holds; nothing when that is not known to be in the file.
+    static Stamp stamp_of(const struct ::stat& status) noexcept;
+    /// Opens a file for its owner alone, and no link. Null, with errno set, when it cannot.
+    static File open(const std::filesystem::path& path, int flags);
+    void load();
+
+    std::filesystem::path file_;
+    RegistryKeys keys_;
+    /// Of what was read; nothing while the keys may be other than the file's.
     std::optional<Stamp> stamp_;
     /// The file of that stamp, kept open so that no later file gets its inode.
-    Descriptor held_;
+    File held_;
 };
 
 }  // namespace vex::platform::native

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 
 #include "core/unicode.h"
 
@@ -12,8 +13,6 @@ namespace {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
-
-bool is_control(char16_t c) { return c < u' '; }
 
 std::string utf8_of_utf16(std::string_view bytes) { return to_utf8(text_of({bytes.begin(), bytes.end()})); }
 
@@ -91,26 +90,20 @@ private:
 
     /// A text up to its closing quotation mark, the opening one being passed. It may hold line breaks.
     std::u16string take_quoted() {
-        using namespace std::string_view_literals;
         const std::size_t first_line = line_;
         std::string bytes;
-        for (;;) {
-            const std::size_t length = rest_.find_first_of("\"\\\n\0"sv);
-            if (length == rest_.npos) throw RegistryDamage(first_line, "a closing quotation mark is expected");
-            bytes += rest_.substr(0, length);
-            const char stop = rest_[length];
-            rest_.remove_prefix(length + 1);
-            if (stop == '"') return to_text(bytes);
-            if (stop == '\0') refuse("a text without null characters is expected");
-            if (stop == '\n') ++line_;
-            bytes += stop == '\\' ? take_escaped() : stop;
+        while (!take("\"")) {
+            if (rest_.empty()) throw RegistryDamage(first_line, "a closing quotation mark is expected");
+            const bool escaped = take("\\");
+            if (escaped && !rest_.starts_with('\\') && !rest_.starts_with('"')) {
+                refuse("a doubled backslash is expected in a text");
+            }
+            if (rest_.front() == '\0') refuse("a text without null characters is expected");
+            if (rest_.front() == '\n') ++line_;
+            bytes += rest_.front();
+            rest_.remove_prefix(1);
         }
-    }
-    char take_escaped() {
-        for (const auto& [written, meant] : {std::pair("\\", '\\'), {"\"", '"'}, {"n", '\n'}, {"r", '\r'}}) {
-            if (take(written)) return meant;
-        }
-        refuse("a doubled backslash is expected in a text");
+        return to_text(bytes);
     }
 
     /// Bytes between commas. A backslash at the end of a line continues them on the next.
@@ -132,39 +125,35 @@ private:
         }
     }
 
-    void take_data(RegistryValue& value) {
-        if (take("\"")) {
-            value.type = kRegSz;
-            value.data = data_of(take_quoted() + u'\0');
-        } else if (take("dword:")) {
-            value.type = kRegDword;
+    RegistryValue take_value() {
+        if (take("\"")) return {kRegSz, data_of(take_quoted() + u'\0')};
+        if (take("dword:")) {
             const std::uint32_t number = take_number(8);
-            for (int shift = 0; shift < 32; shift += 8)
-                value.data.push_back(static_cast<std::uint8_t>(number >> shift));
-        } else {
-            expect("hex", "a text in quotation marks, dword, hex or - is expected");
-            value.type = kRegBinary;
-            if (take("(")) {
-                value.type = take_number(8);
-                expect(")", "a closing parenthesis is expected");
-            }
-            expect(":", "a colon is expected");
-            value.data = take_bytes();
+            std::vector<std::uint8_t> data(sizeof number);
+            std::memcpy(data.data(), &number, sizeof number);
+            return {kRegDword, data};
         }
+        expect("hex", "a text in quotation marks, dword, hex or - is expected");
+        std::uint32_t type = kRegBinary;
+        if (take("(")) {
+            type = take_number(8);
+            expect(")", "a closing parenthesis is expected");
+        }
+        expect(":", "a colon is expected");
+        return {type, take_bytes()};
     }
 
     RegistrySection::Entry take_entry() {
         RegistrySection::Entry entry;
         if (take("\"")) {
-            entry.value.name = take_quoted();
+            entry.name = take_quoted();
         } else {
             expect("@", "a key in brackets, or a value's name in quotation marks or @ is expected");
         }
         skip_blanks();
         expect("=", "an equals sign is expected");
         skip_blanks();
-        entry.deleted = take("-");
-        if (!entry.deleted) take_data(entry.value);
+        if (!take("-")) entry.value = take_value();
         skip_blanks();
         if (!at_end_of_line()) refuse("the end of the line is expected");
         take_line();
@@ -180,15 +169,6 @@ private:
         if (!line.ends_with(']')) refuse("a closing bracket is expected");
         line.remove_suffix(1);
         section.path = to_text(line);
-        std::u16string_view below = section.path;
-        const std::u16string_view root = take_name(below);
-        const auto is_it = [root](const RegistryRoot& each) { return equal_ignoring_case(root, each.name); };
-        if (std::none_of(std::begin(kRegistryRoots), std::end(kRegistryRoots), is_it)) {
-            refuse("a key below HKEY_LOCAL_MACHINE or another root is expected");
-        }
-        const bool is_class = equal_ignoring_case(root, u"HKEY_CLASSES_ROOT");
-        constexpr std::size_t kClassesDepth = 2;
-        if (const char* fault = fault_of_path(below, is_class ? kClassesDepth : 0)) refuse(fault);
         take_line();
         return section;
     }
@@ -200,8 +180,8 @@ private:
 void append_quoted(std::string& text, std::u16string_view content) {
     text += '"';
     for (const char c : to_utf8(content)) {
-        if (c == '\\' || c == '"' || c == '\n' || c == '\r') text += '\\';
-        text += c == '\n' ? 'n' : c == '\r' ? 'r' : c;
+        if (c == '\\' || c == '"') text += '\\';
+        text += c;
     }
     text += '"';
 }
@@ -211,32 +191,29 @@ void append_hex(std::string& text, std::uint32_t number, int least_digits) {
     text.append(digits, static_cast<std::size_t>(std::snprintf(digits, sizeof digits, "%0*x", least_digits, number)));
 }
 
-/// Whether a value can stand between quotation marks on one line: a text that is terminated by its one null,
-/// without control characters, and nothing but whole characters.
-bool is_plain_text(const RegistryValue& value, const std::u16string& text) {
-    if (value.type != kRegSz || value.data.size() % 2 != 0 || text.empty() || text.back() != u'\0') return false;
-    if (std::any_of(text.begin(), text.end() - 1, is_control)) return false;
-    const bool surrogates = std::any_of(text.begin(), text.end(), [](char16_t c) { return (c & 0xF800) == 0xD800; });
-    return !surrogates || from_utf8(to_utf8(text)) == text;
+/// Whether a value can stand between quotation marks: it is a text that its only null terminates, and nothing but
+/// whole characters.
+bool is_plain_text(const RegistryValue& value) {
+    if (value.type != kRegSz || value.data.empty() || value.data.size() % 2 != 0) return false;
+    const std::u16string text = text_of(value.data);
+    return text.find(u'\0') == text.size() - 1 && from_utf8(to_utf8(text)) == text;
 }
 
 }  // namespace
 
 bool is_string(std::uint32_t type) noexcept { return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz; }
 
+// Both sides keep the lower byte of a number first, as the registry does.
+
 std::u16string text_of(const std::vector<std::uint8_t>& data) {
     std::u16string text(data.size() / 2, u'\0');
-    for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char16_t>(data[2 * i] | data[2 * i + 1] << 8);
+    std::copy_n(data.begin(), text.size() * 2, reinterpret_cast<std::uint8_t*>(text.data()));
     return text;
 }
 
 std::vector<std::uint8_t> data_of(std::u16string_view text) {
-    std::vector<std::uint8_t> data(text.size() * 2);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        data[2 * i] = static_cast<std::uint8_t>(text[i]);
-        data[2 * i + 1] = static_cast<std::uint8_t>(text[i] >> 8);
-    }
-    return data;
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    return {bytes, bytes + text.size() * 2};
 }
 
 std::vector<RegistrySection> read_registry(std::string_view bytes) {
@@ -246,32 +223,33 @@ std::vector<RegistrySection> read_registry(std::string_view bytes) {
 
 void append_key(std::string& text, std::u16string_view path) { text += "\n[" + to_utf8(path) + "]\n"; }
 
-void append_value(std::string& text, const RegistryValue& value) {
-    if (value.name.empty()) {
+void append_value(std::string& text, std::u16string_view name, const RegistryValue& value) {
+    if (name.empty()) {
         text += '@';
     } else {
-        append_quoted(text, value.name);
+        append_quoted(text, name);
     }
     text += '=';
-    std::u16string characters = value.type == kRegSz ? text_of(value.data) : std::u16string();
-    if (is_plain_text(value, characters)) {
+    const auto& [type, data] = value;
+    if (is_plain_text(value)) {
+        std::u16string characters = text_of(data);
         characters.pop_back();
         append_quoted(text, characters);
-    } else if (value.type == kRegDword && value.data.size() == 4) {
+    } else if (type == kRegDword && data.size() == 4) {
         text += "dword:";
-        for (std::size_t i = 4; i-- > 0;) append_hex(text, value.data[i], 2);
+        for (std::size_t i = 4; i-- > 0;) append_hex(text, data[i], 2);
     } else {
         text += "hex";
-        if (value.type != kRegBinary) {
+        if (type != kRegBinary) {
             text += '(';
-            append_hex(text, value.type, 1);
+            append_hex(text, type, 1);
             text += ')';
         }
-        text += ':';
-        for (std::size_t i = 0; i < value.data.size(); ++i) {
-            if (i > 0) text += ',';
-            append_hex(text, value.data[i], 2);
+        for (std::size_t i = 0; i < data.size(); ++i) {
+            text += i == 0 ? ':' : ',';
+            append_hex(text, data[i], 2);
         }
+        if (data.empty()) text += ':';
     }
     text += '\n';
 }
@@ -283,18 +261,6 @@ std::u16string_view take_name(std::u16string_view& path) {
     path.remove_prefix(name.size());
     skip_separators();
     return name;
-}
-
-const char* fault_of_path(std::u16string_view path, std::size_t depth) {
-    constexpr std::size_t kLongestName = 255;
-    for (auto name = take_name(path); !name.empty(); name = take_name(path)) {
-        if (name.size() > kLongestName) return "a key's name of at most 255 characters is expected";
-        // It stands on one line of the text, between brackets.
-        if (std::any_of(name.begin(), name.end(), is_control))
-            return "a key's name without control characters is expected";
-        if (++depth > kMaxKeyDepth) return "a key that is at most 512 keys deep is expected";
-    }
-    return nullptr;
 }
 
 }  // namespace vex::platform::native

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -14,9 +15,10 @@ namespace vex::platform::native {
 
 /// A value as the registry keeps it: texts are UTF-16, little end first, with their terminating nulls.
 struct RegistryValue {
-    std::u16string name;
     std::uint32_t type = kRegNone;
     std::vector<std::uint8_t> data;
+
+    friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
 };
 
 bool is_string(std::uint32_t type) noexcept;
@@ -26,13 +28,13 @@ std::vector<std::uint8_t> data_of(std::u16string_view text);
 /// What a text says of a key, from the key's line to the next key's.
 struct RegistrySection {
     struct Entry {
-        RegistryValue value;
-        /// There is no value of that name.
-        bool deleted = false;
+        std::u16string name;
+        /// Nothing: there is no value of that name.
+        std::optional<RegistryValue> value;
     };
 
     std::size_t line = 0;
-    /// Begins with the name of a root.
+    /// Begins with the name of a root. Whether there is such a root, and can be such a key, is not looked at.
     std::u16string path;
     /// The key and everything below it does not exist.
     bool deleted = false;
@@ -59,30 +61,9 @@ std::vector<RegistrySection> read_registry(std::string_view bytes);
 // Writing, in UTF-8: the header, and then each key before its values.
 
 void append_key(std::string& text, std::u16string_view path);
-void append_value(std::string& text, const RegistryValue& value);
+void append_value(std::string& text, std::u16string_view name, const RegistryValue& value);
 
-// The paths of keys: names between backslashes, which do not count at both ends.
-
-struct RegistryRoot {
-    std::int32_t handle;
-    std::u16string_view name;
-};
-inline constexpr RegistryRoot kRegistryRoots[] = {
-    {kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"},
-    {kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
-    {kHkeyUsers, u"HKEY_USERS"},
-    {static_cast<std::int32_t>(0x80000005U), u"HKEY_CURRENT_CONFIG"},
-    {kHkeyClassesRoot, u"HKEY_CLASSES_ROOT"},
-};
-/// What HKEY_CLASSES_ROOT is another name for.
-inline constexpr std::u16string_view kClassesPath = u"HKEY_LOCAL_MACHINE\\Software\\Classes";
-
-/// As on Windows. Deeper keys are neither created nor read.
-constexpr std::size_t kMaxKeyDepth = 512;
-
-/// The first name of a path, which is cut off it together with the separators around it; empty at its end.
+/// The first name of a key's path, which is cut off it together with the backslashes around it; empty at its end.
 std::u16string_view take_name(std::u16string_view& path);
-/// What is wrong with a path below a key that lies `depth` keys below its root; null when it can be created.
-const char* fault_of_path(std::u16string_view path, std::size_t depth);
 
 }  // namespace vex::platform::native

@@ -11,7 +11,7 @@ namespace vex::sim {
 class NativeMachine final : public Machine {
 public:
     std::filesystem::path real_path(const std::u16string& path) override { return platform::native::real_path(path); }
-    void hide(const std::u16string& path) override { platform::native::set_hidden(path, true); }
+    void hide(const std::u16string& path) override { platform::native::hide(path); }
     void on_program_started(std::function<void(const std::u16string&)> listener) override {
         platform::native::on_program_started(std::move(listener));
     }

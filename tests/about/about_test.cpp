@@ -1,4 +1,4 @@
-// The About box and the private label. What a user sees of it is a scenario, wizard-about.
+// The About box and the private label.
 #include "about/frm_about.h"
 
 #include <gtest/gtest.h>
@@ -26,6 +26,7 @@ TEST_F(About, ShowsTheCompanyOrThePrivateLabelAfreshEachTime) {
     EXPECT_EQ(shown_description(), product::kCompanyName);
     EXPECT_TRUE(static_cast<forms::Button*>(about.find("cmdOK"))->is_default);
     EXPECT_EQ(about.caption(), u"About vexFirmWarePlugin");
+    EXPECT_EQ(about.find("lblVersion")->caption(), u"Version 4.0");
     EXPECT_TRUE(about.find("lblDisclaimer")->caption().starts_with(u"Warning: "));
     const Key label = machine_key("Software\\BrivolaLite");
     for (const char* company : {"Signs & Co", "Other"}) {
@@ -40,7 +41,7 @@ TEST_F(About, LooksForTheSystemInformationInOnePlaceOnly) {
     machine_key("SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set_text("PATH", "C:\\Gone.exe");
     machine_key("SOFTWARE\\Microsoft\\Shared Tools Location").set_text("MSINFO", "C:\\Info");
     const auto started = [this] {
-        about.StartSysInfo();
+        about.raise_click(*about.find("cmdSysInfo"));
         return notebook.take();
     };
     const std::string refusal = "ask \"vexFirmWarePlugin\" \"System Information Is Unavailable At This Time\" ok\n";

@@ -89,18 +89,6 @@ TEST(ErrorInformation, IsTakenOnceByItsOwnThread) {
     EXPECT_EQ(seen, u"none");
     EXPECT_EQ(take_error(), u"mine");
     EXPECT_EQ(take_error(), u"none");
-
-    guarded_method(IID_IClassFactory, [] { throw RuntimeError(1, u"old"); });
-    com::ComPtr<IErrorInfo> error;
-    GUID raised_by{};
-    ASSERT_EQ(GetErrorInfo(0, error.put()), S_OK);
-    EXPECT_EQ(error->GetGUID(&raised_by), S_OK);
-    EXPECT_TRUE(IsEqualGUID(raised_by, IID_IClassFactory));
-    EXPECT_EQ(SetErrorInfo(1, error.get()), E_INVALIDARG) << "the first argument is reserved";
-    EXPECT_EQ(take_error(), u"none");
-    EXPECT_EQ(SetErrorInfo(0, error.get()), S_OK);
-    EXPECT_EQ(SetErrorInfo(0, nullptr), S_OK);
-    EXPECT_EQ(take_error(), u"none");
 }
 
 }  // namespace

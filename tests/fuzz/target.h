@@ -3,5 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+
+inline void require(bool condition) {
+    if (!condition) std::abort();
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -23,6 +23,8 @@ std::filesystem::path plugin_file();
 extern const char* const kPlatform;
 /// Whether a library can be registered wherever it lies.
 extern const bool kAnyFolderIsRegistered;
+/// Whether an object is a picture, and, where pictures are real, an icon of 16 pixels.
+bool is_icon(IDispatch& object);
 
 // ---- The library as hosts know it; not taken from the plug-in's own tables
 

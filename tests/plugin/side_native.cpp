@@ -10,4 +10,6 @@ std::filesystem::path plugin_file() {
 const char* const kPlatform = "win32";
 const bool kAnyFolderIsRegistered = false;
 
+bool is_icon(IDispatch& object) { return com::ComPtr<IDispatch>(&object).query<IPictureDisp>().get() != nullptr; }
+
 }  // namespace vex::plugin_test

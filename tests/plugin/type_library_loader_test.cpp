@@ -1,10 +1,9 @@
 // Windows only, for its loader: the system's own loader reads the type library in the plug-in's resources, and calls by
 // it.
-#include <array>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 
+#include "core/digits.h"
 #include "core/unicode.h"
 #include "plugin/contract.h"
 #include "plugin/type_library/writer.h"
@@ -16,7 +15,7 @@ namespace {
 /// Flags of interfaces: hidden 0x10, dual 0x40, non-extensible 0x80, automation-compatible 0x100, dispatchable
 /// 0x1000. Flags of classes: can create 0x2. "slot": the place in the virtual table.
 constexpr char kExpectedTypeLibrary[] =
-    R"(library vexFirmWarePlugin {2D044802-8D89-4ECD-8C1F-F3529143EDDE} 1.0, locale 0, system 1, no help
+    R"(library vexFirmWarePlugin {2D044802-8D89-4ECD-8C1F-F3529143EDDE} 1.0, locale 0, system 1
 interface _PluginData {28D15CCC-A58D-44F0-8AAF-3EECB0736FA9} 1.0, flags 0x11D0, from )"
     R"({00020400-0000-0000-C000-000000000046}
   0x68030004 get TotalPlugins, slot 7: [out, retval] int16*
@@ -49,11 +48,7 @@ std::string guid_text(REFGUID guid) {
     return text;
 }
 
-std::string hex_text(std::uint32_t number) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "0x%X", static_cast<unsigned>(number));
-    return text.data();
-}
+std::string hex_text(std::uint32_t number) { return "0x" + to_utf8(digits_of(number, 16)); }
 
 std::string simple_type_text(VARTYPE type) {
     switch (type) {
@@ -61,20 +56,18 @@ std::string simple_type_text(VARTYPE type) {
         case VT_BSTR: return "string";
         case VT_BOOL: return "boolean";
         case VT_DISPATCH: return "object";
-        case VT_HRESULT: return "result";
         default: return "type " + std::to_string(type);
     }
 }
 
-std::string parameter_flags_text(std::uint32_t flags) {
-    constexpr std::array<std::pair<std::uint32_t, const char*>, 4> kNames = {
-        {{1, "in"}, {2, "out"}, {8, "retval"}, {0x10, "optional"}}};
-    std::string text;
-    for (const auto& [flag, name] : kNames) {
-        if ((flags & flag) != 0) text += (text.empty() ? "" : ", ") + std::string(name);
+std::string parameter_flags_text(USHORT flags) {
+    switch (flags) {
+        case PARAMFLAG_FIN: return "[in] ";
+        case PARAMFLAG_FIN | PARAMFLAG_FOUT: return "[in, out] ";
+        case PARAMFLAG_FIN | PARAMFLAG_FOUT | PARAMFLAG_FOPT: return "[in, out, optional] ";
+        case PARAMFLAG_FOUT | PARAMFLAG_FRETVAL: return "[out, retval] ";
+        default: return "[" + hex_text(flags) + "] ";
     }
-    if ((flags & ~0x1BU) != 0) text += " and " + hex_text(flags & ~0x1BU);
-    return "[" + text + "] ";
 }
 
 TYPEATTR attributes_of(ITypeInfo& type) {
@@ -103,14 +96,14 @@ std::string type_text(ITypeInfo& type, const TYPEDESC& description) {
     return guid_text(attributes_of(*referenced(type, description.hreftype)).guid);
 }
 
-/// The name of a library, a type or a member, and whether it has any help.
+/// The name of a library, a type or a member; it has no help.
 template <class Described>
-std::string documentation(Described& described, MEMBERID member, const char* help_mark, const char* no_help_mark) {
+std::string name_of(Described& described, MEMBERID member = MEMBERID_NIL) {
     com::Bstr name, help, file;
     DWORD context = 0;
     EXPECT_EQ(described.GetDocumentation(member, name.put(), help.put(), &context, file.put()), S_OK);
-    const bool has_help = !help.str().empty() || context != 0;
-    return to_utf8(name.str()) + (has_help ? help_mark : no_help_mark);
+    EXPECT_TRUE(help.str().empty() && context == 0) << to_utf8(name.str());
+    return to_utf8(name.str());
 }
 
 std::string members(ITypeInfo& type) {
@@ -122,10 +115,9 @@ std::string members(ITypeInfo& type) {
         UINT count = 0;
         EXPECT_EQ(type.GetNames(function->memid, names, 4, &count), S_OK);
         text += "  " + hex_text(static_cast<std::uint32_t>(function->memid)) +
-                (function->invkind == INVOKE_PROPERTYGET ? " get " : " method ") +
-                documentation(type, function->memid, " with help", "") + ", slot " +
-                std::to_string(static_cast<std::size_t>(function->oVft) / sizeof(void*)) + ":";
-        EXPECT_EQ(simple_type_text(function->elemdescFunc.tdesc.vt), "result");
+                (function->invkind == INVOKE_PROPERTYGET ? " get " : " method ") + name_of(type, function->memid) +
+                ", slot " + std::to_string(static_cast<std::size_t>(function->oVft) / sizeof(void*)) + ":";
+        EXPECT_EQ(function->elemdescFunc.tdesc.vt, VT_HRESULT);
         EXPECT_EQ(function->funckind, FUNC_PUREVIRTUAL);
         EXPECT_EQ(function->callconv, CC_STDCALL);
         for (UINT k = 0; k < static_cast<UINT>(function->cParams); ++k) {
@@ -142,9 +134,8 @@ std::string members(ITypeInfo& type) {
 
 std::string head(ITypeInfo& type) {
     const TYPEATTR attributes = attributes_of(type);
-    return documentation(type, MEMBERID_NIL, " with help ", " ") + guid_text(attributes.guid) + " " +
-           std::to_string(attributes.wMajorVerNum) + "." + std::to_string(attributes.wMinorVerNum) + ", flags " +
-           hex_text(attributes.wTypeFlags);
+    return name_of(type) + " " + guid_text(attributes.guid) + " " + std::to_string(attributes.wMajorVerNum) + "." +
+           std::to_string(attributes.wMinorVerNum) + ", flags " + hex_text(attributes.wTypeFlags);
 }
 
 std::string describe(ITypeInfo& type) {
@@ -175,10 +166,10 @@ TEST_F(TypeLibraryLoader, ShowsWhatTheContractSays) {
     const auto library = load_type_library();
     TLIBATTR* attributes = nullptr;
     ASSERT_EQ(library->GetLibAttr(&attributes), S_OK);
-    std::string text = "library " + documentation(*library.get(), -1, " with help ", " ") +
-                       guid_text(attributes->guid) + " " + std::to_string(attributes->wMajorVerNum) + "." +
-                       std::to_string(attributes->wMinorVerNum) + ", locale " + std::to_string(attributes->lcid) +
-                       ", system " + std::to_string(attributes->syskind) + ", no help\n";
+    std::string text = "library " + name_of(*library.get()) + " " + guid_text(attributes->guid) + " " +
+                       std::to_string(attributes->wMajorVerNum) + "." + std::to_string(attributes->wMinorVerNum) +
+                       ", locale " + std::to_string(attributes->lcid) + ", system " +
+                       std::to_string(attributes->syskind) + "\n";
     EXPECT_EQ(attributes->wLibFlags & ~LIBFLAG_FHASDISKIMAGE, 0);
     library->ReleaseTLibAttr(attributes);
     for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {

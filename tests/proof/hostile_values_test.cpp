@@ -35,13 +35,11 @@ std::vector<com::Variant> hostile_values() {
     values.push_back(com::Variant::boolean(false));
     values.push_back(com::Variant::object(nullptr));
     values.emplace_back();
-    com::Variant null;
-    null.get().vt = VT_NULL;
-    values.push_back(null);
-    com::Variant error;
-    error.get().vt = VT_ERROR;
-    error.get().scode = DISP_E_PARAMNOTFOUND;
-    values.push_back(error);
+    for (const VARTYPE none : {VT_NULL, VT_ERROR}) {
+        values.emplace_back();
+        values.back().get().vt = none;
+        values.back().get().scode = DISP_E_PARAMNOTFOUND;
+    }
     return values;
 }
 
@@ -72,7 +70,7 @@ TEST(HostileValues, InEveryFieldOfEveryHostObject) {
             if (field.starts_with(u"new ") || !tried_fields.insert(field).second) continue;
             for (std::size_t i = 0; i < values.size(); ++i) {
                 SCOPED_TRACE(std::string(name_of(mode)) + " " + to_utf8(field) + " value " + std::to_string(i));
-                plan.substitute = [&](const std::u16string& call) {
+                plan.meddle = [&](const std::u16string& call) {
                     return call == field ? std::optional(values[i]) : std::nullopt;
                 };
                 check(play(plan));

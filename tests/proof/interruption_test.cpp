@@ -95,7 +95,9 @@ TEST_P(InterruptionTest, ACallThatAnswersFalseFailsItsOwnRowOnly) {
         SCOPED_TRACE(about(k, "answers False"));
         Plan plan = plan_;
         std::size_t count = 0;
-        plan.judge = [&](const std::u16string&) { return count++ == k ? Verdict::answer_false : Verdict::pass; };
+        plan.meddle = [&](const std::u16string&) {
+            return count++ == k ? std::optional(com::Variant::boolean(false)) : std::nullopt;
+        };
         const Outcome outcome = play(plan);
         check_always(outcome);
         ASSERT_EQ(outcome.error, 0);
@@ -121,7 +123,10 @@ TEST_P(InterruptionTest, AnErrorOfTheHostReachesTheCallerAndTouchesNothingElse) 
         SCOPED_TRACE(about(k, creation ? "cannot be created" : "raises an error"));
         Plan plan = plan_;
         std::size_t count = 0;
-        plan.judge = [&](const std::u16string&) { return count++ == k ? Verdict::raise : Verdict::pass; };
+        plan.meddle = [&](const std::u16string&) -> std::optional<com::Variant> {
+            if (count++ == k) throw RuntimeError(kRaisedNumber, u"raised by the test");
+            return std::nullopt;
+        };
         const Outcome outcome = play(plan);
         EXPECT_EQ(outcome.error, creation ? static_cast<std::int32_t>(kCannotCreateObject) : kRaisedNumber);
         EXPECT_EQ(outcome.host_objects, 0);

@@ -5,7 +5,6 @@
 
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <utility>
@@ -19,6 +18,8 @@
 #include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
+#include "tests/proof/memory.h"
+#include "tests/shared/temporary_folder.h"
 #include "wizard/dlg_firmware_wizard.h"
 
 namespace vex::proof {
@@ -26,22 +27,16 @@ namespace {
 
 using platform::native::real_path;
 
-void write_file(const std::u16string& path, const std::string& content) {
-    const std::filesystem::path real = real_path(path);
-    std::filesystem::create_directories(real.parent_path());
-    std::ofstream(real, std::ios::binary) << content;
-}
-
 /// The machine of all plans: there before the first test, gone after the last while the runtime still stands.
 class Machine final : public ::testing::Environment {
     void SetUp() override {
         folder_.emplace();
-        platform::native::use_machine_folder(folder_->path());
-        for (const char* drive : {"drive_c", "drive_d"}) std::filesystem::create_directories(folder_->path() / drive);
-        write_file(u"D:\\fw\\new.SHX", "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
-        write_file(u"D:\\fw\\new.BIN", "image");
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\SL-RCM2000B.BIN", sim::make_loader_image());
-        write_file(u"C:\\Host\\BIN\\FIRMWARE\\nvSerDownload.exe", "tool");
+        platform::native::use_machine_folder(*folder_ / "machine");
+        folder_->write("machine/drive_d/fw/new.SHX",
+                       "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
+        folder_->write("machine/drive_d/fw/new.BIN", "image");
+        folder_->write("machine/drive_c/Host/BIN/FIRMWARE/SL-RCM2000B.BIN", sim::make_loader_image());
+        folder_->write("machine/drive_c/Host/BIN/FIRMWARE/nvSerDownload.exe", "tool");
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }
     void TearDown() override {
@@ -49,7 +44,7 @@ class Machine final : public ::testing::Environment {
         folder_.reset();
     }
 
-    std::optional<sim::PrivateFolder> folder_;
+    std::optional<test::TemporaryFolder> folder_;
 };
 
 [[maybe_unused]] auto* const environment = ::testing::AddGlobalTestEnvironment(new Machine);
@@ -72,36 +67,41 @@ public:
     User(const Plan& plan, sim::Host& host, Outcome& outcome, bool& interrupting) noexcept
         : plan_(plan), host_(host), outcome_(outcome), interrupting_(interrupting) {
         const bool loads = plan.mode != Mode::reset;
-        clicks_ = {"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdNext"};
-        if (loads) {
-            clicks_.insert(clicks_.begin() + 1, "opLoadFirmware");
-            clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
-        }
-        if (plan.mode == Mode::external_tool) clicks_.insert(clicks_.end() - 1, "chkUseExternalApp");
+        clicks_ = {"cmdAbout", "cmdNext"};
+        if (loads) clicks_.push_back("opLoadFirmware");
+        clicks_.insert(clicks_.end(), {"cmdNext", "cmdChooseDisplay", "cmdNext"});
+        if (plan.mode == Mode::external_tool) clicks_.push_back("chkUseExternalApp");
+        if (loads) clicks_.insert(clicks_.end(), {"cmdFirmwareBrowse", "cmdNext"});
         clicks_.push_back("cmdFinish");
     }
 
     void form_closed(forms::Form& form) override {
+        const Side side(Side::host);
         if (form.name() == "dlgHandleSignOption") cancelled_ = false;
+        if (form.name() == "dlgDispUpdater") look_at_rows(form);
     }
 
     bool act(forms::Form& form) override {
+        const Side side(Side::host);
+        if (form.name() == "frmAbout") return click(form, "cmdOK");
         if (form.name() == "dlgFirmwareWizard") {
             if (clicks_.empty()) return false;
-            form.raise_click(*form.find(std::exchange(clicks_.front(), {})));
+            const char* const button = clicks_.front();
             clicks_.pop_front();
-            return true;
+            return click(form, button);
         }
         return form.name() == "dlgDispUpdater" && look_at_run(form);
     }
 
     void pumped(forms::Form& form) override {
+        const Side side(Side::host);
         const forms::Control* const status = form.find("lblStatus");
         const sim::ScriptedMessage* const message = status == nullptr ? nullptr : host_.read_message(status->caption());
-        if (message != nullptr && message->reaction && plan_.moment->cancel) form.raise_click(*form.find("cmdCancel"));
+        if (message != nullptr && message->reaction && plan_.moment->cancel) click(form, "cmdCancel");
     }
 
     forms::MessageAnswer answer(const forms::MessageBox&) override {
+        const Side side(Side::host);
         const auto answer = plan_.moment->cancel.value_or(forms::MessageAnswer::ok);
         if (answer == forms::MessageAnswer::yes) {
             cancelled_ = true;
@@ -123,22 +123,33 @@ private:
         return words;
     }
 
-    bool look_at_run(forms::Form& form) {
+    static bool click(forms::Form& form, const char* button) {
+        const Side side(Side::plugin);
+        form.raise_click(*form.find(button));
+        return true;
+    }
+
+    forms::ListView& look_at_rows(forms::Form& form) {
         auto& list = static_cast<forms::ListView&>(*form.find("lstvDisplayStatus"));
         if (outcome_.rows.empty()) {
             outcome_.rows = status_column(list);
             outcome_.units = unit_contents(host_);
             interrupting_ = false;
         }
+        return list;
+    }
+
+    bool look_at_run(forms::Form& form) {
+        forms::ListView& list = look_at_rows(form);
         for (; plan_.retry && next_retry_ < list.row_count(); ++next_retry_) {
             if (outcome_.rows[next_retry_] == u"Updated - ") continue;
             const auto y = static_cast<float>(list.row_top(next_retry_)) + 1;
+            const Side side(Side::plugin);
             form.raise_mouse_down(list, forms::MouseButton::right, 1, y);
             if (!form.running()) return true;
         }
         outcome_.rows_after_retry = status_column(list);
-        form.raise_click(*form.find("cmdClose"));
-        return true;
+        return click(form, "cmdClose");
     }
 
     const Plan& plan_;
@@ -178,13 +189,8 @@ void equip(sim::Host& host, const Plan& plan) {
 }  // namespace
 
 const char* name_of(Mode mode) noexcept {
-    switch (mode) {
-        case Mode::reset: return "reset";
-        case Mode::firmware: return "firmware";
-        case Mode::flash_loader: return "flash loader";
-        case Mode::external_tool: return "external tool";
-    }
-    return "?";
+    constexpr const char* kNames[] = {"reset", "firmware", "flash loader", "external tool"};
+    return kNames[static_cast<std::size_t>(mode)];
 }
 
 std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16string>& calls) {
@@ -214,23 +220,16 @@ Outcome play(const Plan& plan) {
         bool interrupting = true;
         User user(plan, host, outcome, interrupting);
         Meddling meddling;
-        meddling.judge = [&](const std::u16string& call) {
-            if (!interrupting) return Verdict::pass;
+        meddling.before = [&](const std::u16string& call) -> std::optional<com::Variant> {
+            if (!interrupting) return std::nullopt;
             outcome.calls.push_back(call);
             if (user.cancelled() && call.starts_with(u"vexDispTrans.")) outcome.calls_after_cancel.push_back(call);
-            return plan.judge ? plan.judge(call) : Verdict::pass;
+            return plan.meddle ? plan.meddle(call) : std::nullopt;
         };
-        if (plan.substitute) {
-            meddling.substitute = [&](const std::u16string& call) {
-                return interrupting ? plan.substitute(call) : std::nullopt;
-            };
-        }
-        if (plan.heedless) {
-            meddling.amend = [&](const std::u16string& call, VARIANT& answer) {
-                if (interrupting && call.starts_with(u"vexDispTrans.") && answer.vt == VT_BOOL)
-                    answer.boolVal = VARIANT_TRUE;
-            };
-        }
+        meddling.after = [&](const std::u16string& call, VARIANT& answer) {
+            const bool heedless = plan.heedless && interrupting && call.starts_with(u"vexDispTrans.");
+            if (heedless && answer.vt == VT_BOOL) answer.boolVal = VARIANT_TRUE;
+        };
         if (plan.moment) {
             host.script.push_back({.pattern = {std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
                                    .message = sim::ScriptedMessage{u"Just a moment", [] {}}});
@@ -242,8 +241,12 @@ Outcome play(const Plan& plan) {
         namespace native = platform::native;
         const Services services{toolkit, platform::registry(), module, u"C:\\Host"};
         try {
-            dlgFirmwareWizard wizard(services, [](forms::Form&) {});
-            wizard.show_modal();
+            if (plan.start) {
+                plan.start(toolkit);
+            } else {
+                dlgFirmwareWizard wizard(services, [](forms::Form&) {});
+                wizard.show_modal();
+            }
         } catch (const RuntimeError& error) {
             outcome.error = error.number();
             if (outcome.units.empty()) outcome.units = unit_contents(host);

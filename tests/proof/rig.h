@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -36,12 +37,13 @@ struct Plan {
     Mode mode = Mode::reset;
     /// 1 to 3 for the interruption tests; the first of three has slaves, the second is on the network.
     std::size_t displays = 1;
-    Judge judge;
     /// Until the run is over.
-    Substitute substitute;
+    Meddle meddle;
     std::optional<Moment> moment;
     /// The host's operations answer True whatever became of them.
     bool heedless = false;
+    /// Opens the wizard over the toolkit in the plug-in's place; empty: its dialogs themselves.
+    std::function<void(forms::Toolkit& toolkit)> start;
     /// After the run, each row that was not updated is tried again without any interruption.
     bool retry = true;
 };

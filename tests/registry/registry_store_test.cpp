@@ -1,4 +1,5 @@
-// The native store: what lasts, what other processes change meanwhile, what a kill leaves, and what is refused.
+// The native store: what lasts, what other processes change meanwhile, what a kill leaves, what is refused, and how its
+// text is read.
 #include <gmock/gmock.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -13,11 +14,14 @@
 #include <thread>
 
 #include "platform/native/registry_service.h"
+#include "platform/native/registry_store.h"
+#include "platform/native/registry_text.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::platform::native {
 namespace {
 
+using namespace std::string_literals;
 using test::read_file;
 using test::write_file;
 using ::testing::HasSubstr;
@@ -63,7 +67,8 @@ struct Process {
         return text;
     }
 
-    RegistryService service;
+    const std::unique_ptr<NativeRegistry> made = make_registry();
+    NativeRegistry& service = *made;
     std::int32_t result = kSuccess;
 };
 
@@ -97,7 +102,6 @@ protected:
 
 TEST_F(RegistryStoreTest, TheFileLooksLikeAnExportAndIsTheOwnersAlone) {
     write_file(folder / "victim", "untouched");
-    std::filesystem::create_symlink(folder / "victim", folder / "registry.new");
     Process process(folder);
     for (const mode_t mask : {0, 0777}) {
         const mode_t before = ::umask(mask);
@@ -111,8 +115,6 @@ TEST_F(RegistryStoreTest, TheFileLooksLikeAnExportAndIsTheOwnersAlone) {
     EXPECT_THAT(read_file(file), StartsWith(kHeader));
     EXPECT_THAT(read_file(file), HasSubstr("\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3]\n"
                                            "\"AppPath\"=\"C:\\\\Brivola\"\n"));
-    EXPECT_EQ(read_file(folder / "victim"), "untouched") << "nobody's link is written through";
-    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(folder / "registry.new")));
 
     for (const char* name : {"registry", "registry.lock"}) {
         std::filesystem::remove(folder / name);
@@ -120,6 +122,7 @@ TEST_F(RegistryStoreTest, TheFileLooksLikeAnExportAndIsTheOwnersAlone) {
         EXPECT_EQ(process.write("Key", "v", "1"), kRegistryIoFailed) << "a link in place of " << name;
         std::filesystem::remove(folder / name);
     }
+    EXPECT_EQ(read_file(folder / "victim"), "untouched");
 }
 
 TEST_F(RegistryStoreTest, EveryKindOfChangeLasts) {
@@ -133,7 +136,7 @@ TEST_F(RegistryStoreTest, EveryKindOfChangeLasts) {
         process.service.delete_value(process.open("A"), "GONE");
         process.service.delete_key(kRoot, "B\\C");
         std::string deep = "k";
-        for (std::size_t i = 0; i < kMaxKeyDepth; ++i) deep += "\\k";
+        for (int i = 0; i < 512; ++i) deep += "\\k";
         for (const std::string& path : {std::string("line\nbreak"), deep, std::string(256, 'k')}) {
             EXPECT_EQ(process.write(path, "v", "x"), kInvalidParameter) << "the file could not hold it";
         }
@@ -251,7 +254,7 @@ TEST_F(RegistryStoreTest, WhereNothingCanBeWrittenNothingChanges) {
                            process.read(key, "large") == "(2)" && process.write("Key", "small", "fits") == kSuccess;
                 }).succeeds());
     EXPECT_EQ(Process(folder).read("Key", "small"), "fits");
-    EXPECT_FALSE(std::filesystem::exists(folder / "registry.new"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2) << "it and its lock";
 
     std::filesystem::permissions(file, std::filesystem::perms(0444));
     std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
@@ -260,19 +263,16 @@ TEST_F(RegistryStoreTest, WhereNothingCanBeWrittenNothingChanges) {
                     constexpr uid_t kNobody = 65534;
                     if (::geteuid() == 0 && ::setuid(kNobody) != 0) return false;
                     Process reader(folder);
-                    return reader.read("Key", "v") == "1" && reader.open("Key", kKeyWrite) == 0 &&
-                           reader.result == kAccessDenied && reader.open("Key", 0x02000000) != 0 &&
+                    return reader.read("Key", "v") == "1" && reader.write("Key", "v", "2") == kAccessDenied &&
                            reader.write("New", "v", "1") == kAccessDenied;
                 }).succeeds());
 }
 
-// ---- Roots and other computers
+// ---- Roots
 
-TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachineAndOtherComputersAreFolders) {
-    const auto remote_file =
-        folder.write("remote/Workshop/registry", kHeader + "[HKEY_LOCAL_MACHINE\\Key]\n\"v\"=\"far\"");
+TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachineAndRootsStay) {
     Process process(folder);
-    RegistryService& service = process.service;
+    Registry& service = process.service;
     constexpr RegistryKey kClasses = registry_key(kHkeyClassesRoot);
     RegistryKey key = 0;
     ASSERT_EQ(service.create_key(kClasses, "Some.Class\\CLSID", nullptr, kKeyAllAccess, {}, key), kSuccess);
@@ -281,21 +281,84 @@ TEST_F(RegistryStoreTest, ClassesAreAPartOfTheLocalMachineAndOtherComputersAreFo
     for (const auto& [root, path] : {std::pair(kClasses, ""), {kRoot, "Software\\Classes"}, {kRoot, ""}}) {
         EXPECT_EQ(service.delete_key(root, path), kAccessDenied);
     }
+    EXPECT_EQ(service.connect_registry(nullptr, key, key), kInvalidHandle) << "no root";
+}
 
-    process.write("Key", "v", "near");
-    RegistryKey remote = 0;
-    ASSERT_EQ(service.connect_registry("\\\\WORKSHOP", kRoot, remote), kSuccess);
-    ASSERT_EQ(service.open_key(remote, "Key", kKeyAllAccess, key), kSuccess);
-    EXPECT_EQ(process.read(key, "v"), "far");
-    EXPECT_EQ(service.set_value(key, "w", kRegBinary, nullptr, 0), kSuccess);
-    EXPECT_THAT(read_file(remote_file), HasSubstr("\"w\"=hex:\n"));
-    EXPECT_EQ(process.read("Key", "w"), "(2)");
-    for (const char* absent : {"nowhere", "\\\\..", ".", "Workshop/../Workshop", "remote"}) {
-        EXPECT_EQ(service.connect_registry(absent, kRoot, remote), kBadNetPath) << absent;
-        EXPECT_EQ(remote, 0);
+// ---- Its text: what Windows exports and what people write
+
+/// What a text says once it is read and written again, without the header.
+std::string rewritten(const std::string& text) {
+    RegistryKeys keys;
+    keys.apply(read_registry(text));
+    const std::string written = keys.text();
+    return written.substr(std::min(written.size(), written.find("\n[")));
+}
+
+/// 0: there is none.
+std::size_t line_of_damage(const std::string& text) {
+    try {
+        RegistryKeys().apply(read_registry(text));
+        return 0;
+    } catch (const RegistryDamage& damage) {
+        return damage.line();
     }
-    EXPECT_EQ(service.connect_registry("Workshop", registry_key(kHkeyCurrentUser), remote), kInvalidHandle);
-    EXPECT_EQ(service.connect_registry(nullptr, key, remote), kInvalidHandle) << "no root";
+}
+
+TEST(RegistryText, AnExportOfTheRealThingIsRead) {
+    constexpr char16_t kExport[] =
+        u"\xFEFFWindows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvan]\r\n\r\n"
+        u"[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvan\\Brivola3]\r\n@=\"Brivola\"\r\n"
+        u"\"AppPath\"=\"C:\\\\Program Files\\\\Brivola\\\\\"\r\n\"Quoted \\\"name\\\"\"=\"Zürich \x20AC\"\r\n"
+        u"\"Count\"=dword:0000002a\r\n\"Window\"=hex:2c,00,ff,\\\r\n  ff,16,\\\r\n  1d,00\r\n"
+        u"\"Home\"=hex(2):25,00,48,00,25,00,00,00\r\n\"Nothing\"=hex(0):\r\n\"Two lines\"=\"1\r\n2\"\r\n\r\n";
+    const std::vector<std::uint8_t> bytes = data_of(std::u16string_view(kExport, std::size(kExport) - 1));
+    EXPECT_EQ(rewritten({bytes.begin(), bytes.end()}),
+              "\n[HKEY_LOCAL_MACHINE\\Software\\Norvan\\Brivola3]\n@=\"Brivola\"\n"
+              "\"AppPath\"=\"C:\\\\Program Files\\\\Brivola\\\\\"\n\"Count\"=dword:0000002a\n"
+              "\"Home\"=hex(2):25,00,48,00,25,00,00,00\n\"Nothing\"=hex(0):\n\"Quoted \\\"name\\\"\"=\"Zürich €\"\n"
+              "\"Two lines\"=\"1\r\n2\"\n\"Window\"=hex:2c,00,ff,ff,16,1d,00\n");
+}
+
+TEST(RegistryText, PeopleMayWriteItLoosely) {
+    // What a text with an H for the header says in the usual form.
+    const std::pair<std::string, std::string> cases[] = {
+        {"\xEF\xBB\xBFH; a comment\n  [HKEY_CURRENT_USER\\A]  \r\n\t\"spaced\" = \"text\" ; and why\n"
+         "\"short\"=dword:F\n\"bytes\"=hex:1, 0A ,b,\\\n\t0c\n\"Same\"=\"old\"\n\"SAME\"=\"new\"\n"
+         "\"gone\"=\"x\"\n\"gone\"=-\n\"never there\"=-",
+         "\n[HKEY_CURRENT_USER\\A]\n\"bytes\"=hex:01,0a,0b,0c\n\"Same\"=\"new\"\n\"short\"=dword:0000000f\n"
+         "\"spaced\"=\"text\"\n"},
+        {"H[HKEY_USERS\\B\\C]\n[HKEY_USERS\\B\\D]\n[-HKEY_USERS\\b\\c]\n[-HKEY_USERS\\Never There]\n"
+         "[HKEY_CLASSES_ROOT\\X]\n@=\"\"",
+         "\n[HKEY_LOCAL_MACHINE\\Software\\Classes\\X]\n@=\"\"\n\n[HKEY_USERS\\B\\D]\n"},
+        // Roots and the classes become empty and stay.
+        {"H[HKEY_CLASSES_ROOT\\X]\n[HKEY_USERS\\A\\B]\n@=\"\"\n[-HKEY_LOCAL_MACHINE\\Software]\n[-HKEY_USERS]\n"
+         "[-HKEY_LOCAL_MACHINE]\n[-HKEY_CLASSES_ROOT]\n[HKEY_CLASSES_ROOT]\n\"after\"=\"wards\"\n",
+         "\n[HKEY_LOCAL_MACHINE\\Software\\Classes]\n\"after\"=\"wards\"\n"},
+    };
+    for (auto [text, usual] : cases) EXPECT_EQ(rewritten(text.replace(text.find('H'), 1, kHeader)), usual);
+}
+
+TEST(RegistryText, DamageIsToldWithItsLine) {
+    // H stands for the header, K for the header and a key.
+    const std::pair<std::size_t, std::vector<std::string>> cases[] = {
+        {1, {"", "REGEDIT4\n", "\n", "Windows Registry Editor Version 5.00 and more\n"}},
+        {2, {"H[HKEY_USERS\\A\n", "H[HKEY_USERS\\A] x\n", "H[HKEY_USERS\\A\x01]\n", "H[HKEY_NOBODY\\A]\n", "H[]\n",
+             "H[-]\n", "H[HKEY_USERS\\" + std::string(256, 'k') + "]\n"}},
+        {3, {"H\n\"v\"=\"before any key\"\n", "K\"v\"=\"no end\n\n\n", "K\"no end=\"x\"\n\n", "K\"v\"=\"C:\\Single\"\n",
+             "K\"v\" \"x\"\n", "K\"v\"=\n", "K\"v\"=\"x\" y\n", "Kv=\"x\"\n", "K\rv\n", "K\"v\"=\"a\0b\"\n"s,
+             "K\"v\"=dword:\n", "K\"v\"=dword:123456789\n", "K\"v\"=\"\xFC\"\n", "K\"\xC3\"=\"x\"\n", "K\"v\"=hex\n",
+             "K\"v\"=hex(:01\n", "K\"v\"=hex(2:01\n", "K\"v\"=hex:0g\n", "K\"v\"=hex:001\n", "K\"v\"=hex:01,\\ 02\n",
+             "K\"v\"=hex:,01\n", "K\"v\"=hex:01,\n", "K\"v\"=hex:-1\n"}},
+        {4, {"K[-HKEY_CURRENT_USER\\A]\n\"v\"=\"after it went\"\n", "K\"v\"=hex:01,\\\n"}},
+        {5, {"K\"v\"=\"two\nlines\"\n\"w\"=oops\n"}},
+    };
+    for (const auto& [line, texts] : cases) {
+        for (std::string text : texts) {
+            if (text.starts_with('H')) text.replace(0, 1, kHeader);
+            if (text.starts_with('K')) text.replace(0, 1, kHeader + "[HKEY_CURRENT_USER\\A]\n");
+            EXPECT_EQ(line_of_damage(text), line) << text;
+        }
+    }
 }
 
 }  // namespace

@@ -29,11 +29,10 @@ public:
     Key& operator=(Key&&) = delete;
     ~Key() { close(); }
 
-    static Key created(platform::RegistryKey parent, const std::string& path,
-                       std::uint32_t access = platform::kKeyAllAccess) {
+    static Key created(platform::RegistryKey parent, const std::string& path) {
+        constexpr std::uint32_t kAll = platform::kKeyAllAccess;
         platform::RegistryKey key = 0;
-        EXPECT_EQ(side_registry().create_key(parent, path.c_str(), nullptr, access, {}, key), platform::kSuccess)
-            << path;
+        EXPECT_EQ(side_registry().create_key(parent, path.c_str(), nullptr, kAll, {}, key), platform::kSuccess) << path;
         return Key(key);
     }
     /// A null key when it does not open.

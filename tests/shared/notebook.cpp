@@ -2,10 +2,10 @@
 #include "tests/shared/notebook.h"
 
 #include "com/class_factory.h"
+#include "com/object.h"
 #include "core/digits.h"
 #include "core/unicode.h"
 #include "platform/system.h"
-#include "tests/shared/late_object.h"
 
 // Where the linker finds these functions in a program, it takes them and not the system's.
 

@@ -8,7 +8,6 @@
 #include "simulator/automation.h"
 #include "simulator/class_library.h"
 #include "simulator/native/native_session.h"
-#include "tests/shared/error_of.h"
 #include "tests/shared/temporary_folder.h"
 
 namespace vex::sim {
@@ -34,31 +33,6 @@ protected:
     Host host_{trace_, machine_};
     std::optional<HostClasses> classes_;
 };
-
-TEST_F(ObjectsTest, WrongCallsGetTheUsualErrors) {
-    const auto list = create_object(u"vexBrivolaClasses4.HostDisplayList");
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"NoSuchMember"); }), kMemberNotSupported);
-    EXPECT_EQ(test::error_of([&] { call_late(*list, u"ComPort", {com::Variant::int16(1)}); }), kWrongArgumentCount);
-    const auto connection = create_object(u"vexBrivolaClasses4.HostConnection");
-    // Its settings are write-only.
-    EXPECT_EQ(test::error_of([&] { call_late(*connection, u"ComPort"); }), kMemberNotSupported);
-
-    DISPID member = 0;
-    LPOLESTR names[2] = {const_cast<LPOLESTR>(reinterpret_cast<const OLECHAR*>(u"ComPort")), nullptr};
-    DISPID ids[2] = {};
-    EXPECT_EQ(list->GetIDsOfNames(IID_NULL, names, 1, 0, &member), S_OK);
-    EXPECT_EQ(list->GetIDsOfNames(IID_NULL, names, 2, 0, ids), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(ids[0], member);
-    DISPPARAMS none = {};
-    EXPECT_EQ(list->Invoke(member, IID_IUnknown, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
-              DISP_E_UNKNOWNINTERFACE);
-    EXPECT_EQ(list->Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr),
-              DISP_E_MEMBERNOTFOUND);
-    ASSERT_EQ(connection->GetIDsOfNames(IID_NULL, names, 1, 0, ids), S_OK);
-    EXPECT_EQ(connection->Invoke(ids[0], IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr),
-              DISP_E_PARAMNOTFOUND) << "the value is a named argument";
-    EXPECT_EQ(list->Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr), S_OK);
-}
 
 /// Nothing is converted: an argument is of the declared kind, or it is refused with its place.
 TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {

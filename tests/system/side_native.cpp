@@ -26,7 +26,7 @@ public:
     void make_folder(const std::u16string& path) override {
         std::filesystem::create_directory(platform::native::real_path(path));
     }
-    void hide(const std::u16string& path) override { platform::native::set_hidden(path, true); }
+    void hide(const std::u16string& path) override { platform::native::hide(path); }
     void make_program(const std::u16string& path) override { make_file(path); }
     bool has_run(const std::u16string& path) override { return runs_[platform::native::real_path(path)] == 1; }
 

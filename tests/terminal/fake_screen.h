@@ -18,7 +18,7 @@ inline KeyPress key_of(char32_t sign) {
     return at == kSigns.npos ? KeyPress{Key::character, sign} : KeyPress{static_cast<Key>(at + 1)};
 }
 
-class FakeScreen final : public Screen {
+class FakeScreen : public Screen {
 public:
     Size size_now = kSmallestTerminal;
     int beeps = 0;

@@ -1,10 +1,10 @@
 // The terminal: a screen in memory, where the user has nothing but keys and mouse.
-#include <deque>
 #include <utility>
 
 #include "core/unicode.h"
 #include "platform/native/terminal/terminal_toolkit.h"
 #include "simulator/native/native_screen.h"
+#include "tests/terminal/fake_screen.h"
 #include "tests/toolkit/side.h"
 
 namespace vex::test {
@@ -12,8 +12,9 @@ namespace {
 
 using namespace platform::native::terminal;
 
-class TerminalSide final : public Side, private sim::NativeScreen, private platform::native::terminal::Screen {
+class TerminalSide final : public Side, private sim::NativeScreen, private FakeScreen {
 public:
+    TerminalSide() { size_now = {120, 40}; }
     forms::Toolkit& toolkit() override { return toolkit_; }
     sim::Screen& screen() override { return *this; }
     float coarseness() const override { return 100; }
@@ -46,9 +47,7 @@ private:
     }
     void do_type(const std::u16string& name, const std::u16string& value) override {
         do_click(name);
-        inputs_.push_back(KeyPress{Key::end});
-        inputs_.insert(inputs_.end(), control(name).caption().size(), KeyPress{Key::backspace});
-        for (const char32_t character : to_utf32(value)) inputs_.push_back(KeyPress{Key::character, character});
+        keys(U"⇲" + std::u32string(control(name).caption().size(), U'⌫') + to_utf32(value));
         toolkit_.pump_messages();
     }
     bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override {
@@ -70,23 +69,15 @@ private:
         }
     }
     void press_at(Point at, forms::MouseButton button) {
-        at = {at.column + toolkit_.top_place().column, at.row + toolkit_.top_place().row};
-        inputs_.insert(inputs_.end(), {MouseEvent{MouseAction::press, button, at},
-                                       MouseEvent{MouseAction::release, button, at}});
+        FakeScreen::click({at.column + toolkit_.top_place().column, at.row + toolkit_.top_place().row}, button);
         toolkit_.pump_messages();
     }
 
     // What the toolkit asks of a screen.
 
-    Size size() const override { return {120, 40}; }
-    void show(const Canvas& /*canvas*/, std::optional<Point> /*cursor*/) override {}
     void beep() override { user_->beeped(); }
     std::optional<Input> read(bool wait) override {
-        if (!inputs_.empty()) {
-            const Input input = inputs_.front();
-            inputs_.pop_front();
-            return input;
-        }
+        if (auto input = FakeScreen::read(false)) return input;
         if (!wait) {
             user_->messages_handled();
         } else if (form().name() == "Menu") {
@@ -109,7 +100,6 @@ private:
     }
 
     sim::ScreenUser* user_ = nullptr;
-    std::deque<Input> inputs_;
     /// What to choose from the menu that pops up next.
     std::optional<std::u16string> menu_item_;
     WatchedToolkit toolkit_{*this};

@@ -26,7 +26,8 @@ public:
 
     std::vector<std::string> dialogs;
     std::vector<forms::MessageBox> boxes;
-    std::deque<forms::MessageAnswer> answers;
+    /// To the boxes, in their order.
+    std::vector<forms::MessageAnswer> answers;
     /// What the user does while messages are handled in the midst of some work.
     std::function<void()> on_messages_handled;
     std::size_t actions_left() const noexcept { return actions_.size(); }
@@ -46,12 +47,7 @@ private:
     }
     forms::MessageAnswer answer(const forms::MessageBox& box) noexcept override {
         boxes.push_back(box);
-        if (answers.empty()) {
-            return box.buttons == forms::MessageButtons::ok ? forms::MessageAnswer::ok : forms::MessageAnswer::yes;
-        }
-        const auto answer = answers.front();
-        answers.pop_front();
-        return answer;
+        return answers.at(boxes.size() - 1);
     }
     std::optional<std::u16string> choose_file(const forms::OpenFileRequest&) noexcept override { return std::nullopt; }
     void beeped() noexcept override {}

@@ -231,9 +231,9 @@ TEST_F(ToolkitContract, RowsAreShownWithTheirCellsAndColors) {
         EXPECT_EQ(shown(u"list", u"Row1.ForeColor"), u"0x00000000");
         form.list.clear();
         EXPECT_EQ(shown(u"list", u"Rows"), u"0");
-        add_rows(10'000);
-        EXPECT_EQ(shown(u"list", u"Rows"), u"10000");
-        EXPECT_EQ(shown(u"list", u"Row10000"), u"\"Row 10000\" | \"\"");
+        add_rows(1'000);
+        EXPECT_EQ(shown(u"list", u"Rows"), u"1000");
+        EXPECT_EQ(shown(u"list", u"Row1000"), u"\"Row 1000\" | \"\"");
     });
     show();
 }

@@ -16,7 +16,7 @@ using testing::HasSubstr;
 class Session : public RecordedFixture {
 protected:
     Session() {
-        display({{"DisplayName", u"Main Street"}, {"FirmwareVersion", u"1.50"}, {"ConnectionType", u"1"},
+        display({{"DisplayName", u"Main Street"}, {"FirmwareVersion", u"1.41"}, {"ConnectionType", u"1"},
                  {"ComPort", u"COM1"}, {"ComBaud", u"9600"}, {"PhoneNumber", u"555"}, {"NetworkAddress", u"10.0.0.7"},
                  {"SignIDs", u"7"}});
         notebook.omitted = {"HostDisplayList"};
@@ -103,6 +103,7 @@ lblStatus: Closing Connection
 
 TEST_F(Session, LoadsRabbitFirmwareWithTheFlashLoaderOverTheNetwork) {
     display({{"ConnectionType", u"2"}});
+    EXPECT_FALSE(play(u"D:\\fw\\new.BIN", true)) << "not unless it is switched on";
     WriteHostSetting(services, u"Brivola3", u"Settings", u"EnableXPort", u"True");
     host.during["vexLANBoxFinder2.FindBoxes"] = [this](DISPPARAMS&) {
         host.raise("vexLANBoxFinder2", u"an UDS");
@@ -130,20 +131,28 @@ close dlgHandleSignOption
 
 TEST_F(Session, LeavesRabbitFirmwareToTheExternalTool) {
     WriteHostSetting(services, u"Brivola3", u"Settings", u"AppPath", u"C:\\Host\\");
+    host.during["vexDispTrans.PrepareForFirmware"] = [this](DISPPARAMS&) { host.raise("vexDispTrans", u"Locked"); };
     for (const bool prepared : {true, false}) {
         host.answers["vexDispTrans.PrepareForFirmware"] = com::Variant::boolean(prepared);
         EXPECT_EQ(play(u"D:\\fw\\new.BIN", true, true), prepared);
+        EXPECT_EQ(status, u"Locked") << "the control's last word";
         EXPECT_EQ(log_from("OpenConnection"), log(R"(
 OpenConnection(&HostConnection)
 lblStatus: Connection Open
-vexDispTrans PrepareForFirmware() CloseConnection()
+vexDispTrans PrepareForFirmware()
+pump
+lblStatus: Locked
+pump
+vexDispTrans CloseConnection()
 is there C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 start C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
 close dlgHandleSignOption
 )"));
     }
+    // Without the tool, the preparation alone is the outcome.
     files_exist = false;
-    EXPECT_FALSE(play(u"D:\\fw\\new.BIN", true, true));
+    host.answers.erase("vexDispTrans.PrepareForFirmware");
+    EXPECT_TRUE(play(u"D:\\fw\\new.BIN", true, true));
     EXPECT_EQ(notebook.take().find("start"), std::string::npos);
 }
 
@@ -154,6 +163,8 @@ TEST_F(Session, RefusesFirmwareForATq1BoardThatCannotTakeItAndForNoOther) {
     EXPECT_EQ(notebook.take().find("HostConnection"), std::string::npos);
     EXPECT_TRUE(play(u"D:\\fw\\new.SHX"));
     EXPECT_TRUE(play(u"", true)) << "any board can be reset";
+    display({{"FirmwareVersion", u"KQS 1"}});
+    EXPECT_TRUE(play(u"D:\\fw\\new.BIN", true));
 }
 
 TEST_F(Session, AConnectionThatDoesNotOpenEndsIt) {
@@ -161,6 +172,12 @@ TEST_F(Session, AConnectionThatDoesNotOpenEndsIt) {
     EXPECT_FALSE(play(u""));
     EXPECT_EQ(log_from("lblStatus: Connection"), "lblStatus: Connection Problem\nlblStatus: Unable to open connection "
                                                  "to display!\nclose dlgHandleSignOption\n");
+}
+
+TEST_F(Session, AnUnknownKindOfConnectionIsTheNetwork) {
+    display({{"ConnectionType", u"7"}});
+    EXPECT_TRUE(play(u""));
+    EXPECT_THAT(notebook.take(), HasSubstr("new ConnectionType=I2 2 NetworkAddress=\"10.0.0.7\" ComPort=\"COM1\" "));
 }
 
 TEST_F(Session, TheControlMayReplaceTheConnection) {

@@ -1,9 +1,14 @@
 // A host's control on a form: the container that it gets, and where it raises its events.
+#include <gtest/gtest.h>
+
 #include "com/object.h"
 #include "com/variant.h"
+#include "forms/form.h"
 #include "platform/event_source.h"
+#include "platform/win32/window_name.h"
+#include "simulator/win32/win32_screen.h"
 #include "tests/shared/error_of.h"
-#include "tests/win32/window_fixture.h"
+#include "tests/toolkit/side.h"
 
 namespace vex::com {
 

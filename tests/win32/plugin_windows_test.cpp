@@ -1,9 +1,10 @@
 // The plug-in's own dialogs on real windows, started by a host: how they stand among each other, what they answer when
-// the session ends, and that no handle of them stays behind. The environment variable VEX_WIZARDS says how many wizards
-// are opened for that; a thousand take minutes.
+// the session ends, and that no handle of them stays behind, nor of a form with every kind of control. The environment
+// variable VEX_WIZARDS says how many wizards are opened for that; a thousand take minutes.
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <limits>
 #include <map>
 #include <sstream>
 
@@ -13,8 +14,8 @@
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
 #include "simulator/words.h"
+#include "tests/toolkit/sample_form.h"
 #include "tests/toolkit/test_user.h"
-#include "tests/win32/handle_counts.h"
 
 namespace vex::test {
 namespace {
@@ -122,6 +123,59 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
     });
 }
 
+// ---- Handles of windows and graphics
+
+template <class Handle>
+Handle handle_at(std::uintptr_t index) noexcept {
+    return reinterpret_cast<Handle>(index);
+}
+
+bool is_icon(HICON icon) noexcept {
+    ICONINFO information = {};
+    if (!GetIconInfo(icon, &information)) return false;
+    DeleteObject(information.hbmMask);
+    if (information.hbmColor != nullptr) DeleteObject(information.hbmColor);
+    return true;
+}
+
+bool is_own_window(HWND window) noexcept {
+    DWORD process = 0;
+    return IsWindow(window) && GetWindowThreadProcessId(window, &process) != 0 && process == GetCurrentProcessId();
+}
+
+struct HandleCounts {
+    unsigned long user = 0;
+    unsigned long graphics = 0;
+};
+
+/// Windows tells the numbers. Wine does not (it answers 0); there every possible handle is looked at.
+HandleCounts count_handles() {
+    HandleCounts counts{GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS),
+                        GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS)};
+    if (counts.user != 0 || counts.graphics != 0) return counts;
+    // Only the lower half of a handle says which one it is.
+    for (std::uintptr_t index = 1; index <= std::numeric_limits<std::uint16_t>::max(); ++index) {
+        if (GetObjectType(handle_at<HGDIOBJ>(index)) != 0) ++counts.graphics;
+        if (is_own_window(handle_at<HWND>(index)) || IsMenu(handle_at<HMENU>(index)) ||
+            is_icon(handle_at<HICON>(index))) {
+            ++counts.user;
+        }
+    }
+    return counts;
+}
+
+/// Expects as many handles after so many uses of something as before them.
+void expect_no_handle_stays(int times, const std::function<void()>& use) {
+    // The first uses make what the system keeps for all.
+    for (int used = 0; used < 3; ++used) use();
+    const HandleCounts before = count_handles();
+    for (int used = 0; used < times; ++used) use();
+    const HandleCounts after = count_handles();
+    EXPECT_GT(before.graphics, 0U);
+    EXPECT_EQ(after.user, before.user);
+    EXPECT_EQ(after.graphics, before.graphics);
+}
+
 /// Presses the close box of whatever form is on top.
 void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
     if (auto* const form = static_cast<HWND>(sim::top_form_window())) {
@@ -136,6 +190,16 @@ TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
         expect_no_handle_stays(number == nullptr ? 10 : std::atoi(number), [&] { plugin.start(); });
     });
     KillTimer(nullptr, timer);
+}
+
+TEST_F(PluginWindows, LeaveNothingOfEveryKindOfControlBehind) {
+    SampleForm form(platform::desktop());
+    form.on_activate = [&] { form.hide(); };
+    form.on_load = [&] {
+        form.pages.set_tab(1);
+        form.list.add_row({}, u"row", u"good");
+    };
+    expect_no_handle_stays(30, [&] { form.show_modal(); });
 }
 
 }  // namespace

@@ -1,11 +1,32 @@
-// The library leaves the process when the last reference is given back, and lets the threads that used it end.
+// Libraries: where the Windows side looks for them, and that the plug-in's leaves the process when the last reference is
+// given back, and lets the threads that used it end.
 #include <gtest/gtest.h>
 
 #include "com/bstr.h"
 #include "com/com_ptr.h"
+#include "platform/win32/windows_api.h"
+#include "simulator/words.h"
 
-namespace vex {
+namespace vex::platform::win32 {
 namespace {
+
+TEST(LateLibrary, IsTheSystemsOwn) {
+    EXPECT_NO_THROW(LateLibrary(u"version.dll"));
+    // Beside this program and in the current folder, where the loader looks otherwise.
+    const std::filesystem::path beside = std::filesystem::path(module_path()).replace_filename("vexPlanted.dll");
+    const sim::PrivateFolder folder;
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    for (const std::filesystem::path& planted : {beside, folder.path() / "vexPlanted.dll"}) {
+        std::filesystem::copy_file(std::filesystem::path(beside).replace_filename("vexFirmwarePlugin.dll"), planted);
+        EXPECT_THROW(LateLibrary(u"vexPlanted.dll"), RuntimeError) << planted;
+        std::error_code left_loaded;
+        std::filesystem::remove(planted, left_loaded);
+    }
+    std::filesystem::current_path(here);
+}
+
+// ---- Unloading
 
 constexpr char kLibraryFile[] = "vexFirmwarePlugin.dll";
 constexpr CLSID kCatalogue = {0x09D14609, 0x0E72, 0x4D6E, {0xA3, 0xB6, 0xD8, 0x40, 0x9C, 0x89, 0x77, 0x02}};
@@ -58,4 +79,4 @@ TEST(Unloading, TheLastReferenceTakesTheLibraryAwayOnAnyThread) {
 }
 
 }  // namespace
-}  // namespace vex
+}  // namespace vex::platform::win32

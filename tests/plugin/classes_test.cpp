@@ -1,4 +1,5 @@
-// What the members of the two classes answer, called through the virtual table and late.
+// The two classes: their factories, what keeps the library loaded, and what their members answer, called through the
+// virtual table and late.
 #include <cstring>
 
 #include "core/unicode.h"
@@ -9,6 +10,65 @@ namespace vex::plugin_test {
 namespace {
 
 using com::Variant;
+
+void* const kPoison = reinterpret_cast<void*>(std::uintptr_t{0xDEAD});
+constexpr GUID kUnknownClass = {0x12345678, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}};
+
+class Factory : public PluginTest, public testing::WithParamInterface<GUID> {};
+
+INSTANTIATE_TEST_SUITE_P(Classes, Factory, testing::Values(kCatalogueClass, kEntryClass));
+
+TEST_P(Factory, KeepsTheLibraryLoadedByObjectsAndLocks) {
+    auto factory = factory_of(GetParam());
+    com::ComPtr<IUnknown> object;
+    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, object.put_void()), S_OK);
+    factory.reset();
+    EXPECT_EQ(can_unload_now(), S_FALSE);
+    object.reset();
+    EXPECT_EQ(can_unload_now(), S_OK);
+
+    // What is released more often than it was locked leaves no debt.
+    for (const auto& locks : {std::vector<BOOL>{TRUE, TRUE, FALSE}, {FALSE, FALSE, TRUE}, {FALSE}}) {
+        for (const BOOL lock : locks) EXPECT_EQ(factory_of(GetParam())->LockServer(lock), S_OK);
+        EXPECT_EQ(can_unload_now(), locks.size() == 1 ? S_OK : S_FALSE) << locks.front();
+    }
+}
+
+TEST_P(Factory, OffersTheInterfacesOfItsClassAndNoOthers) {
+    const auto object = make(GetParam());
+    const bool is_catalogue = IsEqualGUID(GetParam(), kCatalogueClass);
+    const GUID own = is_catalogue ? kCatalogueInterface : kEntryInterface;
+    const GUID other = is_catalogue ? kEntryInterface : kCatalogueInterface;
+    com::ComPtr<IUnknown> identity;
+    ASSERT_EQ(object->QueryInterface(IID_IUnknown, identity.put_void()), S_OK);
+    for (const GUID& iid : {own, IID_IDispatch, IID_ISupportErrorInfo}) {
+        com::ComPtr<IUnknown> offered, same;
+        EXPECT_EQ(object->QueryInterface(iid, offered.put_void()), S_OK);
+        EXPECT_EQ(offered->QueryInterface(IID_IUnknown, same.put_void()), S_OK);
+        EXPECT_EQ(same.get(), identity.get()) << "every interface leads back to one identity";
+    }
+    void* refused = kPoison;
+    EXPECT_EQ(object->QueryInterface(other, &refused), E_NOINTERFACE);
+    EXPECT_EQ(refused, nullptr);
+    EXPECT_EQ(object->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    const auto errors = object.query<ISupportErrorInfo>();
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(own), S_OK);
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(other), S_FALSE);
+}
+
+TEST_P(Factory, RefusesWithoutAnObject) {
+    const auto factory = factory_of(GetParam());
+    void* objects[] = {kPoison, kPoison, kPoison, kPoison};
+    EXPECT_EQ(factory->CreateInstance(factory.get(), IID_IUnknown, &objects[0]), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(factory->CreateInstance(nullptr, kUnknownClass, &objects[1]), E_NOINTERFACE);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
+    EXPECT_EQ(class_object(kUnknownClass, IID_IClassFactory, &objects[2]), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(class_object(GetParam(), kCatalogueInterface, &objects[3]), E_NOINTERFACE) << "no factory is a catalogue";
+    EXPECT_EQ(class_object(GetParam(), IID_IClassFactory, nullptr), E_POINTER);
+    for (const void* object : objects) EXPECT_EQ(object, nullptr);
+}
+
+// ---- Members
 
 constexpr char kName[] = "vexFirmwarePlugin.vexFirmwareUtil";
 constexpr char kDescription[] = "Reset and Clear Display and also Load Firmware!";
@@ -51,16 +111,12 @@ HRESULT call_slot(IUnknown* object, std::size_t slot, Arguments... arguments) {
     return reinterpret_cast<Method>((*reinterpret_cast<void***>(object))[slot])(object, arguments...);
 }
 
-/// What a member has answered; an icon is a picture as wide as 16 pixels of 1/96 inch.
+/// What a member has answered.
 std::string shown(const VARIANT& value) {
     if (value.vt == VT_BSTR) return to_utf8(com::view(value.bstrVal));
     if (value.vt == VT_I2 || value.vt == VT_BOOL) return std::to_string(value.iVal);
     if (value.vt != VT_DISPATCH || value.pdispVal == nullptr) return "";
-    const auto picture = com::ComPtr<IDispatch>(value.pdispVal).query<IPicture>();
-    SHORT type = 0;
-    OLE_XSIZE_HIMETRIC width = 0;
-    const bool told = picture && picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK;
-    return told && type == PICTYPE_ICON && width >= 422 && width <= 424 ? "icon" : "no icon";
+    return is_icon(*value.pdispVal) ? "icon" : "no icon";
 }
 
 using Members = PluginTest;
@@ -133,7 +189,7 @@ TEST_F(Members, ErrorsOfEarlyCallsComeAsErrorInformation) {
     const auto catalogue = make(kCatalogueClass);
     const auto names = [&catalogue](SHORT index, BSTR* name) { return call_slot(catalogue.get(), 8, index, name); };
     com::Bstr name;
-    BSTR poisoned = reinterpret_cast<BSTR>(std::uintptr_t{0xDEAD});
+    BSTR poisoned = static_cast<BSTR>(kPoison);
     EXPECT_EQ(names(1, &poisoned), error_code(9));
     EXPECT_EQ(poisoned, nullptr);
     com::ComPtr<IErrorInfo> info;
@@ -156,7 +212,7 @@ TEST_F(Members, HaveOneTypeDescriptionOrNone) {
     EXPECT_EQ(catalogue->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(catalogue->GetTypeInfoCount(&count), S_OK);
     EXPECT_LE(count, 1U);
-    auto* type = reinterpret_cast<ITypeInfo*>(std::uintptr_t{0xDEAD});
+    auto* type = static_cast<ITypeInfo*>(kPoison);
     EXPECT_EQ(catalogue->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
     EXPECT_EQ(catalogue->GetTypeInfo(1, LOCALE_USER_DEFAULT, &type), DISP_E_BADINDEX);
     EXPECT_EQ(type, nullptr);
