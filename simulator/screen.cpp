@@ -1,6 +1,7 @@
 // The screen of the machine that the simulated host runs on.
 #include "simulator/screen.h"
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 
@@ -49,6 +50,12 @@ std::optional<std::u16string> property_of(const ShownControl& control, const std
     throw std::invalid_argument(to_utf8(control) + " " + what);
 }
 
+/// How many letters two names share at their beginnings and at their ends.
+std::ptrdiff_t likeness(const std::u16string& one, const std::u16string& other) {
+    return std::ranges::mismatch(one, other).in1 - one.begin() +
+           (std::mismatch(one.rbegin(), one.rend(), other.rbegin(), other.rend()).first - one.rbegin());
+}
+
 ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done : ActionResult::not_possible; }
 
 }  // namespace
@@ -56,8 +63,11 @@ ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done
 ShownControl Screen::control(const std::u16string& name) const {
     if (!any_dialog()) throw std::invalid_argument("no dialog is open");
     auto found = find(name);
-    if (!found) complain(dialog_name(), "has no control " + to_utf8(in_quotes(name)));
-    return *std::move(found);
+    if (found) return *std::move(found);
+    const auto names = control_names();
+    const auto nearest = std::ranges::max_element(names, {}, [&](const auto& other) { return likeness(name, other); });
+    complain(dialog_name(), "has no control " + to_utf8(in_quotes(name)) +
+                                (nearest == names.end() ? "" : "; the nearest is " + to_utf8(*nearest)));
 }
 
 ActionResult Screen::click(const std::u16string& name) {

@@ -92,6 +92,8 @@ protected:
 
     virtual std::u16string dialog_name() const = 0;
     virtual std::u16string dialog_caption() const = 0;
+    /// Of its controls; none where a side cannot tell.
+    virtual std::vector<std::u16string> control_names() const { return {}; }
     virtual void do_click(const std::u16string& control) = 0;
     virtual void do_press(const std::u16string& control, forms::MouseButton button, float x, float y) = 0;
     virtual void do_type(const std::u16string& text_box, const std::u16string& text) = 0;

@@ -89,6 +89,12 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     return shown;
 }
 
+std::vector<std::u16string> NativeScreen::control_names() const {
+    std::vector<std::u16string> names;
+    for (const forms::Control* control : form().controls()) names.push_back(from_utf8(control->name()));
+    return names;
+}
+
 bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) {
     auto& list = static_cast<forms::ListView&>(control(name));
     menu_item_ = item;

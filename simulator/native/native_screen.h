@@ -49,6 +49,7 @@ protected:
 private:
     std::u16string dialog_name() const override { return from_utf8(form().name()); }
     std::u16string dialog_caption() const override { return form().caption(); }
+    std::vector<std::u16string> control_names() const override;
     void do_click(const std::u16string& name) override { form().raise_click(control(name)); }
     void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
         form().raise_mouse_down(control(name), button, x, y);
