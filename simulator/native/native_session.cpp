@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -59,15 +60,20 @@ bool is_running(const terminal::TerminalToolkit& toolkit) {
     return (close != nullptr && !close->enabled()) || toolkit.find("dlgHandleSignOption") != nullptr;
 }
 
-/// Whether the topmost dialog is a run with displays that may be done again.
-bool can_retry(const terminal::TerminalToolkit& toolkit) {
+/// How the displays of the run on the screen fared; empty where it is not the topmost dialog.
+std::string outcome(const terminal::TerminalToolkit& toolkit) {
     const forms::Form* const run = toolkit.find("dlgDispUpdater");
     forms::Control* const found = run == nullptr ? nullptr : run->find("lstvDisplayStatus");
-    if (found == nullptr || toolkit.top() != run) return false;
+    if (found == nullptr || toolkit.top() != run) return {};
     const auto& list = static_cast<const forms::ListView&>(*found);
-    return std::ranges::any_of(list.rows(), [&list](const forms::ListRow& row) {
-        return !row.icon || list.small_icons->images()[*row.icon].icon != std::string_view("UPDATED");
-    });
+    std::map<std::string, std::size_t> counts;
+    for (const forms::ListRow& row : list.rows())
+        if (row.icon) ++counts[list.small_icons->images()[*row.icon].icon];
+    std::string text = std::to_string(counts["UPDATED"]) + " updated";
+    for (const auto& [icon, word] :
+         {std::pair("FAILED", " failed"), {"CANCELLED", " cancelled"}, {"NOTUPDATED", " not tried"}})
+        if (counts[icon] > 0) text += ", " + std::to_string(counts[icon]) + word;
+    return text + (counts["UPDATED"] < list.row_count() ? ": F10 retries   " : "   ");
 }
 
 /// Draws on the host's own line how far the run among the dialogs of `toolkit` is, or answers what stands there
@@ -75,8 +81,7 @@ bool can_retry(const terminal::TerminalToolkit& toolkit) {
 std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const terminal::Area& line,
                                              const terminal::TerminalToolkit& toolkit, const RunProgress& progress) {
     // A question is answered by keys.
-    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox")
-        return can_retry(toolkit) ? U"F10 retries   " : U"";
+    if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox") return wide(outcome(toolkit));
     canvas.fill(line, kLine);
     const std::u32string unit = wide(of("Unit", progress.unit_number, progress.units));
     const std::u32string display = wide(of("Display", progress.display_number, progress.displays));

@@ -57,7 +57,7 @@ TEST(TrialProgram, GoesFromStartThroughARunToWhatTheUnitsHold) {
         int status;
         std::vector<const char*> table;
     } runs[] = {
-        {{{"Preparing to Open", "\r"}, {"Are you sure", "\r"}, {"F10 retries", "\033[21~\r"}, {"Updated -", "\r"}},
+        {{{"Preparing to Open", "\r"}, {"Are you sure", "\r"}, {"cancelled: F10", "\033[21~\r"}, {"1 updated", "\r"}},
          0, {"\033[?1049l", "unit \"Main Street\" 1: empty", "unit \"Main Street\" 20: empty", "5 units have not changed"}},
         {{{"Preparing to Open", "\003"}}, (128 + SIGINT) << 8, {"\033[?1049l", "9 units have not changed"}},
     };
