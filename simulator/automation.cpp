@@ -50,7 +50,7 @@ std::u16string CallArguments::shown() const {
 
 std::u16string CallArguments::shown_call(std::u16string_view object) const {
     const bool puts = member_.kind == kPut;
-    std::u16string line = puts ? u"put " : u"call ";
+    std::u16string line = puts ? u"put " : member_.kind == kMethod ? u"call " : u"get ";
     return line.append(object).append(u".").append(member_.name).append(puts ? u" =" : u"") + shown();
 }
 

@@ -55,7 +55,8 @@ public:
     IDispatch** object_place(std::size_t index) const { return at(index).ppdispVal; }
     /// Each as the trace shows it, with a blank before it; objects are left out.
     std::u16string shown() const;
-    /// How the trace begins to tell of the call: "call OBJECT.MEMBER ARGUMENTS" or "put OBJECT.MEMBER = VALUE".
+    /// How the trace begins to tell of the call: "call OBJECT.MEMBER ARGUMENTS", "put OBJECT.MEMBER = VALUE" or
+    /// "get OBJECT.MEMBER".
     std::u16string shown_call(std::u16string_view object) const;
 
 private:
@@ -77,7 +78,7 @@ bool puts_one_value(const DISPPARAMS& parameters) noexcept;
 bool is_name(LPCOLESTR text, std::u16string_view name);
 
 /// Base of the host's automation objects: `Derived::members()` answers their table. `Derived::on_call`, where there is
-/// one, is told of each call first.
+/// one, is told of each call first and may raise an error in place of it.
 template <class Derived, class... Interfaces>
 class AutomationObject : public com::Object<Derived, com::Untyped<IDispatch>, Interfaces...> {
 public:

@@ -37,7 +37,11 @@ public:
     }
 
     void on_call(const CallArguments& arguments) {
-        if (arguments.member().kind == kMethod) host_.trace.line(arguments.shown_call(u"HostDisplayList"));
+        const MemberFacts& member = arguments.member();
+        const std::u16string shown = arguments.shown_call(u"HostDisplayList");
+        if (member.name == u"FindDisplay") host_.display_asked_about = arguments.text(0);
+        host_.begin({host_.display_asked_about, 0, member.name}, shown);
+        if (member.kind == kMethod) host_.trace.line(shown);
     }
 
 private:
@@ -129,10 +133,29 @@ const std::vector<HostClass>& host_classes() {
     return kClasses;
 }
 
+Operation parse_operation(std::u16string_view name) {
+    std::string all;
+    const auto is_meant = [&](std::u16string_view known) {
+        all += (all.empty() ? "" : ", ") + to_utf8(known);
+        return known == name;
+    };
+    for (const HostClass& known : host_classes()) {
+        if (is_meant(known.name())) return known.name();
+        // The two controls and the display list.
+        if (!known.name().starts_with(u"vex") && known.name() != u"HostDisplayList") continue;
+        for (const MemberFacts& member : known.members)
+            if (is_meant(member.name)) return member.name;
+    }
+    refuse(name, "is none of " + all);
+}
+
 HostClasses::HostClasses(Host& host) {
     for (const HostClass& entry : host_classes()) {
         register_name(entry);
-        cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] { return entry.make(host); }));
+        cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
+            host.begin({host.display_asked_about, 0, entry.name()}, u"new " + std::u16string(entry.name()));
+            return entry.make(host);
+        }));
     }
 }
 

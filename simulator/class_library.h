@@ -35,6 +35,9 @@ HostClass host_class(const CLSID& clsid, const char16_t* programmatic_id) {
 /// Those of `controls.h` first.
 const std::vector<HostClass>& host_classes();
 
+/// The class, or the member of a class, of that name. Raises `std::invalid_argument` naming all.
+Operation parse_operation(std::u16string_view name);
+
 /// While it lives, the host's classes can be created by class id and by programmatic identifier. Needs an
 /// initialised apartment. `host` must outlive it and every object made meanwhile.
 class HostClasses {

@@ -391,7 +391,11 @@ public:
         return kMembers;
     }
 
-    void on_call(const CallArguments& arguments) { host_.trace.line(arguments.shown_call(kFinderName)); }
+    void on_call(const CallArguments& arguments) {
+        const std::u16string shown = arguments.shown_call(kFinderName);
+        host_.begin({host_.display_asked_about, 0, arguments.member().name}, shown);
+        host_.trace.line(shown);
+    }
 
 private:
     /// A simulated search takes no time.
@@ -431,13 +435,9 @@ std::vector<HostClass> control_classes() {
             host_class<SignInfoObject>(own_identity(0x4F), u"vexBrivolaClasses4.HostSignInfo")};
 }
 
-Operation parse_operation(std::u16string_view name) {
-    std::string all;
-    for (const MemberFacts& member : TransmissionControl::members()) {
-        if (member.name == name) return member.name;
-        all += (all.empty() ? "" : ", ") + to_utf8(member.name);
-    }
-    refuse(name, "is none of " + all);
+bool speaks(Operation operation) noexcept {
+    return std::ranges::find(TransmissionControl::members(), operation, &MemberFacts::name) !=
+           TransmissionControl::members().end();
 }
 
 }  // namespace vex::sim

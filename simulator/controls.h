@@ -14,7 +14,7 @@ std::vector<HostClass> control_classes();
 /// Where the plug-in's event stands among the events of either control.
 inline constexpr DISPID kHandledEvent = 9;
 
-/// The member of the transmission control of that name. Raises `std::invalid_argument` naming all.
-Operation parse_operation(std::u16string_view name);
+/// Whether it is a member of the transmission control, which can speak meanwhile.
+bool speaks(Operation operation) noexcept;
 
 }  // namespace vex::sim

@@ -18,7 +18,8 @@
 
 namespace vex::sim {
 
-/// A member of the transmission control, by its name of static life: what a scenario can disturb.
+/// What a scenario can disturb, by its name of static life: a member of the transmission control, of the finder or of
+/// the display list, or the creation of an object, by its class.
 using Operation = std::u16string_view;
 
 /// Which calls something is about; what is not given matches any.
@@ -30,7 +31,8 @@ struct CallPattern {
     std::int64_t at = 0;
 };
 
-/// One call. The display is empty where no display answers on the line.
+/// One call. The display is empty where no display answers on the line, or none was asked about; the ID is 0 where
+/// none is addressed.
 struct Call {
     std::u16string display;
     std::int16_t id = 0;

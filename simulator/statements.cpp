@@ -116,7 +116,7 @@ Action fault(const Words& words) {
     if (words.size() > 5 && pattern.at == 0) refuse(words[5], "is not at=N");
     constexpr FaultKind kKinds[] = {FaultKind::fail, FaultKind::raise, FaultKind::replace};
     const FaultKind kind = kKinds[one_of({u"fail", u"raise", u"replace"}, words[4], "is none of fail, raise, replace")];
-    if ((kind == FaultKind::fail && pattern.operation == u"SignID") ||
+    if ((kind == FaultKind::fail && (pattern.operation == u"SignID" || !speaks(pattern.operation))) ||
         (kind == FaultKind::replace && pattern.operation != u"OpenConnection"))
         refuse(words[4], "is nothing that " + to_utf8(words[3]) + " does");
     return [pattern, kind](Player& player) {
@@ -127,6 +127,7 @@ Action fault(const Words& words) {
 
 Action say(const Words& words) {
     const CallPattern pattern = read_pattern(words);
+    if (!speaks(pattern.operation)) refuse(words[3], "is no member of the transmission control");
     const Words rest(words.begin() + (pattern.at == 0 ? 5 : 6), words.end());
     Action reaction;
     if (!rest.empty()) {
