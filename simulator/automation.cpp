@@ -6,47 +6,24 @@
 #include <vector>
 
 #include "com/late_call.h"
+#include "core/digits.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/words.h"
-#include "support/text.h"
 
 namespace vex::sim {
-namespace {
 
-std::u16string name_of_type(VARTYPE type) {
-    constexpr std::pair<VARTYPE, std::u16string_view> kNames[] = {
-        {VT_I2, u"I2"}, {VT_I4, u"I4"}, {VT_R8, u"R8"}, {VT_BSTR, u"text"}, {VT_DISPATCH, u"object"}};
-    const VARTYPE base = type & VT_TYPEMASK;
-    std::u16string text = u"type " + decimal_text(base);
-    for (const auto& [value, name] : kNames) {
-        if (value == base) text = name;
-    }
-    return (type & VT_BYREF) != 0 ? text + u" by reference" : text;
-}
-
-/// A whole number without a point, as callers pass them; others with one.
-std::u16string shown_number(double number) {
-    if (std::abs(number) < 1e9 && number == std::floor(number)) return decimal_text(static_cast<std::int32_t>(number));
-    return from_utf8(std::to_string(number));
-}
-
-}  // namespace
-
-CallArguments::CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member,
-                             UINT* wrong)
-    : parameters_(parameters) {
-    const auto end = std::find(types.begin(), types.end(), VARTYPE{VT_EMPTY});
-    const auto count = static_cast<UINT>(end - types.begin());
+CallArguments::CallArguments(const DISPPARAMS& parameters, const MemberFacts& member, UINT* wrong)
+    : parameters_(parameters), member_(member) {
+    const auto count = static_cast<UINT>(std::ranges::find(member.types, VT_EMPTY) - member.types.begin());
     if (parameters.cArgs > count) throw RuntimeError(kWrongArgumentCount);
     for (UINT i = 0; i < count; ++i) {
+        const VARTYPE type = member.types.at(i);
         const bool missing = i >= parameters.cArgs;
-        if (!missing && at(i).vt == types[i] && ((types[i] & VT_BYREF) == 0 || at(i).byref != nullptr)) continue;
+        if (!missing && at(i).vt == type && ((type & VT_BYREF) == 0 || at(i).byref != nullptr)) continue;
         if (wrong != nullptr) *wrong = missing ? 0 : parameters.cArgs - 1 - i;
-        throw RuntimeError(kTypeMismatch, std::u16string(member) + u": argument " +
-                                              decimal_text(static_cast<std::int32_t>(i + 1)) + u" is " +
-                                              (missing ? u"missing" : name_of_type(at(i).vt)) + u", not " +
-                                              name_of_type(types[i]));
+        throw RuntimeError(kTypeMismatch, std::u16string(member.name) + u": argument " + decimal_text(i + 1) +
+                                              (missing ? u" is missing" : u" is of another type than declared"));
     }
 }
 
@@ -61,13 +38,20 @@ std::u16string CallArguments::shown() const {
         switch (at(i).vt) {
             case VT_I2: line += u' ' + decimal_text(int16(i)); break;
             case VT_I4: line += u' ' + decimal_text(int32(i)); break;
-            case VT_R8: line += u' ' + shown_number(real(i)); break;
+            // Callers pass whole numbers.
+            case VT_R8: line += u' ' + decimal_text(std::lround(real(i))); break;
             case VT_BSTR:
             case kTextReference: line += u' ' + in_quotes(text(i)); break;
             default: break;
         }
     }
     return line;
+}
+
+std::u16string CallArguments::shown_call(std::u16string_view object) const {
+    const bool puts = member_.kind == kPut;
+    std::u16string line = puts ? u"put " : member_.kind == kMethod ? u"call " : u"get ";
+    return line.append(object).append(u".").append(member_.name).append(puts ? u" =" : u"") + shown();
 }
 
 bool puts_one_value(const DISPPARAMS& parameters) noexcept {
@@ -77,12 +61,6 @@ bool puts_one_value(const DISPPARAMS& parameters) noexcept {
 
 bool is_name(LPCOLESTR text, std::u16string_view name) {
     return text != nullptr && equal_ignoring_case(reinterpret_cast<const char16_t*>(text), name);
-}
-
-void set_error_source(EXCEPINFO* exception) noexcept {
-    if (exception == nullptr) return;
-    SysFreeString(exception->bstrSource);
-    exception->bstrSource = SysAllocString(reinterpret_cast<const OLECHAR*>(u"Brivola"));
 }
 
 HRESULT Sinks::advise(IUnknown* sink, const IID& source, DWORD* cookie) noexcept {

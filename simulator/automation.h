@@ -6,6 +6,7 @@
 #include <array>
 #include <initializer_list>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -16,23 +17,36 @@
 
 namespace vex::sim {
 
-constexpr DISPID dispatch_id(std::uint32_t id) noexcept { return static_cast<DISPID>(id); }
-
-inline constexpr std::size_t kMostArguments = 3;
-/// The argument types of a member, in the order in which they are written; VT_EMPTY ends them.
-using ArgumentTypes = std::array<VARTYPE, kMostArguments>;
+inline constexpr WORD kGet = DISPATCH_PROPERTYGET;
+inline constexpr WORD kPut = DISPATCH_PROPERTYPUT;
+inline constexpr WORD kMethod = DISPATCH_METHOD;
 
 inline constexpr VARTYPE kTextReference = VT_BYREF | VT_BSTR;
 inline constexpr VARTYPE kObjectReference = VT_BYREF | VT_DISPATCH;
+
+/// A member as its callers know it.
+struct MemberFacts {
+    std::u16string_view name;
+    std::uint32_t id;
+    /// kGet, kPut or kMethod.
+    WORD kind;
+    /// Of the arguments, in the order in which they are written; VT_EMPTY ends them.
+    std::array<VARTYPE, 3> types = {};
+
+    bool is_called(DISPID called, WORD flags) const noexcept {
+        return static_cast<DISPID>(id) == called && (kind & flags) != 0;
+    }
+};
 
 /// The arguments of one call, in the order in which they are written. They are taken as they are declared:
 /// a real host may convert, and a caller that counts on it finds out here.
 class CallArguments {
 public:
-    /// `parameters` outlives it. Raises 13 for an argument that is missing or of another kind than declared,
-    /// naming its place, which `wrong` gets as automation counts (from the last, 0), too; 450 for one too many.
-    CallArguments(const DISPPARAMS& parameters, const ArgumentTypes& types, std::u16string_view member, UINT* wrong);
+    /// The references outlive it. Raises 13 for an argument that is missing or of another kind than declared, naming
+    /// its place, which `wrong` gets as automation counts (from the last, 0), too; 450 for one too many.
+    CallArguments(const DISPPARAMS& parameters, const MemberFacts& member, UINT* wrong);
 
+    const MemberFacts& member() const noexcept { return member_; }
     std::u16string text(std::size_t index) const;
     std::int16_t int16(std::size_t index) const { return at(index).iVal; }
     std::int32_t int32(std::size_t index) const { return at(index).lVal; }
@@ -41,56 +55,43 @@ public:
     IDispatch** object_place(std::size_t index) const { return at(index).ppdispVal; }
     /// Each as the trace shows it, with a blank before it; objects are left out.
     std::u16string shown() const;
+    /// How the trace begins to tell of the call: "call OBJECT.MEMBER ARGUMENTS", "put OBJECT.MEMBER = VALUE" or
+    /// "get OBJECT.MEMBER".
+    std::u16string shown_call(std::u16string_view object) const;
 
 private:
     // Last argument first, as automation passes them.
     const VARIANTARG& at(std::size_t index) const { return parameters_.rgvarg[parameters_.cArgs - 1 - index]; }
 
     const DISPPARAMS& parameters_;
+    const MemberFacts& member_;
 };
 
 /// A member of the automation class `Object`.
 template <class Object>
-struct Member {
-    std::u16string_view name;
-    DISPID id;
-    /// DISPATCH_METHOD, DISPATCH_PROPERTYGET or DISPATCH_PROPERTYPUT.
-    WORD kind;
+struct Member : MemberFacts {
     com::Variant (Object::*call)(const CallArguments& arguments);
-    ArgumentTypes types = {};
 };
-
-/// How the trace begins to tell of a call: "call OBJECT.MEMBER ARGUMENTS", "put OBJECT.MEMBER = VALUE" or
-/// "get OBJECT.MEMBER".
-template <class Object>
-std::u16string shown_call(std::u16string_view object, const Member<Object>& member, const CallArguments& arguments) {
-    const bool puts = member.kind == DISPATCH_PROPERTYPUT;
-    std::u16string line = puts ? u"put " : member.kind == DISPATCH_METHOD ? u"call " : u"get ";
-    return line.append(object).append(u".").append(member.name).append(puts ? u" =" : u"") + arguments.shown();
-}
 
 /// Whether the one named argument is the value of a property.
 bool puts_one_value(const DISPPARAMS& parameters) noexcept;
 bool is_name(LPCOLESTR text, std::u16string_view name);
-/// Names the simulated host as the source of the error.
-void set_error_source(EXCEPINFO* exception) noexcept;
 
-/// Base of the host's automation objects: `Derived::members()` answers their table. The interface named first
-/// derives from IDispatch and adds no methods. `Derived::on_call`, where there is one, is told of each call first
-/// and may raise an error in place of it.
-template <class Derived, class First, class... More>
-class AutomationObject : public com::Object<Derived, com::Untyped<First>, More...> {
+/// Base of the host's automation objects: `Derived::members()` answers their table. `Derived::on_call`, where there is
+/// one, is told of each call first and may raise an error in place of it.
+template <class Derived, class... Interfaces>
+class AutomationObject : public com::Object<Derived, com::Untyped<IDispatch>, Interfaces...> {
 public:
     explicit AutomationObject(Host& host) noexcept
-        : com::Object<Derived, com::Untyped<First>, More...>(host.lifetime), host_(host) {}
+        : com::Object<Derived, com::Untyped<IDispatch>, Interfaces...>(host.lifetime), host_(host) {}
 
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                             DISPID* ids) noexcept override {
         if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
         // Only the member's name: parameters are not named here.
         std::fill_n(ids, count, DISPID_UNKNOWN);
-        for (const Member<Derived>& member : Derived::members()) {
-            if (is_name(names[0], member.name)) ids[0] = member.id;
+        for (const MemberFacts& member : Derived::members()) {
+            if (is_name(names[0], member.name)) ids[0] = static_cast<DISPID>(member.id);
         }
         return ids[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
     }
@@ -101,21 +102,19 @@ public:
         if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (parameters == nullptr) return E_INVALIDARG;
         const auto members = Derived::members();
-        const auto member = std::find_if(members.begin(), members.end(), [id, flags](const Member<Derived>& candidate) {
-            return candidate.id == id && (candidate.kind & flags) != 0;
-        });
+        const auto member =
+            std::ranges::find_if(members, [&](const MemberFacts& facts) { return facts.is_called(id, flags); });
         if (member == members.end()) return DISP_E_MEMBERNOTFOUND;
-        if ((member->kind == DISPATCH_PROPERTYPUT) != puts_one_value(*parameters)) return DISP_E_PARAMNOTFOUND;
+        if ((member->kind == kPut) != puts_one_value(*parameters)) return DISP_E_PARAMNOTFOUND;
         // Called back in the middle of a call, the object may lose its last other reference.
         const com::ComPtr<Derived> alive(static_cast<Derived*>(this));
-        const HRESULT outcome = guarded_invoke(exception, [&] {
-            const CallArguments arguments(*parameters, member->types, member->name, argument_error);
-            if constexpr (requires { alive->on_call(*member, arguments); }) alive->on_call(*member, arguments);
+        return guarded_invoke(exception, [&] {
+            const CallArguments arguments(*parameters, *member, argument_error);
+            if constexpr (requires { alive->on_call(arguments); }) alive->on_call(arguments);
             com::Variant value = (alive.get()->*member->call)(arguments);
             if (result != nullptr) *result = value.detach();
+            return S_OK;
         });
-        if (outcome == DISP_E_EXCEPTION) set_error_source(exception);
-        return outcome;
     }
 
 protected:
@@ -138,10 +137,9 @@ private:
 /// Base of a control with one source interface, `Derived::kSourceInterface`, whose connection point it is.
 template <class Derived>
 class EventfulControl
-    : public AutomationObject<Derived, IDispatch, IConnectionPointContainer, IConnectionPoint, IProvideClassInfo2> {
+    : public AutomationObject<Derived, IConnectionPointContainer, IConnectionPoint, IProvideClassInfo2> {
 public:
-    using AutomationObject<Derived, IDispatch, IConnectionPointContainer, IConnectionPoint,
-                           IProvideClassInfo2>::AutomationObject;
+    using AutomationObject<Derived, IConnectionPointContainer, IConnectionPoint, IProvideClassInfo2>::AutomationObject;
 
     HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override {
         return offers_none(points);
@@ -170,8 +168,9 @@ public:
     HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) noexcept override { return offers_none(info); }
     HRESULT STDMETHODCALLTYPE GetGUID(DWORD kind, GUID* guid) noexcept override {
         if (guid == nullptr) return E_POINTER;
-        *guid = kind == GUIDKIND_DEFAULT_SOURCE_DISP_IID ? Derived::kSourceInterface : GUID_NULL;
-        return kind == GUIDKIND_DEFAULT_SOURCE_DISP_IID ? S_OK : E_INVALIDARG;
+        const bool source = kind == GUIDKIND_DEFAULT_SOURCE_DISP_IID;
+        *guid = source ? Derived::kSourceInterface : GUID_NULL;
+        return source ? S_OK : E_INVALIDARG;
     }
 
 protected:
@@ -191,7 +190,6 @@ com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id);
 /// Calls a method or reads a property; `flags` say where it is something else. Raises `RuntimeError` with the number
 /// and the text that the object answers, or the result code of a call that did not come about.
 com::Variant call_late(IDispatch& object, const std::u16string& name,
-                       std::initializer_list<com::Variant> arguments = {},
-                       WORD flags = DISPATCH_METHOD | DISPATCH_PROPERTYGET);
+                       std::initializer_list<com::Variant> arguments = {}, WORD flags = kMethod | kGet);
 
 }  // namespace vex::sim

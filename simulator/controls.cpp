@@ -1,21 +1,29 @@
-// The simulated host's two controls.
+// The simulated host's two controls, and what goes with them.
 #include "simulator/controls.h"
 
-#include <algorithm>
-#include <cmath>
+#include <functional>
 #include <memory>
+#include <optional>
 
+#include "core/digits.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "simulator/firmware_image.h"
-#include "simulator/screen.h"
 #include "simulator/words.h"
-#include "support/text.h"
 
 namespace vex::sim {
 namespace {
 
-constexpr std::u16string_view kName = u"vexDispTrans1";
+/// Callers find these classes by programmatic identifier; the identities are the simulated host's own.
+constexpr GUID own_identity(unsigned char last) noexcept {
+    return {0x6E0B2F00U + last, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
+}
+constexpr IID kConnectionSettingsInterface = own_identity(0x4E);
+constexpr IID kTransmissionEvents = own_identity(0x51);
+constexpr IID kBoxFinderEvents = own_identity(0x53);
+
+constexpr std::u16string_view kControlName = u"vexDispTrans1";
+constexpr std::u16string_view kFinderName = u"FindXPort";
 
 /// A download goes over the link in parts of this size, and the control says how far it is at each quarter.
 constexpr int kPercentStep = 5;
@@ -23,319 +31,413 @@ constexpr int kPercentSaid = 25;
 /// Where the script's messages and faults come in a download: the unit holds half a program then.
 constexpr int kScriptedPercent = 50;
 
-std::u16string shown_call(Operation operation) {
-    return std::u16string(u"call ").append(kName).append(u".").append(operation.name);
-}
+/// What a connection is asked to use.
+struct ConnectionSettings {
+    /// Of which only what names its line counts.
+    Display target = Display::none();
+    std::int16_t sign_id = 0;
+    /// ` KEY=VALUE` of those that were set, in the order of the members.
+    std::array<std::u16string, 6> shown;
+};
 
-constexpr std::u16string_view kFinderName = u"FindXPort";
-constexpr double kHighestHost = 255;
+/// How the transmission control reads the settings, which are write-only to everybody else.
+struct IConnectionSettings : IUnknown {
+    virtual const ConnectionSettings& STDMETHODCALLTYPE settings() noexcept = 0;
+};
+
+}  // namespace
+}  // namespace vex::sim
+
+namespace vex::com {
+VEX_INTERFACE(sim::IConnectionSettings, IUnknown, sim::kConnectionSettingsInterface);
+}  // namespace vex::com
+
+namespace vex::sim {
+namespace {
+
+class ConnectionObject final : public AutomationObject<ConnectionObject, IConnectionSettings> {
+public:
+    explicit ConnectionObject(Host& host, ConnectionSettings settings = {}) noexcept
+        : AutomationObject(host), settings_(std::move(settings)) {}
+
+    static std::span<const Member<ConnectionObject>> members() noexcept {
+        using Connection = ConnectionObject;
+        static constexpr Member<Connection> kMembers[] = {
+            {{u"ConnectionType", 1, kPut, {VT_I2}}, &Connection::put_connection},
+            {{u"ComPort", 2, kPut, {VT_BSTR}}, &Connection::put_text<&Display::port>},
+            {{u"PhoneNumber", 3, kPut, {VT_BSTR}}, &Connection::put_text<&Display::phone>},
+            {{u"NetworkAddress", 4, kPut, {VT_BSTR}}, &Connection::put_text<&Display::address>},
+            {{u"ComBaud", 5, kPut, {VT_BSTR}}, &Connection::put_text<&Display::baud>},
+            {{u"SignID", 6, kPut, {VT_I2}}, &Connection::put_sign_id},
+        };
+        return kMembers;
+    }
+
+    void on_call(const CallArguments& arguments) {
+        const MemberFacts& member = arguments.member();
+        settings_.shown.at(member.id - 1) = u" " + std::u16string(member.name) + u"=" + arguments.shown().substr(1);
+    }
+
+    const ConnectionSettings& STDMETHODCALLTYPE settings() noexcept override { return settings_; }
+
+private:
+    template <auto Field>
+    com::Variant put_text(const CallArguments& arguments) {
+        settings_.target.*Field = arguments.text(0);
+        return {};
+    }
+    com::Variant put_connection(const CallArguments& arguments) {
+        settings_.target.connection = arguments.int16(0);
+        return {};
+    }
+    com::Variant put_sign_id(const CallArguments& arguments) {
+        settings_.sign_id = arguments.int16(0);
+        return {};
+    }
+
+    ConnectionSettings settings_;
+};
+
+/// What a display reports of the slaves behind one of its units.
+class SignInfoObject final : public AutomationObject<SignInfoObject> {
+public:
+    explicit SignInfoObject(Host& host, std::optional<SlaveCounts> slaves = {}) noexcept
+        : AutomationObject(host), has_slaves_(slaves.has_value()), counts_(slaves.value_or(SlaveCounts())) {}
+
+    static std::span<const Member<SignInfoObject>> members() noexcept {
+        static constexpr Member<SignInfoObject> kMembers[] = {
+            {{u"HasSlaves", 1, kGet}, &SignInfoObject::has_slaves},
+            {{u"SlaveCountY", 2, kGet}, &SignInfoObject::count<&SlaveCounts::y>},
+            {{u"SlaveCountX", 3, kGet}, &SignInfoObject::count<&SlaveCounts::x>},
+        };
+        return kMembers;
+    }
+
+    std::u16string describe() const {
+        return u"HasSlaves=" + shown_boolean(has_slaves_) + u" SlaveCountY=" + decimal_text(counts_.y) +
+               u" SlaveCountX=" + decimal_text(counts_.x);
+    }
+
+private:
+    com::Variant has_slaves(const CallArguments& /*none*/) { return com::Variant::boolean(has_slaves_); }
+    template <auto Field>
+    com::Variant count(const CallArguments& /*none*/) {
+        return com::Variant::int16(counts_.*Field);
+    }
+
+    bool has_slaves_;
+    SlaveCounts counts_;
+};
+
+/// Has one connection to a display and works on its units. Every operation answers whether it succeeded and says in its
+/// status event why not. While it says something, callers may call back: to cancel, to close, or to find that an
+/// operation is in progress.
+class TransmissionControl final : public EventfulControl<TransmissionControl> {
+public:
+    static constexpr const IID& kSourceInterface = kTransmissionEvents;
+
+    using EventfulControl::EventfulControl;
+
+    static std::span<const Member<TransmissionControl>> members() noexcept {
+        using Control = TransmissionControl;
+        static constexpr Member<Control> kMembers[] = {
+            {{u"OpenConnection", 0x60030065, kMethod, {kObjectReference}}, &Control::open_connection},
+            {{u"CloseConnection", 0x60030066, kMethod}, &Control::close_connection},
+            {{u"DownloadFirmware", 0x60030067, kMethod, {kTextReference}}, &Control::download_firmware},
+            {{u"ResetAndClear", 0x60030068, kMethod}, &Control::reset_and_clear},
+            {{u"CancelTransmission", 0x60030069, kMethod}, &Control::cancel_transmission},
+            {{u"PrepareForFirmware", 0x6003004E, kMethod}, &Control::prepare_for_firmware},
+            {{u"GetSignInfo", 0x60030053, kMethod}, &Control::get_sign_info},
+            {{u"DownloadFirmwareWithLoader", 0x600300B2, kMethod, {kTextReference, VT_BSTR}},
+             &Control::download_firmware_with_loader},
+            {{u"SignID", 0x68030001, kPut, {VT_I2}}, &Control::put_sign_id},
+        };
+        return kMembers;
+    }
+
+private:
+    /// Work on the connection or a unit; answers its success.
+    using Work = std::function<bool(const ScriptedCall& scripted)>;
+
+    // ---- The connection
+
+    com::Variant open_connection(const CallArguments& arguments) {
+        IDispatch** const place = arguments.object_place(0);
+        const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
+        if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
+        const ConnectionSettings settings = object->settings();
+        const auto answering = host_.display_on_line(settings.target.line());
+        if (!display_ && !busy_) {
+            called_display_ = answering ? host_.displays.at(*answering).name : u"";
+            sign_id_ = settings.sign_id;
+        }
+        std::u16string shown;
+        for (const std::u16string& setting : settings.shown) shown += setting;
+        return operate(arguments, shown, [&](const ScriptedCall& scripted) {
+            if (!goes_on(scripted)) return false;
+            if (display_) return refuse(u"A connection is open already");
+            if (!answering) return refuse(u"No display answers");
+            display_ = answering;
+            if (scripted.fault == FaultKind::replace) {
+                auto other = com::make_object<ConnectionObject>(host_, settings);
+                com::ComPtr<IDispatch>::adopt(std::exchange(*place, other.detach()));
+            }
+            return true;
+        });
+    }
+
+    com::Variant close_connection(const CallArguments& arguments) {
+        const ScriptedCall scripted = begin_at_once(arguments);
+        if (busy_) interrupted_ = true;
+        display_.reset();
+        return say_all(scripted);
+    }
+
+    com::Variant cancel_transmission(const CallArguments& arguments) {
+        const ScriptedCall scripted = begin_at_once(arguments);
+        if (busy_ && !scripted.fails()) interrupted_ = true;
+        return say_all(scripted);
+    }
+
+    // ---- Units
+
+    com::Variant put_sign_id(const CallArguments& arguments) {
+        sign_id_ = arguments.int16(0);
+        say_all(begin_at_once(arguments));
+        return {};
+    }
+
+    com::Variant get_sign_info(const CallArguments& arguments) {
+        const Call call = call_of(arguments.member().name);
+        const std::u16string shown = arguments.shown_call(kControlName);
+        const ScriptedCall scripted = host_.begin(call, shown);
+        tell({.kind = LinkEvent::Kind::begins, .call = call});
+        // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
+        // nobody answers and no slaves are known.
+        std::optional<SlaveCounts> slaves;
+        if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_))
+            slaves = host_.units.slaves(call.display, sign_id_);
+        say_all(scripted);
+        const auto info = com::make_object<SignInfoObject>(host_, slaves);
+        host_.trace.line(shown + u" -> " + (scripted.fails() ? shown_boolean(false) : info->describe()));
+        return scripted.fails() ? com::Variant::boolean(false) : com::Variant::object(info.get());
+    }
+
+    com::Variant reset_and_clear(const CallArguments& arguments) {
+        return operate_unit(arguments, [&](const ScriptedCall& scripted) {
+            say({unit(u": resetting and clearing")});
+            if (!goes_on(scripted)) return false;
+            host_.units.store(called_display_, sign_id_, u"empty");
+            return true;
+        });
+    }
+
+    com::Variant prepare_for_firmware(const CallArguments& arguments) {
+        return operate_unit(arguments, [&](const ScriptedCall& scripted) {
+            say({unit(u": preparing for firmware")});
+            return goes_on(scripted);
+        });
+    }
+
+    com::Variant download_firmware(const CallArguments& arguments) {
+        return download(arguments, [&](const std::string& image) { check_motorola_image(image, arguments.text(0)); });
+    }
+
+    com::Variant download_firmware_with_loader(const CallArguments& arguments) {
+        return download(arguments, [&](const std::string& /*anything is firmware*/) {
+            const std::u16string loader = arguments.text(1);
+            check_loader_image(read_image(host_.machine.real_path(loader), loader), loader);
+        });
+    }
+
+    /// Writes the firmware file that is the first argument into the selected unit. `check` raises `ImageError`.
+    com::Variant download(const CallArguments& arguments, const std::function<void(const std::string& image)>& check) {
+        return operate_unit(arguments, [&](const ScriptedCall& scripted) {
+            const std::u16string file = arguments.text(0);
+            try {
+                const std::string image = read_image(host_.machine.real_path(file), file);
+                check(image);
+                return transfer(image, file, scripted);
+            } catch (const ImageError& error) {
+                return goes_on(scripted) && refuse(from_utf8(error.what()));
+            }
+        });
+    }
+
+    bool transfer(const std::string& image, const std::u16string& file, const ScriptedCall& scripted) {
+        // Erased first: a unit that loses its link half way has neither its old firmware nor the new one.
+        const Call call = call_of(operation_);
+        host_.units.store(call.display, call.id, u"incomplete");
+        for (int percent = kPercentStep; percent <= 100; percent += kPercentStep) {
+            tell({.kind = LinkEvent::Kind::transfers,
+                  .call = call,
+                  .percent = percent,
+                  .bytes = image.size() * kPercentStep / 100});
+            if (percent % kPercentSaid == 0) say({unit(u": ") + decimal_text(percent) + u" % of " + file_name(file)});
+            if (interrupted_) return refuse(u"Transmission cancelled");
+            if (percent == kScriptedPercent && !goes_on(scripted)) return false;
+        }
+        host_.units.store(call.display, call.id, describe_image(image, file));
+        return true;
+    }
+
+    // ---- What all calls share
+
+    /// A call that answers its success: traced, and refused while another one is in progress. `shown`: what the trace
+    /// shows besides the arguments.
+    com::Variant operate(const CallArguments& arguments, const std::u16string& shown, const Work& work) {
+        const Call call = call_of(arguments.member().name);
+        const std::u16string line = arguments.shown_call(kControlName) + shown;
+        const ScriptedCall scripted = host_.begin(call, line);
+        bool done = false;
+        if (busy_) {
+            refuse(u"A transmission is in progress");
+        } else {
+            const std::unique_ptr<bool, void (*)(bool*)> busy(&busy_, [](bool* flag) { *flag = false; });
+            busy_ = true;
+            interrupted_ = false;
+            operation_ = call.operation;
+            tell({.kind = LinkEvent::Kind::begins, .call = call});
+            done = interrupted_ ? refuse(u"Transmission cancelled") : work(scripted);
+        }
+        host_.trace.line(line + u" -> " + shown_boolean(done));
+        return com::Variant::boolean(done);
+    }
+
+    /// The same for the selected unit, which must be connected and answer.
+    com::Variant operate_unit(const CallArguments& arguments, const Work& work) {
+        return operate(arguments, u"", [&](const ScriptedCall& scripted) {
+            if (!display_) return goes_on(scripted) && refuse(u"No connection is open");
+            if (!host_.units.answers(host_.displays.at(*display_), sign_id_))
+                return goes_on(scripted) && refuse(unit(u" does not answer"));
+            return work(scripted);
+        });
+    }
+
+    /// A call that may come in the midst of another one: traced when it begins.
+    ScriptedCall begin_at_once(const CallArguments& arguments) {
+        const Call call = call_of(arguments.member().name);
+        const std::u16string shown = arguments.shown_call(kControlName);
+        ScriptedCall scripted = host_.begin(call, shown);
+        host_.trace.line(shown);
+        tell({.kind = LinkEvent::Kind::begins, .call = call});
+        return scripted;
+    }
+
+    /// Says what the script has for the operation in progress. False when it cannot go on: cancelled, or a fault.
+    bool goes_on(const ScriptedCall& scripted) {
+        for (std::size_t i = 0; i < scripted.messages.size() && !interrupted_; ++i) say(scripted.messages[i]);
+        if (interrupted_) return refuse(u"Transmission cancelled");
+        if (!scripted.fails()) return true;
+        // A message of the script's own explains the failure where it has one.
+        if (scripted.messages.empty()) refuse(unit(u": the line is disturbed, ").append(operation_) + u" failed");
+        return false;
+    }
+
+    /// Says why the operation fails; answers false.
+    bool refuse(const std::u16string& text) {
+        say({text});
+        return false;
+    }
+
+    void say(ScriptedMessage message) {
+        const std::u16string text = message.text;
+        host_.trace.line(std::u16string(u"event ").append(kControlName).append(u".StatusMessage ") + in_quotes(text));
+        host_.messages_said.push_back(std::move(message));
+        sinks_.raise_event(kHandledEvent, {text});
+        host_.messages_said.pop_back();
+        if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
+    }
+
+    /// Answers whether the call succeeds.
+    com::Variant say_all(const ScriptedCall& scripted) {
+        for (const ScriptedMessage& message : scripted.messages) say(message);
+        return com::Variant::boolean(!scripted.fails());
+    }
+
+    void tell(const LinkEvent& event) {
+        if (host_.on_link && !host_.on_link(event)) interrupted_ = true;
+    }
+
+    Call call_of(Operation operation) const { return {called_display_, sign_id_, operation}; }
+
+    std::u16string unit(std::u16string_view text) const { return (u"Unit " + decimal_text(sign_id_)).append(text); }
+
+    /// The connected display, by its position.
+    std::optional<std::size_t> display_;
+    /// The display that was connected last, or asked for: whose calls these are, also when it is gone.
+    std::u16string called_display_;
+    /// The unit that operations address.
+    std::int16_t sign_id_ = 0;
+    bool busy_ = false;
+    /// What is in progress while busy.
+    Operation operation_;
+    /// The operation in progress was cancelled or lost its connection.
+    bool interrupted_ = false;
+};
+
+/// Reports the device servers in front of the displays at the addresses that it searches.
+class BoxFinder final : public EventfulControl<BoxFinder> {
+public:
+    static constexpr const IID& kSourceInterface = kBoxFinderEvents;
+
+    using EventfulControl::EventfulControl;
+
+    static std::span<const Member<BoxFinder>> members() noexcept {
+        static constexpr Member<BoxFinder> kMembers[] = {
+            {{u"SearchTimeout", 0x68030001, kPut, {VT_I2}}, &BoxFinder::put_timeout},
+            {{u"FindBoxes", 0x6003000A, kMethod, {VT_BSTR, VT_R8, VT_R8}}, &BoxFinder::find_boxes},
+        };
+        return kMembers;
+    }
+
+    void on_call(const CallArguments& arguments) {
+        const std::u16string shown = arguments.shown_call(kFinderName);
+        host_.begin({host_.display_asked_about, 0, arguments.member().name}, shown);
+        host_.trace.line(shown);
+    }
+
+private:
+    /// A simulated search takes no time.
+    com::Variant put_timeout(const CallArguments& /*seconds*/) { return {}; }
+
+    /// Searches the hosts from the second argument to the third of the network that the address lies in.
+    com::Variant find_boxes(const CallArguments& arguments) {
+        const std::u16string network = split_address(arguments.text(0)).first;
+        // Collected first: what a user does meanwhile may change the host's displays.
+        std::vector<std::pair<std::u16string, std::u16string>> found;
+        for (const Display& display : host_.displays) {
+            const auto [its_network, number] = split_address(display.address);
+            if (its_network != network || number < arguments.real(1) || number > arguments.real(2)) continue;
+            for (const std::u16string& box : host_.units.boxes(display.name)) found.emplace_back(display.address, box);
+        }
+        for (const auto& [address, box] : found) {
+            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(box));
+            sinks_.raise_event(kHandledEvent, {address, box});
+        }
+        return {};
+    }
+
+    /// The network and the number of a host in it. An address without a "." is a network of its own, with host 0.
+    static std::pair<std::u16string, double> split_address(const std::u16string& address) {
+        const std::size_t point = address.rfind(u'.');
+        if (point == address.npos) return {address, 0};
+        return {address.substr(0, point), number_of<double>(to_utf8(address.substr(point + 1))).value_or(-1)};
+    }
+};
 
 }  // namespace
 
-std::span<const Member<TransmissionControl>> TransmissionControl::members() noexcept {
-    using Control = TransmissionControl;
-    constexpr WORD kMethod = DISPATCH_METHOD;
-    static constexpr Member<Control> kMembers[] = {
-        {u"OpenConnection", dispatch_id(0x60030065), kMethod, &Control::open_connection, {kObjectReference}},
-        {u"CloseConnection", dispatch_id(0x60030066), kMethod, &Control::close_connection},
-        {u"DownloadFirmware", dispatch_id(0x60030067), kMethod, &Control::download_firmware, {kTextReference}},
-        {u"ResetAndClear", dispatch_id(0x60030068), kMethod, &Control::reset_and_clear},
-        {u"CancelTransmission", dispatch_id(0x60030069), kMethod, &Control::cancel_transmission},
-        {u"PrepareForFirmware", dispatch_id(0x6003004E), kMethod, &Control::prepare_for_firmware},
-        {u"GetSignInfo", dispatch_id(0x60030053), kMethod, &Control::get_sign_info},
-        {u"DownloadFirmwareWithLoader",
-         dispatch_id(0x600300B2),
-         kMethod,
-         &Control::download_firmware_with_loader,
-         {kTextReference, VT_BSTR}},
-        {u"SignID", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT, &Control::put_sign_id, {VT_I2}},
-    };
-    return kMembers;
+std::vector<HostClass> control_classes() {
+    return {host_class<TransmissionControl>(own_identity(0x50), u"vexDTCon4.vexDispTrans"),
+            host_class<BoxFinder>(own_identity(0x52), u"vexLantronixControls2.vexLANBoxFinder2"),
+            host_class<ConnectionObject>(own_identity(0x4D), u"vexBrivolaClasses4.HostConnection"),
+            host_class<SignInfoObject>(own_identity(0x4F), u"vexBrivolaClasses4.HostSignInfo")};
 }
-
-// ---- The connection -----------------------------------------------------------------------------------
-
-com::Variant TransmissionControl::open_connection(const CallArguments& arguments) {
-    IDispatch** const place = arguments.object_place(0);
-    const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
-    if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
-    const ConnectionSettings settings = object->settings();
-    const auto answering = host_.display_on_line(settings.target.line());
-    if (!display_ && !busy_) {
-        called_display_ = answering ? host_.displays.at(*answering).name : u"";
-        sign_id_ = settings.sign_id;
-    }
-    constexpr Operation kOperation = Operation::OpenConnection;
-    std::u16string shown;
-    for (const std::u16string& setting : settings.shown) shown += setting;
-    return operate(kOperation, shown, [&](const ScriptedCall& scripted) {
-        if (!goes_on(scripted, kOperation)) return false;
-        if (display_) return refuse(u"A connection is open already");
-        if (!answering) return refuse(u"No display answers");
-        display_ = answering;
-        if (scripted.fault == FaultKind::replace) {
-            auto other = com::make_object<ConnectionObject>(host_, settings);
-            com::ComPtr<IDispatch>::adopt(std::exchange(*place, other.detach()));
-        }
-        return true;
-    });
-}
-
-ScriptedCall TransmissionControl::begin_at_once(const Call& call, const std::u16string& shown) {
-    ScriptedCall scripted = host_.begin(call, shown);
-    host_.trace.line(shown);
-    tell({.kind = LinkEvent::Kind::begins, .call = call});
-    return scripted;
-}
-
-com::Variant TransmissionControl::close_connection(const CallArguments& /*none*/) {
-    constexpr Operation kOperation = Operation::CloseConnection;
-    const ScriptedCall scripted = begin_at_once(call_of(kOperation), shown_call(kOperation));
-    if (busy_) interrupted_ = true;
-    display_.reset();
-    say_all(scripted);
-    return com::Variant::boolean(!scripted.fails());
-}
-
-com::Variant TransmissionControl::cancel_transmission(const CallArguments& /*none*/) {
-    constexpr Operation kOperation = Operation::CancelTransmission;
-    const ScriptedCall scripted = begin_at_once(call_of(kOperation), shown_call(kOperation));
-    if (busy_ && !scripted.fails()) interrupted_ = true;
-    say_all(scripted);
-    return com::Variant::boolean(!scripted.fails());
-}
-
-// ---- Units --------------------------------------------------------------------------------------------
-
-com::Variant TransmissionControl::put_sign_id(const CallArguments& arguments) {
-    const std::int16_t id = arguments.int16(0);
-    Call call = call_of(Operation::SignID);
-    call.id = id;
-    const std::u16string shown = std::u16string(u"put ").append(kName).append(u".SignID =") + arguments.shown();
-    const ScriptedCall scripted = begin_at_once(call, shown);
-    sign_id_ = id;
-    say_all(scripted);
-    return {};
-}
-
-com::Variant TransmissionControl::get_sign_info(const CallArguments& /*none*/) {
-    const Call call = call_of(Operation::GetSignInfo);
-    const std::u16string shown = shown_call(call.operation);
-    const ScriptedCall scripted = host_.begin(call, shown);
-    tell({.kind = LinkEvent::Kind::begins, .call = call});
-    // What the display reports is under way before anybody can cancel. Without a connection, as after a cancel,
-    // nobody answers and no slaves are known.
-    std::optional<SlaveCounts> slaves;
-    if (display_ && host_.units.answers(host_.displays.at(*display_), sign_id_))
-        slaves = host_.units.slaves(call.display, sign_id_);
-    say_all(scripted);
-    if (scripted.fails()) {
-        host_.trace.line(shown + u" -> " + shown_boolean(false));
-        return com::Variant::boolean(false);
-    }
-    const auto info = com::make_object<SignInfoObject>(host_, slaves);
-    host_.trace.line(shown + u" -> " + info->describe());
-    return com::Variant::object(info.get());
-}
-
-com::Variant TransmissionControl::reset_and_clear(const CallArguments& /*none*/) {
-    constexpr Operation kOperation = Operation::ResetAndClear;
-    return operate_unit(kOperation, u"", [&](const Display& display, const ScriptedCall& scripted) {
-        say({unit(u": resetting and clearing"), {}, false});
-        if (!goes_on(scripted, kOperation)) return false;
-        host_.units.store(display.name, sign_id_, {Content::State::empty, {}});
-        return true;
-    });
-}
-
-com::Variant TransmissionControl::prepare_for_firmware(const CallArguments& /*none*/) {
-    constexpr Operation kOperation = Operation::PrepareForFirmware;
-    return operate_unit(kOperation, u"", [&](const Display&, const ScriptedCall& scripted) {
-        say({unit(u": preparing for firmware"), {}, false});
-        return goes_on(scripted, kOperation);
-    });
-}
-
-com::Variant TransmissionControl::download_firmware(const CallArguments& arguments) {
-    return download(Operation::DownloadFirmware, arguments, [this, file = arguments.text(0)] {
-        return read_motorola_image(host_.machine.real_path(file), file);
-    });
-}
-
-com::Variant TransmissionControl::download_firmware_with_loader(const CallArguments& arguments) {
-    const std::u16string file = arguments.text(0);
-    const std::u16string loader = arguments.text(1);
-    return download(Operation::DownloadFirmwareWithLoader, arguments, [this, file, loader] {
-        Firmware firmware = read_rabbit_image(host_.machine.real_path(file), file);
-        read_loader_image(host_.machine.real_path(loader), loader);
-        return firmware;
-    });
-}
-
-com::Variant TransmissionControl::download(Operation operation, const CallArguments& arguments,
-                                           const std::function<Firmware()>& read) {
-    return operate_unit(operation, arguments.shown(), [&](const Display& display, const ScriptedCall& scripted) {
-        try {
-            return transfer(display, read(), scripted, operation);
-        } catch (const ImageError& error) {
-            return goes_on(scripted, operation) && refuse(from_utf8(error.what()));
-        }
-    });
-}
-
-bool TransmissionControl::transfer(const Display& display, const Firmware& firmware, const ScriptedCall& scripted,
-                                   Operation operation) {
-    // Erased first: a unit that loses its link half way has neither its old firmware nor the new one.
-    const std::int16_t id = sign_id_;
-    host_.units.store(display.name, id, {Content::State::incomplete, {}});
-    for (int percent = kPercentStep; percent <= 100; percent += kPercentStep) {
-        tell({.kind = LinkEvent::Kind::transfers,
-              .call = call_of(operation),
-              .percent = percent,
-              .bytes = static_cast<std::size_t>(firmware.size) * kPercentStep / 100});
-        if (percent % kPercentSaid == 0)
-            say({unit(u": ") + decimal_text(percent) + u" % of " + firmware.name, {}, false});
-        if (interrupted_) return refuse(u"Transmission cancelled");
-        if (percent == kScriptedPercent && !goes_on(scripted, operation)) return false;
-    }
-    host_.units.store(display.name, id, {Content::State::firmware, firmware});
-    return true;
-}
-
-// ---- What all calls share -----------------------------------------------------------------------------
-
-com::Variant TransmissionControl::operate(Operation operation, const std::u16string& arguments, const Work& work) {
-    const Call call = call_of(operation);
-    const std::u16string shown = shown_call(operation) + arguments;
-    const ScriptedCall scripted = host_.begin(call, shown);
-    bool done = false;
-    if (busy_) {
-        refuse(u"A transmission is in progress");
-    } else {
-        const std::unique_ptr<bool, void (*)(bool*)> busy(&busy_, [](bool* flag) { *flag = false; });
-        busy_ = true;
-        interrupted_ = false;
-        operation_ = operation;
-        tell({.kind = LinkEvent::Kind::begins, .call = call});
-        done = interrupted_ ? refuse(u"Transmission cancelled") : work(scripted);
-        tell({.kind = LinkEvent::Kind::ends, .call = call_of(operation), .succeeded = done});
-    }
-    host_.trace.line(shown + u" -> " + shown_boolean(done));
-    return com::Variant::boolean(done);
-}
-
-com::Variant TransmissionControl::operate_unit(Operation operation, const std::u16string& arguments,
-                                               const UnitWork& work) {
-    return operate(operation, arguments, [&](const ScriptedCall& scripted) {
-        if (!display_) return goes_on(scripted, operation) && refuse(u"No connection is open");
-        // By value: what a user does meanwhile may change the host's displays.
-        const Display display = host_.displays.at(*display_);
-        if (!host_.units.answers(display, sign_id_))
-            return goes_on(scripted, operation) && refuse(unit(u" does not answer"));
-        return work(display, scripted);
-    });
-}
-
-bool TransmissionControl::goes_on(const ScriptedCall& scripted, Operation operation) {
-    for (std::size_t i = 0; i < scripted.messages.size() && !interrupted_; ++i) say(scripted.messages[i]);
-    if (interrupted_) return refuse(u"Transmission cancelled");
-    if (!scripted.fails()) return true;
-    // A message of the script's own explains the failure where it has one.
-    if (scripted.messages.empty()) refuse(unit(u": the line is disturbed, ").append(operation.name) + u" failed");
-    return false;
-}
-
-bool TransmissionControl::refuse(const std::u16string& text) {
-    say({text, {}, false});
-    return false;
-}
-
-void TransmissionControl::say(ScriptedMessage message) {
-    const std::u16string text = message.text;
-    host_.trace.line(std::u16string(u"event ").append(kName).append(u".StatusMessage ") + in_quotes(text));
-    host_.messages_said.push_back(std::move(message));
-    sinks_.raise_event(kHandledEvent, {text});
-    host_.messages_said.pop_back();
-    if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
-}
-
-void TransmissionControl::say_all(const ScriptedCall& scripted) {
-    for (const ScriptedMessage& message : scripted.messages) say(message);
-}
-
-void TransmissionControl::tell(const LinkEvent& event) {
-    if (host_.on_link && !host_.on_link(event)) interrupted_ = true;
-}
-
-Call TransmissionControl::call_of(Operation operation) const { return {called_display_, sign_id_, operation}; }
-
-std::u16string TransmissionControl::unit(std::u16string_view text) const {
-    return (u"Unit " + decimal_text(sign_id_)).append(text);
-}
-
-// ---- The finder ---------------------------------------------------------------------------------------
-
-std::span<const Member<BoxFinder>> BoxFinder::members() noexcept {
-    static constexpr Member<BoxFinder> kMembers[] = {
-        {u"SearchTimeout", dispatch_id(0x68030001), DISPATCH_PROPERTYPUT, &BoxFinder::put_timeout, {VT_I2}},
-        {u"FindBoxes", dispatch_id(0x6003000A), DISPATCH_METHOD, &BoxFinder::find_boxes, {VT_BSTR, VT_R8, VT_R8}},
-    };
-    return kMembers;
-}
-
-void BoxFinder::on_call(const Member<BoxFinder>& member, const CallArguments& arguments) {
-    const std::u16string shown = shown_call(kFinderName, member, arguments);
-    host_.begin({host_.display_asked_about, 0, Operation{member.name}}, shown);
-    host_.trace.line(shown);
-}
-
-com::Variant BoxFinder::find_boxes(const CallArguments& arguments) {
-    const std::u16string address = arguments.text(0);
-    const double first = std::ceil(std::max(arguments.real(1), 0.0));
-    const double last = std::min(arguments.real(2), kHighestHost);
-    const std::size_t point = address.rfind(u'.');
-    if (point == address.npos) {
-        if (first <= 0 && last >= 0) report(address);
-        return {};
-    }
-    for (double host = first; host <= last; ++host)
-        report(address.substr(0, point + 1) + decimal_text(static_cast<std::int32_t>(host)));
-    return {};
-}
-
-void BoxFinder::report(const std::u16string& address) {
-    // Collected first: what a user does meanwhile may change the host's displays.
-    std::vector<std::u16string> found;
-    for (const Display& display : host_.displays) {
-        if (display.address == address) std::ranges::copy(host_.units.boxes(display.name), std::back_inserter(found));
-    }
-    for (const std::u16string& description : found) {
-        host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(description));
-        sinks_.raise_event(kHandledEvent, {address, description});
-    }
-}
-
-// ---- Operations by name -------------------------------------------------------------------------------
 
 bool speaks(Operation operation) noexcept {
-    const auto members = TransmissionControl::members();
-    return std::ranges::find(members, operation.name, &Member<TransmissionControl>::name) != members.end();
-}
-
-bool answers_success(Operation operation) noexcept { return speaks(operation) && operation != Operation::SignID; }
-
-Operation parse_operation(std::u16string_view name) {
-    std::vector<std::u16string_view> names;
-    for (const auto& member : TransmissionControl::members()) names.push_back(member.name);
-    for (const auto& member : BoxFinder::members()) names.push_back(member.name);
-    for (const auto& member : DisplayListObject::members()) names.push_back(member.name);
-    static const std::vector<std::u16string> kClasses = host_class_names();
-    for (const std::u16string_view id : kClasses) names.push_back(id.substr(id.find(u'.') + 1));
-    const auto found = std::ranges::find(names, name);
-    if (found != names.end()) return {*found};
-    std::string all;
-    for (const std::u16string_view known : names) all += (all.empty() ? "" : ", ") + to_utf8(known);
-    throw std::invalid_argument("\"" + to_utf8(name) + "\" is none of " + all);
+    return std::ranges::find(TransmissionControl::members(), operation, &MemberFacts::name) !=
+           TransmissionControl::members().end();
 }
 
 }  // namespace vex::sim

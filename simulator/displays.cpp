@@ -43,7 +43,7 @@ std::u16string written(const Display& display) {
     return line;
 }
 
-constexpr std::u16string_view kUnitsHeader = u"# Brivola units, version 1";
+constexpr std::u16string_view kUnitsHeader = u"# Brivola units, version 2";
 
 constexpr std::int16_t kLowestId = std::numeric_limits<std::int16_t>::min();
 
@@ -80,8 +80,14 @@ std::vector<std::int16_t> masters(const Display& display) {
     return result;
 }
 
-/// In the order of the states.
-constexpr std::u16string_view kPlainStates[] = {u"as delivered", u"empty", u"incomplete"};
+/// Reads a grid written "YxX".
+SlaveCounts parse_slaves(std::u16string_view word) {
+    const std::size_t cross = std::min(word.find(u'x'), word.size());
+    const auto y = parse_int16(word.substr(0, cross));
+    const auto x = parse_int16(word.substr(std::min(cross + 1, word.size())));
+    if (!y || !x) refuse(word, "is no grid of the form YxX");
+    return {*y, *x};
+}
 
 }  // namespace
 
@@ -136,33 +142,11 @@ std::int16_t parse_id(std::u16string_view word) {
     return *id;
 }
 
-SlaveCounts parse_slaves(std::u16string_view word) {
-    const std::size_t cross = std::min(word.find(u'x'), word.size());
-    const auto y = parse_int16(word.substr(0, cross));
-    const auto x = parse_int16(word.substr(std::min(cross + 1, word.size())));
-    if (!y || !x) refuse(word, "is no grid of the form YxX");
-    return {*y, *x};
-}
-
-std::u16string describe(const Content& content) {
-    if (content.state != Content::State::firmware) return std::u16string(kPlainStates[static_cast<int>(content.state)]);
-    const auto& [name, size, crc32] = content.firmware;
-    return as_word(name) + u", " + digits_of(size, 10) + u" bytes, CRC-32 " + digits_of(crc32, 16, 8);
-}
-
-void Units::set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts) {
-    Unit& unit = units_[{display, id}];
-    unit.slaves = counts;
-    unit.absent = false;
-}
-
 void Units::clear_hardware(const std::u16string& display) {
     boxes_.erase(display);
     for (auto unit = units_.lower_bound({display, kLowestId}); unit != units_.end() && unit->first.first == display;
-         ++unit) {
+         ++unit)
         unit->second.slaves.reset();
-        unit->second.absent = false;
-    }
 }
 
 Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
@@ -171,11 +155,8 @@ Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
 }
 
 bool Units::answers(const Display& display, std::int16_t id) const {
-    const Unit unit = find(display.name, id);
-    if (unit.absent || unit.slaves) return !unit.absent;
-    return std::ranges::any_of(masters(display), [&](std::int16_t master) {
-        return id >= master && id <= master + slaves(display.name, master).value_or(SlaveCounts()).slaves();
-    });
+    const std::vector<std::int16_t> known = ids(display);
+    return std::ranges::find(known, id) != known.end();
 }
 
 std::vector<std::u16string> Units::boxes(const std::u16string& display) const {
@@ -206,25 +187,16 @@ std::vector<std::int16_t> Units::ids(const Display& display) const {
 
 void Units::read(const Words& words) {
     const std::u16string& what = words.front();
-    if (what == u"slaves" && words.size() == 4) {
-        set_slaves(words[1], parse_id(words[2]), parse_slaves(words[3]));
-    } else if (what == u"absent" && words.size() == 3) {
-        set_absent(words[1], parse_id(words[2]));
+    if (what == u"unit" && words.size() == 4) {
+        const auto slaves = value_of(u"slaves", words[3]);
+        if (!slaves) refuse(words[3], "is not slaves=YxX");
+        set_slaves(words[1], parse_id(words[2]), parse_slaves(*slaves));
     } else if (what == u"box" && words.size() == 3) {
         add_box(words[1], words[2]);
     } else if (what == u"holds" && words.size() == 4) {
-        const auto* const state = std::ranges::find(kPlainStates, words[3]);
-        if (state == std::end(kPlainStates)) refuse(words[3], "is nothing that a unit holds");
-        store(words[1], parse_id(words[2]), {static_cast<Content::State>(state - kPlainStates), {}});
-    } else if (what == u"holds" && words.size() == 6) {
-        const auto size = number_of<std::uint64_t>(to_utf8(words[4]));
-        if (!size) throw std::invalid_argument("expected a size in bytes");
-        const auto crc = number_of<std::uint32_t>(to_utf8(words[5]), 16);
-        if (!crc) throw std::invalid_argument("expected a checksum of 8 hexadecimal digits");
-        store(words[1], parse_id(words[2]), {Content::State::firmware, {words[3], *size, *crc}});
+        store(words[1], parse_id(words[2]), words[3]);
     } else {
-        throw std::invalid_argument(
-            "expected slaves NAME ID YxX, absent NAME ID, box NAME TEXT or holds NAME ID CONTENT");
+        throw std::invalid_argument("expected unit NAME ID slaves=YxX, box NAME TEXT or holds NAME ID CONTENT");
     }
 }
 
@@ -236,24 +208,14 @@ Units Units::parse(const std::string& file, std::string_view text) {
 
 std::string Units::text() const {
     std::u16string lines = std::u16string(kUnitsHeader) + u"\n";
-    const auto line = [&lines](std::u16string_view what, const std::u16string& display) -> std::u16string& {
-        return lines.append(what).append(u" ").append(as_word(display));
-    };
     for (const auto& [place, unit] : units_) {
-        const std::u16string number = u" " + decimal_text(place.second);
+        const std::u16string where = as_word(place.first) + u" " + decimal_text(place.second) + u" ";
         if (unit.slaves)
-            line(u"slaves", place.first) +=
-                number + u" " + decimal_text(unit.slaves->y) + u"x" + decimal_text(unit.slaves->x) + u"\n";
-        if (unit.absent) line(u"absent", place.first) += number + u"\n";
-        const auto& [state, firmware] = unit.content;
-        if (state == Content::State::as_delivered) continue;
-        const std::u16string held =
-            state == Content::State::firmware
-                ? as_word(firmware.name) + u" " + digits_of(firmware.size, 10) + u" " + digits_of(firmware.crc32, 16, 8)
-                : as_word(describe(unit.content));
-        line(u"holds", place.first) += number + u" " + held + u"\n";
+            lines += u"unit " + where + u"slaves=" + decimal_text(unit.slaves->y) + u"x" +
+                     decimal_text(unit.slaves->x) + u"\n";
+        if (unit.content != kAsDelivered) lines += u"holds " + where + as_word(unit.content) + u"\n";
     }
-    for (const auto& [display, box] : boxes_) line(u"box", display) += u" " + as_word(box) + u"\n";
+    for (const auto& [display, box] : boxes_) lines += u"box " + as_word(display) + u" " + as_word(box) + u"\n";
     return to_utf8(lines);
 }
 

@@ -83,39 +83,23 @@ struct SlaveCounts {
 
 constexpr std::int16_t kHighestId = std::numeric_limits<std::int16_t>::max();
 
-/// Read a display ID, and a grid written "YxX". Raise `std::invalid_argument`.
+/// Reads a display ID. Raises `std::invalid_argument`.
 std::int16_t parse_id(std::u16string_view word);
-SlaveCounts parse_slaves(std::u16string_view word);
 
-/// A firmware file as a unit keeps it: who compares the three can tell which file it was.
-struct Firmware {
-    std::u16string name;
-    std::uint64_t size = 0;
-    std::uint32_t crc32 = 0;
-};
-
-/// What a unit holds.
-struct Content {
-    enum class State { as_delivered, empty, incomplete, firmware };
-    State state = State::as_delivered;
-    /// Of State::firmware only.
-    Firmware firmware;
-};
-
-/// What a content is called: "as delivered", "empty", "incomplete", or name, size and checksum.
-std::u16string describe(const Content& content);
+/// What a unit holds to which nothing has happened.
+inline constexpr char16_t kAsDelivered[] = u"as delivered";
 
 /// The units of all displays. A display has the units that its IDs name, the slaves behind them, and those
 /// that were put there by `set_slaves`; each is as delivered until something happens to it.
 class Units {
 public:
-    void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts);
-    /// Takes a unit off its line: nobody answers there.
-    void set_absent(const std::u16string& display, std::int16_t id) { units_[{display, id}].absent = true; }
+    void set_slaves(const std::u16string& display, std::int16_t id, SlaveCounts counts) {
+        units_[{display, id}].slaves = counts;
+    }
     void add_box(const std::u16string& display, const std::u16string& description) {
         boxes_.emplace(display, description);
     }
-    /// Forgets the slaves, absences and device servers of a display; what its units hold stays.
+    /// Forgets the slaves and device servers of a display; what its units hold stays.
     void clear_hardware(const std::u16string& display);
 
     std::optional<SlaveCounts> slaves(const std::u16string& display, std::int16_t id) const {
@@ -125,13 +109,17 @@ public:
     /// Device servers in front of a display, in the order in which the finder reports them.
     std::vector<std::u16string> boxes(const std::u16string& display) const;
 
-    Content content(const std::u16string& display, std::int16_t id) const { return find(display, id).content; }
-    void store(const std::u16string& display, std::int16_t id, const Content& content) {
+    /// As it is shown: a few words, or a firmware file by name, size and checksum.
+    std::u16string content(const std::u16string& display, std::int16_t id) const { return find(display, id).content; }
+    void store(const std::u16string& display, std::int16_t id, const std::u16string& content) {
         units_[{display, id}].content = content;
     }
     /// The IDs of a display's units: its masters as they are written, each followed by its slaves, then others.
     std::vector<std::int16_t> ids(const Display& display) const;
 
+    /// Does what a line says: "unit NAME ID slaves=YxX", "box NAME TEXT" or "holds NAME ID CONTENT". Raises
+    /// `std::invalid_argument`.
+    void read(const Words& words);
     /// `file`: how messages name the text. Raises `TextError` naming the line and what was expected there.
     static Units parse(const std::string& file, std::string_view text);
     /// What `parse` reads back.
@@ -140,13 +128,11 @@ public:
 private:
     struct Unit {
         std::optional<SlaveCounts> slaves;
-        bool absent = false;
-        Content content;
+        std::u16string content = kAsDelivered;
     };
     using Place = std::pair<std::u16string, std::int16_t>;
 
     Unit find(const std::u16string& display, std::int16_t id) const;
-    void read(const Words& words);
 
     std::map<Place, Unit> units_;
     std::multimap<std::u16string, std::u16string> boxes_;

@@ -3,10 +3,9 @@
 
 #include <algorithm>
 
+#include "core/digits.h"
 #include "core/runtime_error.h"
-#include "core/unicode.h"
 #include "platform/private_files.h"
-#include "support/text.h"
 
 namespace vex::sim {
 namespace {
@@ -21,22 +20,6 @@ bool matches(const CallPattern& pattern, const Call& call) {
 
 }  // namespace
 
-ScriptedCall LinkScript::next(const Call& call) {
-    ScriptedCall result;
-    for (Entry& entry : entries_) {
-        if (!matches(entry.pattern, call)) continue;
-        // Every entry counts the call, also one that an earlier fault keeps from taking effect.
-        ++entry.calls;
-        if (entry.pattern.at != 0 && entry.pattern.at != entry.calls) continue;
-        if (entry.message) {
-            result.messages.push_back(*entry.message);
-        } else if (result.fault == FaultKind::none) {
-            result.fault = entry.fault;
-        }
-    }
-    return result;
-}
-
 std::filesystem::path Machine::writable_path(const std::u16string& path) {
     const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
     if (path.size() < 4 || drive < u'A' || drive >= kRealDrive || path[1] != u':' || path[2] != u'\\')
@@ -45,13 +28,22 @@ std::filesystem::path Machine::writable_path(const std::u16string& path) {
     return real_path(path);
 }
 
-void Trace::print(std::u16string_view text) { out_ << to_utf8(text) << '\n'; }
-
 ScriptedCall Host::begin(const Call& call, const std::u16string& shown) {
-    ScriptedCall scripted = links.next(call);
+    ScriptedCall scripted;
+    for (ScriptEntry& entry : script) {
+        if (!matches(entry.pattern, call)) continue;
+        // Every entry counts the call, also one that an earlier fault keeps from taking effect.
+        ++entry.calls;
+        if (entry.pattern.at != 0 && entry.pattern.at != entry.calls) continue;
+        if (entry.message) {
+            scripted.messages.push_back(*entry.message);
+        } else if (scripted.fault == FaultKind::none) {
+            scripted.fault = entry.fault;
+        }
+    }
     if (scripted.fault != FaultKind::raise) return scripted;
     trace.line(shown + u" -> error " + decimal_text(kAutomationError));
-    throw RuntimeError(kAutomationError, std::u16string(call.operation.name) + u" failed");
+    throw RuntimeError(kAutomationError, std::u16string(call.operation) + u" failed");
 }
 
 ScriptedMessage* Host::read_message(const std::u16string& shown) {
@@ -68,7 +60,17 @@ void Host::put_display(Display display) {
 void Host::save_displays() {
     if (!std::exchange(displays_changed, false)) return;
     std::filesystem::create_directories(display_file.parent_path());
-    replace_file(display_file, displays.text());
+    platform::replace_private_file(display_file, displays.text());
+}
+
+std::vector<std::u16string> Host::unit_lines() const {
+    std::vector<std::u16string> lines;
+    for (const Display& display : displays) {
+        for (const std::int16_t id : units.ids(display))
+            lines.push_back(u"unit " + in_quotes(display.name) + u" " + decimal_text(id) + u": " +
+                            units.content(display.name, id));
+    }
+    return lines;
 }
 
 std::optional<std::size_t> Host::display_on_line(const std::u16string& line) const {

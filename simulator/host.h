@@ -10,35 +10,17 @@
 #include <ostream>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "com/object.h"
+#include "core/unicode.h"
 #include "simulator/displays.h"
 
 namespace vex::sim {
 
-/// What a scenario can disturb, by its name: a member of the transmission control, of the finder or of the display
-/// list, or the creation of an object, by its class.
-struct Operation {
-    /// Of static life.
-    std::u16string_view name;
-
-    constexpr bool operator==(const Operation&) const noexcept = default;
-
-    static const Operation OpenConnection, SignID, GetSignInfo, ResetAndClear, DownloadFirmware, PrepareForFirmware,
-        DownloadFirmwareWithLoader, CloseConnection, CancelTransmission;
-};
-
-inline constexpr Operation Operation::OpenConnection{u"OpenConnection"};
-inline constexpr Operation Operation::SignID{u"SignID"};
-inline constexpr Operation Operation::GetSignInfo{u"GetSignInfo"};
-inline constexpr Operation Operation::ResetAndClear{u"ResetAndClear"};
-inline constexpr Operation Operation::DownloadFirmware{u"DownloadFirmware"};
-inline constexpr Operation Operation::PrepareForFirmware{u"PrepareForFirmware"};
-inline constexpr Operation Operation::DownloadFirmwareWithLoader{u"DownloadFirmwareWithLoader"};
-inline constexpr Operation Operation::CloseConnection{u"CloseConnection"};
-inline constexpr Operation Operation::CancelTransmission{u"CancelTransmission"};
+/// What a scenario can disturb, by its name of static life: a member of the transmission control, of the finder or of
+/// the display list, or the creation of an object, by its class.
+using Operation = std::u16string_view;
 
 /// Which calls something is about; what is not given matches any.
 struct CallPattern {
@@ -66,16 +48,12 @@ struct LinkEvent {
         transfers,
         /// The control has said something in its status event.
         says,
-        /// A call has ended.
-        ends,
     };
     Kind kind = Kind::begins;
     Call call;
     /// Of Kind::transfers: how much of the file the unit has when it is through, and the part's size.
     int percent = 0;
     std::size_t bytes = 0;
-    /// Of Kind::ends.
-    bool succeeded = false;
 };
 
 /// `replace`: the call succeeds and puts another object in the place of the one that it was given.
@@ -85,7 +63,7 @@ enum class FaultKind { none, fail, raise, replace };
 struct ScriptedMessage {
     std::u16string text;
     /// Empty: he only reads it.
-    std::function<void()> reaction;
+    std::function<void()> reaction = {};
     bool was_read = false;
 };
 
@@ -97,24 +75,13 @@ struct ScriptedCall {
     bool fails() const noexcept { return fault == FaultKind::fail; }
 };
 
-class LinkScript {
-public:
-    void add_fault(const CallPattern& pattern, FaultKind kind) { entries_.push_back({pattern, kind, {}}); }
-    void add_message(const CallPattern& pattern, ScriptedMessage message) {
-        entries_.push_back({pattern, FaultKind::none, std::move(message)});
-    }
-    /// Counts the call; to be asked once for each call.
-    ScriptedCall next(const Call& call);
-
-private:
-    struct Entry {
-        CallPattern pattern;
-        FaultKind fault;
-        std::optional<ScriptedMessage> message;
-        std::int64_t calls = 0;
-    };
-
-    std::vector<Entry> entries_;
+/// What the script has for the calls that match: a fault, or a message.
+struct ScriptEntry {
+    CallPattern pattern;
+    FaultKind fault = FaultKind::none;
+    std::optional<ScriptedMessage> message = {};
+    /// How many calls have matched.
+    std::int64_t calls = 0;
 };
 
 /// One per process; used on the host's thread.
@@ -148,7 +115,7 @@ public:
         if (!quiet_) print(text);
     }
     /// Somebody asked to see this.
-    void print(std::u16string_view text);
+    void print(std::u16string_view text) { out_ << to_utf8(text) << '\n'; }
 
 private:
     std::ostream& out_;
@@ -172,7 +139,7 @@ struct Host {
     std::filesystem::path display_file;
     bool displays_changed = false;
     Units units;
-    LinkScript links;
+    std::vector<ScriptEntry> script;
 
     /// The host's selection dialog: display names joined by ",".
     std::function<std::u16string()> choose_displays;
@@ -185,16 +152,18 @@ struct Host {
     /// The status messages that the control is saying, the innermost last.
     std::vector<ScriptedMessage> messages_said;
 
-    /// Takes what the script has for a call. Raises the error that it has; `shown` begins the line of the trace that
-    /// tells of that.
+    /// Takes what the script has for a call; to be asked once for each. Raises the error that it has; `shown` begins
+    /// the line of the trace that tells of that.
     ScriptedCall begin(const Call& call, const std::u16string& shown);
     /// The message that is being said, the first time that it can be read: `shown` is what a user sees on the session's
     /// status line. Null for other texts, and for a message that was read. Its reaction is the caller's to take.
     ScriptedMessage* read_message(const std::u16string& shown);
     /// Adds or replaces a display, without slaves and device servers; what its units hold stays.
     void put_display(Display display);
-    /// Writes the file where a display has changed since. Raises `TextError` or `filesystem_error`.
+    /// Writes the file where a display has changed since. Raises `std::system_error`.
     void save_displays();
+    /// What each unit of the displays holds, a line each.
+    std::vector<std::u16string> unit_lines() const;
     /// The display that answers on a line, by its position.
     std::optional<std::size_t> display_on_line(const std::u16string& line) const;
 };

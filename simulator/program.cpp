@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "platform/private_files.h"
 #include "simulator/scenario.h"
 #include "simulator/session.h"
 #include "simulator/words.h"
@@ -68,9 +69,9 @@ std::string difference(const std::string& file, const std::string& recorded, con
 }
 
 /// What is not as recorded; empty: everything is.
-std::string compare(const CommandLine& options, const fs::path& scenario, const ProgramSide& side) {
+std::string compare(const CommandLine& options, const fs::path& scenario, MakeSession make) {
     std::ostringstream trace, messages;
-    const ExitStatus status = side.play(options, scenario.string(), trace, messages);
+    const ExitStatus status = make(options)->play(scenario.string(), trace, messages);
     std::string faults;
     if (status != kPassed) faults += "  exit status " + std::to_string(status) + '\n' + messages.str();
     const auto check = [&](const char* extension, const std::string& found, bool always) {
@@ -78,7 +79,7 @@ std::string compare(const CommandLine& options, const fs::path& scenario, const 
         file.replace_extension(extension);
         if (options.record) {
             fs::remove(file);
-            if (always || !found.empty()) replace_file(file, found);
+            if (always || !found.empty()) platform::replace_private_file(file, found);
             return;
         }
         const std::string recorded = always || fs::exists(file) ? read_file(file) : std::string();
@@ -89,7 +90,7 @@ std::string compare(const CommandLine& options, const fs::path& scenario, const 
     return faults;
 }
 
-ExitStatus compare_scenarios(const CommandLine& options, const ProgramSide& side) {
+ExitStatus compare_scenarios(const CommandLine& options, MakeSession make) {
     std::vector<fs::path> files;
     for (const std::string& file : options.scenarios) files.push_back(fs::absolute(file));
     CommandLine whole = options;
@@ -103,7 +104,7 @@ ExitStatus compare_scenarios(const CommandLine& options, const ProgramSide& side
         try {
             // Names in messages and relative files are then the same wherever the folder lies.
             fs::current_path(file.parent_path());
-            faults = compare(whole, file.filename(), side);
+            faults = compare(whole, file.filename(), make);
         } catch (const std::exception& error) {
             faults = std::string("  ") + error.what() + '\n';
         }
@@ -122,23 +123,14 @@ double read_speed(const std::string& word) {
 
 constexpr char kUsage[] = R"(brivola-sim: a simulated host with displays, for the firmware plug-in
 
-  brivola-sim run FILE   plays the scenario in FILE (-: standard input) and prints its trace
-  brivola-sim controls   prints the controls of each dialog, by the names that scenarios use (not on Windows)
-  brivola-sim            opens the plug-in's wizard on sample displays, on the terminal; where there is
-                         none, plays the sample scenario and draws each screen as text
+  brivola-sim [--speed N]                         opens its wizard on sample displays, on the terminal; where there
+                                                  is none, plays the sample scenario and draws each screen as text
+  brivola-sim run FILE [--quiet] [--pictures]     plays a scenario (-: standard input) and prints its trace
+  brivola-sim run {--compare | --record} FILE...  compares traces with those recorded, or records them
+  brivola-sim controls                            prints the controls of each dialog
 
-  --compare      plays several FILEs and compares each trace with the one recorded in FILE.trace, messages
-                 with FILE.errors; --record writes these anew
-  --data DIR     keeps settings, drives, displays and units in DIR; without it each run has its own
-  --plugin PATH  the plug-in's library; without it the one beside this program
-  --quiet        prints no trace, only what the scenario shows
-  --pictures     draws each screen of the scenario as text (not on Windows)
-  --speed N      on the terminal: makes the simulated links N times as fast as usual (0.1 to 1000)
-
-Exit status: 0 passed, 1 an expectation failed or something was not released, 2 a bad scenario or usage,
-128 + N the wizard was ended by signal N.
-
-Statements, one a line (# begins a comment):
+Also: --data DIR keeps settings, drives, displays and units; --plugin PATH is the library to try.
+The manual page tells more. Statements of a scenario, one a line (# begins a comment):
 )";
 
 constexpr std::pair<std::string_view, bool CommandLine::*> kFlags[] = {
@@ -146,11 +138,12 @@ constexpr std::pair<std::string_view, bool CommandLine::*> kFlags[] = {
     {"--pictures", &CommandLine::pictures}, {"--compare", &CommandLine::compare}, {"--record", &CommandLine::record},
 };
 
-int run(const CommandLine& options, const ProgramSide& side) {
-    if (options.controls) return side.print_controls(options);
-    if (options.scenarios.empty()) return side.play_without_scenario(options);
-    if (options.compare) return compare_scenarios(options, side);
-    return side.play(options, options.scenarios.front(), std::cout, std::cerr);
+int run(const CommandLine& options, MakeSession make) {
+    if (options.compare) return compare_scenarios(options, make);
+    const auto session = make(options);
+    if (options.controls) return session->print_controls();
+    if (options.scenarios.empty()) return session->play_without_scenario();
+    return session->play(options.scenarios.front(), std::cout, std::cerr);
 }
 
 }  // namespace
@@ -193,7 +186,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
     return line;
 }
 
-int run_program(std::span<const std::string> words, const ProgramSide& side) {
+int run_program(std::span<const std::string> words, MakeSession make) {
     constexpr char kName[] = "brivola-sim: ";
     CommandLine options;
     try {
@@ -207,7 +200,7 @@ int run_program(std::span<const std::string> words, const ProgramSide& side) {
         return std::cout ? kPassed : kFailed;
     }
     try {
-        return run(options, side);
+        return run(options, make);
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {

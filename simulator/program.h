@@ -3,11 +3,9 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
+#include <memory>
 #include <optional>
-#include <ostream>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -40,22 +38,15 @@ struct CommandLine {
 /// Without the program's name. Raises `std::invalid_argument`.
 CommandLine parse_command_line(std::span<const std::string> arguments);
 
-/// What a side does for its program. Each answers the exit status, and raises `std::exception`.
-struct ProgramSide {
-    /// Plays one scenario file on a host of its own; the trace goes to `out`, messages to `errors`.
-    std::function<ExitStatus(const CommandLine& options, const std::string& file, std::ostream& out,
-                             std::ostream& errors)>
-        play;
-    /// No scenario is named.
-    int (*play_without_scenario)(const CommandLine& options);
-    /// Prints what controls each of the plug-in's dialogs has.
-    int (*print_controls)(const CommandLine& options);
-};
+class Session;
+
+/// Makes a side's session. Raises `std::exception`.
+using MakeSession = std::unique_ptr<Session> (*)(const CommandLine& options);
 
 /// Does what the words say and answers the exit status. Scenarios are compared each in its own folder. One is as
 /// recorded when it passes, its trace is that of FILE.trace, where what comes several times in a row is told once and
-/// what one object is asked and says shares lines, and its messages are those of FILE.errors, or none where that file is
-/// missing.
-int run_program(std::span<const std::string> words, const ProgramSide& side);
+/// what one object is asked and says shares lines, and its messages are those of FILE.errors, or none where that file
+/// is missing.
+int run_program(std::span<const std::string> words, MakeSession make);
 
 }  // namespace vex::sim

@@ -2,13 +2,17 @@
 #include "simulator/registry_editor.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <stdexcept>
 
 #include "core/digits.h"
 #include "core/narrow.h"
 #include "core/unicode.h"
 #include "platform/native/registry_text.h"
+#include "platform/system.h"
 #include "simulator/words.h"
+#include "support/open_registry_key.h"
 
 namespace vex::sim {
 namespace {
@@ -29,41 +33,13 @@ constexpr Root kRoots[] = {
 };
 
 constexpr std::pair<std::u16string_view, std::uint32_t> kTypes[] = {
-    {u"sz", platform::kRegSz},       {u"expand_sz", platform::kRegExpandSz}, {u"multi_sz", platform::kRegMultiSz},
-    {u"dword", platform::kRegDword}, {u"binary", platform::kRegBinary},
-};
-
-constexpr std::u16string_view kNullMark = u"\\0";
-constexpr std::size_t kDwordSize = 4;
-
-const Root* root_of(std::u16string_view path) noexcept {
-    const auto* const root = std::ranges::find(kRoots, path.substr(0, path.find(u'\\')), &Root::name);
-    return root == std::end(kRoots) ? nullptr : root;
-}
-
-std::uint32_t type_of(std::u16string_view word) {
-    std::string names;
-    for (const auto& [name, type] : kTypes) {
-        if (name == word) return type;
-        names += (names.empty() ? "" : ", ") + to_utf8(name);
-    }
-    refuse(word, "is none of " + names);
-}
+    {u"sz", platform::kRegSz}, {u"expand_sz", platform::kRegExpandSz}, {u"dword", platform::kRegDword}};
 
 std::string dword_bytes(std::u16string_view text) {
-    auto number = parse_number(text, 0, std::numeric_limits<std::uint32_t>::max());
+    const auto number = parse_number(text, 0, std::numeric_limits<std::uint32_t>::max());
     if (!number) refuse(text, "is no number of 32 bits");
-    std::string bytes;
-    for (; bytes.size() < kDwordSize; *number >>= 8) bytes += static_cast<char>(*number & 0xFF);
-    return bytes;
-}
-
-/// Each text with its null, and one more that ends the list.
-std::u16string list_of_texts(std::u16string text) {
-    for (std::size_t at = text.find(kNullMark); at != text.npos; at = text.find(kNullMark, at))
-        text.replace(at, kNullMark.size(), 1, u'\0');
-    if (!text.empty() && text.back() != u'\0') text += u'\0';
-    return text + u'\0';
+    const auto value = static_cast<std::uint32_t>(*number);
+    return {reinterpret_cast<const char*>(&value), sizeof value};
 }
 
 /// The path of an exported key where a 32-bit program finds it: 64-bit Windows keeps such keys in a branch of their
@@ -86,101 +62,62 @@ RegistryPath imported_path(const native::RegistrySection& section) {
     throw std::runtime_error("only keys of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER are imported, and none deleted");
 }
 
-}  // namespace
-
-RegistryPath parse_registry_path(std::u16string_view text) {
-    const Root* root = root_of(text);
-    const std::size_t separator = text.find(u'\\');
-    if (root == nullptr || separator == text.npos || separator + 1 == text.size())
-        refuse(text, "is no ROOT\\KEY with a root of HKLM, HKCU or HKCR");
-    return {root->handle, std::u16string(text.substr(separator + 1))};
-}
-
-bool is_registry_path(std::u16string_view text) noexcept {
-    return text.find(u'\\') != text.npos && root_of(text) != nullptr;
-}
-
-void RegistryEditor::change(const RegistryPath& path, const Change& work) {
-    platform::RegistryKey key = 0;
-    std::int32_t result = registry_.create_key(platform::registry_key(path.root), narrow(path.key).c_str(), "",
-                                               platform::kKeyWrite, {}, key);
-    if (result == platform::kSuccess) {
-        result = work(key);
-        registry_.close_key(key);
-    }
+/// Does the `work` on a key, which is made where it is missing; it answers a result code.
+void change(const RegistryPath& path, const std::function<std::int32_t(platform::RegistryKey key)>& work) {
+    OpenRegistryKey key(platform::registry());
+    std::int32_t result =
+        platform::registry().create_key(platform::registry_key(path.root), platform::to_ansi(path.key).c_str(), "",
+                                        platform::kKeyWrite, {}, key.receive());
+    if (result == platform::kSuccess) result = work(key.get());
     if (result == platform::kSuccess) return;
     throw std::runtime_error("the registry refuses " + to_utf8(path.key) + " (result " + std::to_string(result) + ")");
 }
 
-std::int32_t RegistryEditor::set(platform::RegistryKey key, std::u16string_view name, std::uint32_t type,
-                                 std::string_view data) {
-    return registry_.set_value(key, narrow(name).c_str(), type, reinterpret_cast<const std::uint8_t*>(data.data()),
-                               narrowed<std::uint32_t>(data.size()));
+std::int32_t set(platform::RegistryKey key, std::u16string_view name, std::uint32_t type, std::string_view data) {
+    return platform::registry().set_value(key, platform::to_ansi(name).c_str(), type,
+                                          reinterpret_cast<const std::uint8_t*>(data.data()),
+                                          narrowed<std::uint32_t>(data.size()));
 }
 
-void RegistryEditor::write(const RegistryPath& path, std::u16string_view name, std::u16string_view type_word,
-                           std::u16string_view given) {
-    const std::uint32_t type = type_of(type_word);
-    const std::u16string text(given);
-    const std::string data = type == platform::kRegDword     ? dword_bytes(text)
-                             : type == platform::kRegBinary  ? read_hex<std::string>(to_utf8(text))
-                             : type == platform::kRegMultiSz ? narrow(list_of_texts(text))
-                                                             : narrow(text + u'\0');
-    change(path, [&](platform::RegistryKey key) { return set(key, name, type, data); });
-}
-
-std::u16string RegistryEditor::show(const RegistryPath& path, std::u16string_view name) const {
-    platform::RegistryKey key = 0;
-    std::uint32_t type = 0;
-    std::uint32_t size = 0;
-    std::string data;
-    const std::string value = narrow(name);
-    std::int32_t result =
-        registry_.open_key(platform::registry_key(path.root), narrow(path.key).c_str(), platform::kKeyRead, key);
-    if (result == platform::kSuccess) {
-        result = registry_.query_value(key, value.c_str(), type, nullptr, size);
-        data.resize(size);
-        if (result == platform::kSuccess && size > 0)
-            result =
-                registry_.query_value(key, value.c_str(), type, reinterpret_cast<std::uint8_t*>(data.data()), size);
-        registry_.close_key(key);
+/// What an export says of one value.
+std::int32_t merge(platform::RegistryKey key, const native::RegistrySection::Entry& entry) {
+    if (!entry.value) {
+        platform::registry().delete_value(key, platform::to_ansi(entry.name).c_str());
+        return platform::kSuccess;
     }
-    if (result != platform::kSuccess) return u"(none)";
-    if (type == platform::kRegSz || type == platform::kRegExpandSz)
-        return platform::from_ansi(data.substr(0, data.find('\0')));
-    std::u16string shown;
-    if (type == platform::kRegMultiSz) {
-        data.resize(data.find_last_not_of('\0') + 1);
-        for (const char16_t character : platform::from_ansi(data))
-            shown += character == u'\0' ? std::u16string(kNullMark) : std::u16string(1, character);
-    } else if (type == platform::kRegDword && data.size() == kDwordSize) {
-        std::uint32_t number = 0;
-        for (std::size_t i = kDwordSize; i-- > 0;) number = number << 8U | static_cast<unsigned char>(data[i]);
-        shown = decimal_text(number);
-    } else {
-        for (const char byte : data) shown += digits_of(static_cast<unsigned char>(byte), 16, 2);
-    }
-    return shown;
+    const auto& [type, data] = *entry.value;
+    return set(key, entry.name, type,
+               native::is_string(type) ? platform::to_ansi(native::text_of(data)) : std::string(data.begin(), data.end()));
 }
 
-void RegistryEditor::import(const std::string& file, std::string_view bytes) {
+}  // namespace
+
+RegistryPath parse_registry_path(std::u16string_view text) {
+    const std::size_t separator = std::min(text.find(u'\\'), text.size());
+    const auto* const root = std::ranges::find(kRoots, text.substr(0, separator), &Root::name);
+    if (root == std::end(kRoots) || separator + 1 >= text.size())
+        refuse(text, "is no ROOT\\KEY with a root of HKLM, HKCU or HKCR");
+    return {root->handle, std::u16string(text.substr(separator + 1))};
+}
+
+void write_registry(const RegistryPath& path, std::u16string_view name, std::u16string_view type,
+                    std::u16string_view text) {
+    const auto* const known = std::ranges::find(kTypes, type, &std::pair<std::u16string_view, std::uint32_t>::first);
+    if (known == std::end(kTypes)) refuse(type, "is none of sz, expand_sz, dword");
+    const std::string data =
+        known->second == platform::kRegDword ? dword_bytes(text) : platform::to_ansi(std::u16string(text) + u'\0');
+    change(path, [&](platform::RegistryKey key) { return set(key, name, known->second, data); });
+}
+
+void import_registry(const std::string& file, std::string_view bytes) {
     std::size_t line = 0;
     try {
         for (const native::RegistrySection& section : native::read_registry(bytes)) {
             line = section.line;
             change(imported_path(section), [&](platform::RegistryKey key) {
                 std::int32_t result = platform::kSuccess;
-                for (const auto& [name, value] : section.entries) {
-                    if (!value) {
-                        registry_.delete_value(key, narrow(name).c_str());
-                        continue;
-                    }
-                    const auto& [type, data] = *value;
-                    result = set(key, name, type,
-                                 native::is_string(type) ? narrow(native::text_of(data))
-                                                         : std::string(data.begin(), data.end()));
-                    if (result != platform::kSuccess) break;
-                }
+                for (const auto& entry : section.entries)
+                    if (result == platform::kSuccess) result = merge(key, entry);
                 return result;
             });
         }
@@ -189,6 +126,31 @@ void RegistryEditor::import(const std::string& file, std::string_view bytes) {
     } catch (const std::runtime_error& error) {
         throw TextError(file, line, error.what());
     }
+}
+
+std::u16string show_registry(const RegistryPath& path, std::u16string_view name) {
+    constexpr std::size_t kLargest = 1U << 16U;
+    platform::Registry& registry = platform::registry();
+    OpenRegistryKey key(registry);
+    std::uint32_t type = 0;
+    std::uint32_t size = kLargest;
+    std::string data(kLargest, '\0');
+    if (key.open(platform::registry_key(path.root), platform::to_ansi(path.key), platform::kKeyRead) !=
+            platform::kSuccess ||
+        registry.query_value(key.get(), platform::to_ansi(name).c_str(), type,
+                             reinterpret_cast<std::uint8_t*>(data.data()), size) != platform::kSuccess)
+        return kNoValue;
+    data.resize(size);
+    if (type == platform::kRegSz || type == platform::kRegExpandSz)
+        return platform::from_ansi(data.substr(0, data.find('\0')));
+    std::uint32_t number = 0;
+    if (type == platform::kRegDword && data.size() == sizeof number) {
+        data.copy(reinterpret_cast<char*>(&number), sizeof number);
+        return decimal_text(number);
+    }
+    std::u16string digits;
+    for (const char byte : data) digits += digits_of(static_cast<unsigned char>(byte), 16, 2);
+    return digits;
 }
 
 }  // namespace vex::sim

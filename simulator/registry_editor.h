@@ -2,13 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "platform/registry.h"
-#include "platform/system.h"
-#include "simulator/host.h"
 
 namespace vex::sim {
 
@@ -20,28 +17,19 @@ struct RegistryPath {
 
 /// Reads "ROOT\KEY" with a root of HKLM, HKCU or HKCR. Raises `std::invalid_argument`.
 RegistryPath parse_registry_path(std::u16string_view text);
-/// Whether a word begins like such a path.
-bool is_registry_path(std::u16string_view text) noexcept;
 
-/// Writing makes the missing keys, and raises `std::runtime_error` with the registry's result code when it refuses.
-class RegistryEditor {
-public:
-    /// TYPE: sz, expand_sz, multi_sz ("\0" between), dword (decimal), binary (hex). Raises `std::invalid_argument` for
-    /// another type, or a text that is no value of it.
-    void write(const RegistryPath& path, std::u16string_view name, std::u16string_view type, std::u16string_view text);
-    /// The text of a value, the other way round, or "(none)". Values of other types are shown as bytes.
-    std::u16string show(const RegistryPath& path, std::u16string_view name) const;
-    /// Merges an export into the registry. Raises `TextError`; `file`: how messages name the export.
-    void import(const std::string& file, std::string_view bytes);
+// Writing makes the missing keys, and raises `std::runtime_error` with the registry's result code when it refuses.
 
-private:
-    using Change = std::function<std::int32_t(platform::RegistryKey key)>;
+/// TYPE: sz, expand_sz or dword (decimal). Raises `std::invalid_argument` for another type, or a text that is no value
+/// of it.
+void write_registry(const RegistryPath& path, std::u16string_view name, std::u16string_view type,
+                    std::u16string_view text);
+/// Merges an export. Raises `TextError`; `file`: how messages name the export.
+void import_registry(const std::string& file, std::string_view bytes);
 
-    void change(const RegistryPath& path, const Change& work);
-    std::int32_t set(platform::RegistryKey key, std::u16string_view name, std::uint32_t type, std::string_view data);
-    std::string narrow(std::u16string_view text) const { return platform::to_ansi(text); }
-
-    platform::Registry& registry_ = platform::registry();
-};
+/// What the registry shows in place of a value that is not there.
+inline constexpr char16_t kNoValue[] = u"(none)";
+/// The text of a value, a number in decimal, the bytes of any other type in hexadecimal; `kNoValue`.
+std::u16string show_registry(const RegistryPath& path, std::u16string_view name);
 
 }  // namespace vex::sim

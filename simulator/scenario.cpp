@@ -7,7 +7,8 @@
 #include "core/digits.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
-#include "simulator/class_library.h"
+#include "platform/private_files.h"
+#include "simulator/automation.h"
 #include "simulator/session.h"
 
 namespace vex::sim {
@@ -22,9 +23,8 @@ void read(Scenario& scenario, const std::string& file, std::string_view text, co
     const auto name = std::make_shared<const std::string>(file);
     read_lines(file, text, {}, [&](const Words& words, std::size_t line) {
         const StatementType& type = statement_type(words);
-        if (type.play != nullptr) {
-            type.play(words, nullptr);
-            scenario.push_back({{name, line}, words});
+        if (type.read != nullptr) {
+            scenario.push_back({{name, line}, type.read(words)});
             return;
         }
         if (depth == kDeepest) throw std::invalid_argument("files include each other too deeply");
@@ -37,13 +37,6 @@ void read(Scenario& scenario, const std::string& file, std::string_view text, co
         }
         read(scenario, included.string(), content, folder, depth + 1);
     });
-}
-
-/// The control that a statement acts on or looks at; empty: none.
-std::u16string control_of(const Words& words) {
-    const std::size_t position = statement_type(words).control;
-    if (position == 0 || is_registry_path(words[position])) return {};
-    return words[position].substr(0, words[position].find(u'.'));
 }
 
 std::u16string_view shown_answer(forms::MessageAnswer answer) {
@@ -100,14 +93,14 @@ bool ScenarioPlayer::act() noexcept {
     if (stopped_ || next_ == scenario_.size()) return false;
     // Advanced first: the statement may open a dialog that the ones after it act in.
     const Statement& statement = scenario_[next_++];
-    run(statement.place, statement.words);
+    run(statement.place, statement.action);
     return true;
 }
 
-void ScenarioPlayer::run(const Place& where, const Words& words) noexcept {
+void ScenarioPlayer::run(const Place& where, const Action& action) noexcept {
     Place outer = std::exchange(place, where);
     try {
-        statement_type(words).play(words, this);
+        action(*this);
     } catch (const std::exception& error) {
         report(where, error.what());
         stopped_ = true;
@@ -131,19 +124,16 @@ void ScenarioPlayer::put_file(const std::u16string& path, std::string_view bytes
     host.save_displays();
     const std::filesystem::path real = host.machine.writable_path(path);
     std::filesystem::create_directories(real.parent_path());
-    replace_file(real, bytes);
+    platform::replace_private_file(real, bytes);
 }
 
-const Display& ScenarioPlayer::display(const std::u16string& name) const {
-    const auto index = host.displays.find(name);
-    if (!index) throw std::invalid_argument("there is no display " + to_utf8(in_quotes(name)));
-    return host.displays.at(*index);
+void ScenarioPlayer::require_display(const std::u16string& name) const {
+    if (!host.displays.find(name)) throw std::invalid_argument("there is no display " + to_utf8(in_quotes(name)));
 }
 
-void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text, const Words& reaction) {
-    if (pattern.display) static_cast<void>(display(*pattern.display));
+void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text, const Action& reaction) {
     std::function<void()> bound;
-    if (!reaction.empty()) {
+    if (reaction) {
         // A click may lead to another call with the same message; the user does not click in his own click.
         bound = [this, where = place, reaction, busy = std::make_shared<bool>(false)] {
             if (std::exchange(*busy, true)) return;
@@ -151,14 +141,14 @@ void ScenarioPlayer::say(const CallPattern& pattern, const std::u16string& text,
             *busy = false;
         };
     }
-    host.links.add_message(pattern, {text, std::move(bound), false});
+    host.script.push_back({.pattern = pattern, .message = ScriptedMessage{text, std::move(bound)}});
 }
 
 void ScenarioPlayer::start(bool frame) {
     if (screen.any_dialog()) throw std::invalid_argument("a dialog is still open");
     const std::u16string name = frame ? u"StartFrameFeature" : u"StartPlugin";
     try {
-        plugin_.start(frame ? com::make_object<SignInfoObject>(host).get() : nullptr);
+        plugin_.start(frame ? create_object(u"vexBrivolaClasses4.HostSignInfo").get() : nullptr);
         host.trace.line(u"return " + name);
     } catch (const RuntimeError& error) {
         host.trace.line(u"error " + name + u" " + decimal_text(error.number()) + u" " + in_quotes(error.description()));
@@ -170,9 +160,8 @@ void ScenarioPlayer::note_unless_done(ActionResult result, std::u16string_view w
     report(place, "note: " + to_utf8(what) + " is disabled or cannot be reached; nothing happens");
 }
 
-void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found,
-                            bool equal) {
-    if (equal) return;
+void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found) {
+    if (expected == found) return;
     failed_ = true;
     report(place, "expected " + to_utf8(what) + " = " + to_utf8(expected) + ", found " + to_utf8(found));
 }
@@ -191,14 +180,8 @@ void ScenarioPlayer::messages_handled() noexcept {
     ScriptedMessage* const message = status && !stopped_ ? host.read_message(status->caption) : nullptr;
     if (message == nullptr) return;
     if (!std::exchange(seen_at_work_, true)) screen.look();
-    if (message->reaction) {
-        // By value: other messages may be said meanwhile.
-        const auto reaction = message->reaction;
-        return reaction();
-    }
-    // A statement about a control of the busy dialog can mean no other moment. Others wait until it is done.
-    const std::u16string control = next_ < scenario_.size() ? control_of(scenario_[next_].words) : u"";
-    if (!control.empty() && screen.find(control)) act();
+    // By value: other messages may be said meanwhile.
+    if (const auto reaction = message->reaction) reaction();
 }
 
 forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexcept {

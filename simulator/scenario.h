@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -12,7 +13,6 @@
 
 #include "simulator/host.h"
 #include "simulator/program.h"
-#include "simulator/registry_editor.h"
 #include "simulator/screen.h"
 #include "simulator/words.h"
 
@@ -27,25 +27,25 @@ struct Place {
     std::size_t line = 0;
 };
 
-/// Its words have been checked, as far as they can be before anything runs.
+/// What a statement does. Raises `std::exception` for what cannot be done.
+using Action = std::function<void(ScenarioPlayer& player)>;
+
 struct Statement {
     Place place;
-    Words words;
+    Action action;
 };
 
 using Scenario = std::vector<Statement>;
 
-/// How a statement is written and what it does.
+/// How a statement is written and what it means.
 struct StatementType {
     /// Begins with the statement's own word.
     std::string_view usage;
     std::size_t fewest_words;
     std::size_t most_words;
-    /// `words`: all, in a number that is allowed. Without a player they are only checked. Raises
-    /// `std::invalid_argument` for words that cannot be meant, and `std::exception` for what cannot be done.
-    void (*play)(const Words& words, ScenarioPlayer* player);
-    /// Position of the word that names a control, before its first "."; 0: none.
-    std::size_t control = 0;
+    /// `words`: all, in a number that is allowed. Raises `std::invalid_argument` for words that cannot be meant. Null
+    /// for the one that includes a file.
+    Action (*read)(const Words& words);
 };
 
 /// The type of a statement, by its first word. Raises `std::invalid_argument`, also for a wrong number of words.
@@ -74,7 +74,6 @@ public:
 
     Host& host;
     Screen& screen;
-    RegistryEditor registry;
     /// Of the statement that runs, or ran last.
     Place place;
     /// What the user answers, in this order.
@@ -87,19 +86,19 @@ public:
     /// Puts a file at a drive-letter path, and makes its folder. What the host keeps is written first, so that a
     /// statement may replace it. Raises `std::exception`.
     void put_file(const std::u16string& path, std::string_view bytes);
-    /// The display of that name, which must exist. Raises `std::invalid_argument`.
-    const Display& display(const std::u16string& name) const;
-    /// Lets the control say `text` during matching calls, and the user do the `reaction`, a statement, while he reads
-    /// it; empty: nothing.
-    void say(const CallPattern& pattern, const std::u16string& text, const Words& reaction);
+    /// Raises `std::invalid_argument` where there is no display of that name.
+    void require_display(const std::u16string& name) const;
+    /// Lets the control say `text` during matching calls, and the user do the `reaction` while he reads it; empty:
+    /// nothing.
+    void say(const CallPattern& pattern, const std::u16string& text, const Action& reaction);
     /// `frame`: by StartFrameFeature.
     void start(bool frame);
     /// Tells of an action that a user could not take.
     void note_unless_done(ActionResult result, std::u16string_view what);
-    void expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found, bool equal);
+    void expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found);
 
 private:
-    void run(const Place& where, const Words& words) noexcept;
+    void run(const Place& where, const Action& action) noexcept;
     void report(const Place& where, const std::string& text);
 
     void form_opened(const std::u16string& name) noexcept override;

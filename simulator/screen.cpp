@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 #include <stdexcept>
 
 #include "core/digits.h"
@@ -51,25 +50,10 @@ std::optional<std::u16string> property_of(const ShownControl& control, const std
     throw std::invalid_argument(to_utf8(control) + " " + what);
 }
 
-/// How many letters must be added, removed or replaced.
-std::size_t distance(std::u16string_view from, std::u16string_view to) {
-    std::vector<std::size_t> costs(to.size() + 1);
-    std::iota(costs.begin(), costs.end(), std::size_t{0});
-    for (const char16_t letter : from) {
-        std::size_t diagonal = costs[0]++;
-        for (std::size_t i = 0; i < to.size(); ++i) {
-            const std::size_t replaced = diagonal + (to[i] == letter ? 0 : 1);
-            diagonal = costs[i + 1];
-            costs[i + 1] = std::min({costs[i] + 1, diagonal + 1, replaced});
-        }
-    }
-    return costs.back();
-}
-
-/// Names the control that may be meant; empty where no names are known.
-std::string nearest(const std::u16string& name, const std::vector<std::u16string>& names) {
-    const auto found = std::ranges::min_element(names, {}, [&](const auto& other) { return distance(name, other); });
-    return found == names.end() ? "" : "; the nearest is " + to_utf8(*found);
+/// How many letters two names share at their beginnings and at their ends.
+std::ptrdiff_t likeness(const std::u16string& one, const std::u16string& other) {
+    return std::ranges::mismatch(one, other).in1 - one.begin() +
+           (std::mismatch(one.rbegin(), one.rend(), other.rbegin(), other.rend()).first - one.rbegin());
 }
 
 ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done : ActionResult::not_possible; }
@@ -79,8 +63,11 @@ ActionResult possible(bool answer) noexcept { return answer ? ActionResult::done
 ShownControl Screen::control(const std::u16string& name) const {
     if (!any_dialog()) throw std::invalid_argument("no dialog is open");
     auto found = find(name);
-    if (!found) complain(dialog_name(), "has no control " + to_utf8(in_quotes(name)) + nearest(name, control_names()));
-    return *std::move(found);
+    if (found) return *std::move(found);
+    const auto names = control_names();
+    const auto nearest = std::ranges::max_element(names, {}, [&](const auto& other) { return likeness(name, other); });
+    complain(dialog_name(), "has no control " + to_utf8(in_quotes(name)) +
+                                (nearest == names.end() ? "" : "; the nearest is " + to_utf8(*nearest)));
 }
 
 ActionResult Screen::click(const std::u16string& name) {
@@ -129,8 +116,6 @@ std::vector<std::vector<std::u16string>> Screen::rows(const std::u16string& name
     for (const ShownRow& row : shown.rows) all.push_back(row.cells);
     return all;
 }
-
-std::u16string shown_boolean(bool value) { return value ? u"True" : u"False"; }
 
 std::u16string shown_row(const std::vector<std::u16string>& cells) {
     std::u16string line;

@@ -2,7 +2,6 @@
 // as data, and on real windows.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -70,14 +69,14 @@ public:
     /// The topmost dialog is what its user looks at now.
     virtual void look() {}
 
-    virtual ActionResult click(const std::u16string& control);
+    ActionResult click(const std::u16string& control);
     /// x and y in twips of the control.
-    virtual ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y);
+    ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y);
     /// The text of a text box; "on" or "off" of an option button or a check box. Raises
     /// `std::invalid_argument` for other controls and values.
-    virtual ActionResult set(const std::u16string& control, const std::u16string& value);
+    ActionResult set(const std::u16string& control, const std::u16string& value);
     /// Right press on a row (from 1), then the item of the menu that pops up, by its caption.
-    virtual ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item);
+    ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item);
     /// The close box of the topmost dialog, which may refuse.
     virtual void close() = 0;
     /// The topmost dialog is brought to the front again.
@@ -93,7 +92,7 @@ protected:
 
     virtual std::u16string dialog_name() const = 0;
     virtual std::u16string dialog_caption() const = 0;
-    /// For messages; none where the side cannot tell.
+    /// Of its controls; none where a side cannot tell.
     virtual std::vector<std::u16string> control_names() const { return {}; }
     virtual void do_click(const std::u16string& control) = 0;
     virtual void do_press(const std::u16string& control, forms::MouseButton button, float x, float y) = 0;
@@ -105,8 +104,6 @@ private:
     ShownControl control(const std::u16string& name) const;
 };
 
-/// "True" or "False".
-std::u16string shown_boolean(bool value);
 /// The cells of a row, quoted, with bars between.
 std::u16string shown_row(const std::vector<std::u16string>& cells);
 

@@ -1,10 +1,12 @@
 // One run of the simulated host.
 #include "simulator/session.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
+#include "platform/private_files.h"
 #include "simulator/class_library.h"
 #include "simulator/words.h"
 
@@ -91,7 +93,7 @@ ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const s
         PluginHost plugin(plugin_library);
         status = work(host, plugin);
         host.save_displays();
-        replace_file(unit_file, host.units.text());
+        platform::replace_private_file(unit_file, host.units.text());
         if (!plugin.can_unload()) {
             errors << "the plug-in still has living objects\n";
             left_behind = true;
@@ -116,8 +118,8 @@ Session::Session(const CommandLine& options, const std::filesystem::path& progra
 }
 
 ExitStatus Session::play(const std::string& file, std::ostream& out, std::ostream& errors) {
-    constexpr char kStandardInput[] = "standard input";
-    if (file == "-") return play_text(kStandardInput, read_stream(kStandardInput, std::cin), {}, out, errors);
+    if (file == "-")
+        return play_text("standard input", {std::istreambuf_iterator<char>(std::cin), {}}, {}, out, errors);
     return play_text(file, read_file(file), std::filesystem::path(file).parent_path(), out, errors);
 }
 
@@ -133,7 +135,7 @@ ExitStatus Session::play_text(const std::string& name, const std::string& text, 
     });
 }
 
-ExitStatus Session::try_out(std::ostream& errors,
+ExitStatus Session::try_out(std::ostream& summary, std::ostream& errors,
                             const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work) {
     std::ostream no_trace(nullptr);
     return run_host(machine(), data_, plugin_, true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
@@ -144,7 +146,18 @@ ExitStatus Session::try_out(std::ostream& errors,
             const ExitStatus status = ScenarioPlayer(sample, host, screen(), plugin, errors, samples_).play();
             if (status != kPassed) return status;
         }
-        return work(host, plugin, fresh);
+        const std::vector<std::u16string> before = host.unit_lines();
+        const ExitStatus status = work(host, plugin, fresh);
+        std::size_t unchanged = 0;
+        for (const std::u16string& line : host.unit_lines()) {
+            if (std::ranges::find(before, line) != before.end()) {
+                ++unchanged;
+            } else {
+                summary << to_utf8(line) << '\n';
+            }
+        }
+        if (unchanged > 0) summary << unchanged << (unchanged == 1 ? " unit has" : " units have") << " not changed\n";
+        return status;
     });
 }
 

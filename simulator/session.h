@@ -50,6 +50,7 @@ class Session {
 public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+    virtual ~Session() = default;
 
     /// Plays the scenario of that file; "-": standard input. Raises `std::exception` for one that is missing
     /// or bad. The trace goes to `out`, everything else to `errors`.
@@ -57,33 +58,39 @@ public:
     /// The same for a text; `folder`: where its relative files lie.
     ExitStatus play_text(const std::string& name, const std::string& text, const std::filesystem::path& folder,
                          std::ostream& out, std::ostream& errors);
-    /// Does the work on a host whose displays are those of the sample scenario, unless it has some already.
-    ExitStatus try_out(std::ostream& errors,
-                       const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work);
-    /// Opens the wizard for somebody to use.
-    static ExitStatus start(PluginHost& plugin, std::ostream& errors);
 
-    const std::filesystem::path& samples_folder() const noexcept { return samples_; }
+    // These answer the program's exit status.
+
+    /// No scenario is named: opens the wizard on the sample displays.
+    virtual int play_without_scenario() = 0;
+    /// Prints what controls each of the plug-in's dialogs has.
+    virtual int print_controls() = 0;
 
 protected:
     /// Makes the data folder's name; without one in the options, a private folder for this run.
     Session(const CommandLine& options, const std::filesystem::path& program_folder, const char* plugin_file);
-    ~Session() = default;
 
     virtual Machine& machine() = 0;
     virtual Screen& screen() = 0;
-    const CommandLine& options() const noexcept { return options_; }
-    const std::filesystem::path& data() const noexcept { return data_; }
-    const std::filesystem::path& plugin() const noexcept { return plugin_; }
     /// Before a scenario is played, whose trace goes to `out`.
     virtual void prepare(std::ostream& /*out*/) {}
 
-private:
+    /// Lets somebody do the `work` on a host whose displays are those of the sample scenario, unless it has some
+    /// already; it is `fresh` then. What the units hold that have changed goes to `summary` in the end.
+    ExitStatus try_out(std::ostream& summary, std::ostream& errors,
+                       const std::function<ExitStatus(Host& host, PluginHost& plugin, bool fresh)>& work);
+    /// Opens the wizard for somebody to use.
+    static ExitStatus start(PluginHost& plugin, std::ostream& errors);
+
     CommandLine options_;
-    std::optional<PrivateFolder> private_;
+    /// Where settings, drives and units are kept.
     std::filesystem::path data_;
+    /// The plug-in's library.
     std::filesystem::path plugin_;
     std::filesystem::path samples_;
+
+private:
+    std::optional<PrivateFolder> private_;
 };
 
 }  // namespace vex::sim

@@ -1,20 +1,18 @@
-// The statements of a scenario: each by what it does, and how all are written at the end.
+// The statements of a scenario: each by what it means, and how all are written at the end.
 #include <algorithm>
-#include <functional>
-#include <iterator>
 #include <limits>
-#include <utility>
 
 #include "core/digits.h"
 #include "core/unicode.h"
 #include "simulator/controls.h"
 #include "simulator/firmware_image.h"
+#include "simulator/registry_editor.h"
 #include "simulator/scenario.h"
 
 namespace vex::sim {
 namespace {
 
-using Player = ScenarioPlayer*;
+using Player = ScenarioPlayer;
 
 constexpr std::int64_t kAnyCount = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
@@ -26,11 +24,6 @@ std::size_t read_count(const std::u16string& word, std::int64_t most = kAnyCount
     return static_cast<std::size_t>(*number);
 }
 
-/// The value of "KEY=VALUE" where the word has that key.
-std::optional<std::u16string> value_of(const std::u16string& key, const std::u16string& word) {
-    return word.starts_with(key + u'=') ? std::optional(word.substr(key.size() + 1)) : std::nullopt;
-}
-
 /// The position of the word among those that are allowed there.
 std::size_t one_of(std::initializer_list<std::u16string_view> allowed, const std::u16string& word, const char* what) {
     const auto* const found = std::ranges::find(allowed, word);
@@ -40,183 +33,139 @@ std::size_t one_of(std::initializer_list<std::u16string_view> allowed, const std
 
 // ---- Displays -----------------------------------------------------------------------------------------
 
-/// Puts a number into the place of each "{n}".
-std::u16string numbered(std::u16string text, const std::u16string& digits) {
-    constexpr std::u16string_view kPlace = u"{n}";
-    for (std::size_t at = text.find(kPlace); at != text.npos; at = text.find(kPlace, at + digits.size()))
-        text.replace(at, kPlace.size(), digits);
-    return text;
+Action display(const Words& words) {
+    return [display = read_display(words)](Player& player) { player.host.put_display(display); };
 }
 
-void display(const Words& words, Player player) {
-    Display display = read_display(words);
-    if (player != nullptr) player->host.put_display(std::move(display));
+/// "unit" and "box".
+Action hardware(const Words& words) {
+    Units().read(words);
+    return [words](Player& player) {
+        player.require_display(words[1]);
+        player.host.units.read(words);
+    };
 }
 
-void displays(const Words& words, Player player) {
-    constexpr std::int64_t kMostDisplays = 1'000'000;
-    const std::size_t count = read_count(words[1], kMostDisplays);
-    for (std::size_t number = 1; number <= (player == nullptr ? 1 : count); ++number) {
-        const std::u16string digits = digits_of(number, 10);
-        Words one(words.begin() + 1, words.end());
-        for (std::u16string& word : one) word = numbered(word, digits);
-        one[1] = words[2] + digits;
-        display(one, player);
-    }
-}
-
-void unit(const Words& words, Player player) {
-    const std::int16_t id = parse_id(words[2]);
-    const auto slaves = value_of(u"slaves", words[3]);
-    if (!slaves && words[3] != u"absent") refuse(words[3], "is neither slaves=YxX nor absent");
-    const SlaveCounts counts = slaves ? parse_slaves(*slaves) : SlaveCounts();
-    if (player == nullptr) return;
-    const std::u16string name = player->display(words[1]).name;
-    slaves ? player->host.units.set_slaves(name, id, counts) : player->host.units.set_absent(name, id);
-}
-
-void box(const Words& words, Player player) {
-    if (player != nullptr) player->host.units.add_box(player->display(words[1]).name, words[2]);
-}
-
-void units(const Words& /*words*/, Player player) {
-    if (player == nullptr) return;
-    const Host& host = player->host;
-    for (const Display& display : host.displays) {
-        for (const std::int16_t id : host.units.ids(display)) {
-            host.trace.print(u"unit " + in_quotes(display.name) + u" " + decimal_text(id) + u": " +
-                             describe(host.units.content(display.name, id)));
-        }
-    }
+Action units(const Words& /*words*/) {
+    return [](Player& player) {
+        for (const std::u16string& line : player.host.unit_lines()) player.host.trace.print(line);
+    };
 }
 
 // ---- The computer -------------------------------------------------------------------------------------
 
-void setting(const Words& words, Player player) {
-    const RegistryPath path{.key = u"Software\\Norvan\\" + words[1] + u"\\" + words[2]};
-    if (player != nullptr) player->registry.write(path, words[3], u"sz", words[4]);
+Action setting(const Words& words) {
+    return [words](Player&) {
+        write_registry({.key = u"Software\\Norvan\\" + words[1] + u"\\" + words[2]}, words[3], u"sz", words[4]);
+    };
 }
 
-void registry(const Words& words, Player player) {
-    const RegistryPath path = parse_registry_path(words[1]);
-    if (player != nullptr) player->registry.write(path, words[2], words[3], words[4]);
+Action registry(const Words& words) {
+    return
+        [words, path = parse_registry_path(words[1])](Player&) { write_registry(path, words[2], words[3], words[4]); };
 }
 
-void import(const Words& words, Player player) {
-    if (player != nullptr) player->registry.import(to_utf8(words[1]), read_file(player->source_file(words[1])));
+Action import(const Words& words) {
+    return [file = words[1]](Player& player) { import_registry(to_utf8(file), read_file(player.source_file(file))); };
 }
 
-void file(const Words& words, Player player) {
-    const bool folder =
-        words.size() > 2 && one_of({u"hidden", u"folder"}, words[2], "is neither hidden nor folder") == 1;
-    if (player == nullptr) return;
-    if (folder) {
-        std::filesystem::create_directories(player->host.machine.writable_path(words[1]));
-        return;
-    }
-    player->put_file(words[1], "");
-    if (words.size() > 2) player->host.machine.hide(words[1]);
+Action file(const Words& words) {
+    if (words.size() > 2 && words[2] != u"hidden") refuse(words[2], "is not hidden");
+    return [path = words[1], hidden = words.size() > 2](Player& player) {
+        player.put_file(path, "");
+        if (hidden) player.host.machine.hide(path);
+    };
 }
 
-void copy(const Words& words, Player player) {
-    if (player != nullptr) player->put_file(words[2], read_file(player->source_file(words[1])));
+Action copy(const Words& words) {
+    return [words](Player& player) { player.put_file(words[2], read_file(player.source_file(words[1]))); };
 }
 
-void lines(const Words& words, Player player) {
+Action put(const std::u16string& path, const std::string& content) {
+    return [path, content](Player& player) { player.put_file(path, content); };
+}
+
+Action lines(const Words& words) {
     std::string text;
     for (std::size_t i = 2; i < words.size(); ++i) text += to_utf8(words[i]) + "\n";
-    if (player != nullptr) player->put_file(words[1], text);
+    return put(words[1], text);
 }
 
-void image(const Words& words, Player player) {
+Action image(const Words& words) {
     constexpr std::int64_t kLargestImage = 1 << 20;
-    const std::size_t size = read_count(words[2], kLargestImage);
-    if (player != nullptr) player->put_file(words[1], make_motorola_image(size));
+    return put(words[1], make_motorola_image(read_count(words[2], kLargestImage)));
 }
 
-void loader(const Words& words, Player player) {
-    const bool line = one_of({u"line", u"server"}, words[2], "is neither line nor server") == 0;
-    if (player != nullptr) player->put_file(words[1], make_loader_image(line ? LoaderKind::line : LoaderKind::server));
-}
+Action loader(const Words& words) { return put(words[1], make_loader_image()); }
 
 // ---- The links ----------------------------------------------------------------------------------------
 
-/// NAME ID MEMBER, from the second word, and "at=N", which is taken off the end of more than the fewest words.
-CallPattern read_pattern(Words& words, std::size_t fewest_words) {
+/// NAME ID MEMBER, from the second word, and "at=N" where it is the sixth.
+CallPattern read_pattern(const Words& words) {
     CallPattern pattern;
     if (words[1] != u"*") pattern.display = words[1];
     if (words[2] != u"*") pattern.id = parse_id(words[2]);
     pattern.operation = parse_operation(words[3]);
-    if (const auto at = words.size() > fewest_words ? value_of(u"at", words.back()) : std::nullopt) {
-        pattern.at = static_cast<std::int64_t>(read_count(*at));
-        words.pop_back();
-    }
+    const auto at = words.size() > 5 ? value_of(u"at", words[5]) : std::nullopt;
+    if (at) pattern.at = static_cast<std::int64_t>(read_count(*at));
     return pattern;
 }
 
-void fault(const Words& given, Player player) {
-    Words words = given;
-    const CallPattern pattern = read_pattern(words, 5);
-    if (words.size() != 5) refuse(words.back(), "is not at=N");
+Action fault(const Words& words) {
+    const CallPattern pattern = read_pattern(words);
+    if (words.size() > 5 && pattern.at == 0) refuse(words[5], "is not at=N");
     constexpr FaultKind kKinds[] = {FaultKind::fail, FaultKind::raise, FaultKind::replace};
     const FaultKind kind = kKinds[one_of({u"fail", u"raise", u"replace"}, words[4], "is none of fail, raise, replace")];
-    if ((kind == FaultKind::fail && !answers_success(pattern.operation)) ||
-        (kind == FaultKind::replace && pattern.operation != Operation::OpenConnection))
+    if ((kind == FaultKind::fail && (pattern.operation == u"SignID" || !speaks(pattern.operation))) ||
+        (kind == FaultKind::replace && pattern.operation != u"OpenConnection"))
         refuse(words[4], "is nothing that " + to_utf8(words[3]) + " does");
-    if (player == nullptr) return;
-    if (pattern.display) static_cast<void>(player->display(*pattern.display));
-    player->host.links.add_fault(pattern, kind);
+    return [pattern, kind](Player& player) {
+        if (pattern.display) player.require_display(*pattern.display);
+        player.host.script.push_back({.pattern = pattern, .fault = kind});
+    };
 }
 
-/// The control says a text; the reaction to it stands behind the text.
-void say_and_react(const CallPattern& pattern, const Words& words, const Words& reaction, Player player) {
+Action say(const Words& words) {
+    const CallPattern pattern = read_pattern(words);
     if (!speaks(pattern.operation)) refuse(words[3], "is no member of the transmission control");
-    if (!reaction.empty() && player == nullptr) statement_type(reaction).play(reaction, nullptr);
-    if (player != nullptr) player->say(pattern, words[4], reaction);
-}
-
-void say(const Words& given, Player player) {
-    Words words = given;
-    const CallPattern pattern = read_pattern(words, 5);
-    if (words.size() > 6) refuse(words.back(), "is not at=N");
-    say_and_react(pattern, words, words.size() == 6 ? Words{u"click", words[5]} : Words(), player);
-}
-
-void during(const Words& given, Player player) {
-    Words words = given;
-    const CallPattern pattern = read_pattern(words, kAnyNumber);
-    if (words[5] == u"during" || words[5] == u"include") refuse(words[5], "is no statement for the middle of a call");
-    say_and_react(pattern, words, Words(words.begin() + 5, words.end()), player);
+    const Words rest(words.begin() + (pattern.at == 0 ? 5 : 6), words.end());
+    Action reaction;
+    if (!rest.empty()) {
+        const StatementType& type = statement_type(rest);
+        if (type.read == nullptr) refuse(rest.front(), "is no statement for the middle of a call");
+        reaction = type.read(rest);
+    }
+    return [pattern, text = words[4], reaction](Player& player) {
+        if (pattern.display) player.require_display(*pattern.display);
+        player.say(pattern, text, reaction);
+    };
 }
 
 // ---- What the user does -------------------------------------------------------------------------------
 
-void answer(const Words& words, Player player) {
-    const std::size_t what =
+Action answer(const Words& words) {
+    const std::u16string& text = words[2];
+    const std::size_t asked =
         one_of({u"picker", u"openfile", u"msgbox"}, words[1], "is none of picker, openfile, msgbox");
+    if (asked == 0) return [text](Player& player) { player.picker_answers.push_back(text); };
+    if (asked == 1) {
+        return [path = text == u"cancel" ? std::nullopt : std::optional(text)](Player& player) {
+            player.file_answers.push_back(path);
+        };
+    }
     constexpr forms::MessageAnswer kAnswers[] = {forms::MessageAnswer::yes, forms::MessageAnswer::no,
                                                  forms::MessageAnswer::ok};
-    const std::size_t button = what == 2 ? one_of({u"yes", u"no", u"ok"}, words[2], "is none of yes, no, ok") : 0;
-    if (player == nullptr) return;
-    if (what == 0) player->picker_answers.push_back(words[2]);
-    if (what == 1) player->file_answers.push_back(words[2] == u"cancel" ? std::nullopt : std::optional(words[2]));
-    if (what == 2) player->message_answers.emplace_back(kAnswers[button], player->place);
+    const forms::MessageAnswer button = kAnswers[one_of({u"yes", u"no", u"ok"}, text, "is none of yes, no, ok")];
+    return [button](Player& player) { player.message_answers.emplace_back(button, player.place); };
 }
 
-void pick_all(const Words& /*words*/, Player player) {
-    if (player == nullptr) return;
-    std::u16string names;
-    for (const Display& display : player->host.displays) names += (names.empty() ? u"" : u",") + display.name;
-    player->picker_answers.push_back(std::move(names));
-}
-
-void start(const Words& words, Player player) {
+Action start(const Words& words) {
     if (words.size() > 1 && words[1] != u"frame") refuse(words[1], "is not frame");
-    if (player != nullptr) player->start(words.size() > 1);
+    return [frame = words.size() > 1](Player& player) { player.start(frame); };
 }
 
-void click(const Words& words, Player player) {
-    if (player != nullptr) player->note_unless_done(player->screen.click(words[1]), words[1]);
+Action click(const Words& words) {
+    return [name = words[1]](Player& player) { player.note_unless_done(player.screen.click(name), name); };
 }
 
 float read_twips(const std::u16string& word) {
@@ -225,31 +174,32 @@ float read_twips(const std::u16string& word) {
     return *number;
 }
 
-void press(const Words& words, Player player) {
-    const float x = read_twips(words[2]);
-    const float y = read_twips(words[3]);
-    const std::u16string name = words.size() > 4 ? words[4] : u"left";
-    const auto button = one_of({u"left", u"right"}, name, "is neither left nor right") == 0 ? forms::MouseButton::left
+Action press(const Words& words) {
+    const std::u16string side = words.size() > 4 ? words[4] : u"left";
+    const auto button = one_of({u"left", u"right"}, side, "is neither left nor right") == 0 ? forms::MouseButton::left
                                                                                             : forms::MouseButton::right;
-    if (player != nullptr) player->note_unless_done(player->screen.press(words[1], button, x, y), words[1]);
+    return [name = words[1], x = read_twips(words[2]), y = read_twips(words[3]), button](Player& player) {
+        player.note_unless_done(player.screen.press(name, button, x, y), name);
+    };
 }
 
-void set(const Words& words, Player player) {
-    if (player != nullptr) player->note_unless_done(player->screen.set(words[1], words[2]), words[1]);
+Action set(const Words& words) {
+    return [words](Player& player) { player.note_unless_done(player.screen.set(words[1], words[2]), words[1]); };
 }
 
-void close(const Words& /*words*/, Player player) {
-    if (player != nullptr) player->screen.close();
+Action close(const Words& /*words*/) {
+    return [](Player& player) { player.screen.close(); };
 }
 
-void activate(const Words& /*words*/, Player player) {
-    if (player != nullptr) player->screen.activate();
+Action activate(const Words& /*words*/) {
+    return [](Player& player) { player.screen.activate(); };
 }
 
-void retry(const Words& words, Player player) {
-    const std::u16string list = u"lstvDisplayStatus";
-    const std::size_t row = read_count(words[1]);
-    if (player != nullptr) player->note_unless_done(player->screen.choose_from_menu(list, row, u"Retry!"), list);
+Action retry(const Words& words) {
+    return [row = read_count(words[1])](Player& player) {
+        constexpr char16_t kList[] = u"lstvDisplayStatus";
+        player.note_unless_done(player.screen.choose_from_menu(kList, row, u"Retry!"), kList);
+    };
 }
 
 // ---- What the user sees -------------------------------------------------------------------------------
@@ -257,78 +207,69 @@ void retry(const Words& words, Player player) {
 /// What is looked at, as it is written, and what is found there.
 struct Sight {
     std::u16string name;
-    std::u16string property;
-    std::u16string found;
+    std::function<std::u16string(Player& player)> find;
 };
 
-/// CONTROL.PROPERTY, one word, or ROOT\KEY NAME, two. Nothing is found without a player.
-Sight look(const Words& words, bool in_registry, Player player) {
-    Sight sight;
+/// CONTROL.PROPERTY, one word, or ROOT\KEY NAME, two.
+Sight look(const Words& words, bool in_registry) {
     if (in_registry) {
-        const RegistryPath path = parse_registry_path(words[1]);
-        sight.name = as_word(words[1]) + u" " + as_word(words[2]);
-        if (player != nullptr) sight.found = player->registry.show(path, words[2]);
-        return sight;
+        return {as_word(words[1]) + u" " + as_word(words[2]),
+                [path = parse_registry_path(words[1]), name = words[2]](Player&) { return show_registry(path, name); }};
     }
-    sight.name = words[1];
     const std::size_t point = words[1].find(u'.');
     if (point == words[1].npos || point == 0 || point + 1 == words[1].size())
         refuse(words[1], "is no CONTROL.PROPERTY");
-    sight.property = words[1].substr(point + 1);
-    if (player != nullptr) sight.found = player->screen.property(words[1].substr(0, point), sight.property);
-    return sight;
+    return {words[1], [control = words[1].substr(0, point), property = words[1].substr(point + 1)](Player& player) {
+                return player.screen.property(control, property);
+            }};
 }
 
-void show(const Words& words, Player player) {
-    const Sight sight = look(words, words.size() == 3, player);
-    if (player != nullptr) player->host.trace.print(u"show " + sight.name + u" = " + sight.found);
+Action show(const Words& words) {
+    return [sight = look(words, words.size() == 3)](Player& player) {
+        player.host.trace.print(u"show " + sight.name + u" = " + sight.find(player));
+    };
 }
 
-void expect(const Words& words, Player player) {
-    const auto [name, property, found] = look(words, words.size() == 4, player);
-    // Texts are compared exactly; words such as True and digits such as those of a colour in any case.
-    const bool is_word = property == u"Enabled" || property == u"Visible" || property == u"Value" ||
-                         property == u"FillColor" || property.ends_with(u".ForeColor");
-    const bool equal = is_word ? equal_ignoring_case(words.back(), found) : words.back() == found;
-    if (player != nullptr) player->expect(name, words.back(), found, equal);
+Action expect(const Words& words) {
+    return [sight = look(words, words.size() == 4), expected = words.back()](Player& player) {
+        player.expect(sight.name, expected, sight.find(player));
+    };
 }
 
-void rows(const Words& words, Player player) {
-    if (player == nullptr) return;
-    std::size_t number = 0;
-    for (const auto& cells : player->screen.rows(words[1]))
-        player->host.trace.print(u"row " + digits_of(++number, 10) + u": " + shown_row(cells));
+Action rows(const Words& words) {
+    return [list = words[1]](Player& player) {
+        std::size_t number = 0;
+        for (const auto& cells : player.screen.rows(list))
+            player.host.trace.print(u"row " + digits_of(++number, 10) + u": " + shown_row(cells));
+    };
 }
 
 constexpr StatementType kStatements[] = {
     {"include FILE", 2, 2, nullptr},
     {"display NAME [KEY=VALUE]...", 2, kAnyNumber, &display},
-    {"displays COUNT PREFIX [KEY=VALUE]...", 3, kAnyNumber, &displays},
-    {"unit NAME ID slaves=YxX|absent", 4, 4, &unit},
-    {"box NAME TEXT", 3, 3, &box},
+    {"unit NAME ID slaves=YxX", 4, 4, &hardware},
+    {"box NAME TEXT", 3, 3, &hardware},
     {"setting APPLICATION SECTION KEY VALUE", 5, 5, &setting},
     {"registry ROOT\\KEY NAME TYPE VALUE", 5, 5, &registry},
     {"import FILE", 2, 2, &import},
-    {"file PATH [hidden|folder]", 2, 3, &file},
+    {"file PATH [hidden]", 2, 3, &file},
     {"copy SOURCE PATH", 3, 3, &copy},
     {"lines PATH LINE...", 3, kAnyNumber, &lines},
     {"image PATH BYTES", 3, 3, &image},
-    {"loader PATH line|server", 3, 3, &loader},
+    {"loader PATH", 2, 2, &loader},
     {"fault NAME ID MEMBER fail|raise|replace [at=N]", 5, 6, &fault},
-    {"say NAME ID MEMBER TEXT [CONTROL] [at=N]", 5, 7, &say},
-    {"during NAME ID MEMBER TEXT STATEMENT...", 6, kAnyNumber, &during},
+    {"say NAME ID MEMBER TEXT [at=N] [STATEMENT]", 5, kAnyNumber, &say},
     {"answer picker TEXT | answer openfile PATH|cancel | answer msgbox yes|no|ok", 3, 3, &answer},
-    {"pick-all", 1, 1, &pick_all},
     {"start [frame]", 1, 2, &start},
-    {"click CONTROL", 2, 2, &click, 1},
-    {"press CONTROL X Y [left|right]", 4, 5, &press, 1},
-    {"set CONTROL VALUE", 3, 3, &set, 1},
+    {"click CONTROL", 2, 2, &click},
+    {"press CONTROL X Y [left|right]", 4, 5, &press},
+    {"set CONTROL VALUE", 3, 3, &set},
     {"close", 1, 1, &close},
     {"activate", 1, 1, &activate},
     {"retry ROW", 2, 2, &retry},
-    {"show CONTROL.PROPERTY | show ROOT\\KEY NAME", 2, 3, &show, 1},
-    {"expect CONTROL.PROPERTY VALUE | expect ROOT\\KEY NAME VALUE", 3, 4, &expect, 1},
-    {"rows CONTROL", 2, 2, &rows, 1},
+    {"show CONTROL.PROPERTY | show ROOT\\KEY NAME", 2, 3, &show},
+    {"expect CONTROL.PROPERTY VALUE | expect ROOT\\KEY NAME VALUE", 3, 4, &expect},
+    {"rows CONTROL", 2, 2, &rows},
     {"units", 1, 1, &units},
 };
 

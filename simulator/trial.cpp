@@ -2,10 +2,10 @@
 #include "simulator/trial.h"
 
 #include <algorithm>
-#include <array>
 #include <thread>
 #include <utility>
 
+#include "core/digits.h"
 #include "core/unicode.h"
 #include "support/text.h"
 
@@ -24,30 +24,6 @@ bool matches(const Display& display, const std::u16string& wanted) {
     const std::u16string* const texts[] = {&display.name, &display.type, &display.port, &address_of(display)};
     return std::ranges::any_of(
         texts, [&wanted](const std::u16string* text) { return to_upper(*text).find(wanted) != std::u16string::npos; });
-}
-
-using Seconds = std::chrono::duration<double>;
-
-constexpr Seconds kConnecting{0.6};
-constexpr Seconds kAsking{0.3};
-constexpr Seconds kClosing{0.4};
-constexpr Seconds kResetting{0.9};
-constexpr Seconds kReading{0.5};
-/// So that a sample program takes about four seconds.
-constexpr double kBytesPerSecond = 20'000;
-/// How soon a key is answered, and how often the screen may change.
-constexpr Seconds kSlice{0.015};
-
-/// Whether the call is what the run is about for its unit.
-bool is_unit_work(Operation operation) noexcept {
-    return operation == Operation::ResetAndClear || operation == Operation::DownloadFirmware ||
-           operation == Operation::DownloadFirmwareWithLoader;
-}
-
-/// Characters, as far as UTF-16 can tell without a table of widths.
-std::size_t length(const std::u16string& text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char16_t unit) { return unit < 0xDC00 || unit > 0xDFFF; }));
 }
 
 }  // namespace
@@ -129,29 +105,17 @@ void DisplayPicker::show_checks() {
         if (list_.rows()[row].icon != images_.find(key)) list_.set_icon(row, key);
     }
     count_.set_caption(digits_of(checked_.size(), 10) + u" of " + digits_of(displays_.size(), 10) + u" checked");
-    all_.set_caption((all_checked() ? u"Uncheck &All " : u"Check &All ") + digits_of(rows_.size(), 10));
-    all_.set_enabled(!rows_.empty());
+    all_.set_caption(u"Check &All " + digits_of(rows_.size(), 10));
+    all_.set_enabled(std::ranges::any_of(rows_, [this](std::size_t display) { return !checked_.contains(display); }));
     ok_.set_enabled(!checked_.empty());
     // Enter checks what the search has found, and then takes what is checked.
-    all_.is_default = !search_.text().empty() && rows_.size() == 1 && !all_checked();
+    all_.is_default = all_.enabled() && !search_.text().empty() && rows_.size() == 1;
     ok_.is_default = !all_.is_default && !rows_.empty();
 }
 
-bool DisplayPicker::all_checked() const {
-    return !rows_.empty() &&
-           std::ranges::all_of(rows_, [this](std::size_t display) { return checked_.contains(display); });
-}
-
 void DisplayPicker::check_all() {
-    const bool uncheck = all_checked();
-    for (const std::size_t display : rows_) {
-        if (uncheck) {
-            checked_.erase(display);
-        } else {
-            checked_.insert(display);
-        }
-    }
-    if (rows_.size() > 1 || uncheck) return show_checks();
+    checked_.insert(rows_.begin(), rows_.end());
+    if (rows_.size() > 1) return show_checks();
     // Found and checked: the next one may be looked for.
     const std::size_t display = rows_.front();
     search_.set_text({});
@@ -161,93 +125,55 @@ void DisplayPicker::check_all() {
 
 // ---- How far a run is ---------------------------------------------------------------------------------
 
-void RunProgress::begin_run(std::vector<std::u16string> displays) {
-    chosen_ = std::move(displays);
-    display_number_ = 0;
-}
-
-std::size_t RunProgress::displays() const noexcept {
-    return std::max({chosen_.size(), display_number_, std::size_t{1}});
+void RunProgress::begin_run(std::vector<std::u16string> names) {
+    chosen_ = std::move(names);
+    displays = std::max<std::size_t>(chosen_.size(), 1);
+    display_number = 0;
 }
 
 void RunProgress::follow(const LinkEvent& event) {
     const Operation operation = event.call.operation;
-    if (event.kind == LinkEvent::Kind::transfers) unit_share_ = event.percent / 100.0;
-    if (event.kind == LinkEvent::Kind::begins && operation == Operation::OpenConnection)
-        begin_display(event.call.display);
-    if (!is_unit_work(operation)) return;
-    if (event.kind == LinkEvent::Kind::begins) begin_unit(operation);
-    if (event.kind == LinkEvent::Kind::ends && event.succeeded) unit_share_ = 1;
+    if (event.kind == LinkEvent::Kind::transfers) unit_share = event.percent / 100.0;
+    if (event.kind != LinkEvent::Kind::begins) return;
+    if (operation == u"OpenConnection") begin_display(event.call.display);
+    // A loader goes to the first unit alone.
+    if (operation == u"DownloadFirmwareWithLoader") units = 1;
+    // What the run is about for its unit.
+    if (operation == u"ResetAndClear" || operation.starts_with(u"DownloadFirmware")) {
+        unit_number = std::min(unit_number + 1, units);
+        unit_share = 0;
+    }
 }
 
 void RunProgress::begin_display(const std::u16string& name) {
-    auto found = std::find(chosen_.begin(), chosen_.end(), name);
-    if (found != chosen_.end() && found < chosen_.begin() + static_cast<std::ptrdiff_t>(display_number_)) {
+    auto found = std::ranges::find(chosen_, name);
+    if (found != chosen_.end() && found < chosen_.begin() + static_cast<std::ptrdiff_t>(display_number)) {
         // Done again, it is a run of its own.
-        chosen_ = {name};
+        begin_run({name});
         found = chosen_.begin();
     }
     // A display that nobody picked comes by itself, or nobody answers for it.
-    display_number_ = found != chosen_.end() ? static_cast<std::size_t>(found - chosen_.begin()) + 1
-                                             : std::min(display_number_ + 1, displays());
-    unit_number_ = 0;
-    unit_share_ = 0;
+    display_number = found != chosen_.end() ? static_cast<std::size_t>(found - chosen_.begin()) + 1
+                                            : std::min(display_number + 1, displays);
+    unit_number = 0;
+    unit_share = 0;
     const auto known = host_.displays.find(name);
-    units_ = known ? std::max<std::size_t>(1, host_.units.ids(host_.displays.at(*known)).size()) : 1;
-}
-
-void RunProgress::begin_unit(Operation operation) {
-    // A loader goes to the first unit alone.
-    if (operation == Operation::DownloadFirmwareWithLoader) units_ = 1;
-    unit_number_ = std::min(unit_number_ + 1, units_);
-    unit_share_ = 0;
+    units = known ? std::max<std::size_t>(1, host_.units.ids(host_.displays.at(*known)).size()) : 1;
 }
 
 double RunProgress::run_share() const noexcept {
-    if (display_number_ == 0) return 0;
-    const double units_done = unit_number_ == 0 ? 0 : static_cast<double>(unit_number_ - 1) + unit_share_;
-    const double displays_done = static_cast<double>(display_number_ - 1) + units_done / static_cast<double>(units_);
-    return std::min(1.0, displays_done / static_cast<double>(displays()));
-}
-
-// ---- The time that links take -------------------------------------------------------------------------
-
-void Pace::follow(const LinkEvent& event) {
-    const Operation operation = event.call.operation;
-    if (event.kind == LinkEvent::Kind::begins) {
-        if (operation == Operation::CancelTransmission) cancelled_ = true;
-        if (operation == Operation::OpenConnection) cancelled_ = false;
-        transferring_ = false;
-        if (operation == Operation::OpenConnection) wait(kConnecting);
-        if (operation == Operation::GetSignInfo) wait(kAsking);
-        if (operation == Operation::CloseConnection) wait(kClosing);
-    } else if (event.kind == LinkEvent::Kind::transfers) {
-        transferring_ = true;
-        wait(Seconds(static_cast<double>(event.bytes) / kBytesPerSecond));
-    } else if (event.kind == LinkEvent::Kind::says && !std::exchange(transferring_, false)) {
-        wait(operation == Operation::ResetAndClear ? kResetting : kReading);
-    }
-}
-
-void Pace::wait(Seconds usual) {
-    // What happens while it waits, the user's answers among it, happens at once.
-    if (std::exchange(waiting_, true)) return;
-    const auto end = std::chrono::steady_clock::now() + usual / speed_;
-    while (!cancelled_ && !ended_()) {
-        toolkit_.pump_messages();
-        const Seconds left = end - std::chrono::steady_clock::now();
-        if (left <= Seconds::zero()) break;
-        std::this_thread::sleep_for(std::min(left, kSlice));
-    }
-    waiting_ = false;
+    if (display_number == 0) return 0;
+    const double units_done = unit_number == 0 ? 0 : static_cast<double>(unit_number - 1) + unit_share;
+    const double displays_done = static_cast<double>(display_number - 1) + units_done / static_cast<double>(units);
+    return std::min(1.0, displays_done / static_cast<double>(displays));
 }
 
 // ---- The host in front of its user --------------------------------------------------------------------
 
-Trial::Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, Pace pace)
-    : host_(host), pace_(std::move(pace)) {
+Trial::Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, double speed, std::function<bool()> ended)
+    : host_(host), toolkit_(toolkit), speed_(speed), ended_(std::move(ended)) {
     host_.choose_displays = [&] {
-        DisplayPicker picker(toolkit, host_.displays, choice_);
+        DisplayPicker picker(toolkit_, host_.displays, choice_);
         picker.show_modal();
         const std::u16string answer = picker.answer();
         if (answer.empty()) return answer;
@@ -256,9 +182,9 @@ Trial::Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, Pace pa
     };
     host_.on_link = [&](const LinkEvent& event) {
         progress.follow(event);
-        pace_.follow(event);
+        wait(time_of(event));
         // Who leaves in the midst of it cuts the link.
-        return !pace_.ended();
+        return !ended_();
     };
 }
 
@@ -267,30 +193,40 @@ Trial::~Trial() {
     host_.choose_displays = nullptr;
 }
 
-void print_changed_units(const Host& host, const Units& before, std::ostream& out) {
-    std::vector<std::array<std::u16string, 3>> lines{{u"Display", u"Unit", u"Holds now"}};
-    std::size_t unchanged = 0;
-    for (const Display& display : host.displays) {
-        for (const std::int16_t id : host.units.ids(display)) {
-            const std::u16string content = describe(host.units.content(display.name, id));
-            if (content == describe(before.content(display.name, id))) {
-                ++unchanged;
-            } else {
-                lines.push_back({display.name, decimal_text(id), content});
-            }
-        }
+Trial::Seconds Trial::time_of(const LinkEvent& event) {
+    // So that a sample program takes about four seconds.
+    constexpr double kBytesPerSecond = 20'000;
+    const Operation operation = event.call.operation;
+    if (event.kind == LinkEvent::Kind::begins) {
+        transferring_ = false;
+        if (operation == u"CancelTransmission") cancelled_ = true;
+        if (operation == u"OpenConnection") cancelled_ = false;
+        return Seconds(operation == u"OpenConnection"    ? 0.6
+                       : operation == u"GetSignInfo"     ? 0.3
+                       : operation == u"CloseConnection" ? 0.4
+                                                         : 0);
     }
-    if (lines.size() == 1) lines.clear();
-    std::array<std::size_t, 2> widths{};
-    for (const auto& line : lines) {
-        for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], length(line[i]));
+    if (event.kind == LinkEvent::Kind::transfers) {
+        transferring_ = true;
+        return Seconds(static_cast<double>(event.bytes) / kBytesPerSecond);
     }
-    for (const auto& line : lines) {
-        const auto blanks = [&](std::size_t column) { return std::string(widths[column] - length(line[column]), ' '); };
-        out << to_utf8(line[0]) << blanks(0) << "  " << blanks(1) << to_utf8(line[1]) << "  " << to_utf8(line[2])
-            << '\n';
+    if (std::exchange(transferring_, false)) return Seconds::zero();
+    return Seconds(operation == u"ResetAndClear" ? 0.9 : 0.5);
+}
+
+void Trial::wait(Seconds usual) {
+    // How soon a key is answered, and how often the screen may change.
+    constexpr Seconds kSlice{0.015};
+    // What happens while it waits, the user's answers among it, happens at once.
+    if (usual == Seconds::zero() || std::exchange(waiting_, true)) return;
+    const auto end = std::chrono::steady_clock::now() + usual / speed_;
+    while (!cancelled_ && !ended_()) {
+        toolkit_.pump_messages();
+        const Seconds left = end - std::chrono::steady_clock::now();
+        if (left <= Seconds::zero()) break;
+        std::this_thread::sleep_for(std::min(left, kSlice));
     }
-    if (unchanged > 0) out << unchanged << (unchanged == 1 ? " unit has" : " units have") << " not changed\n";
+    waiting_ = false;
 }
 
 }  // namespace vex::sim

@@ -1,11 +1,10 @@
-// What somebody meets who tries the plug-in at a simulated host: its selection dialog, how far a run is, the time that
-// links take, and what the units hold in the end.
+// What somebody meets who tries the plug-in at a simulated host: its selection dialog, how far a run is, and the time
+// that links take.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
 #include <functional>
-#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -32,7 +31,6 @@ private:
     void show_matches();
     /// Shows what is checked, and what the buttons do now.
     void show_checks();
-    bool all_checked() const;
     void check_all();
 
     const Displays& displays_;
@@ -57,68 +55,50 @@ public:
     void begin_run(std::vector<std::u16string> displays);
     void follow(const LinkEvent& event);
 
-    /// From 1, of `displays`.
-    std::size_t display_number() const noexcept { return display_number_; }
-    std::size_t displays() const noexcept;
-    /// From 1, of `units`; 0 before the first.
-    std::size_t unit_number() const noexcept { return unit_number_; }
-    std::size_t units() const noexcept { return units_; }
-    /// 0 to 1.
-    double unit_share() const noexcept { return unit_share_; }
+    /// Which display of how many, and which of its units, from 1; 0 before the first.
+    std::size_t display_number = 0;
+    std::size_t displays = 1;
+    std::size_t unit_number = 0;
+    std::size_t units = 1;
+    /// How much of the unit is done, and of the run: 0 to 1.
+    double unit_share = 0;
     double run_share() const noexcept;
 
 private:
     void begin_display(const std::u16string& name);
-    void begin_unit(Operation operation);
 
     const Host& host_;
     std::vector<std::u16string> chosen_;
-    std::size_t display_number_ = 0;
-    std::size_t unit_number_ = 0;
-    std::size_t units_ = 1;
-    double unit_share_ = 0;
 };
 
-/// Waits where a real link would, and serves the user meanwhile. `toolkit` must outlive it.
-class Pace {
+/// While it lives, the host is in front of its user: its selection dialog is shown to him, and its links take the time
+/// that real ones would, while he is served. The references must outlive it.
+class Trial {
 public:
     /// `speed`: how many times as fast as usual. `ended`: whether the user has left, who waits for nothing more.
-    Pace(forms::Toolkit& toolkit, double speed, std::function<bool()> ended)
-        : toolkit_(toolkit), speed_(speed), ended_(std::move(ended)) {}
-
-    void follow(const LinkEvent& event);
-    bool ended() const { return ended_(); }
+    Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, double speed, std::function<bool()> ended);
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+    ~Trial();
 
 private:
-    void wait(std::chrono::duration<double> usual);
+    using Seconds = std::chrono::duration<double>;
 
+    /// The usual time that this takes.
+    Seconds time_of(const LinkEvent& event);
+    void wait(Seconds usual);
+
+    Host& host_;
     forms::Toolkit& toolkit_;
     double speed_;
     std::function<bool()> ended_;
+    /// What the user chose last.
+    std::u16string choice_;
     /// Who cancels waits for nothing more.
     bool cancelled_ = false;
     bool waiting_ = false;
     /// What the control says of a transfer is read while the next part is on its way.
     bool transferring_ = false;
 };
-
-/// While it lives, the host is in front of its user. The references must outlive it.
-class Trial {
-public:
-    Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, Pace pace);
-    Trial(const Trial&) = delete;
-    Trial& operator=(const Trial&) = delete;
-    ~Trial();
-
-private:
-    Host& host_;
-    /// What the user chose last.
-    std::u16string choice_;
-    Pace pace_;
-};
-
-/// A line for each unit that does not hold what it held `before`, in the host's order of the displays; then how many
-/// still do.
-void print_changed_units(const Host& host, const Units& before, std::ostream& out);
 
 }  // namespace vex::sim

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 
 #include "core/unicode.h"
@@ -28,6 +29,20 @@ void append_quoted(std::u16string_view line, std::size_t& next, std::u16string& 
         }
     }
     throw std::invalid_argument("a quote is not closed");
+}
+
+/// Cuts the first line off a text; `number` counts it. Raises `TextError` for a byte that is no UTF-8.
+std::u16string take_line(const std::string& file, std::size_t number, std::string_view& text) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    std::u16string wide = from_utf8(line);
+    // What is no UTF-8 has become something else, and does not come back.
+    const std::string back = to_utf8(wide);
+    if (back == line) return wide;
+    const auto bad = std::ranges::mismatch(line, back).in1 - line.begin();
+    throw TextError(file, number, "byte " + std::to_string(bad + 1) + " of the line is no UTF-8");
 }
 
 }  // namespace
@@ -78,56 +93,30 @@ std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t 
     return number && *number >= low && *number <= high ? number : std::nullopt;
 }
 
-std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes) {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark) bytes.remove_prefix(kByteOrderMark.size());
-    std::vector<std::u16string> lines;
-    while (!bytes.empty()) {
-        const std::size_t end = std::min(bytes.find('\n'), bytes.size());
-        std::string_view line = bytes.substr(0, end);
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        const std::u16string& text = lines.emplace_back(from_utf8(line));
-        // What is no UTF-8 has become something else, and does not come back.
-        const std::string back = to_utf8(text);
-        if (back != line) {
-            const auto bad = std::ranges::mismatch(line, back).in1 - line.begin();
-            throw TextError(file, lines.size(), "byte " + std::to_string(bad + 1) + " of the line is no UTF-8");
-        }
-        bytes.remove_prefix(std::min(end + 1, bytes.size()));
-    }
-    return lines;
+std::optional<std::u16string> value_of(const std::u16string& key, const std::u16string& word) {
+    return word.starts_with(key + u'=') ? std::optional(word.substr(key.size() + 1)) : std::nullopt;
 }
+
+std::u16string shown_boolean(bool value) { return value ? u"True" : u"False"; }
 
 void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
                 const std::function<void(const Words& words, std::size_t line)>& read) {
-    const std::vector<std::u16string> lines = split_lines(file, text);
-    if (!header.empty() && (lines.empty() || lines.front() != header))
-        throw TextError(file, 1, "expected the line " + to_utf8(header));
-    for (std::size_t i = header.empty() ? 0 : 1; i < lines.size(); ++i) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    std::size_t number = 0;
+    if (!header.empty() && take_line(file, ++number, text) != header)
+        throw TextError(file, number, "expected the line " + to_utf8(header));
+    while (!text.empty()) {
+        const std::u16string line = take_line(file, ++number, text);
         try {
-            const Words words = split_words(lines[i]);
-            if (!words.empty()) read(words, i + 1);
+            const Words words = split_words(line);
+            if (!words.empty()) read(words, number);
         } catch (const TextError&) {
             throw;
         } catch (const std::exception& error) {
-            throw TextError(file, i + 1, error.what());
+            throw TextError(file, number, error.what());
         }
     }
-}
-
-std::string read_stream(const std::string& name, std::istream& stream) {
-    constexpr std::size_t kLargest = 64U << 20U;
-    constexpr std::size_t kPiece = 1U << 16U;
-    std::string bytes;
-    while (stream && bytes.size() <= kLargest) {
-        const std::size_t size = bytes.size();
-        bytes.resize(size + kPiece);
-        stream.read(bytes.data() + size, kPiece);
-        bytes.resize(size + static_cast<std::size_t>(stream.gcount()));
-    }
-    if (bytes.size() > kLargest) throw TextError(name, 0, "is larger than 64 MiB");
-    if (!stream.eof()) throw TextError(name, 0, "cannot be read");
-    return bytes;
 }
 
 std::string read_file(const std::filesystem::path& path) {
@@ -137,15 +126,8 @@ std::string read_file(const std::filesystem::path& path) {
     // A folder opens like a file on some systems and fails only when it is read.
     if (std::filesystem::is_directory(status)) throw TextError(path.string(), 0, "is a folder");
     std::ifstream file(path, std::ios::binary);
-    return read_stream(path.string(), file);
-}
-
-void replace_file(const std::filesystem::path& path, std::string_view bytes) {
-    try {
-        platform::replace_private_file(path, bytes);
-    } catch (const std::system_error& error) {
-        throw TextError(path.string(), 0, error.code().message());
-    }
+    if (!file) throw TextError(path.string(), 0, "cannot be read");
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace vex::sim

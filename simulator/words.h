@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <istream>
 #include <optional>
 #include <random>
 #include <stdexcept>
@@ -14,7 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/digits.h"
 #include "platform/private_files.h"
 
 namespace vex::sim {
@@ -52,38 +50,20 @@ std::optional<Number> number_of(std::string_view word, Form... form) {
 /// A decimal number that fills the whole word and lies in the range.
 std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high);
 
-/// The bytes that pairs of hexadecimal digits stand for. Raises `std::invalid_argument`.
-template <class Bytes>
-Bytes read_hex(std::string_view digits) {
-    if (digits.size() % 2 != 0) throw std::invalid_argument("odd number of digits");
-    Bytes bytes;
-    bytes.reserve(digits.size() / 2);
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = hex_value(digits[i]);
-        const int low = hex_value(digits[i + 1]);
-        if (high < 0 || low < 0) throw std::invalid_argument("a character is no hexadecimal digit");
-        bytes.push_back(static_cast<typename Bytes::value_type>(high * 16 + low));
-    }
-    return bytes;
-}
+/// The value of "KEY=VALUE" where the word has that key.
+std::optional<std::u16string> value_of(const std::u16string& key, const std::u16string& word);
 
-/// The lines of a UTF-8 text, without their ends ("\n" or "\r\n") and without a byte order mark. Raises `TextError`
-/// for a byte that is no UTF-8; `file`: how messages name the text.
-std::vector<std::u16string> split_lines(const std::string& file, std::string_view bytes);
+/// "True" or "False".
+std::u16string shown_boolean(bool value);
 
-/// Hands the words of each line that has some to `read`, with the line's number; what it raises, a `TextError` apart,
-/// becomes a `TextError`. `header`: what the first line must be; empty: it is like the others.
+/// Hands the words of each line of a UTF-8 text that has some to `read`, with the line's number; what it raises, a
+/// `TextError` apart, becomes a `TextError`. Lines end with "\n" or "\r\n"; a byte order mark does not count. `file`:
+/// how messages name the text. `header`: what the first line must be; empty: it is like the others.
 void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
                 const std::function<void(const Words& words, std::size_t line)>& read);
 
-/// All that a stream has. Raises `TextError` without a line where it cannot be read, or is larger than anything that
-/// belongs here.
-std::string read_stream(const std::string& name, std::istream& stream);
 /// A whole file. Raises `TextError` without a line.
 std::string read_file(const std::filesystem::path& path);
-/// Puts `bytes` into the place of what `path` held, in one step: a reader finds the old or the new file.
-/// Raises `TextError` without a line.
-void replace_file(const std::filesystem::path& path, std::string_view bytes);
 
 /// A new folder, for its owner alone, among the system's temporary files; removed in the end.
 class PrivateFolder {

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "core/unicode.h"
 #include "platform/native/terminal/terminal_toolkit.h"
 
 namespace vex::sim {
@@ -25,9 +24,7 @@ public:
     }
 
 private:
-    void run_modal(forms::Form& form, forms::Form* /*owner*/) override {
-        picture_ = picture_of(form);
-    }
+    void run_modal(forms::Form& form, forms::Form* /*owner*/) override { picture_ = picture_of(form); }
 
     terminal::Size size() const override { return terminal::kSmallestTerminal; }
     void show(const terminal::Canvas& /*canvas*/, std::optional<terminal::Point> /*cursor*/) override {}
@@ -53,24 +50,10 @@ terminal::IconCharacters icon_characters() {
             {"CANCELLED", U'○'},  {"MARKED", U'☑'},   {"UNMARKED", U'☐'}};
 }
 
-using forms::ControlKind;
-
 forms::Form& NativeScreen::form() const {
     forms::Form* const top = toolkit_.top();
     if (top == nullptr) throw std::invalid_argument("no dialog is open");
     return *top;
-}
-
-forms::Control& NativeScreen::control(const std::u16string& name) const {
-    forms::Control* const found = form().find(to_utf8(name));
-    if (found == nullptr) throw std::invalid_argument(form().name() + " has no control " + to_utf8(name));
-    return *found;
-}
-
-std::vector<std::u16string> NativeScreen::control_names() const {
-    std::vector<std::u16string> names;
-    for (const forms::Control* control : form().controls()) names.push_back(from_utf8(control->name()));
-    return names;
 }
 
 std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const {
@@ -82,30 +65,35 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     shown.visible = found->visible();
     shown.takes_input = found->enabled() && found->reachable();
     using Kind = ShownControl::Kind;
-    if (found->kind() == ControlKind::text_box) shown.kind = Kind::text_box;
-    if (found->kind() == ControlKind::option_button) {
+    if (const auto* option = dynamic_cast<const forms::OptionButton*>(found)) {
         shown.kind = Kind::option_button;
-        shown.checked = static_cast<const forms::OptionButton&>(*found).value();
-    } else if (found->kind() == ControlKind::check_box) {
+        shown.checked = option->value();
+    } else if (const auto* check = dynamic_cast<const forms::CheckBox*>(found)) {
         shown.kind = Kind::check_box;
-        shown.checked = static_cast<const forms::CheckBox&>(*found).value() != 0;
-    } else if (found->kind() == ControlKind::shape) {
+        shown.checked = check->value() != 0;
+    } else if (const auto* shape = dynamic_cast<const forms::Shape*>(found)) {
         shown.kind = Kind::shape;
-        shown.fill_color = static_cast<const forms::Shape&>(*found).fill_color();
-    } else if (found->kind() == ControlKind::tab_pages) {
+        shown.fill_color = shape->fill_color();
+    } else if (const auto* pages = dynamic_cast<const forms::TabPages*>(found)) {
         shown.kind = Kind::pages;
-        shown.page = static_cast<const forms::TabPages&>(*found).tab();
-    } else if (found->kind() == ControlKind::list_view) {
+        shown.page = pages->tab();
+    } else if (const auto* list = dynamic_cast<const forms::ListView*>(found)) {
         shown.kind = Kind::list;
-        for (const forms::ListRow& row : static_cast<const forms::ListView&>(*found).rows()) {
+        for (const forms::ListRow& row : list->rows()) {
             ShownRow& cells = shown.rows.emplace_back(ShownRow{{row.text}, row.fore_color});
             for (const forms::ListCell& cell : row.sub_items) cells.cells.push_back(cell.text);
         }
+    } else if (found->kind() == forms::ControlKind::text_box) {
+        shown.kind = Kind::text_box;
     }
     return shown;
 }
 
-std::u16string NativeScreen::dialog_name() const { return from_utf8(form().name()); }
+std::vector<std::u16string> NativeScreen::control_names() const {
+    std::vector<std::u16string> names;
+    for (const forms::Control* control : form().controls()) names.push_back(from_utf8(control->name()));
+    return names;
+}
 
 bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) {
     auto& list = static_cast<forms::ListView&>(control(name));
@@ -116,46 +104,12 @@ bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const 
     return std::exchange(menu_item_, {}).empty();
 }
 
-// ---- What the toolkit asks of its user ----------------------------------------------------------------
-
-void NativeScreen::form_opened(forms::Form& form) {
-    if (user_ != nullptr) user_->form_opened(from_utf8(form.name()));
-}
-
-void NativeScreen::form_closed(forms::Form& form) {
-    if (user_ != nullptr) user_->form_closed(from_utf8(form.name()));
-}
-
-bool NativeScreen::act(forms::Form& form) {
-    on_look(&form);
-    return user_ != nullptr && user_->act();
-}
-
-void NativeScreen::pumped(forms::Form& /*form*/) {
-    if (user_ != nullptr) user_->messages_handled();
-}
-
-forms::MessageAnswer NativeScreen::answer(const forms::MessageBox& box) {
-    on_look(&box);
-    if (user_ != nullptr) return user_->answer(box);
-    return box.buttons == forms::MessageButtons::yes_no ? forms::MessageAnswer::yes : forms::MessageAnswer::ok;
-}
-
-std::optional<std::u16string> NativeScreen::choose_file(const forms::OpenFileRequest& request) {
-    on_look(&request);
-    return user_ == nullptr ? std::nullopt : user_->choose_file(request);
-}
-
 const forms::MenuItem* NativeScreen::choose(const forms::Menu& menu) {
     const std::u16string wanted = std::exchange(menu_item_, {});
     for (const forms::MenuItem& item : menu.items) {
         if (!wanted.empty() && item.caption == wanted) return &item;
     }
     return nullptr;
-}
-
-void NativeScreen::beep() {
-    if (user_ != nullptr) user_->beeped();
 }
 
 }  // namespace vex::sim

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <variant>
 
+#include "core/unicode.h"
 #include "forms/scripted_toolkit.h"
 #include "platform/native/terminal/list_pane.h"
 #include "simulator/screen.h"
@@ -40,12 +41,13 @@ public:
     void activate() override { form().raise_activate(); }
 
 protected:
-    /// The topmost dialog, and a control of it. Raise `std::invalid_argument` where there is none.
+    /// The topmost dialog. Raises `std::invalid_argument` where there is none.
     virtual forms::Form& form() const;
-    forms::Control& control(const std::u16string& name) const;
+    /// A control of it, which there is.
+    forms::Control& control(const std::u16string& name) const { return *form().find(to_utf8(name)); }
 
 private:
-    std::u16string dialog_name() const override;
+    std::u16string dialog_name() const override { return from_utf8(form().name()); }
     std::u16string dialog_caption() const override { return form().caption(); }
     std::vector<std::u16string> control_names() const override;
     void do_click(const std::u16string& name) override { form().raise_click(control(name)); }
@@ -57,15 +59,25 @@ private:
     }
     bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override;
 
-    void form_opened(forms::Form& form) override;
-    void form_closed(forms::Form& form) override;
-    bool act(forms::Form& form) override;
-    void pumped(forms::Form& form) override;
-    forms::MessageAnswer answer(const forms::MessageBox& box) override;
-    std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) override;
+    void form_opened(forms::Form& form) override { user_->form_opened(from_utf8(form.name())); }
+    void form_closed(forms::Form& form) override { user_->form_closed(from_utf8(form.name())); }
+    bool act(forms::Form& form) override {
+        on_look(&form);
+        return user_->act();
+    }
+    void pumped(forms::Form& /*form*/) override { user_->messages_handled(); }
+    forms::MessageAnswer answer(const forms::MessageBox& box) override {
+        on_look(&box);
+        return user_->answer(box);
+    }
+    std::optional<std::u16string> choose_file(const forms::OpenFileRequest& request) override {
+        on_look(&request);
+        return user_->choose_file(request);
+    }
     const forms::MenuItem* choose(const forms::Menu& menu) override;
-    void beep() override;
+    void beep() override { user_->beeped(); }
 
+    /// There is one while anything is shown.
     ScreenUser* user_ = nullptr;
     forms::ScriptedToolkit toolkit_;
     /// The item to choose from the menu that pops up next; empty: none, the menu is dismissed.

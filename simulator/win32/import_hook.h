@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstring>
-#include <utility>
 
 #include "core/unicode.h"
 #include "platform/win32/windows_api.h"
@@ -20,16 +19,9 @@ public:
         original_ = *entry_;
         replace(reinterpret_cast<FARPROC>(reinterpret_cast<void*>(replacement)));
     }
-    ImportHook(ImportHook&& other) noexcept
-        : entry_(std::exchange(other.entry_, nullptr)), original_(other.original_) {}
-    ImportHook& operator=(ImportHook&& other) noexcept {
-        std::swap(entry_, other.entry_);
-        std::swap(original_, other.original_);
-        return *this;
-    }
-    ~ImportHook() {
-        if (entry_ != nullptr) replace(original_);
-    }
+    ImportHook(const ImportHook&) = delete;
+    ImportHook& operator=(const ImportHook&) = delete;
+    ~ImportHook() { replace(original_); }
 
 private:
     /// What lies at a relative address of a loaded module.

@@ -2,8 +2,6 @@
 #include "simulator/win32/win32_machine.h"
 
 #include <algorithm>
-#include <exception>
-#include <stdexcept>
 #include <utility>
 
 #include "core/unicode.h"
@@ -37,7 +35,7 @@ OwnedKey make_key(const std::u16string& path) {
 Win32Machine* Win32Machine::current_ = nullptr;
 
 struct Win32Machine::Hooks {
-    static void redirect_registry(HMODULE module, std::vector<ImportHook>& hooks) {
+    static void redirect_registry(HMODULE module, std::list<ImportHook>& hooks) {
         hooks.emplace_back(module, "RegOpenKeyExA", &open_key);
         hooks.emplace_back(module, "RegCreateKeyExA", &create_key);
         hooks.emplace_back(module, "RegDeleteKeyA", &delete_key);
@@ -69,27 +67,19 @@ struct Win32Machine::Hooks {
     }
 
     static DWORD WINAPI get_file_attributes(LPCWSTR path) noexcept {
-        try {
-            return GetFileAttributesW(current_->real_path(reinterpret_cast<const char16_t*>(path)).c_str());
-        } catch (const std::exception&) {
-            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-            return INVALID_FILE_ATTRIBUTES;
-        }
+        return GetFileAttributesW(current_->real_path(reinterpret_cast<const char16_t*>(path)).c_str());
     }
 
     static BOOL WINAPI create_process(LPCWSTR program, LPWSTR, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL, DWORD,
                                       void*, LPCWSTR, STARTUPINFOW*, PROCESS_INFORMATION* information) noexcept {
+        *information = {};
         const DWORD attributes = get_file_attributes(program);
-        const bool missing = attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        try {
-            if (!missing) current_->program_started_(reinterpret_cast<const char16_t*>(program));
-        } catch (const std::exception&) {
-            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            SetLastError(ERROR_FILE_NOT_FOUND);
             return FALSE;
         }
-        if (missing) SetLastError(ERROR_FILE_NOT_FOUND);
-        *information = {};
-        return missing ? FALSE : TRUE;
+        current_->program_started_(reinterpret_cast<const char16_t*>(program));
+        return TRUE;
     }
 };
 
@@ -128,7 +118,8 @@ std::filesystem::path Win32Machine::real_path(const std::u16string& path) {
     std::filesystem::path file = folder_ / drive;
     // Name by name: a path that climbs above its drive's root must not leave the folder.
     for (const std::u16string& name : platform::path_names(std::u16string_view(path).substr(2))) file /= name;
-    const bool real = real_disks_ && !std::filesystem::exists(file) && std::filesystem::exists(path);
+    std::error_code unknown;
+    const bool real = real_disks_ && !std::filesystem::exists(file, unknown) && std::filesystem::exists(path, unknown);
     return real ? std::filesystem::path(path) : file;
 }
 

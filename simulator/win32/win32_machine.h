@@ -2,7 +2,7 @@
 // and in the registry, and the programs that it starts.
 #pragma once
 
-#include <vector>
+#include <list>
 
 #include "platform/win32/windows_api.h"
 #include "simulator/host.h"
@@ -50,8 +50,8 @@ private:
     std::function<void(const std::u16string&)> program_started_;
     OwnedKey machine_branch_;
     OwnedKey user_branch_;
-    std::vector<ImportHook> redirected_;
-    std::vector<ImportHook> watched_;
+    std::list<ImportHook> redirected_;
+    std::list<ImportHook> watched_;
 };
 
 }  // namespace vex::sim

@@ -2,6 +2,7 @@
 #include "simulator/win32/win32_screen.h"
 
 #include <algorithm>
+#include <list>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -84,16 +85,14 @@ std::optional<forms::Color> color_at(HWND window, LPARAM point) {
 }
 
 std::u16string shown_cell(HWND list, std::size_t row, int column) {
+    constexpr std::size_t kLongest = 1024;
+    std::u16string text(kLongest, u'\0');
     LVITEMW item = {};
     item.iSubItem = column;
-    std::u16string text(64, u'\0');
-    for (;; text.resize(text.size() * 2)) {
-        item.pszText = wide(text);
-        item.cchTextMax = static_cast<int>(text.size());
-        const auto length =
-            static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item)));
-        if (length + 1 < text.size()) return text.substr(0, length);
-    }
+    item.pszText = wide(text);
+    item.cchTextMax = kLongest;
+    text.resize(static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item))));
+    return text;
 }
 
 ShownRow shown_row_of(HWND list, std::size_t row) {
@@ -286,7 +285,7 @@ private:
     static thread_local Driver* current_;
 
     ScreenUser& user_;
-    std::vector<ImportHook> import_hooks_;
+    std::list<ImportHook> import_hooks_;
     OwnedHook activity_hook_;
     OwnedHook message_hook_;
     /// The open forms and their names.

@@ -2,15 +2,16 @@
 #include "simulator/win32/win32_session.h"
 #include "platform/win32/windows_api.h"
 
-#include <algorithm>
-#include <cstdio>
+#include <iostream>
+#include <stdexcept>
 
 #include "core/unicode.h"
 #include "platform/library.h"
+#include "platform/system.h"
 #include "simulator/class_library.h"
+#include "simulator/registry_editor.h"
+#include "simulator/trial.h"
 
-#include <fcntl.h>
-#include <io.h>
 #include <shellapi.h>
 
 namespace vex::sim {
@@ -19,26 +20,7 @@ using namespace platform::win32;
 
 namespace {
 
-/// The key of the class behind a name, or empty text. Only an identity names a class: anything else that
-/// stands in the registry there could lead to the key of all classes, which is not ours to remove.
-std::u16string class_key(const std::u16string& programmatic_id) {
-    constexpr DWORD kGuidLength = 39;
-    std::u16string clsid(kGuidLength, u'\0');
-    DWORD size = kGuidLength * sizeof(char16_t);
-    const LSTATUS result = RegGetValueW(HKEY_CLASSES_ROOT, wide(programmatic_id + u"\\CLSID"), nullptr, RRF_RT_REG_SZ,
-                                        nullptr, clsid.data(), &size);
-    clsid.resize(result == ERROR_SUCCESS ? std::min(clsid.size(), clsid.find(u'\0')) : 0);
-    IID identity;
-    const bool known = !clsid.empty() && SUCCEEDED(IIDFromString(wide(clsid), &identity));
-    return known ? u"CLSID\\" + clsid : std::u16string();
-}
-
-bool key_exists(const std::u16string& path) noexcept {
-    HKEY key = nullptr;
-    const bool exists = RegOpenKeyExW(HKEY_CLASSES_ROOT, wide(path), 0, KEY_READ, &key) == ERROR_SUCCESS;
-    if (exists) RegCloseKey(key);
-    return exists;
-}
+std::u16string class_text(const std::u16string& key) { return show_registry({platform::kHkeyClassesRoot, key}, u""); }
 
 }  // namespace
 
@@ -53,45 +35,54 @@ std::vector<std::string> program_arguments() {
     return arguments;
 }
 
-void use_plain_streams() noexcept {
-    for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
-    SetConsoleOutputCP(CP_UTF8);
-}
-
 bool class_has_server(const std::u16string& programmatic_id) {
-    const std::u16string key = class_key(programmatic_id);
-    return !key.empty() && (key_exists(key + u"\\InprocServer32") || key_exists(key + u"\\LocalServer32"));
-}
-
-void remove_class(const std::u16string& programmatic_id) {
-    const std::u16string key = class_key(programmatic_id);
-    if (!key.empty()) RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(key));
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(programmatic_id));
+    const std::u16string key = u"CLSID\\" + class_text(programmatic_id + u"\\CLSID");
+    return class_text(key + u"\\InprocServer32") != kNoValue || class_text(key + u"\\LocalServer32") != kNoValue;
 }
 
 Win32Session::Win32Session(const CommandLine& options)
     : Session(options, std::filesystem::path(platform::win32::module_path()).parent_path(), "vexFirmwarePlugin.dll") {
-    for (const std::u16string& name : host_class_names()) {
-        if (class_has_server(name))
-            throw RuntimeError(kAutomationError,
-                               u"the class " + name + u" of a real host is registered on this machine");
+    for (const HostClass& known : host_classes()) {
+        if (class_has_server(known.programmatic_id))
+            throw RuntimeError(kAutomationError, u"the class " + known.programmatic_id +
+                                                     u" of a real host is registered on this machine");
     }
-    std::filesystem::create_directories(data());
+    std::filesystem::create_directories(data_);
     OleInitialize(nullptr);
-    machine_.emplace(plugin().filename().u16string(), data(), options.data.has_value());
-    screen_.emplace(plugin().filename().u16string());
+    machine_.emplace(plugin_.filename().u16string(), data_, options.data.has_value());
+    screen_.emplace(plugin_.filename().u16string());
 }
 
 Win32Session::~Win32Session() {
     screen_.reset();
     machine_.reset();
-    for (const std::u16string& name : host_class_names()) remove_class(name);
+    for (const HostClass& known : host_classes()) RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(known.programmatic_id));
     try {
-        platform::Library(plugin()).function<HRESULT(STDAPICALLTYPE*)()>("DllUnregisterServer")();
+        platform::Library(plugin_).function<HRESULT(STDAPICALLTYPE*)()>("DllUnregisterServer")();
     } catch (const RuntimeError&) {
         // Without the library nothing was registered.
     }
     OleUninitialize();
 }
+
+int Win32Session::play_without_scenario() {
+    machine_->show_real_disks();
+    return try_out(std::cout, std::cerr, [&](Host& host, PluginHost& plugin, bool fresh) {
+        // The Open dialog shows the real disks, so it begins where the sample firmware really is.
+        if (fresh)
+            write_registry({.key = u"Software\\Norvan\\Brivola3\\Firmware"}, u"LastFilePath", u"sz",
+                           samples_.u16string());
+        RunProgress progress(host);
+        const Trial trial(host, platform::desktop(), progress, options_.speed, [] { return false; });
+        machine_->on_program_started([](const std::u16string& path) {
+            std::cout << "not started, since this is a simulation: " << to_utf8(path) << '\n';
+        });
+        const ExitStatus status = start(plugin, std::cerr);
+        machine_->on_program_started(nullptr);
+        return status;
+    });
+}
+
+int Win32Session::print_controls() { throw std::invalid_argument("controls are printed natively only"); }
 
 }  // namespace vex::sim

@@ -15,26 +15,23 @@ namespace vex::sim {
 /// The program's arguments, without its name, in UTF-8.
 std::vector<std::string> program_arguments();
 
-/// Standard input and output carry the bytes that the program reads and writes; a console shows UTF-8.
-void use_plain_streams() noexcept;
-
 /// Whether the class of that name has a server of its own: then it belongs to an installed product.
 bool class_has_server(const std::u16string& programmatic_id);
-
-/// Removes the registration of a class, its class id's included. Nothing happens where there is none.
-void remove_class(const std::u16string& programmatic_id);
 
 class Win32Session final : public Session {
 public:
     /// Raises `RuntimeError` or `filesystem_error` when the data folder cannot be used, or when the classes of
     /// a real host are registered on this machine.
     explicit Win32Session(const CommandLine& options);
-    ~Win32Session();
+    ~Win32Session() override;
 
-    Win32Machine& machine() noexcept override { return *machine_; }
+    /// On the desktop.
+    int play_without_scenario() override;
+    int print_controls() override;
 
 private:
-    Screen& screen() noexcept override { return *screen_; }
+    Machine& machine() override { return *machine_; }
+    Screen& screen() override { return *screen_; }
 
     std::optional<Win32Machine> machine_;
     std::optional<Win32Screen> screen_;

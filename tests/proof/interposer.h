@@ -1,6 +1,7 @@
 // Stands between the plug-in and the simulated host: sees every call and every creation, and may break it.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
@@ -9,7 +10,6 @@
 #include "com/class_factory.h"
 #include "com/variant.h"
 #include "simulator/class_library.h"
-#include "simulator/controls.h"
 #include "simulator/host.h"
 #include "tests/proof/memory.h"
 
@@ -30,26 +30,10 @@ struct Meddling {
     Amend after;
 };
 
-/// What the wrapper needs to know of the wrapped class.
-struct ClassFacts {
-    const char16_t* name;
-    std::function<std::u16string(DISPID, WORD)> member_name;
-};
-
-template <class Wrapped>
-ClassFacts facts(const char16_t* name) {
-    return {name, [](DISPID id, WORD flags) {
-                for (const auto& member : Wrapped::members()) {
-                    if (member.id == id && (member.kind & flags) != 0) return std::u16string(member.name);
-                }
-                return std::u16string(u"?");
-            }};
-}
-
 class Wrapper final : public com::Object<Wrapper, com::Untyped<IDispatch>> {
 public:
-    Wrapper(sim::Host& host, Meddling& meddling, const ClassFacts& facts, com::ComPtr<IDispatch> inner)
-        : Object(host.lifetime), host_(host), meddling_(meddling), facts_(facts), inner_(std::move(inner)) {}
+    Wrapper(sim::Host& host, Meddling& meddling, const sim::HostClass& wrapped, com::ComPtr<IDispatch> inner)
+        : Object(host.lifetime), host_(host), meddling_(meddling), class_(wrapped), inner_(std::move(inner)) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
         const Side side(Side::host);
@@ -66,7 +50,7 @@ public:
         const Side side(Side::host);
         const com::ComPtr<Wrapper> alive(this);
         return guarded_invoke(exception, [&] {
-            const std::u16string call = facts_.name + (u"." + facts_.member_name(id, flags));
+            const std::u16string call = std::u16string(class_.name()) + u"." + member_name(id, flags);
             if (auto answer = meddling_.before(call); answer && result != nullptr) {
                 *result = answer->detach();
                 return S_OK;
@@ -77,8 +61,9 @@ public:
             meddling_.after(call, *result);
             if (result->vt == VT_DISPATCH) {
                 // Sign information is the only object that the host gives away.
-                static const ClassFacts kSignInfo = facts<sim::SignInfoObject>(u"HostSignInfo");
-                result->pdispVal = com::make_object<Wrapper>(host_, meddling_, kSignInfo,
+                static const sim::HostClass& sign_info =
+                    *std::ranges::find(sim::host_classes(), u"HostSignInfo", &sim::HostClass::name);
+                result->pdispVal = com::make_object<Wrapper>(host_, meddling_, sign_info,
                                                              com::ComPtr<IDispatch>::adopt(result->pdispVal))
                                        .detach();
             }
@@ -87,32 +72,31 @@ public:
     }
 
 private:
+    std::u16string member_name(DISPID id, WORD flags) const {
+        const auto member = std::ranges::find_if(
+            class_.members, [&](const sim::MemberFacts& facts) { return facts.is_called(id, flags); });
+        return std::u16string(member == class_.members.end() ? u"?" : member->name);
+    }
+
     sim::Host& host_;
     Meddling& meddling_;
-    const ClassFacts& facts_;
+    const sim::HostClass& class_;
     com::ComPtr<IDispatch> inner_;
 };
-
-template <class Wrapped>
-DWORD offer(sim::Host& host, Meddling& meddling, REFCLSID clsid, const char16_t* name) {
-    return com::offer_class(host.lifetime, clsid, [&host, &meddling, known = facts<Wrapped>(name)] {
-        const Side side(Side::host);
-        meddling.before(std::u16string(u"new ") + known.name);
-        auto inner = com::ComPtr<IDispatch>::adopt(com::make_object<Wrapped>(host).detach());
-        return com::make_object<Wrapper>(host, meddling, known, std::move(inner));
-    });
-}
 
 /// While it lives, the host's objects that the plug-in creates or is given are wrapped. Needs an initialised
 /// apartment, and must be made before the host's own classes are offered. `host` and `meddling` outlive it.
 class Interposer {
 public:
-    Interposer(sim::Host& host, Meddling& meddling)
-        : cookies_{offer<sim::DisplayListObject>(host, meddling, sim::kHostDisplayListClass, u"HostDisplayList"),
-                   offer<sim::DisplayPickerObject>(host, meddling, sim::kHostDisplayPickerClass, u"HostDisplayPicker"),
-                   offer<sim::ConnectionObject>(host, meddling, sim::kHostConnectionClass, u"HostConnection"),
-                   offer<sim::TransmissionControl>(host, meddling, sim::kTransmissionControlClass, u"vexDispTrans"),
-                   offer<sim::BoxFinder>(host, meddling, sim::kBoxFinderClass, u"vexLANBoxFinder2")} {}
+    Interposer(sim::Host& host, Meddling& meddling) {
+        for (const sim::HostClass& wrapped : sim::host_classes()) {
+            cookies_.push_back(com::offer_class(host.lifetime, wrapped.clsid, [&host, &meddling, &wrapped] {
+                const Side side(Side::host);
+                meddling.before(u"new " + std::u16string(wrapped.name()));
+                return com::make_object<Wrapper>(host, meddling, wrapped, wrapped.make(host));
+            }));
+        }
+    }
     Interposer(const Interposer&) = delete;
     Interposer& operator=(const Interposer&) = delete;
     ~Interposer() {

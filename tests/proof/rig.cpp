@@ -35,8 +35,7 @@ class Machine final : public ::testing::Environment {
         folder_->write("machine/drive_d/fw/new.SHX",
                        "S00600004844521B\nS1130000285F245F2212226A000424290008237C2A\nS9030000FC\n");
         folder_->write("machine/drive_d/fw/new.BIN", "image");
-        folder_->write("machine/drive_c/Host/BIN/FIRMWARE/SL-RCM2000B.BIN",
-                       sim::make_loader_image(sim::LoaderKind::line));
+        folder_->write("machine/drive_c/Host/BIN/FIRMWARE/SL-RCM2000B.BIN", sim::make_loader_image());
         folder_->write("machine/drive_c/Host/BIN/FIRMWARE/nvSerDownload.exe", "tool");
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }
@@ -56,7 +55,7 @@ std::vector<std::vector<std::u16string>> unit_contents(const sim::Host& host) {
         const sim::Display& display = host.displays.at(i);
         auto& units = contents.emplace_back();
         for (const std::int16_t id : host.units.ids(display)) {
-            units.push_back(sim::describe(host.units.content(display.name, id)));
+            units.push_back(host.units.content(display.name, id));
         }
     }
     return contents;
@@ -232,8 +231,8 @@ Outcome play(const Plan& plan) {
             if (heedless && answer.vt == VT_BOOL) answer.boolVal = VARIANT_TRUE;
         };
         if (plan.moment) {
-            host.links.add_message({std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
-                                   {u"Just a moment", [] {}, false});
+            host.script.push_back({.pattern = {std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
+                                   .message = sim::ScriptedMessage{u"Just a moment", [] {}}});
         }
         const Interposer interposer(host, meddling);
         const sim::HostClasses classes(host);

@@ -53,21 +53,21 @@ TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {
         const char16_t* wrong;
         WORD flags = DISPATCH_METHOD;
     } cases[] = {
-        {list.get(), u"OpenDisplayFile", {text}, u"argument 1 is text, not text by reference"},
-        {list.get(), u"FindDisplay", {}, u"argument 1 is missing, not text by reference"},
-        {list.get(), u"SelectDisplay", {word}, u"argument 1 is I2, not I4"},
-        {connection.get(), u"ComPort", {by_reference}, u"argument 1 is text by reference, not text",
+        {list.get(), u"OpenDisplayFile", {text}, u"1 is of another type than declared"},
+        {list.get(), u"FindDisplay", {}, u"1 is missing"},
+        {list.get(), u"SelectDisplay", {word}, u"1 is of another type than declared"},
+        {connection.get(), u"ComPort", {by_reference}, u"1 is of another type than declared",
          DISPATCH_PROPERTYPUT},
         {control.get(), u"OpenConnection", {com::Variant::object(connection.get())},
-         u"argument 1 is object, not object by reference"},
+         u"1 is of another type than declared"},
         {control.get(), u"OpenConnection", {com::Variant::object_reference(nullptr)},
-         u"argument 1 is object by reference, not object by reference"},
-        {control.get(), u"SignID", {number}, u"argument 1 is I4, not I2", DISPATCH_PROPERTYPUT},
-        {control.get(), u"DownloadFirmwareWithLoader", {by_reference}, u"argument 2 is missing, not text"},
+         u"1 is of another type than declared"},
+        {control.get(), u"SignID", {number}, u"1 is of another type than declared", DISPATCH_PROPERTYPUT},
+        {control.get(), u"DownloadFirmwareWithLoader", {by_reference}, u"2 is missing"},
         {control.get(), u"DownloadFirmwareWithLoader", {by_reference, by_reference},
-         u"argument 2 is text by reference, not text"},
-        {finder.get(), u"FindBoxes", {by_reference, real, real}, u"argument 1 is text by reference, not text"},
-        {finder.get(), u"FindBoxes", {text, real, number}, u"argument 3 is I4, not R8"},
+         u"2 is of another type than declared"},
+        {finder.get(), u"FindBoxes", {by_reference, real, real}, u"1 is of another type than declared"},
+        {finder.get(), u"FindBoxes", {text, real, number}, u"3 is of another type than declared"},
     };
     for (const auto& bad : cases) {
         try {
@@ -75,7 +75,7 @@ TEST_F(ObjectsTest, ArgumentsAreOfTheirKind) {
             ADD_FAILURE() << to_utf8(bad.member);
         } catch (const RuntimeError& error) {
             EXPECT_EQ(error.number(), kTypeMismatch);
-            EXPECT_EQ(to_utf8(error.description()), to_utf8(bad.member + u": " + bad.wrong));
+            EXPECT_EQ(to_utf8(error.description()), to_utf8(bad.member + u": argument " + bad.wrong));
         }
     }
 }

@@ -35,7 +35,7 @@ CommandLine with_data(const test::TemporaryFolder& folder) {
 
 TEST(Run, ChecksAllExpectationsAndPrintsEach) {
     const Outcome outcome =
-        run("display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled false\nexpect SSTab1.Tab 3\n"
+        run("display A\nstart\nexpect cmdNext.Enabled False\nexpect cmdBack.Enabled False\nexpect SSTab1.Tab 3\n"
             "expect HKLM\\Software\\x y z\nclick cmdCancel");
     EXPECT_EQ(outcome.status, kFailed);
     EXPECT_EQ(outcome.errors,
@@ -55,11 +55,10 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
         {"set lblStart text", "a.scn:3: \"text\" is neither on nor off\n"},
         {"retry 1", "a.scn:3: dlgFirmwareWizard has no control \"lstvDisplayStatus\"; the nearest is lstvDisplays\n"},
         {"start", "a.scn:3: a dialog is still open\n"},
-        {"unit B 1 absent", "a.scn:3: there is no display \"B\"\n"},
+        {"unit B 1 slaves=0x0", "a.scn:3: there is no display \"B\"\n"},
         {"copy nowhere D:\\x", "a.scn:3: there is no file \"nowhere\"\n"},
         {"file Z:\\tmp\\x", "a.scn:3: \"Z:\\tmp\\x\" is no path on a drive of A: to Y:\n"},
-        {"registry HKLM\\a b word 1", "a.scn:3: \"word\" is none of sz, expand_sz, multi_sz, dword, binary\n"},
-        {"registry HKLM\\a b binary 0g", "a.scn:3: a character is no hexadecimal digit\n"},
+        {"registry HKLM\\a b word 1", "a.scn:3: \"word\" is none of sz, expand_sz, dword\n"},
     };
     for (const auto& bad : cases) {
         const Outcome outcome = run(std::string("display A\nstart\n") + bad.statement + "\nshow SSTab1.Tab\n");
@@ -71,10 +70,22 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
     EXPECT_EQ(run("click cmdNext").errors, "a.scn:1: no dialog is open\n");
 }
 
+TEST(Run, DisturbsTheFinderAndTheDisplayList) {
+    const std::string displays =
+        "display A type=\"TQ-1 - 64x16\" connection=2 address=10.0.0.3\nimage D:\\new.bin 64\n";
+    const std::string user =
+        "answer picker A\nanswer openfile D:\\new.bin\nstart\nclick cmdNext\nclick opLoadFirmware\n"
+        "click cmdNext\nclick cmdChooseDisplay\nclick cmdNext\nclick cmdFirmwareBrowse\nclick cmdFinish";
+    for (const std::string member : {"vexLANBoxFinder2", "SearchTimeout", "FindBoxes", "FindDisplay", "ComPort"}) {
+        const Outcome outcome = run(displays + "fault A * " + member + " raise\n" + user);
+        EXPECT_THAT(outcome.out, testing::ContainsRegex(member + "[^\n]* -> error 440\n.*error StartPlugin"));
+    }
+}
+
 TEST(Run, KeepsItsDataWhereItIsTold) {
     const test::TemporaryFolder folder;
     const Outcome first =
-        run("display A ids=1,2\nunit A 1 absent\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
+        run("display A ids=1,2\nunit A 1 slaves=0x0\ndisplay B port=COM2\nsetting Brivola3 Settings AppPath C:\\Host\n"
             "file C:\\Host\\x.bin\nanswer picker B\nstart\npress picNavTree 700 1400\nclick cmdChooseDisplay\nclick "
             "cmdFinish\n"
             "click cmdClose",

@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/native/terminal/terminal_toolkit.h"
-#include "simulator/native/terminal_trial.h"
+#include "simulator/native/native_session.h"
+#include "simulator/trial.h"
 #include "tests/terminal/fake_screen.h"
 #include "tests/terminal/terminal_process.h"
 
@@ -57,7 +58,7 @@ TEST(TrialProgram, GoesFromStartThroughARunToWhatTheUnitsHold) {
         std::vector<const char*> table;
     } runs[] = {
         {{{"Preparing to Open", "\r"}, {"Are you sure", "\r"}, {"cancelled: F10", "\033[21~\r"}, {"1 updated", "\r"}},
-         0, {"\033[?1049l", "Main Street     1  empty", "Main Street    20  empty", "5 units have not changed"}},
+         0, {"\033[?1049l", "unit \"Main Street\" 1: empty", "unit \"Main Street\" 20: empty", "5 units have not changed"}},
         {{{"Preparing to Open", "\003"}}, (128 + SIGINT) << 8, {"\033[?1049l", "9 units have not changed"}},
     };
     for (const auto& [steps, status, table] : runs) {

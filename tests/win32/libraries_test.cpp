@@ -1,12 +1,10 @@
-// Libraries: where the Windows side looks for them, what a clean-up may remove of them, and that the plug-in's leaves
-// the process when the last reference is given back, and lets the threads that used it end.
+// Libraries: where the Windows side looks for them, and that the plug-in's leaves the process when the last reference is
+// given back, and lets the threads that used it end.
 #include <gtest/gtest.h>
 
 #include "com/bstr.h"
 #include "com/com_ptr.h"
-#include "platform/class_keys.h"
 #include "platform/win32/windows_api.h"
-#include "simulator/win32/win32_session.h"
 #include "simulator/words.h"
 
 namespace vex::platform::win32 {
@@ -26,19 +24,6 @@ TEST(LateLibrary, IsTheSystemsOwn) {
         std::filesystem::remove(planted, left_loaded);
     }
     std::filesystem::current_path(here);
-}
-
-TEST(ClassRegistration, RemovesNoKeyThatIsNoClass) {
-    constexpr char16_t kBystander[] = u"CLSID\\VexTestIsNoIdentity";
-    write_class_text(u"Vex.Test\\CLSID", u"", u"VexTestIsNoIdentity");
-    write_class_text(kBystander, u"", u"x");
-    sim::remove_class(u"Vex.Test");
-    const auto holds_text = [](const char16_t* key) {
-        return RegGetValueW(HKEY_CLASSES_ROOT, wide(key), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, nullptr) == 0;
-    };
-    EXPECT_FALSE(holds_text(u"Vex.Test\\CLSID"));
-    EXPECT_TRUE(holds_text(kBystander));
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, wide(kBystander));
 }
 
 // ---- Unloading

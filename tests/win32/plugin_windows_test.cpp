@@ -8,6 +8,7 @@
 #include <map>
 #include <sstream>
 
+#include "platform/system.h"
 #include "platform/win32/window_name.h"
 #include "platform/win32/windows_api.h"
 #include "simulator/session.h"
