@@ -15,35 +15,29 @@ const char* const kPlatform = sizeof(void*) == 8 ? "win64" : "win32";
 const bool kAnyFolderIsRegistered = true;
 
 void call_from_other_apartments(const std::function<void(const Create& create)>& use) {
-    // From the multithreaded one, for which the system makes an apartment for our objects.
-    std::thread([&use] {
-        EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-        use(create_registered);
-        CoUninitialize();
-    }).join();
-
-    // From one of the same kind, by objects that are here.
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    const GUID classes[] = {kCatalogueClass, kEntryClass};
-    IStream* streams[2] = {};
-    for (int i = 0; i < 2; ++i) {
-        const auto object = create_registered(classes[i]);
-        EXPECT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object.get(), &streams[i]), S_OK);
-    }
     const DWORD here = GetCurrentThreadId();
-    std::thread client([&] {
-        EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-        com::ComPtr<IDispatch> proxies[2];
-        for (int i = 0; i < 2; ++i)
-            EXPECT_EQ(CoGetInterfaceAndReleaseStream(streams[i], IID_IDispatch, proxies[i].put_void()), S_OK);
-        use([&](REFCLSID clsid) { return proxies[IsEqualGUID(clsid, kEntryClass) ? 1 : 0]; });
-        for (auto& proxy : proxies) proxy.reset();
-        CoUninitialize();
-        PostThreadMessageW(here, WM_QUIT, 0, 0);
-    });
-    // Its calls come as messages.
-    for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
-    client.join();
+    const GUID classes[] = {kCatalogueClass, kEntryClass};
+    for (const COINIT kind : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED}) {
+        IStream* streams[2] = {};
+        for (int i = 0; i < 2; ++i) {
+            const auto object = create_registered(classes[i]);
+            EXPECT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object.get(), &streams[i]), S_OK);
+        }
+        std::thread client([&] {
+            EXPECT_EQ(CoInitializeEx(nullptr, kind), S_OK);
+            com::ComPtr<IDispatch> proxies[2];
+            for (int i = 0; i < 2; ++i)
+                EXPECT_EQ(CoGetInterfaceAndReleaseStream(streams[i], IID_IDispatch, proxies[i].put_void()), S_OK);
+            use([&](REFCLSID clsid) { return proxies[IsEqualGUID(clsid, kEntryClass) ? 1 : 0]; });
+            for (auto& proxy : proxies) proxy.reset();
+            CoUninitialize();
+            PostThreadMessageW(here, WM_QUIT, 0, 0);
+        });
+        // Its calls come as messages.
+        for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+        client.join();
+    }
     CoUninitialize();
 }
 

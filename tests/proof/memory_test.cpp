@@ -211,7 +211,7 @@ Travel travel(std::size_t refused, bool to_the_end, const std::optional<Moment>&
     return travel;
 }
 
-void check(const Travel& travel, const Travel& whole) {
+void check(const Travel& travel) {
     constexpr HRESULT kAnswers[] = {S_OK, E_OUTOFMEMORY, kErrorOutOfMemory, SELFREG_E_CLASS, SELFREG_E_TYPELIB};
     for (const HRESULT answer : travel.answers) EXPECT_NE(std::ranges::find(kAnswers, answer), std::end(kAnswers)) << std::hex << answer;
     EXPECT_FALSE(travel.half_registered);
@@ -220,7 +220,7 @@ void check(const Travel& travel, const Travel& whole) {
     const Outcome& outcome = travel.outcome;
     for (std::size_t row = 0; row < outcome.rows.size(); ++row) {
         if (outcome.rows[row] != u"Updated - ") continue;
-        EXPECT_EQ(outcome.units.at(row), whole.outcome.units.at(row));
+        for (const std::u16string& unit : outcome.units.at(row)) EXPECT_TRUE(unit.starts_with(u"new.SHX"));
     }
     if (const auto confirmed = outcome.calls_before_cancel) {
         ASSERT_GE(outcome.calls.size(), *confirmed + 2);
@@ -259,7 +259,7 @@ TEST_P(MemoryTest, MayEndAtEveryAllocation) {
     for (std::size_t refused = first; refused <= all; refused += step, ++tried) {
         SCOPED_TRACE("allocation " + std::to_string(refused));
         const long alive = memory.alive;
-        check(travel(refused, to_the_end, cancel), whole);
+        check(travel(refused, to_the_end, cancel));
         EXPECT_EQ(memory.alive, alive) << "a leak";
         if (HasFailure()) return;
     }
