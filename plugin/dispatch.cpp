@@ -59,7 +59,8 @@ HRESULT convert(const Parameter& parameter, VARIANT& given, com::Variant& conver
         if (argument.object != nullptr) return S_OK;
     }
     const HRESULT result = VariantChangeType(&converted.get(), &given, 0, variant_type(parameter.type));
-    if (FAILED(result)) return result == DISP_E_OVERFLOW ? result : DISP_E_TYPEMISMATCH;
+    if (result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY) return result;
+    if (FAILED(result)) return DISP_E_TYPEMISMATCH;
     argument = {converted.get().iVal, &converted.get().pdispVal};
     return S_OK;
 }

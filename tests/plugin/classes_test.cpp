@@ -245,9 +245,7 @@ TEST_F(Members, HaveOneTypeDescriptionOrNone) {
 
 class Apartments : public testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(plugin_function<decltype(DllRegisterServer)>("DllRegisterServer")(), S_OK);
-    }
+    void SetUp() override { ASSERT_EQ(plugin_function<decltype(DllRegisterServer)>("DllRegisterServer")(), S_OK); }
     void TearDown() override {
         EXPECT_EQ(plugin_function<decltype(DllUnregisterServer)>("DllUnregisterServer")(), S_OK);
         EXPECT_EQ(can_unload_now(), S_OK);
@@ -263,7 +261,8 @@ std::chrono::milliseconds patience() {
 TEST_F(Apartments, AreServedThroughTheSystem) {
     call_from_other_apartments([](const Create& create_there) {
         for (const Member& member : kMembers) check_member(member, create_there(member.clsid), Reached::by_the_system);
-        const Outcome outcome = call(*create_there(kCatalogueClass), kPluginNames, DISPATCH_PROPERTYGET, {Variant::int16(1)});
+        const Outcome outcome =
+            call(*create_there(kCatalogueClass), kPluginNames, DISPATCH_PROPERTYGET, {Variant::int16(1)});
         EXPECT_EQ(outcome.code, error_code(9));
         EXPECT_EQ(outcome.description, u"Subscript out of range");
     });

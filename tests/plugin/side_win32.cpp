@@ -49,8 +49,8 @@ bool is_icon(IDispatch& object) {
         return call(object, DISPID_PICT_TYPE, DISPATCH_PROPERTYGET).value.get().iVal == PICTYPE_ICON;
     OLE_XSIZE_HIMETRIC width = 0;
     // 16 pixels of 1/96 inch, in 1/100 mm.
-    return picture->get_Type(&type) == S_OK &&
-           picture->get_Width(&width) == S_OK && type == PICTYPE_ICON && width >= 422 && width <= 424;
+    return picture->get_Type(&type) == S_OK && picture->get_Width(&width) == S_OK && type == PICTYPE_ICON &&
+           width >= 422 && width <= 424;
 }
 
 }  // namespace vex::plugin_test

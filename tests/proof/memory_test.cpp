@@ -5,7 +5,11 @@
 #include <gtest/gtest.h>
 #include <link.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <thread>
@@ -140,9 +144,8 @@ public:
 
     com::ComPtr<IDispatch> create(REFCLSID clsid) {
         com::ComPtr<IDispatch> object;
-        (*this)([&] {
-            return CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
-        });
+        (*this)(
+            [&] { return CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()); });
         return object;
     }
 
@@ -214,7 +217,8 @@ Travel travel(std::size_t refused, bool to_the_end, const std::optional<Moment>&
 
 void check(const Travel& travel) {
     constexpr HRESULT kAnswers[] = {S_OK, E_OUTOFMEMORY, kErrorOutOfMemory, SELFREG_E_CLASS, SELFREG_E_TYPELIB};
-    for (const HRESULT answer : travel.answers) EXPECT_NE(std::ranges::find(kAnswers, answer), std::end(kAnswers)) << std::hex << answer;
+    for (const HRESULT answer : travel.answers)
+        EXPECT_NE(std::ranges::find(kAnswers, answer), std::end(kAnswers)) << std::hex << answer;
     EXPECT_FALSE(travel.half_registered);
     EXPECT_EQ(travel.can_unload, S_OK);
     EXPECT_EQ(travel.outcome.host_objects, 0);
@@ -231,7 +235,9 @@ void check(const Travel& travel) {
         const std::u16string word = outcome.rows.empty() ? u"" : outcome.rows.front();
         EXPECT_TRUE(!travel.all_well() || word == u"Cancelled - " || word == u"Updating - ") << to_utf8(word);
     } else if (travel.all_well()) {
-        const auto calls = [&](const char16_t* name) { return std::ranges::count(outcome.calls, std::u16string(name)); };
+        const auto calls = [&](const char16_t* name) {
+            return std::ranges::count(outcome.calls, std::u16string(name));
+        };
         EXPECT_EQ(calls(u"vexDispTrans.OpenConnection"), calls(u"vexDispTrans.CloseConnection"));
     }
 }
@@ -271,6 +277,37 @@ TEST_P(MemoryTest, MayEndAtEveryAllocation) {
 
 INSTANTIATE_TEST_SUITE_P(OnceOrForGoodInARunOrACancel, MemoryTest,
                          ::testing::Combine(::testing::Bool(), ::testing::Bool()));
+
+/// What a process holds: allocations, open files and threads.
+std::array<long, 3> holdings() {
+    const auto entries = [](const char* folder) {
+        return std::distance(std::filesystem::directory_iterator(folder), {});
+    };
+    return {memory.alive, entries("/proc/self/fd"), entries("/proc/self/task")};
+}
+
+TEST(Runs, LeaveNothingBehindAndDoNotSlowDown) {
+    Plan plan;
+    plan.displays = 100;
+    std::vector<std::chrono::steady_clock::duration> took;
+    const auto play_once = [&] {
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(play(plan).rows, std::vector<std::u16string>(plan.displays, u"Updated - "));
+        took.push_back(std::chrono::steady_clock::now() - begin);
+    };
+    took.reserve(number("VEX_RUNS", 20) + 2);
+    play_once();
+    play_once();
+    const auto before = holdings();
+    while (took.size() < took.capacity()) play_once();
+    EXPECT_EQ(holdings(), before);
+    std::cout << took.size() << " runs of " << plan.displays
+              << " displays; microseconds of the fastest among the first ";
+    const auto fastest = [](auto begin) {
+        return std::chrono::duration_cast<std::chrono::microseconds>(*std::min_element(begin, begin + 10)).count();
+    };
+    std::cout << "and the last ten: " << fastest(took.begin()) << ", " << fastest(took.end() - 10) << '\n';
+}
 
 }  // namespace
 }  // namespace vex::proof
