@@ -276,7 +276,9 @@ TEST_F(Apartments, ManyAtOnceCreateCallAndLetGo) {
             do {
                 EXPECT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
                 for (const Member& member : kMembers) {
-                    if (member.code == S_OK) check_member(member, create_registered(member.clsid), Reached::directly);
+                    // Without pictures: Wine makes icons by one device context, which one thread at a time can use.
+                    if (member.code == S_OK && member.type != VT_DISPATCH)
+                        check_member(member, create_registered(member.clsid), Reached::directly);
                 }
                 CoFreeUnusedLibraries();
                 CoUninitialize();
