@@ -5,6 +5,7 @@
 
 #include "core/unicode.h"
 #include "support/mod_reg_access.h"
+#include "support/text.h"
 #include "tests/shared/error_of.h"
 #include "tests/shared/notebook.h"
 
@@ -216,6 +217,21 @@ TEST_F(Session, ACancelDuringTheEnumerationStillListsTheSlavesAndAddressesNoUnit
     screen.at_pump = [](forms::Form& form) { form.raise_click(*form.find("cmdCancel")); };
     EXPECT_FALSE(play(u""));
     EXPECT_EQ(log_from("lblStatus: Asking"), "lblStatus: Asking\npump\nlblID: 2\nclose dlgHandleSignOption\n");
+}
+
+TEST_F(Session, ListensToAControlThatTalksWhileItIsListenedTo) {
+    int talks = 0;
+    std::function<void(forms::Form&)> talk = [&](forms::Form&) {
+        if (++talks < 100) screen.at_pump = talk;
+        EXPECT_EQ(host.raise("vexDispTrans", u"Talk " + decimal_text(talks)), S_OK);
+    };
+    host.during["vexDispTrans.ResetAndClear"] = [&](DISPPARAMS&) {
+        screen.at_pump = talk;
+        host.raise("vexDispTrans", u"Resetting");
+    };
+    EXPECT_TRUE(play(u""));
+    EXPECT_EQ(talks, 100);
+    EXPECT_THAT(log_from("lblStatus: Talk 100"), HasSubstr("lblStatus: Talk 1\npump\nlblStatus: Resetting\npump\n"));
 }
 
 TEST_F(Session, WorksOnceAndIsNotClosedByItsUser) {

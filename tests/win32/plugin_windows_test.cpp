@@ -177,6 +177,34 @@ void expect_no_handle_stays(int times, const std::function<void()>& use) {
     EXPECT_EQ(after.graphics, before.graphics);
 }
 
+TEST_F(PluginWindows, MayBeDestroyedByTheHostInTheMiddleOfARun) {
+    run([](sim::Host& host, sim::PluginHost& plugin) {
+        sim::Win32Screen screen(kPlugin);
+        TestUser user(screen);
+        sim::Display display;
+        display.name = u"Gate A";
+        host.put_display(display);
+        host.choose_displays = [&display] { return display.name; };
+        for (const char16_t* victim : {kSession, kRun, kWizard}) {
+            bool destroyed = false;
+            host.on_link = [&](const sim::LinkEvent&) {
+                if (!std::exchange(destroyed, true)) DestroyWindow(open_forms().at(victim));
+                return true;
+            };
+            user.then([&] {
+                screen.press(u"picNavTree", forms::MouseButton::left, 700, 1400);
+                screen.click(u"cmdChooseDisplay");
+                screen.click(u"cmdFinish");
+            });
+            plugin.start();
+            EXPECT_TRUE(destroyed);
+            EXPECT_EQ(open_forms(), Forms());
+        }
+        host.on_link = nullptr;
+        host.choose_displays = nullptr;
+    });
+}
+
 /// Presses the close box of whatever form is on top.
 void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
     if (auto* const form = static_cast<HWND>(sim::top_form_window())) {
