@@ -3,10 +3,10 @@
 
 #include <utility>
 
+#include "core/product.h"
 #include "core/unicode.h"
 #include "platform/class_keys.h"
 #include "plugin/contract.h"
-#include "core/product.h"
 
 namespace vex::plugin {
 namespace {
