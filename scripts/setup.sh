@@ -26,7 +26,7 @@ need() {
 
 # What the native build needs.
 # shellcheck disable=SC2034  # for the scripts that source this
-native_packages=(g++ cmake ninja-build libncurses-dev libgtest-dev libbenchmark-dev binutils)
+native_packages=(g++ cmake ninja-build libncurses-dev libgmock-dev libbenchmark-dev binutils)
 
 # progress NAME: of the build tool's lines, one that tells how far it is; at a terminal kept up to date.
 progress() {
