@@ -264,6 +264,9 @@ TEST_F(Session, IdsAndCountsThatCannotBeUsedAreErrors) {
     EXPECT_EQ(error(u"1", 181, 181), kOverflow);
     EXPECT_EQ(error(u"32767", 0, 1), kOverflow);
     EXPECT_EQ(error(u"32766", 0, 1), 0);
+    host.answers["vexDispTrans.ResetAndClear"] = com::Variant::text(u"perhaps");
+    EXPECT_EQ(error(u"1", 0, 0), kTypeMismatch) << "no answer";
+    host.answers.erase("vexDispTrans.ResetAndClear");
     // IDs that are gone when the connection stands are no units, and none is served.
     host.during["vexDispTrans.OpenConnection"] = [this](DISPPARAMS&) { display({{"SignIDs", u""}}); };
     for (const char16_t* file : {u"", u"D:\\fw\\new.SHX"}) {
