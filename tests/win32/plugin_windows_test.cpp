@@ -44,6 +44,30 @@ protected:
                                           });
         EXPECT_EQ(status, sim::kPassed) << trace.str();
     }
+    /// The same with one display, which the host's picker chooses, and a user.
+    void run_for_user(const std::function<void(sim::Host& host, sim::PluginHost& plugin)>& work) {
+        run([&](sim::Host& host, sim::PluginHost& plugin) {
+            sim::Display display;
+            display.name = u"Gate A";
+            host.put_display(display);
+            host.choose_displays = [&display] { return display.name; };
+            screen.emplace(kPlugin);
+            user.emplace(*screen);
+            work(host, plugin);
+            user.reset();
+            screen.reset();
+            host.on_link = nullptr;
+            host.choose_displays = nullptr;
+        });
+    }
+    void choose_and_finish() {
+        screen->press(u"picNavTree", forms::MouseButton::left, 700, 1400);
+        screen->click(u"cmdChooseDisplay");
+        screen->click(u"cmdFinish");
+    }
+
+    std::optional<sim::Win32Screen> screen;
+    std::optional<TestUser> user;
 };
 
 using Forms = std::map<std::u16string, HWND>;
@@ -75,13 +99,7 @@ bool may_end_session(std::size_t forms) {
 }
 
 TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddleOfARun) {
-    run([](sim::Host& host, sim::PluginHost& plugin) {
-        sim::Win32Screen screen(kPlugin);
-        TestUser user(screen);
-        sim::Display display;
-        display.name = u"Gate A";
-        host.put_display(display);
-        host.choose_displays = [&display] { return display.name; };
+    run_for_user([this](sim::Host& host, sim::PluginHost& plugin) {
         int calls = 0;
         host.on_link = [&calls](const sim::LinkEvent& event) {
             if (event.kind != sim::LinkEvent::Kind::begins) return true;
@@ -95,32 +113,28 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
             EXPECT_FALSE(may_end_session(3));
             return true;
         };
-        user.then([&] {
+        user->then([&] {
                 EXPECT_TRUE(may_end_session(1));
-                screen.click(u"cmdAbout");
+                screen->click(u"cmdAbout");
             })
             .then([&] {
                 const Forms forms = open_forms();
                 EXPECT_EQ(owner_of(forms.at(u"frmAbout")), forms.at(kWizard));
-                screen.click(u"cmdOK");
+                screen->click(u"cmdOK");
             })
             .then([&] {
-                screen.press(u"picNavTree", forms::MouseButton::left, 700, 1400);
-                screen.click(u"cmdChooseDisplay");
                 EXPECT_TRUE(may_end_session(1));
-                screen.click(u"cmdFinish");
+                choose_and_finish();
             })
             .then([&] {
-                EXPECT_EQ(screen.rows(u"lstvDisplayStatus"),
+                EXPECT_EQ(screen->rows(u"lstvDisplayStatus"),
                           (std::vector<std::vector<std::u16string>>{{u"Gate A", u"Updated - "}}));
                 EXPECT_TRUE(may_end_session(2));
                 for (const auto& [name, window] : open_forms()) SendMessageW(window, WM_ENDSESSION, TRUE, 0);
             });
         plugin.start();
-        EXPECT_EQ(user.actions_left(), 0U);
+        EXPECT_EQ(user->actions_left(), 0U);
         EXPECT_GT(calls, 0);
-        host.on_link = nullptr;
-        host.choose_displays = nullptr;
     });
 }
 
@@ -178,30 +192,18 @@ void expect_no_handle_stays(int times, const std::function<void()>& use) {
 }
 
 TEST_F(PluginWindows, MayBeDestroyedByTheHostInTheMiddleOfARun) {
-    run([](sim::Host& host, sim::PluginHost& plugin) {
-        sim::Win32Screen screen(kPlugin);
-        TestUser user(screen);
-        sim::Display display;
-        display.name = u"Gate A";
-        host.put_display(display);
-        host.choose_displays = [&display] { return display.name; };
+    run_for_user([this](sim::Host& host, sim::PluginHost& plugin) {
         for (const char16_t* victim : {kSession, kRun, kWizard}) {
             bool destroyed = false;
             host.on_link = [&](const sim::LinkEvent&) {
                 if (!std::exchange(destroyed, true)) DestroyWindow(open_forms().at(victim));
                 return true;
             };
-            user.then([&] {
-                screen.press(u"picNavTree", forms::MouseButton::left, 700, 1400);
-                screen.click(u"cmdChooseDisplay");
-                screen.click(u"cmdFinish");
-            });
+            user->then([this] { choose_and_finish(); });
             plugin.start();
             EXPECT_TRUE(destroyed);
             EXPECT_EQ(open_forms(), Forms());
         }
-        host.on_link = nullptr;
-        host.choose_displays = nullptr;
     });
 }
 
