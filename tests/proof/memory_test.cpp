@@ -14,7 +14,8 @@
 #include <new>
 #include <thread>
 
-#include "com/class_factory.h"
+#include "com/boundary.h"
+#include "com/late_call.h"
 #include "core/unicode.h"
 #include "platform/library.h"
 #include "platform/native/machine.h"
@@ -123,22 +124,9 @@ public:
         return well_ = answer == S_OK;
     }
 
-    /// A call by dispatch id, whose error is that of the exception.
     bool invoke(IDispatch* object, DISPID member, WORD flags, std::initializer_list<com::Variant> arguments = {}) {
         return (*this)([&] {
-            std::vector<VARIANT> values;
-            {
-                const Side side(Side::host);
-                for (const com::Variant& argument : arguments) values.push_back(argument.get());
-            }
-            DISPPARAMS parameters{values.data(), nullptr, static_cast<UINT>(values.size()), 0};
-            com::Variant result;
-            EXCEPINFO exception{};
-            const HRESULT answer = object->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                                  result.put(), &exception, nullptr);
-            for (BSTR text : {exception.bstrSource, exception.bstrDescription, exception.bstrHelpFile})
-                SysFreeString(text);
-            return answer == DISP_E_EXCEPTION ? exception.scode : answer;
+            return guarded_method(IID_NULL, [&] { com::invoke(*object, member, flags, arguments); });
         });
     }
 
