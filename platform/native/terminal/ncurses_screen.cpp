@@ -381,11 +381,13 @@ bool find_terminal(std::ostream& notes) {
     const std::string terminal = name == nullptr ? "" : name;
     int error = 0;
     const auto described = [&error] { return setupterm(nullptr, STDOUT_FILENO, &error) == OK; };
-    if (!described()) {
+    bool usable = described();
+    if (!usable) {
         notes << "no description of the terminal \"" << terminal << "\" is installed; taking it for xterm-256color\n";
         setenv("TERM", "xterm-256color", 1);
+        usable = described();
     }
-    const bool usable = described() && !capability("cup").empty();
+    usable = usable && !capability("cup").empty();
     if (cur_term != nullptr) del_curterm(cur_term);
     if (!usable) notes << "the terminal \"" << terminal << "\" cannot be drawn on; playing the sample scenario\n";
     return usable;
