@@ -18,25 +18,35 @@ ModuleLifetime& test_module() {
     return instance;
 }
 
-/// Its default property has the value that it was given.
 class CountedObject final : public Object<CountedObject, Untyped<IDispatch>> {
 public:
-    explicit CountedObject(SHORT value = 0) noexcept : Object(test_module()), value_(value) {}
-
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override {
-        return DISP_E_UNKNOWNNAME;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+    CountedObject() noexcept : Object(test_module()) {}
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) noexcept override {
-        if (member != DISPID_VALUE || (flags & DISPATCH_PROPERTYGET) == 0) return DISP_E_MEMBERNOTFOUND;
-        result->vt = VT_I2;
-        result->iVal = value_;
-        return S_OK;
+        return DISP_E_MEMBERNOTFOUND;
     }
-
-private:
-    SHORT value_;
 };
+
+TEST(Identities, AreThoseThatEverySystemKnows) {
+    const std::pair<GUID, std::u16string> known[] = {
+        {IID_NULL, u"{00000000-0000-0000-0000-000000000000}"},
+        {IID_IUnknown, u"{00000000-0000-0000-C000-000000000046}"},
+        {IID_IClassFactory, u"{00000001-0000-0000-C000-000000000046}"},
+        {IID_IDispatch, u"{00020400-0000-0000-C000-000000000046}"},
+        {IID_IErrorInfo, u"{1CF2B120-547D-101B-8E65-08002B2BD119}"},
+        {IID_ICreateErrorInfo, u"{22F03340-547D-101B-8E65-08002B2BD119}"},
+        {IID_ISupportErrorInfo, u"{DF0B3D60-548F-101B-8E65-08002B2BD119}"},
+        {IID_IConnectionPointContainer, u"{B196B284-BAB4-101A-B69C-00AA00341D07}"},
+        {IID_IConnectionPoint, u"{B196B286-BAB4-101A-B69C-00AA00341D07}"},
+        {IID_IProvideClassInfo2, u"{A6BC3AC0-DBAA-11CE-9DE3-00AA004BB851}"},
+        {IID_IPictureDisp, u"{7BF80981-BF32-101A-8BBB-00AA00300CAB}"},
+    };
+    for (const auto& [identity, text] : known) {
+        OLECHAR written[39];
+        StringFromGUID2(identity, written, 39);
+        EXPECT_EQ(reinterpret_cast<const char16_t*>(written), text);
+    }
+}
 
 TEST(AutomationString, KeepsEmbeddedNullsAndKnowsItsLength) {
     const std::u16string text(u"a\0b", 3);
@@ -199,6 +209,7 @@ TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
     const DWORD cookie = offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
     EXPECT_EQ(create(object), S_OK);
     object.reset();
+    EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie + 1)));
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
     EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
     EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie)));
