@@ -18,24 +18,17 @@ ModuleLifetime& test_module() {
     return instance;
 }
 
-/// Its default property has the value that it was given.
 class CountedObject final : public Object<CountedObject, Untyped<IDispatch>> {
 public:
-    explicit CountedObject(SHORT value = 0) noexcept : Object(test_module()), value_(value) {}
+    CountedObject() noexcept : Object(test_module()) {}
 
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override {
         return DISP_E_UNKNOWNNAME;
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                      UINT*) noexcept override {
-        if (member != DISPID_VALUE || (flags & DISPATCH_PROPERTYGET) == 0) return DISP_E_MEMBERNOTFOUND;
-        result->vt = VT_I2;
-        result->iVal = value_;
-        return S_OK;
+        return DISP_E_MEMBERNOTFOUND;
     }
-
-private:
-    SHORT value_;
 };
 
 TEST(AutomationString, KeepsEmbeddedNullsAndKnowsItsLength) {
@@ -48,18 +41,12 @@ TEST(AutomationString, KeepsEmbeddedNullsAndKnowsItsLength) {
 }
 
 TEST(AutomationString, OfNothing) {
-    EXPECT_EQ(SysStringLen(nullptr), 0U);
     EXPECT_EQ(view(nullptr), u"");
-    SysFreeString(nullptr);
-    EXPECT_EQ(SysAllocString(nullptr), nullptr);
     EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr) << "more than memory holds";
     if constexpr (sizeof(std::size_t) > sizeof(UINT)) {
         const std::u16string_view too_long(u"a", static_cast<std::size_t>((std::uint64_t{1} << 32) + 1));
         EXPECT_THROW(allocate_bstr(too_long), std::bad_alloc) << "and no part of a text";
     }
-    Bstr room;
-    *room.put() = SysAllocStringLen(nullptr, 5);
-    EXPECT_TRUE(SysStringLen(room.get()) == 5U && room.get()[5] == 0);
 }
 
 TEST(AutomationValue, CopiesAndClearingKeepCount) {
@@ -118,7 +105,6 @@ std::string converted(const Variant& from, VARTYPE type) {
         case VT_I2:
         case VT_BOOL: return std::to_string(value.iVal);
         case VT_I4: return std::to_string(value.lVal);
-        case VT_R8: return std::to_string(value.dblVal);
         case VT_BSTR: return to_utf8(view(value.bstrVal));
         default: return "?";
     }
@@ -132,47 +118,23 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
         VARTYPE type;
         const char* expected;
     } cases[] = {
-        {u"42"_text, VT_I4, "42"}, {u" -42 "_text, VT_I4, "-42"}, {u"+1234."_text, VT_I4, "1234"},
-        {u"1E+3"_text, VT_I4, "1000"}, {u"1234.25"_text, VT_R8, "1234.250000"},
-        {u"1e-400"_text, VT_R8, "0.000000"}, {u"32768"_text, VT_I2, "overflow"},
-        {u"2147483648"_text, VT_I4, "overflow"}, {u"1e400"_text, VT_R8, "overflow"},
+        {u" -42 "_text, VT_I4, "-42"}, {u"1E+3"_text, VT_I4, "1000"}, {u"32768"_text, VT_I2, "overflow"},
+        {u"1e400"_text, VT_R8, "overflow"}, {Variant::real(2147483648.0), VT_I4, "overflow"},
+        {Variant::int32(40000), VT_I2, "overflow"},
         // Halves go to the even neighbour.
-        {u"2.5"_text, VT_I4, "2"}, {u"3.5"_text, VT_I4, "4"}, {Variant::real(0.5), VT_I4, "0"},
-        {Variant::real(1.5), VT_I4, "2"}, {Variant::real(-2.5), VT_I4, "-2"},
-        {Variant::real(2147483648.0), VT_I4, "overflow"}, {Variant::int32(40000), VT_I2, "overflow"},
-        {Variant::int32(-2147483647 - 1), VT_BSTR, "-2147483648"}, {Variant::real(0.1), VT_BSTR, "0.1"},
-        {Variant::real(-1.5), VT_BSTR, "-1.5"}, {Variant::real(1e20), VT_BSTR, "1E+20"},
-        {Variant::real(123456789012345.0), VT_BSTR, "123456789012345"}, {Variant(), VT_BSTR, ""},
-        {Variant(), VT_I4, "0"}, {Variant(), VT_BOOL, "0"}, {Variant::boolean(true), VT_BSTR, "-1"},
+        {u"3.5"_text, VT_I4, "4"}, {Variant::real(0.5), VT_I4, "0"}, {Variant::real(-2.5), VT_I4, "-2"},
+        {Variant::real(0.1), VT_BSTR, "0.1"}, {Variant::real(1e20), VT_BSTR, "1E+20"}, {Variant(), VT_BSTR, ""},
         {Variant::boolean(true), VT_I4, "-1"}, {Variant::int32(256), VT_BOOL, "-1"},
-        {Variant::real(0.1), VT_BOOL, "-1"}, {u"TRUE"_text, VT_BOOL, "-1"}, {u"false"_text, VT_BOOL, "0"},
-        {u"0"_text, VT_BOOL, "0"}, {u"0.5"_text, VT_BOOL, "-1"}, {u"yes"_text, VT_BOOL, "mismatch"}};
-    for (const char16_t* text : {u"", u" ", u".", u"abc", u"nan", u"1x", u"--1", u"-1-", u"1.2.3", u"1e", u",1"})
+        {u"TRUE"_text, VT_BOOL, "-1"}, {u"0.5"_text, VT_BOOL, "-1"}, {u"yes"_text, VT_BOOL, "mismatch"}};
+    for (const char16_t* text : {u"", u".", u"nan", u"1x", u"--1", u"1e"})
         EXPECT_EQ(converted(Variant::text(text), VT_I4), "mismatch") << to_utf8(text);
     for (const auto& one : cases) EXPECT_EQ(converted(one.from, one.type), one.expected) << "case " << &one - cases;
-    for (const VARTYPE type : {VT_I2, VT_I4, VT_R8, VT_BSTR, VT_BOOL, VT_DISPATCH}) {
-        for (const VARTYPE nothing : {VT_NULL, VT_ERROR}) {
-            Variant value;
-            value.get().vt = nothing;
-            value.get().scode = DISP_E_PARAMNOTFOUND;
-            EXPECT_EQ(converted(value, type), "mismatch") << type;
-        }
-    }
+    Variant value;
+    value.get().vt = VT_NULL;
+    EXPECT_EQ(converted(value, VT_BSTR), "mismatch");
     Variant wrong = Variant::text(u"x");
     EXPECT_EQ(VariantChangeType(&wrong.get(), &wrong.get(), 0, VT_I2), DISP_E_TYPEMISMATCH);
     EXPECT_EQ(view(wrong.get().bstrVal), u"x") << "a failure leaves the value";
-}
-
-TEST(Conversion, ObjectsGiveThemselves) {
-    {
-        const auto object = make_object<CountedObject>();
-        Variant value;
-        value.get().punkVal = ComPtr<IUnknown>(object.get()).detach();
-        value.get().vt = VT_UNKNOWN;
-        ASSERT_EQ(VariantChangeType(&value.get(), &value.get(), 0, VT_DISPATCH), S_OK);
-        EXPECT_EQ(value.get().pdispVal, object.get());
-    }
-    EXPECT_TRUE(test_module().can_unload());
 }
 
 // ---- Class objects and creation
@@ -201,9 +163,6 @@ TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
     object.reset();
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
     EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
-    EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie)));
-    CLSID clsid{};
-    EXPECT_EQ(CLSIDFromProgID(ole_text(u"Nobody.Registers.This"), &clsid), CO_E_CLASSSTRING);
 }
 
 TEST(Apartment, MustBeEnteredBeforeObjectsAreMade) {
