@@ -141,38 +141,22 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
 
 constexpr CLSID kTestClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x01}};
 
-class ClassObjects : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))); }
-    void TearDown() override {
-        CoUninitialize();
-        EXPECT_TRUE(test_module().can_unload()) << "something was not released";
-    }
-
-    static HRESULT create(ComPtr<IDispatch>& object) {
-        return CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
-    }
-};
-
-TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
+TEST(ClassObjects, ServeUntilTheyAreRevoked) {
     ComPtr<IDispatch> object;
-    EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
+    const auto create = [&object] {
+        return CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
+    };
+    EXPECT_EQ(create(), CO_E_NOTINITIALIZED);
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
     EXPECT_FALSE(object);
     const DWORD cookie = offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
-    EXPECT_EQ(create(object), S_OK);
+    EXPECT_EQ(create(), S_OK);
     object.reset();
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
-    EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
-}
-
-TEST(Apartment, MustBeEnteredBeforeObjectsAreMade) {
-    ComPtr<IDispatch> object;
-    EXPECT_EQ(CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()),
-              CO_E_NOTINITIALIZED);
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
+    EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
     CoUninitialize();
-    CoUninitialize();
+    EXPECT_TRUE(test_module().can_unload()) << "something was not released";
 }
 
 }  // namespace

@@ -65,18 +65,6 @@ TEST(Run, EndsAtABadStatementWithItsPlaceAndClosesTheDialogs) {
     EXPECT_EQ(run("click cmdNext").errors, "a.scn:1: no dialog is open\n");
 }
 
-TEST(Run, DisturbsTheFinderAndTheDisplayList) {
-    const std::string displays =
-        "display A type=\"TQ-1 - 64x16\" connection=2 address=10.0.0.3\nimage D:\\new.bin 64\n";
-    const std::string user =
-        "answer picker A\nanswer openfile D:\\new.bin\nstart\nclick cmdNext\nclick opLoadFirmware\n"
-        "click cmdNext\nclick cmdChooseDisplay\nclick cmdNext\nclick cmdFirmwareBrowse\nclick cmdFinish";
-    for (const std::string member : {"vexLANBoxFinder2", "SearchTimeout", "FindBoxes", "FindDisplay", "ComPort"}) {
-        const Outcome outcome = run(displays + "fault A * " + member + " raise\n" + user);
-        EXPECT_THAT(outcome.out, testing::ContainsRegex(member + "[^\n]* -> error 440\n.*error StartPlugin"));
-    }
-}
-
 TEST(Run, KeepsItsDataWhereItIsTold) {
     const test::TemporaryFolder folder;
     const Outcome first =

@@ -155,11 +155,8 @@ TEST_F(Window, TextBoxTakesWhatIsTypedAndPasted) {
 
 TEST_F(Window, ColumnsShareTheWidthAsTheyNeedIt) {
     form.list.clear();
-    for (const char16_t* name : {u"Platform in the hall 1", u"Platform in the hall 2"}) {
-        form.list.set_sub_item(form.list.add_row({}, name), 0, u"Updated -");
-    }
-    show(form.list);
-    EXPECT_THAT(picture(), HasSubstr(" Platform in the hall 1 Updated -"));
+    form.list.add_row({}, u"Platform in the hall 1");
+    form.list.add_row({}, u"Platform in the hall 2");
     form.list.set_sub_item(0, 0, u"FAILED - Unable to open connection to display!");
     show(form.list);
     EXPECT_THAT(picture(), HasSubstr("hall 2 ")) << "two that are cut are still told apart";
