@@ -48,28 +48,19 @@ TEST(Identities, AreThoseThatEverySystemKnows) {
     }
 }
 
-TEST(AutomationString, KeepsEmbeddedNullsAndKnowsItsLength) {
+TEST(AutomationString, KeepsEmbeddedNullsAndItsWholeLengthOrIsNone) {
     const std::u16string text(u"a\0b", 3);
     const Bstr string{text};
     EXPECT_EQ(SysStringLen(string.get()), 3U);
     EXPECT_EQ(string.str(), text);
     EXPECT_EQ(string.get()[3], 0) << "a null must follow, for those who count on one";
     EXPECT_EQ(reinterpret_cast<const std::uint32_t*>(string.get())[-1], 6U) << "the length in bytes stands before";
-}
-
-TEST(AutomationString, OfNothing) {
-    EXPECT_EQ(SysStringLen(nullptr), 0U);
     EXPECT_EQ(view(nullptr), u"");
-    SysFreeString(nullptr);
-    EXPECT_EQ(SysAllocString(nullptr), nullptr);
     EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr) << "more than memory holds";
     if constexpr (sizeof(std::size_t) > sizeof(UINT)) {
         const std::u16string_view too_long(u"a", static_cast<std::size_t>((std::uint64_t{1} << 32) + 1));
         EXPECT_THROW(allocate_bstr(too_long), std::bad_alloc) << "and no part of a text";
     }
-    Bstr room;
-    *room.put() = SysAllocStringLen(nullptr, 5);
-    EXPECT_TRUE(SysStringLen(room.get()) == 5U && room.get()[5] == 0);
 }
 
 TEST(AutomationValue, CopiesAndClearingKeepCount) {
@@ -101,18 +92,6 @@ TEST(AutomationValue, ReferencesStayReferencesUntilTheyAreFollowed) {
         EXPECT_NE(copy.get().bstrVal, place);
     }
     EXPECT_EQ(view(place), u"mine") << "never freed";
-
-    SHORT number = 7;
-    VARIANT reference{}, nested{};
-    reference.vt = VT_BYREF | VT_I2;
-    reference.piVal = &number;
-    nested.vt = VT_BYREF | VT_VARIANT;
-    nested.pvarVal = &reference;
-    Variant value;
-    ASSERT_EQ(VariantCopyInd(&value.get(), &nested), S_OK) << "a reference to a value that is a reference";
-    number = 8;
-    EXPECT_EQ(value.type(), VT_I2);
-    EXPECT_EQ(value.get().iVal, 7);
 }
 
 /// The outcome of a conversion in a form that can be compared and read.
@@ -128,7 +107,6 @@ std::string converted(const Variant& from, VARTYPE type) {
         case VT_I2:
         case VT_BOOL: return std::to_string(value.iVal);
         case VT_I4: return std::to_string(value.lVal);
-        case VT_R8: return std::to_string(value.dblVal);
         case VT_BSTR: return to_utf8(view(value.bstrVal));
         default: return "?";
     }
@@ -142,89 +120,46 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
         VARTYPE type;
         const char* expected;
     } cases[] = {
-        {u"42"_text, VT_I4, "42"}, {u" -42 "_text, VT_I4, "-42"}, {u"+1234."_text, VT_I4, "1234"},
-        {u"1E+3"_text, VT_I4, "1000"}, {u"1234.25"_text, VT_R8, "1234.250000"},
-        {u"1e-400"_text, VT_R8, "0.000000"}, {u"32768"_text, VT_I2, "overflow"},
-        {u"2147483648"_text, VT_I4, "overflow"}, {u"1e400"_text, VT_R8, "overflow"},
+        {u" -42 "_text, VT_I4, "-42"}, {u"1E+3"_text, VT_I4, "1000"}, {u"32768"_text, VT_I2, "overflow"},
+        {u"1e400"_text, VT_R8, "overflow"}, {Variant::real(2147483648.0), VT_I4, "overflow"},
+        {Variant::int32(40000), VT_I2, "overflow"},
         // Halves go to the even neighbour.
-        {u"2.5"_text, VT_I4, "2"}, {u"3.5"_text, VT_I4, "4"}, {Variant::real(0.5), VT_I4, "0"},
-        {Variant::real(1.5), VT_I4, "2"}, {Variant::real(-2.5), VT_I4, "-2"},
-        {Variant::real(2147483648.0), VT_I4, "overflow"}, {Variant::int32(40000), VT_I2, "overflow"},
-        {Variant::int32(-2147483647 - 1), VT_BSTR, "-2147483648"}, {Variant::real(0.1), VT_BSTR, "0.1"},
-        {Variant::real(-1.5), VT_BSTR, "-1.5"}, {Variant::real(1e20), VT_BSTR, "1E+20"},
-        {Variant::real(123456789012345.0), VT_BSTR, "123456789012345"}, {Variant(), VT_BSTR, ""},
-        {Variant(), VT_I4, "0"}, {Variant(), VT_BOOL, "0"}, {Variant::boolean(true), VT_BSTR, "-1"},
+        {u"3.5"_text, VT_I4, "4"}, {Variant::real(0.5), VT_I4, "0"}, {Variant::real(-2.5), VT_I4, "-2"},
+        {Variant::real(0.1), VT_BSTR, "0.1"}, {Variant::real(1e20), VT_BSTR, "1E+20"}, {Variant(), VT_BSTR, ""},
         {Variant::boolean(true), VT_I4, "-1"}, {Variant::int32(256), VT_BOOL, "-1"},
-        {Variant::real(0.1), VT_BOOL, "-1"}, {u"TRUE"_text, VT_BOOL, "-1"}, {u"false"_text, VT_BOOL, "0"},
-        {u"0"_text, VT_BOOL, "0"}, {u"0.5"_text, VT_BOOL, "-1"}, {u"yes"_text, VT_BOOL, "mismatch"}};
-    for (const char16_t* text : {u"", u" ", u".", u"abc", u"nan", u"1x", u"--1", u"-1-", u"1.2.3", u"1e", u",1"})
+        {u"TRUE"_text, VT_BOOL, "-1"}, {u"0.5"_text, VT_BOOL, "-1"}, {u"yes"_text, VT_BOOL, "mismatch"}};
+    for (const char16_t* text : {u"", u".", u"nan", u"1x", u"--1", u"1e"})
         EXPECT_EQ(converted(Variant::text(text), VT_I4), "mismatch") << to_utf8(text);
     for (const auto& one : cases) EXPECT_EQ(converted(one.from, one.type), one.expected) << "case " << &one - cases;
-    for (const VARTYPE type : {VT_I2, VT_I4, VT_R8, VT_BSTR, VT_BOOL, VT_DISPATCH}) {
-        for (const VARTYPE nothing : {VT_NULL, VT_ERROR}) {
-            Variant value;
-            value.get().vt = nothing;
-            value.get().scode = DISP_E_PARAMNOTFOUND;
-            EXPECT_EQ(converted(value, type), "mismatch") << type;
-        }
-    }
+    Variant value;
+    value.get().vt = VT_NULL;
+    EXPECT_EQ(converted(value, VT_BSTR), "mismatch");
     Variant wrong = Variant::text(u"x");
     EXPECT_EQ(VariantChangeType(&wrong.get(), &wrong.get(), 0, VT_I2), DISP_E_TYPEMISMATCH);
     EXPECT_EQ(view(wrong.get().bstrVal), u"x") << "a failure leaves the value";
-}
-
-TEST(Conversion, ObjectsGiveThemselves) {
-    {
-        const auto object = make_object<CountedObject>();
-        Variant value;
-        value.get().punkVal = ComPtr<IUnknown>(object.get()).detach();
-        value.get().vt = VT_UNKNOWN;
-        ASSERT_EQ(VariantChangeType(&value.get(), &value.get(), 0, VT_DISPATCH), S_OK);
-        EXPECT_EQ(value.get().pdispVal, object.get());
-    }
-    EXPECT_TRUE(test_module().can_unload());
 }
 
 // ---- Class objects and creation
 
 constexpr CLSID kTestClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x01}};
 
-class ClassObjects : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))); }
-    void TearDown() override {
-        CoUninitialize();
-        EXPECT_TRUE(test_module().can_unload()) << "something was not released";
-    }
-
-    static HRESULT create(ComPtr<IDispatch>& object) {
-        return CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
-    }
-};
-
-TEST_F(ClassObjects, ServeUntilTheyAreRevoked) {
+TEST(ClassObjects, ServeUntilTheyAreRevoked) {
     ComPtr<IDispatch> object;
-    EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
+    const auto create = [&object] {
+        return CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
+    };
+    EXPECT_EQ(create(), CO_E_NOTINITIALIZED);
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
     EXPECT_FALSE(object);
     const DWORD cookie = offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
-    EXPECT_EQ(create(object), S_OK);
+    EXPECT_EQ(create(), S_OK);
     object.reset();
     EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie + 1)));
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
-    EXPECT_EQ(create(object), REGDB_E_CLASSNOTREG);
-    EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie)));
-    CLSID clsid{};
-    EXPECT_EQ(CLSIDFromProgID(ole_text(u"Nobody.Registers.This"), &clsid), CO_E_CLASSSTRING);
-}
-
-TEST(Apartment, MustBeEnteredBeforeObjectsAreMade) {
-    ComPtr<IDispatch> object;
-    EXPECT_EQ(CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()),
-              CO_E_NOTINITIALIZED);
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
+    EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
     CoUninitialize();
-    CoUninitialize();
+    EXPECT_TRUE(test_module().can_unload()) << "something was not released";
 }
 
 }  // namespace

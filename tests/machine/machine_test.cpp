@@ -58,7 +58,6 @@ TEST_F(Machine, WhatCannotBeUsedIsNamed) {
     write_file(damaged / "registry", std::string(kRegistryHeader) + "\noops\n");
     const std::pair<std::filesystem::path, std::string> cases[] = {
         {folder / "file", (folder / "file").native()},
-        {folder / "file" / "below", (folder / "file" / "below").native()},
         {damaged, (damaged / "registry").native() + ": line 3"},
     };
     for (const auto& [unusable, told] : cases) {
@@ -74,11 +73,9 @@ TEST_F(Machine, WhatCannotBeUsedIsNamed) {
 
 TEST_F(Machine, DriveLettersLeadIntoItsFoldersAndBack) {
     std::filesystem::create_directories(drive_c / "Program Files/Brivola");
-    std::filesystem::create_directory(computer / "drive_d");
     EXPECT_EQ(real_path(u"C:"), drive_c);
     EXPECT_EQ(real_path(u"c:\\program files//BRIVOLA\\New.txt"), drive_c / "Program Files/Brivola/New.txt");
     EXPECT_EQ(real_path(u"C:\\Program Files\\..\\..\\..\\.\\Program Files"), drive_c / "Program Files");
-    EXPECT_EQ(real_path(u"D:\\x"), computer / "drive_d/x");
     EXPECT_EQ(real_path(u"z:\\tmp"), "/tmp");
     for (const char16_t* path : {u"E:\\x", u"", u"C", u"\\x", u"\\\\server\\x", u"1:\\x", u"?:\\x"})
         EXPECT_EQ(real_path(path), "");

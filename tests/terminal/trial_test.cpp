@@ -38,8 +38,6 @@ TEST(Picker, SearchesAndChecksByKeyAndMouse) {
     EXPECT_EQ(screen.beeps, 1);
     screen.keys(U"müL⏎⏎");
     EXPECT_EQ(choose(u"北口,gone"), u"Café Müller,北口") << "with the choice of the last time";
-    screen.keys(U"⎋");
-    EXPECT_EQ(choose(u"北口"), u"");
     EXPECT_FALSE(toolkit.ended());
 }
 
