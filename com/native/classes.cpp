@@ -9,10 +9,10 @@
 #include <filesystem>
 #include <iterator>
 #include <list>
+#include <map>
 #include <new>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "com/native/server.h"
 #include "core/digits.h"
@@ -29,7 +29,6 @@ using platform::from_ansi;
 using platform::to_ansi;
 
 struct ClassRegistration {
-    DWORD cookie;
     CLSID clsid;
     ComPtr<IUnknown> factory;
 };
@@ -50,7 +49,8 @@ struct Server {
 struct Apartment {
     int initialisations = 0;
     DWORD last_cookie = 0;
-    std::vector<ClassRegistration> classes;
+    /// By their cookies.
+    std::map<DWORD, ClassRegistration> classes;
     std::list<Server> servers;
 };
 
@@ -70,7 +70,8 @@ std::string class_value(const std::string& path) {
     return result == kSuccess ? text.data() : "";
 }
 
-HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
+/// The class object of the server that the registry names.
+HRESULT find_in_server(REFCLSID clsid, ComPtr<IClassFactory>& factory) {
     OLECHAR name[39];
     StringFromGUID2(clsid, name, 39);
     const std::string path = class_value("CLSID\\" + to_ansi(name) + "\\InprocServer32");
@@ -85,7 +86,7 @@ HRESULT class_object_of_server(REFCLSID clsid, REFIID iid, LPVOID* object) {
             return CO_E_DLLNOTFOUND;
         }
     }
-    return server->get_class_object(clsid, iid, object);
+    return server->get_class_object(clsid, IID_IClassFactory, factory.put_void());
 }
 
 /// Runs a function of the runtime whose tables and texts may run out of memory.
@@ -98,16 +99,6 @@ HRESULT guarded(Function function) noexcept {
     } catch (...) {
         return E_UNEXPECTED;
     }
-}
-
-HRESULT class_object(REFCLSID clsid, REFIID iid, LPVOID* object) noexcept {
-    if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
-    for (const auto& entry : apartment.classes) {
-        if (entry.clsid != clsid) continue;
-        const auto factory = entry.factory;
-        return factory->QueryInterface(iid, object);
-    }
-    return guarded([&] { return class_object_of_server(clsid, iid, object); });
 }
 
 /// An identity as text: its bytes in the order in which they are written, numbers with their highest byte first.
@@ -194,27 +185,31 @@ HRESULT CoRegisterClassObject(REFCLSID clsid, IUnknown* factory, DWORD /*context
     *cookie = 0;
     if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
     return guarded([&] {
-        apartment.classes.push_back({apartment.last_cookie + 1, clsid, vex::com::ComPtr<IUnknown>(factory)});
+        apartment.classes[apartment.last_cookie + 1] = {clsid, vex::com::ComPtr<IUnknown>(factory)};
         *cookie = ++apartment.last_cookie;
         return S_OK;
     });
 }
 
 HRESULT CoRevokeClassObject(DWORD cookie) noexcept {
-    for (auto entry = apartment.classes.begin(); entry != apartment.classes.end(); ++entry) {
-        if (entry->cookie != cookie) continue;
-        const auto factory = entry->factory;
-        apartment.classes.erase(entry);
-        return S_OK;
-    }
-    return E_INVALIDARG;
+    return apartment.classes.extract(cookie).empty() ? E_INVALIDARG : S_OK;
 }
 
 HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD /*context*/, REFIID iid, LPVOID* object) noexcept {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
+    if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
+    const auto offered =
+        std::ranges::find(apartment.classes, clsid, [](const auto& entry) { return entry.second.clsid; });
     vex::com::ComPtr<IClassFactory> factory;
-    const HRESULT result = class_object(clsid, IID_IClassFactory, factory.put_void());
+    HRESULT result = S_OK;
+    if (offered != apartment.classes.end()) {
+        // A copy: what is asked may revoke the class.
+        const auto held = offered->second.factory;
+        result = held->QueryInterface(IID_IClassFactory, factory.put_void());
+    } else {
+        result = guarded([&] { return find_in_server(clsid, factory); });
+    }
     return FAILED(result) ? result : factory->CreateInstance(outer, iid, object);
 }
 

@@ -2,7 +2,6 @@
 // use, the interfaces in the binary order of the originals, and the functions that the native runtime implements.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 // ---- Plain types ------------------------------------------------------------------------------------
@@ -15,10 +14,8 @@ using UINT = std::uint32_t;
 using LONG = std::int32_t;
 using ULONG = std::uint32_t;
 using BOOL = std::int32_t;
-using DOUBLE = double;
 using LCID = std::uint32_t;
 using HRESULT = std::int32_t;
-using SCODE = std::int32_t;
 using OLECHAR = char16_t;
 using LPOLESTR = OLECHAR*;
 using LPCOLESTR = const OLECHAR*;
@@ -132,16 +129,16 @@ struct VARIANT {
     union {
         LONG lVal;
         SHORT iVal;
-        DOUBLE dblVal;
+        double dblVal;
         VARIANT_BOOL boolVal;
-        SCODE scode;
+        HRESULT scode;
         BSTR bstrVal;
         IUnknown* punkVal;
         IDispatch* pdispVal;
         void* byref;
         SHORT* piVal;
         LONG* plVal;
-        DOUBLE* pdblVal;
+        double* pdblVal;
         BSTR* pbstrVal;
         IUnknown** ppunkVal;
         IDispatch** ppdispVal;
@@ -167,7 +164,7 @@ struct EXCEPINFO {
     DWORD dwHelpContext;
     void* pvReserved;
     HRESULT (*pfnDeferredFillIn)(EXCEPINFO*);
-    SCODE scode;
+    HRESULT scode;
 };
 
 constexpr DISPID DISPID_UNKNOWN = -1;

@@ -1,6 +1,5 @@
 // The COM runtime: its own objects, which are each thread's error information and pictures.
 #include <new>
-#include <string>
 
 #include "com/bstr.h"
 #include "com/native/server.h"

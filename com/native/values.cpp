@@ -87,15 +87,11 @@ HRESULT assign(VARIANT* to, const VARIANT& from) noexcept {
 
 // ---- Conversions
 
-std::u16string_view trimmed(std::u16string_view text) noexcept {
-    constexpr std::u16string_view kBlanks = u" \t\n\v\f\r";
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
-
 /// Reads a decimal number, with blanks around it, a sign before it and an exponent.
 HRESULT parse_number(std::u16string_view text, double& number) {
-    std::string plain = to_utf8(trimmed(text));
+    constexpr std::u16string_view kBlanks = u" \t\n\v\f\r";
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    std::string plain = to_utf8(text.substr(0, text.find_last_not_of(kBlanks) + 1));
     const bool negative = plain.starts_with('-');
     if (negative || plain.starts_with('+')) plain.erase(0, 1);
     // The standard library would take names of numbers and a second sign, too.
@@ -264,15 +260,10 @@ HRESULT VariantChangeType(VARIANTARG* to, const VARIANTARG* from, USHORT /*flags
         vex::com::Variant source;
         vex::com::Variant converted;
         HRESULT result = VariantCopyInd(&source.get(), from);
-        if (FAILED(result)) return result;
-        if (source.type() == type) {
-            converted = std::move(source);
-        } else {
-            result = vex::com::convert(source.get(), type, converted.get());
-            if (FAILED(result)) return result;
-        }
-        result = VariantClear(to);
-        if (SUCCEEDED(result)) *to = converted.detach();
+        const bool same = source.type() == type;
+        if (SUCCEEDED(result) && !same) result = vex::com::convert(source.get(), type, converted.get());
+        if (SUCCEEDED(result)) result = VariantClear(to);
+        if (SUCCEEDED(result)) *to = (same ? source : converted).detach();
         return result;
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
