@@ -1,7 +1,6 @@
 // What the plug-in costs on the native side: settings in the registry's file, the wizard, and an update run.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>

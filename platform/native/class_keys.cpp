@@ -5,11 +5,8 @@
 #include "platform/system.h"
 
 namespace vex::platform {
-namespace {
 
 constexpr RegistryKey kClasses = registry_key(kHkeyClassesRoot);
-
-}  // namespace
 
 bool write_class_text(const std::u16string& key, const std::u16string& name, const std::u16string& text) {
     const std::string bytes = to_ansi(text);

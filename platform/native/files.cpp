@@ -46,8 +46,7 @@ std::vector<std::string> read_hidden_names(const fs::path& folder) {
 bool is_hidden(const fs::path& file) {
     const std::string name = file.filename().native();
     if (name.starts_with('.')) return true;
-    const std::vector<std::string> hidden = read_hidden_names(file.parent_path());
-    return std::find(hidden.begin(), hidden.end(), name) != hidden.end();
+    return std::ranges::count(read_hidden_names(file.parent_path()), name) > 0;
 }
 
 /// Told of programs that start.

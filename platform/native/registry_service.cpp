@@ -12,6 +12,7 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "core/narrow.h"
 #include "core/unicode.h"
@@ -26,11 +27,8 @@ constexpr std::uint32_t kQueryValue = 0x1;
 constexpr std::uint32_t kSetValue = 0x2;
 constexpr std::uint32_t kEnumerateSubKeys = 0x8;
 
-struct PredefinedKey {
-    std::int32_t handle;
-    std::u16string_view path;
-};
-constexpr PredefinedKey kPredefinedKeys[] = {
+/// Handles and paths.
+constexpr std::pair<std::int32_t, std::u16string_view> kPredefinedKeys[] = {
     {kHkeyClassesRoot, kClassesPath},
     {kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
     {kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"},

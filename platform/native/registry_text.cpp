@@ -14,8 +14,6 @@ namespace {
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
-std::string utf8_of_utf16(std::string_view bytes) { return to_utf8(text_of({bytes.begin(), bytes.end()})); }
-
 /// A place in a text, and the line that it is on.
 class Reader {
 public:
@@ -218,7 +216,7 @@ std::vector<std::uint8_t> data_of(std::u16string_view text) {
 
 std::vector<RegistrySection> read_registry(std::string_view bytes) {
     if (!bytes.starts_with(kUtf16Mark)) return Reader(bytes).read();
-    return Reader(utf8_of_utf16(bytes.substr(kUtf16Mark.size()))).read();
+    return Reader(to_utf8(text_of({bytes.begin() + kUtf16Mark.size(), bytes.end()}))).read();
 }
 
 void append_key(std::string& text, std::u16string_view path) { text += "\n[" + to_utf8(path) + "]\n"; }

@@ -37,8 +37,8 @@ std::vector<Control*> tab_stops(const forms::Form& form) {
     std::vector<Control*> stops;
     for (Control* control : form.keyboard_order()) {
         if (!takes_focus(*control)) continue;
-        const auto stop = std::find_if(stops.begin(), stops.end(),
-                                       [control](const Control* other) { return same_group(*control, *other); });
+        const auto stop =
+            std::ranges::find_if(stops, [&](const Control* other) { return same_group(*control, *other); });
         if (stop == stops.end()) {
             stops.push_back(control);
         } else if (static_cast<forms::OptionButton*>(control)->value()) {
@@ -76,8 +76,7 @@ Control* first_focus(const forms::Form& form) {
         return stop->page() >= 0;
     });
     if (on_page != stops.end()) return *on_page;
-    const bool pages = std::any_of(form.controls().begin(), form.controls().end(),
-                                   [](const Control* control) { return control->kind() == ControlKind::tab_pages; });
+    const bool pages = std::ranges::count(form.controls(), ControlKind::tab_pages, &Control::kind) > 0;
     Control* const standard = pages ? button_with(form, &forms::Button::is_default) : nullptr;
     return standard != nullptr || stops.empty() ? standard : stops.front();
 }
@@ -118,8 +117,7 @@ const PlacedControl* FormWindow::control_at(Point at) const noexcept {
 }
 
 const PlacedControl* FormWindow::find(const Control& control) const noexcept {
-    const auto found = std::find_if(controls_.begin(), controls_.end(),
-                                    [&control](const PlacedControl& placed) { return placed.control == &control; });
+    const auto found = std::ranges::find(controls_, &control, &PlacedControl::control);
     return found == controls_.end() ? nullptr : &*found;
 }
 
@@ -149,9 +147,8 @@ void FormWindow::move_focus(int direction) {
     const std::vector<Control*> stops = tab_stops(form_);
     const Control* current = focus();
     if (current == nullptr) return;
-    const auto found = std::find_if(stops.begin(), stops.end(), [current](const Control* stop) {
-        return stop == current || same_group(*current, *stop);
-    });
+    const auto found = std::ranges::find_if(
+        stops, [&](const Control* stop) { return stop == current || same_group(*current, *stop); });
     const auto count = std::ssize(stops);
     set_focus(*stops[static_cast<std::size_t>((found - stops.begin() + direction + count) % count)]);
 }
@@ -220,8 +217,14 @@ void FormWindow::press_key(const KeyPress& key) {
     if (key.key == Key::character && key.alt) return press_mnemonic(key.character);
     if (key.key == Key::tab) return move_focus(1);
     if (key.key == Key::back_tab) return move_focus(-1);
-    if (key.key == Key::enter) return press_enter();
-    if (key.key == Key::escape) return press_escape();
+    if (key.key == Key::enter) {
+        Control* const pressed = button_of_enter();
+        return pressed == nullptr ? toolkit_.beep() : form_.raise_click(*pressed);
+    }
+    if (key.key == Key::escape) {
+        Control* const cancel = button_with(form_, &forms::Button::is_cancel);
+        return cancel == nullptr ? request_close() : form_.raise_click(*cancel);
+    }
     if (key.key == Key::menu) return open_menu();
     Control* control = focus();
     if (control == nullptr) return;
@@ -251,16 +254,6 @@ Control* FormWindow::button_of_enter() {
     Control* const control = focus();
     const bool button = control != nullptr && control->kind() == ControlKind::button;
     return button ? control : button_with(form_, &forms::Button::is_default);
-}
-
-void FormWindow::press_enter() {
-    Control* const control = button_of_enter();
-    control == nullptr ? toolkit_.beep() : form_.raise_click(*control);
-}
-
-void FormWindow::press_escape() {
-    Control* const cancel = button_with(form_, &forms::Button::is_cancel);
-    cancel == nullptr ? request_close() : form_.raise_click(*cancel);
 }
 
 void FormWindow::request_close() {
@@ -341,8 +334,7 @@ void FormWindow::open_menu() {
     set_focus(*list);
     // As a right click on the selected row would; where none is, on the first that is marked red as failed.
     const auto& rows = list->rows();
-    const auto failed =
-        std::find_if(rows.begin(), rows.end(), [](const auto& row) { return row.fore_color == forms::kRed; });
+    const auto failed = std::ranges::find(rows, forms::kRed, &forms::ListRow::fore_color);
     const auto first = failed == rows.end() ? 0 : static_cast<std::size_t>(failed - rows.begin());
     const std::size_t row = list->selected().value_or(first);
     lists_[list].wanted = row;

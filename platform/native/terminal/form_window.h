@@ -66,8 +66,6 @@ private:
     void move_option(forms::Control& option, int direction);
     void press_mnemonic(char32_t letter);
     forms::Control* button_of_enter();
-    void press_enter();
-    void press_escape();
     void request_close();
     bool edit(forms::TextBox& box, const KeyPress& key);
     void move_in(forms::ListView& list, const KeyPress& key);

@@ -17,16 +17,6 @@ int cells_of(Twips twips, Twips per_cell) noexcept {
     return static_cast<int>(std::floor(static_cast<double>(twips) / per_cell));
 }
 
-bool wraps_text(ControlKind kind) noexcept {
-    return kind == ControlKind::label || kind == ControlKind::option_button || kind == ControlKind::check_box;
-}
-
-/// The cells that the brackets and marks around a control's text take.
-int adornment_width(ControlKind kind) noexcept {
-    if (kind == ControlKind::button) return 2;
-    return kind == ControlKind::option_button || kind == ControlKind::check_box ? 4 : 0;
-}
-
 /// The size depends on the control's size alone. What is about one row high, and a shape, stands about the
 /// row in which its middle lies, so that a mark meets the label beside it and the lines that lead to it.
 Area cells_for(const Control& control, const Scale& scale) noexcept {
@@ -114,9 +104,10 @@ void fit_buttons_like(const Control& control, Controls& controls) {
     }
 }
 
-/// Others grow to the right, then downwards.
+/// Labels, option buttons and check boxes grow to the right, then downwards.
 void fit_text(PlacedControl& placed, const Controls& controls) {
-    const int adornment = adornment_width(placed.control->kind());
+    // The brackets and the mark before the text.
+    const int adornment = placed.control->kind() == ControlKind::label ? 0 : 4;
     const std::u32string text = text_of(*placed.control);
     Area& cells = placed.cells;
     const auto wrap_at = [&](int width) { placed.lines = wrap(text, std::max(1, width - adornment)); };
@@ -178,7 +169,10 @@ std::vector<PlacedControl> lay_out(const forms::Form& form, const Scale& scale) 
         }
     }
     for (PlacedControl& placed : controls) {
-        if (wraps_text(placed.control->kind())) fit_text(placed, controls);
+        const ControlKind kind = placed.control->kind();
+        if (kind == ControlKind::label || kind == ControlKind::option_button || kind == ControlKind::check_box) {
+            fit_text(placed, controls);
+        }
     }
     return controls;
 }

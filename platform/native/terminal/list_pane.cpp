@@ -34,10 +34,10 @@ char32_t icon_character(const forms::Image& image, const IconCharacters& icons) 
 }  // namespace
 
 ListPane::ListPane(const forms::ListView& list, const Area& cells, const Scale& scale, ListScroll& scroll)
-    : list_(list), cells_(cells), scroll_(scroll), page_(std::max(1, cells.height() - 1)) {
+    : list_(list), cells_(cells), scroll_(scroll) {
     if (const auto wanted = std::exchange(scroll.wanted, std::nullopt)) {
         const int row = static_cast<int>(*wanted);
-        scroll.top = std::clamp(scroll.top, row + 1 - page_, row);
+        scroll.top = std::clamp(scroll.top, row + 1 - page(), row);
     }
     limit();
     share_width(scale);
@@ -53,7 +53,7 @@ void ListPane::share_width(const Scale& scale) {
     const auto room_for = [this](const forms::ListRow& row, std::size_t i) {
         return text_width(to_utf32(text_in(row, i))) + 1 + (i == 0 ? gutter() : 0);
     };
-    const int end = std::min(count(), scroll_.top + page_);
+    const int end = std::min(count(), scroll_.top + page());
     for (int row = scroll_.top; row < end; ++row) {
         const forms::ListRow& texts = list_.rows()[static_cast<std::size_t>(row)];
         for (std::size_t i = 0; i < columns; ++i) needed[i] = std::max(needed[i], room_for(texts, i));
@@ -78,7 +78,7 @@ void ListPane::share_width(const Scale& scale) {
 int ListPane::total_width() const noexcept { return std::accumulate(widths_.begin(), widths_.end(), 0); }
 
 void ListPane::limit() noexcept {
-    scroll_.top = std::clamp(scroll_.top, 0, std::max(0, count() - page_));
+    scroll_.top = std::clamp(scroll_.top, 0, std::max(0, count() - page()));
     if (!widths_.empty()) scroll_.left = std::clamp(scroll_.left, 0, std::max(0, total_width() - view_width()));
 }
 
@@ -90,7 +90,7 @@ std::optional<std::size_t> ListPane::row_at(Point at) const noexcept {
 
 void ListPane::scroll_to(int row) noexcept {
     scroll_.top = static_cast<int>(list_.row_count() * static_cast<std::size_t>(row - cells_.top - 1) /
-                                   static_cast<std::size_t>(std::max(1, page_ - 1)));
+                                   static_cast<std::size_t>(std::max(1, page() - 1)));
     limit();
 }
 
@@ -110,7 +110,7 @@ void ListPane::paint(Canvas& canvas, bool focused, const IconCharacters& icons) 
     for (std::size_t i = 0; i + 1 < widths_.size(); ++i) canvas.text({column += widths_[i], cells_.top}, U"│", style);
     // Without a selected row the focus has no other place to be seen.
     if (focused && !list_.selected()) canvas.text({cells_.left, cells_.top}, kFocusedMark, look::kFocus);
-    for (int row = scroll_.top; row < std::min(count(), scroll_.top + page_); ++row) {
+    for (int row = scroll_.top; row < std::min(count(), scroll_.top + page()); ++row) {
         paint_row(canvas, static_cast<std::size_t>(row), focused, icons);
     }
     if (overflows()) paint_scroll_bar(canvas);
@@ -150,10 +150,10 @@ void ListPane::paint_row(Canvas& canvas, std::size_t row, bool focused, const Ic
 }
 
 void ListPane::paint_scroll_bar(Canvas& canvas) const {
-    const int height = std::max(1, page_ * page_ / count());
-    const double travelled = static_cast<double>(scroll_.top) / (count() - page_);
-    const int thumb = static_cast<int>(travelled * (page_ - height) + 0.5);
-    for (int line = 0; line < page_; ++line) {
+    const int height = std::max(1, page() * page() / count());
+    const double travelled = static_cast<double>(scroll_.top) / (count() - page());
+    const int thumb = static_cast<int>(travelled * (page() - height) + 0.5);
+    for (int line = 0; line < page(); ++line) {
         canvas.text({cells_.right - 1, cells_.top + 1 + line}, line >= thumb && line < thumb + height ? U"█" : U"│",
                     {.fore = look::kFaint, .back = look::kFace.back});
     }

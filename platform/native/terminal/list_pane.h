@@ -27,7 +27,7 @@ public:
     ListPane(const forms::ListView& list, const Area& cells, const Scale& scale, ListScroll& scroll);
 
     /// The number of rows that can be seen at once.
-    int page() const noexcept { return page_; }
+    int page() const noexcept { return std::max(1, cells_.height() - 1); }
     /// The row shown at a cell; none on the header, on the scroll bar and below the last row.
     std::optional<std::size_t> row_at(Point at) const noexcept;
     /// The row of the grid at which a row of the list is shown; it may lie outside of the pane.
@@ -43,7 +43,7 @@ private:
     void share_width(const Scale& scale);
     void limit() noexcept;
     int count() const noexcept { return static_cast<int>(list_.row_count()); }
-    bool overflows() const noexcept { return count() > page_; }
+    bool overflows() const noexcept { return count() > page(); }
     int view_width() const noexcept { return cells_.width() - (overflows() ? 1 : 0); }
     int total_width() const noexcept;
     /// The cells before the text of the first column: the mark of the selection and the icon.
@@ -56,7 +56,6 @@ private:
     const forms::ListView& list_;
     Area cells_;
     ListScroll& scroll_;
-    int page_;
     /// Widths in cells, with the blank between columns.
     std::vector<int> widths_;
 };

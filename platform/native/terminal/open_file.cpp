@@ -66,9 +66,7 @@ std::optional<std::vector<u16string>> names_in(const u16string& folder) {
         if (!is_directory && !ordinary_file_exists(folder + u"\\" + name)) continue;
         names.push_back(is_directory ? name + u"\\" : name);
     }
-    std::sort(names.begin(), names.end(), [](const u16string& left, const u16string& right) {
-        return std::pair(!is_folder(left), to_upper(left)) < std::pair(!is_folder(right), to_upper(right));
-    });
+    std::ranges::sort(names, {}, [](const u16string& name) { return std::pair(!is_folder(name), to_upper(name)); });
     return names;
 }
 
