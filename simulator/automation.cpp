@@ -2,8 +2,6 @@
 #include "simulator/automation.h"
 
 #include <cmath>
-#include <iterator>
-#include <vector>
 
 #include "com/late_call.h"
 #include "core/digits.h"
@@ -52,45 +50,6 @@ std::u16string CallArguments::shown_call(std::u16string_view object) const {
     const bool puts = member_.kind == kPut;
     std::u16string line = puts ? u"put " : member_.kind == kMethod ? u"call " : u"get ";
     return line.append(object).append(u".").append(member_.name).append(puts ? u" =" : u"") + shown();
-}
-
-bool puts_one_value(const DISPPARAMS& parameters) noexcept {
-    return parameters.cNamedArgs == 1 && parameters.rgdispidNamedArgs != nullptr &&
-           *parameters.rgdispidNamedArgs == DISPID_PROPERTYPUT;
-}
-
-bool is_name(LPCOLESTR text, std::u16string_view name) {
-    return text != nullptr && equal_ignoring_case(reinterpret_cast<const char16_t*>(text), name);
-}
-
-HRESULT Sinks::advise(IUnknown* sink, const IID& source, DWORD* cookie) noexcept {
-    if (sink == nullptr || cookie == nullptr) return E_POINTER;
-    *cookie = 0;
-    return guarded_method(IID_IConnectionPoint, [&] {
-        com::ComPtr<IDispatch> target;
-        if (FAILED(sink->QueryInterface(source, target.put_void()))) return CONNECT_E_CANNOTCONNECT;
-        sinks_[++last_cookie_] = std::move(target);
-        *cookie = last_cookie_;
-        return S_OK;
-    });
-}
-
-HRESULT Sinks::unadvise(DWORD cookie) noexcept {
-    return sinks_.extract(cookie).empty() ? CONNECT_E_NOCONNECTION : S_OK;
-}
-
-void Sinks::raise_event(DISPID event, std::initializer_list<std::u16string_view> texts) {
-    std::vector<com::Bstr> owned;
-    std::vector<VARIANT> arguments;
-    owned.reserve(texts.size());
-    // Last argument first.
-    for (auto text = std::rbegin(texts); text != std::rend(texts); ++text)
-        arguments.push_back(com::Variant::text_reference(owned.emplace_back(*text).put_reference()).detach());
-    // A sink may connect or disconnect anybody while it is called.
-    for (const auto sinks = sinks_; const auto& [cookie, sink] : sinks) {
-        DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
-        sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
-    }
 }
 
 com::ComPtr<IDispatch> create_object(const std::u16string& programmatic_id) {

@@ -5,10 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
+#include <iterator>
 #include <map>
-#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "com/boundary.h"
 #include "com/object.h"
@@ -73,12 +74,8 @@ struct Member : MemberFacts {
     com::Variant (Object::*call)(const CallArguments& arguments);
 };
 
-/// Whether the one named argument is the value of a property.
-bool puts_one_value(const DISPPARAMS& parameters) noexcept;
-bool is_name(LPCOLESTR text, std::u16string_view name);
-
-/// Base of the host's automation objects: `Derived::members()` answers their table. `Derived::on_call`, where there is
-/// one, is told of each call first and may raise an error in place of it.
+/// Base of the host's automation objects, whose table is `Derived::kMembers`. `Derived::on_call`, where there is one,
+/// is told of each call first and may raise an error in place of it.
 template <class Derived, class... Interfaces>
 class AutomationObject : public com::Object<Derived, com::Untyped<IDispatch>, Interfaces...> {
 public:
@@ -90,8 +87,9 @@ public:
         if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
         // Only the member's name: parameters are not named here.
         std::fill_n(ids, count, DISPID_UNKNOWN);
-        for (const MemberFacts& member : Derived::members()) {
-            if (is_name(names[0], member.name)) ids[0] = static_cast<DISPID>(member.id);
+        const std::u16string_view name = names[0] == nullptr ? u"" : reinterpret_cast<const char16_t*>(names[0]);
+        for (const MemberFacts& member : Derived::kMembers) {
+            if (equal_ignoring_case(name, member.name)) ids[0] = static_cast<DISPID>(member.id);
         }
         return ids[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
     }
@@ -101,11 +99,13 @@ public:
         if (result != nullptr) VariantInit(result);
         if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (parameters == nullptr) return E_INVALIDARG;
-        const auto members = Derived::members();
-        const auto member =
-            std::ranges::find_if(members, [&](const MemberFacts& facts) { return facts.is_called(id, flags); });
-        if (member == members.end()) return DISP_E_MEMBERNOTFOUND;
-        if ((member->kind == kPut) != puts_one_value(*parameters)) return DISP_E_PARAMNOTFOUND;
+        const auto* const member = std::ranges::find_if(
+            Derived::kMembers, [&](const MemberFacts& facts) { return facts.is_called(id, flags); });
+        if (member == std::end(Derived::kMembers)) return DISP_E_MEMBERNOTFOUND;
+        // The one named argument is the value of a property.
+        const bool puts_value = parameters->cNamedArgs == 1 && parameters->rgdispidNamedArgs != nullptr &&
+                                *parameters->rgdispidNamedArgs == DISPID_PROPERTYPUT;
+        if ((member->kind == kPut) != puts_value) return DISP_E_PARAMNOTFOUND;
         // Called back in the middle of a call, the object may lose its last other reference.
         const com::ComPtr<Derived> alive(static_cast<Derived*>(this));
         return guarded_invoke(exception, [&] {
@@ -121,18 +121,8 @@ protected:
     Host& host_;
 };
 
-/// Who hears the events of a control.
-class Sinks {
-public:
-    HRESULT advise(IUnknown* sink, const IID& source, DWORD* cookie) noexcept;
-    HRESULT unadvise(DWORD cookie) noexcept;
-    /// Calls every sink with the texts, by reference. What the sinks answer does not concern the control.
-    void raise_event(DISPID event, std::initializer_list<std::u16string_view> texts);
-
-private:
-    std::map<DWORD, com::ComPtr<IDispatch>> sinks_;
-    DWORD last_cookie_ = 0;
-};
+/// Where the plug-in's event stands among the events of each control.
+inline constexpr DISPID kHandledEvent = 9;
 
 /// Base of a control with one source interface, `Derived::kSourceInterface`, whose connection point it is.
 template <class Derived>
@@ -159,9 +149,20 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink, DWORD* cookie) noexcept override {
-        return sinks_.advise(sink, Derived::kSourceInterface, cookie);
+        if (sink == nullptr || cookie == nullptr) return E_POINTER;
+        *cookie = 0;
+        return guarded_method(IID_IConnectionPoint, [&] {
+            com::ComPtr<IDispatch> target;
+            if (FAILED(sink->QueryInterface(Derived::kSourceInterface, target.put_void())))
+                return CONNECT_E_CANNOTCONNECT;
+            sinks_[++last_cookie_] = std::move(target);
+            *cookie = last_cookie_;
+            return S_OK;
+        });
     }
-    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override { return sinks_.unadvise(cookie); }
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override {
+        return sinks_.extract(cookie).empty() ? CONNECT_E_NOCONNECTION : S_OK;
+    }
     HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) noexcept override {
         return offers_none(connections);
     }
@@ -174,7 +175,20 @@ public:
     }
 
 protected:
-    Sinks sinks_;
+    /// Calls every sink with the texts, by reference. What the sinks answer does not concern the control.
+    void raise_event(DISPID event, std::initializer_list<std::u16string_view> texts) {
+        std::vector<com::Bstr> owned;
+        std::vector<VARIANT> arguments;
+        owned.reserve(texts.size());
+        // Last argument first.
+        for (auto text = std::rbegin(texts); text != std::rend(texts); ++text)
+            arguments.push_back(com::Variant::text_reference(owned.emplace_back(*text).put_reference()).detach());
+        // A sink may connect or disconnect anybody while it is called.
+        for (const auto sinks = sinks_; const auto& [cookie, sink] : sinks) {
+            DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+            sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
+        }
+    }
 
 private:
     template <class Interface>
@@ -182,6 +196,10 @@ private:
         if (object != nullptr) *object = nullptr;
         return E_NOTIMPL;
     }
+
+    /// Who hears the events.
+    std::map<DWORD, com::ComPtr<IDispatch>> sinks_;
+    DWORD last_cookie_ = 0;
 };
 
 /// Creates an object by programmatic identifier. Raises `RuntimeError` naming it.

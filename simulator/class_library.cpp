@@ -1,40 +1,24 @@
-// The simulated host's display list and display picker, and its classes.
+// The simulated host's display list, display picker and finder of LAN device servers, and its classes.
 #include "simulator/class_library.h"
 
 #include "com/class_factory.h"
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/class_keys.h"
-#include "simulator/controls.h"
+#include "simulator/transmission_control.h"
 
 namespace vex::sim {
 namespace {
+
+constexpr IID kBoxFinderEvents = own_identity(0x53);
+
+constexpr std::u16string_view kFinderName = u"FindXPort";
 
 /// The displays of the host's file, one of them current: the first one after opening, then the one that was
 /// selected last. Before opening, and of a host without displays, the fields are empty.
 class DisplayListObject final : public AutomationObject<DisplayListObject> {
 public:
     using AutomationObject::AutomationObject;
-
-    static std::span<const Member<DisplayListObject>> members() noexcept {
-        using List = DisplayListObject;
-        static constexpr Member<List> kMembers[] = {
-            {{u"ComPort", 1, kGet}, &List::get<&Display::port>},
-            {{u"ComBaud", 2, kGet}, &List::get<&Display::baud>},
-            {{u"SignTypeCode", 3, kGet}, &List::get<&Display::code>},
-            {{u"ConnectionType", 4, kGet}, &List::connection},
-            {{u"NetworkAddress", 5, kGet}, &List::get<&Display::address>},
-            {{u"PhoneNumber", 6, kGet}, &List::get<&Display::phone>},
-            {{u"SignIDs", 7, kGet}, &List::get<&Display::ids>},
-            {{u"DisplayName", 8, kGet}, &List::get<&Display::name>},
-            {{u"SelectDisplay", 9, kMethod, {VT_I4}}, &List::select},
-            {{u"OpenDisplayFile", 10, kMethod, {kTextReference}}, &List::open},
-            {{u"FindDisplay", 11, kMethod, {kTextReference}}, &List::find},
-            {{u"DisplayTypeName", 12, kGet}, &List::get<&Display::type>},
-            {{u"FirmwareVersion", 13, kGet}, &List::get<&Display::version>},
-        };
-        return kMembers;
-    }
 
     void on_call(const CallArguments& arguments) {
         const MemberFacts& member = arguments.member();
@@ -44,7 +28,6 @@ public:
         if (member.kind == kMethod) host_.trace.line(shown);
     }
 
-private:
     /// Reads the file anew.
     com::Variant open(const CallArguments& arguments) {
         // The error numbers of file trouble that automation clients know.
@@ -83,6 +66,24 @@ private:
     }
     com::Variant connection(const CallArguments& /*none*/) { return com::Variant::int16(current().connection); }
 
+    using List = DisplayListObject;
+    static constexpr Member<List> kMembers[] = {
+        {{u"ComPort", 1, kGet}, &List::get<&Display::port>},
+        {{u"ComBaud", 2, kGet}, &List::get<&Display::baud>},
+        {{u"SignTypeCode", 3, kGet}, &List::get<&Display::code>},
+        {{u"ConnectionType", 4, kGet}, &List::connection},
+        {{u"NetworkAddress", 5, kGet}, &List::get<&Display::address>},
+        {{u"PhoneNumber", 6, kGet}, &List::get<&Display::phone>},
+        {{u"SignIDs", 7, kGet}, &List::get<&Display::ids>},
+        {{u"DisplayName", 8, kGet}, &List::get<&Display::name>},
+        {{u"SelectDisplay", 9, kMethod, {VT_I4}}, &List::select},
+        {{u"OpenDisplayFile", 10, kMethod, {kTextReference}}, &List::open},
+        {{u"FindDisplay", 11, kMethod, {kTextReference}}, &List::find},
+        {{u"DisplayTypeName", 12, kGet}, &List::get<&Display::type>},
+        {{u"FirmwareVersion", 13, kGet}, &List::get<&Display::version>},
+    };
+
+private:
     const Display& current() {
         static const Display kNone = Display::none();
         if (current_ >= displays_.size()) return kNone;
@@ -99,32 +100,68 @@ class DisplayPickerObject final : public AutomationObject<DisplayPickerObject> {
 public:
     using AutomationObject::AutomationObject;
 
-    static std::span<const Member<DisplayPickerObject>> members() noexcept {
-        static constexpr Member<DisplayPickerObject> kMembers[] = {
-            {{u"ShowDisplayPicker", 1, kMethod}, &DisplayPickerObject::show}};
-        return kMembers;
+    com::Variant show(const CallArguments& /*none*/) { return com::Variant::text(host_.choose_displays()); }
+
+    static constexpr Member<DisplayPickerObject> kMembers[] = {
+        {{u"ShowDisplayPicker", 1, kMethod}, &DisplayPickerObject::show}};
+};
+
+/// Reports the device servers in front of the displays at the addresses that it searches.
+class BoxFinder final : public EventfulControl<BoxFinder> {
+public:
+    static constexpr const IID& kSourceInterface = kBoxFinderEvents;
+
+    using EventfulControl::EventfulControl;
+
+    void on_call(const CallArguments& arguments) {
+        const std::u16string shown = arguments.shown_call(kFinderName);
+        host_.begin({host_.display_asked_about, 0, arguments.member().name}, shown);
+        host_.trace.line(shown);
     }
 
+    /// A simulated search takes no time.
+    com::Variant put_timeout(const CallArguments& /*seconds*/) { return {}; }
+
+    /// Searches the hosts from the second argument to the third of the network that the address lies in.
+    com::Variant find_boxes(const CallArguments& arguments) {
+        const std::u16string network = split_address(arguments.text(0)).first;
+        // Collected first: what a user does meanwhile may change the host's displays.
+        std::vector<std::pair<std::u16string, std::u16string>> found;
+        for (const Display& display : host_.displays) {
+            const auto [its_network, number] = split_address(display.address);
+            if (its_network != network || number < arguments.real(1) || number > arguments.real(2)) continue;
+            for (const std::u16string& box : host_.units.boxes(display.name)) found.emplace_back(display.address, box);
+        }
+        for (const auto& [address, box] : found) {
+            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(box));
+            raise_event(kHandledEvent, {address, box});
+        }
+        return {};
+    }
+
+    static constexpr Member<BoxFinder> kMembers[] = {
+        {{u"SearchTimeout", 0x68030001, kPut, {VT_I2}}, &BoxFinder::put_timeout},
+        {{u"FindBoxes", 0x6003000A, kMethod, {VT_BSTR, VT_R8, VT_R8}}, &BoxFinder::find_boxes},
+    };
+
 private:
-    com::Variant show(const CallArguments& /*none*/) { return com::Variant::text(host_.choose_displays()); }
+    /// The network and the number of a host in it. An address without a "." is a network of its own, with host 0.
+    static std::pair<std::u16string, double> split_address(const std::u16string& address) {
+        const std::size_t point = address.rfind(u'.');
+        if (point == address.npos) return {address, 0};
+        return {address.substr(0, point), number_of<double>(to_utf8(address.substr(point + 1))).value_or(-1)};
+    }
 };
 
 constexpr CLSID kDisplayListClass = {0x2AF1D132, 0xAC50, 0x445B, {0xBE, 0x5B, 0x80, 0x59, 0xD3, 0x20, 0x64, 0x9C}};
 constexpr CLSID kDisplayPickerClass = {0x829CA34E, 0xAE00, 0x4DDB, {0x94, 0x0C, 0xDB, 0xF8, 0x94, 0x72, 0xB8, 0xFA}};
 
-/// Makes the class known by its name; the class itself is the process's.
-void register_name(const HostClass& entry) {
-    OLECHAR clsid[39];
-    StringFromGUID2(entry.clsid, clsid, 39);
-    if (!platform::write_class_text(entry.programmatic_id + u"\\CLSID", u"", reinterpret_cast<const char16_t*>(clsid)))
-        throw RuntimeError(kAutomationError, entry.programmatic_id + u" cannot be registered");
-}
-
 }  // namespace
 
 const std::vector<HostClass>& host_classes() {
     static const std::vector<HostClass> kClasses = [] {
-        std::vector<HostClass> classes = control_classes();
+        std::vector<HostClass> classes = transmission_classes();
+        classes.push_back(host_class<BoxFinder>(own_identity(0x52), u"vexLantronixControls2.vexLANBoxFinder2"));
         classes.push_back(host_class<DisplayListObject>(kDisplayListClass, u"vexBrivolaClasses4.HostDisplayList"));
         classes.push_back(
             host_class<DisplayPickerObject>(kDisplayPickerClass, u"vexBrivolaClasses4.HostDisplayPicker"));
@@ -151,7 +188,12 @@ Operation parse_operation(std::u16string_view name) {
 
 HostClasses::HostClasses(Host& host) {
     for (const HostClass& entry : host_classes()) {
-        register_name(entry);
+        // Known by its name; the class itself is the process's.
+        OLECHAR clsid[39];
+        StringFromGUID2(entry.clsid, clsid, 39);
+        const std::u16string key = entry.programmatic_id + u"\\CLSID";
+        if (!platform::write_class_text(key, u"", reinterpret_cast<const char16_t*>(clsid)))
+            throw RuntimeError(kAutomationError, entry.programmatic_id + u" cannot be registered");
         cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
             host.begin({host.display_asked_about, 0, entry.name()}, u"new " + std::u16string(entry.name()));
             return entry.make(host);

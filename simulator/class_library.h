@@ -1,16 +1,21 @@
-// The classes of the simulated host: display list and display picker; and what offers all of them to the process, as
-// the host's libraries would.
+// The classes of the simulated host: display list, display picker and finder of LAN device servers; and what offers all
+// of them to the process, as the host's libraries would.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "com/com.h"
 #include "simulator/automation.h"
 #include "simulator/host.h"
 
 namespace vex::sim {
+
+/// The identity of a class that callers find by programmatic identifier, or of what goes with it: the simulated host's
+/// own.
+constexpr GUID own_identity(unsigned char last) noexcept {
+    return {0x6E0B2F00U + last, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
+}
 
 /// One class, and what it can do.
 struct HostClass {
@@ -28,11 +33,10 @@ struct HostClass {
 template <class Class>
 HostClass host_class(const CLSID& clsid, const char16_t* programmatic_id) {
     const auto make = [](Host& host) { return com::make_object<Class>(host).template query<IDispatch>(); };
-    const auto members = Class::members();
-    return {clsid, programmatic_id, make, {members.begin(), members.end()}};
+    return {clsid, programmatic_id, make, {std::begin(Class::kMembers), std::end(Class::kMembers)}};
 }
 
-/// Those of `controls.h` first.
+/// Those of `transmission_control.h` first.
 const std::vector<HostClass>& host_classes();
 
 /// The class, or the member of a class, of that name. Raises `std::invalid_argument` naming all.

@@ -4,10 +4,10 @@
 
 #include "core/digits.h"
 #include "core/unicode.h"
-#include "simulator/controls.h"
 #include "simulator/firmware_image.h"
 #include "simulator/registry_editor.h"
 #include "simulator/scenario.h"
+#include "simulator/transmission_control.h"
 
 namespace vex::sim {
 namespace {

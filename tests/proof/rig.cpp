@@ -13,7 +13,6 @@
 #include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "platform/registry.h"
-#include "simulator/controls.h"
 #include "simulator/firmware_image.h"
 #include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"

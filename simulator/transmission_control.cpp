@@ -1,5 +1,5 @@
-// The simulated host's two controls, and what goes with them.
-#include "simulator/controls.h"
+// The simulated host's transmission control, and what goes with it.
+#include "simulator/transmission_control.h"
 
 #include <functional>
 #include <memory>
@@ -14,16 +14,10 @@
 namespace vex::sim {
 namespace {
 
-/// Callers find these classes by programmatic identifier; the identities are the simulated host's own.
-constexpr GUID own_identity(unsigned char last) noexcept {
-    return {0x6E0B2F00U + last, 0x3C51, 0x4A7E, {0x9D, 0x18, 0x42, 0xF6, 0x07, 0xB3, 0xC9, 0x51}};
-}
-constexpr IID kConnectionSettingsInterface = own_identity(0x4E);
+constexpr IID kOwnConnection = own_identity(0x4E);
 constexpr IID kTransmissionEvents = own_identity(0x51);
-constexpr IID kBoxFinderEvents = own_identity(0x53);
 
 constexpr std::u16string_view kControlName = u"vexDispTrans1";
-constexpr std::u16string_view kFinderName = u"FindXPort";
 
 /// A download goes over the link in parts of this size, and the control says how far it is at each quarter.
 constexpr int kPercentStep = 5;
@@ -40,47 +34,27 @@ struct ConnectionSettings {
     std::array<std::u16string, 6> shown;
 };
 
-/// How the transmission control reads the settings, which are write-only to everybody else.
-struct IConnectionSettings : IUnknown {
-    virtual const ConnectionSettings& STDMETHODCALLTYPE settings() noexcept = 0;
-};
-
-}  // namespace
-}  // namespace vex::sim
-
-namespace vex::com {
-VEX_INTERFACE(sim::IConnectionSettings, IUnknown, sim::kConnectionSettingsInterface);
-}  // namespace vex::com
-
-namespace vex::sim {
-namespace {
-
-class ConnectionObject final : public AutomationObject<ConnectionObject, IConnectionSettings> {
+/// Takes settings from everybody. The transmission control reads them: it alone knows the identity under which the
+/// object gives itself away.
+class ConnectionObject final : public AutomationObject<ConnectionObject> {
 public:
     explicit ConnectionObject(Host& host, ConnectionSettings settings = {}) noexcept
         : AutomationObject(host), settings_(std::move(settings)) {}
 
-    static std::span<const Member<ConnectionObject>> members() noexcept {
-        using Connection = ConnectionObject;
-        static constexpr Member<Connection> kMembers[] = {
-            {{u"ConnectionType", 1, kPut, {VT_I2}}, &Connection::put_connection},
-            {{u"ComPort", 2, kPut, {VT_BSTR}}, &Connection::put_text<&Display::port>},
-            {{u"PhoneNumber", 3, kPut, {VT_BSTR}}, &Connection::put_text<&Display::phone>},
-            {{u"NetworkAddress", 4, kPut, {VT_BSTR}}, &Connection::put_text<&Display::address>},
-            {{u"ComBaud", 5, kPut, {VT_BSTR}}, &Connection::put_text<&Display::baud>},
-            {{u"SignID", 6, kPut, {VT_I2}}, &Connection::put_sign_id},
-        };
-        return kMembers;
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        if (!IsEqualGUID(iid, kOwnConnection)) return AutomationObject::QueryInterface(iid, object);
+        AddRef();
+        *object = this;
+        return S_OK;
     }
+
+    const ConnectionSettings& settings() const noexcept { return settings_; }
 
     void on_call(const CallArguments& arguments) {
         const MemberFacts& member = arguments.member();
         settings_.shown.at(member.id - 1) = u" " + std::u16string(member.name) + u"=" + arguments.shown().substr(1);
     }
 
-    const ConnectionSettings& STDMETHODCALLTYPE settings() noexcept override { return settings_; }
-
-private:
     template <auto Field>
     com::Variant put_text(const CallArguments& arguments) {
         settings_.target.*Field = arguments.text(0);
@@ -95,6 +69,16 @@ private:
         return {};
     }
 
+    static constexpr Member<ConnectionObject> kMembers[] = {
+        {{u"ConnectionType", 1, kPut, {VT_I2}}, &ConnectionObject::put_connection},
+        {{u"ComPort", 2, kPut, {VT_BSTR}}, &ConnectionObject::put_text<&Display::port>},
+        {{u"PhoneNumber", 3, kPut, {VT_BSTR}}, &ConnectionObject::put_text<&Display::phone>},
+        {{u"NetworkAddress", 4, kPut, {VT_BSTR}}, &ConnectionObject::put_text<&Display::address>},
+        {{u"ComBaud", 5, kPut, {VT_BSTR}}, &ConnectionObject::put_text<&Display::baud>},
+        {{u"SignID", 6, kPut, {VT_I2}}, &ConnectionObject::put_sign_id},
+    };
+
+private:
     ConnectionSettings settings_;
 };
 
@@ -104,27 +88,24 @@ public:
     explicit SignInfoObject(Host& host, std::optional<SlaveCounts> slaves = {}) noexcept
         : AutomationObject(host), has_slaves_(slaves.has_value()), counts_(slaves.value_or(SlaveCounts())) {}
 
-    static std::span<const Member<SignInfoObject>> members() noexcept {
-        static constexpr Member<SignInfoObject> kMembers[] = {
-            {{u"HasSlaves", 1, kGet}, &SignInfoObject::has_slaves},
-            {{u"SlaveCountY", 2, kGet}, &SignInfoObject::count<&SlaveCounts::y>},
-            {{u"SlaveCountX", 3, kGet}, &SignInfoObject::count<&SlaveCounts::x>},
-        };
-        return kMembers;
-    }
-
     std::u16string describe() const {
         return u"HasSlaves=" + shown_boolean(has_slaves_) + u" SlaveCountY=" + decimal_text(counts_.y) +
                u" SlaveCountX=" + decimal_text(counts_.x);
     }
 
-private:
     com::Variant has_slaves(const CallArguments& /*none*/) { return com::Variant::boolean(has_slaves_); }
     template <auto Field>
     com::Variant count(const CallArguments& /*none*/) {
         return com::Variant::int16(counts_.*Field);
     }
 
+    static constexpr Member<SignInfoObject> kMembers[] = {
+        {{u"HasSlaves", 1, kGet}, &SignInfoObject::has_slaves},
+        {{u"SlaveCountY", 2, kGet}, &SignInfoObject::count<&SlaveCounts::y>},
+        {{u"SlaveCountX", 3, kGet}, &SignInfoObject::count<&SlaveCounts::x>},
+    };
+
+private:
     bool has_slaves_;
     SlaveCounts counts_;
 };
@@ -138,33 +119,13 @@ public:
 
     using EventfulControl::EventfulControl;
 
-    static std::span<const Member<TransmissionControl>> members() noexcept {
-        using Control = TransmissionControl;
-        static constexpr Member<Control> kMembers[] = {
-            {{u"OpenConnection", 0x60030065, kMethod, {kObjectReference}}, &Control::open_connection},
-            {{u"CloseConnection", 0x60030066, kMethod}, &Control::close_connection},
-            {{u"DownloadFirmware", 0x60030067, kMethod, {kTextReference}}, &Control::download_firmware},
-            {{u"ResetAndClear", 0x60030068, kMethod}, &Control::reset_and_clear},
-            {{u"CancelTransmission", 0x60030069, kMethod}, &Control::cancel_transmission},
-            {{u"PrepareForFirmware", 0x6003004E, kMethod}, &Control::prepare_for_firmware},
-            {{u"GetSignInfo", 0x60030053, kMethod}, &Control::get_sign_info},
-            {{u"DownloadFirmwareWithLoader", 0x600300B2, kMethod, {kTextReference, VT_BSTR}},
-             &Control::download_firmware_with_loader},
-            {{u"SignID", 0x68030001, kPut, {VT_I2}}, &Control::put_sign_id},
-        };
-        return kMembers;
-    }
-
-private:
-    /// Work on the connection or a unit; answers its success.
-    using Work = std::function<bool(const ScriptedCall& scripted)>;
-
     // ---- The connection
 
     com::Variant open_connection(const CallArguments& arguments) {
         IDispatch** const place = arguments.object_place(0);
-        const auto object = com::ComPtr<IDispatch>(*place).query<IConnectionSettings>();
-        if (!object) throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
+        com::ComPtr<ConnectionObject> object;
+        if (*place == nullptr || FAILED((*place)->QueryInterface(kOwnConnection, object.put_void())))
+            throw RuntimeError(kTypeMismatch, u"OpenConnection: argument 1 is no HostConnection");
         const ConnectionSettings settings = object->settings();
         const auto answering = host_.display_on_line(settings.target.line());
         if (!display_ && !busy_) {
@@ -249,6 +210,24 @@ private:
             check_loader_image(read_image(host_.machine.real_path(loader), loader), loader);
         });
     }
+
+    using Control = TransmissionControl;
+    static constexpr Member<Control> kMembers[] = {
+        {{u"OpenConnection", 0x60030065, kMethod, {kObjectReference}}, &Control::open_connection},
+        {{u"CloseConnection", 0x60030066, kMethod}, &Control::close_connection},
+        {{u"DownloadFirmware", 0x60030067, kMethod, {kTextReference}}, &Control::download_firmware},
+        {{u"ResetAndClear", 0x60030068, kMethod}, &Control::reset_and_clear},
+        {{u"CancelTransmission", 0x60030069, kMethod}, &Control::cancel_transmission},
+        {{u"PrepareForFirmware", 0x6003004E, kMethod}, &Control::prepare_for_firmware},
+        {{u"GetSignInfo", 0x60030053, kMethod}, &Control::get_sign_info},
+        {{u"DownloadFirmwareWithLoader", 0x600300B2, kMethod, {kTextReference, VT_BSTR}},
+         &Control::download_firmware_with_loader},
+        {{u"SignID", 0x68030001, kPut, {VT_I2}}, &Control::put_sign_id},
+    };
+
+private:
+    /// Work on the connection or a unit; answers its success.
+    using Work = std::function<bool(const ScriptedCall& scripted)>;
 
     /// Writes the firmware file that is the first argument into the selected unit. `check` raises `ImageError`.
     com::Variant download(const CallArguments& arguments, const std::function<void(const std::string& image)>& check) {
@@ -344,7 +323,7 @@ private:
         const std::u16string text = message.text;
         host_.trace.line(std::u16string(u"event ").append(kControlName).append(u".StatusMessage ") + in_quotes(text));
         host_.messages_said.push_back(std::move(message));
-        sinks_.raise_event(kHandledEvent, {text});
+        raise_event(kHandledEvent, {text});
         host_.messages_said.pop_back();
         if (busy_) tell({.kind = LinkEvent::Kind::says, .call = call_of(operation_)});
     }
@@ -376,68 +355,16 @@ private:
     bool interrupted_ = false;
 };
 
-/// Reports the device servers in front of the displays at the addresses that it searches.
-class BoxFinder final : public EventfulControl<BoxFinder> {
-public:
-    static constexpr const IID& kSourceInterface = kBoxFinderEvents;
-
-    using EventfulControl::EventfulControl;
-
-    static std::span<const Member<BoxFinder>> members() noexcept {
-        static constexpr Member<BoxFinder> kMembers[] = {
-            {{u"SearchTimeout", 0x68030001, kPut, {VT_I2}}, &BoxFinder::put_timeout},
-            {{u"FindBoxes", 0x6003000A, kMethod, {VT_BSTR, VT_R8, VT_R8}}, &BoxFinder::find_boxes},
-        };
-        return kMembers;
-    }
-
-    void on_call(const CallArguments& arguments) {
-        const std::u16string shown = arguments.shown_call(kFinderName);
-        host_.begin({host_.display_asked_about, 0, arguments.member().name}, shown);
-        host_.trace.line(shown);
-    }
-
-private:
-    /// A simulated search takes no time.
-    com::Variant put_timeout(const CallArguments& /*seconds*/) { return {}; }
-
-    /// Searches the hosts from the second argument to the third of the network that the address lies in.
-    com::Variant find_boxes(const CallArguments& arguments) {
-        const std::u16string network = split_address(arguments.text(0)).first;
-        // Collected first: what a user does meanwhile may change the host's displays.
-        std::vector<std::pair<std::u16string, std::u16string>> found;
-        for (const Display& display : host_.displays) {
-            const auto [its_network, number] = split_address(display.address);
-            if (its_network != network || number < arguments.real(1) || number > arguments.real(2)) continue;
-            for (const std::u16string& box : host_.units.boxes(display.name)) found.emplace_back(display.address, box);
-        }
-        for (const auto& [address, box] : found) {
-            host_.trace.line(std::u16string(u"event ").append(kFinderName) + u".BoxFound " + in_quotes(box));
-            sinks_.raise_event(kHandledEvent, {address, box});
-        }
-        return {};
-    }
-
-    /// The network and the number of a host in it. An address without a "." is a network of its own, with host 0.
-    static std::pair<std::u16string, double> split_address(const std::u16string& address) {
-        const std::size_t point = address.rfind(u'.');
-        if (point == address.npos) return {address, 0};
-        return {address.substr(0, point), number_of<double>(to_utf8(address.substr(point + 1))).value_or(-1)};
-    }
-};
-
 }  // namespace
 
-std::vector<HostClass> control_classes() {
+std::vector<HostClass> transmission_classes() {
     return {host_class<TransmissionControl>(own_identity(0x50), u"vexDTCon4.vexDispTrans"),
-            host_class<BoxFinder>(own_identity(0x52), u"vexLantronixControls2.vexLANBoxFinder2"),
             host_class<ConnectionObject>(own_identity(0x4D), u"vexBrivolaClasses4.HostConnection"),
             host_class<SignInfoObject>(own_identity(0x4F), u"vexBrivolaClasses4.HostSignInfo")};
 }
 
 bool speaks(Operation operation) noexcept {
-    return std::ranges::find(TransmissionControl::members(), operation, &MemberFacts::name) !=
-           TransmissionControl::members().end();
+    return std::ranges::count(TransmissionControl::kMembers, operation, &MemberFacts::name) > 0;
 }
 
 }  // namespace vex::sim
