@@ -12,7 +12,7 @@
 namespace vex::sim {
 namespace {
 
-using Kind = ShownControl::Kind;
+using Kind = forms::ControlKind;
 
 /// "0x00BBGGRR".
 std::u16string shown_color(forms::Color color) { return u"0x" + digits_of(color, 16, 8); }
@@ -41,8 +41,8 @@ std::optional<std::u16string> property_of(const ShownControl& control, const std
     if (control.kind == Kind::check_box && property == u"Value") return control.checked ? u"1" : u"0";
     if (control.kind == Kind::shape && property == u"FillColor")
         return control.fill_color ? shown_color(*control.fill_color) : u"(none)";
-    if (control.kind == Kind::pages && property == u"Tab") return decimal_text(control.page);
-    if (control.kind == Kind::list) return list_property(control.rows, property);
+    if (control.kind == Kind::tab_pages && property == u"Tab") return decimal_text(control.page);
+    if (control.kind == Kind::list_view) return list_property(control.rows, property);
     return std::nullopt;
 }
 
@@ -111,7 +111,7 @@ std::u16string Screen::property(const std::u16string& name, const std::u16string
 
 std::vector<std::vector<std::u16string>> Screen::rows(const std::u16string& name) const {
     const ShownControl shown = control(name);
-    if (shown.kind != Kind::list) complain(name, "is no list");
+    if (shown.kind != Kind::list_view) complain(name, "is no list");
     std::vector<std::vector<std::u16string>> all;
     for (const ShownRow& row : shown.rows) all.push_back(row.cells);
     return all;

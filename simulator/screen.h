@@ -39,8 +39,8 @@ struct ShownRow {
 
 /// What a user sees of a control; of its own kind only.
 struct ShownControl {
-    enum class Kind { text_box, option_button, check_box, shape, pages, list, other };
-    Kind kind = Kind::other;
+    /// As far as it can be told.
+    forms::ControlKind kind = forms::ControlKind::label;
     /// Of a text box its text.
     std::u16string caption;
     bool enabled = false;

@@ -64,27 +64,16 @@ std::optional<ShownControl> NativeScreen::find(const std::u16string& name) const
     shown.enabled = found->enabled();
     shown.visible = found->visible();
     shown.takes_input = found->enabled() && found->reachable();
-    using Kind = ShownControl::Kind;
-    if (const auto* option = dynamic_cast<const forms::OptionButton*>(found)) {
-        shown.kind = Kind::option_button;
-        shown.checked = option->value();
-    } else if (const auto* check = dynamic_cast<const forms::CheckBox*>(found)) {
-        shown.kind = Kind::check_box;
-        shown.checked = check->value() != 0;
-    } else if (const auto* shape = dynamic_cast<const forms::Shape*>(found)) {
-        shown.kind = Kind::shape;
-        shown.fill_color = shape->fill_color();
-    } else if (const auto* pages = dynamic_cast<const forms::TabPages*>(found)) {
-        shown.kind = Kind::pages;
-        shown.page = pages->tab();
-    } else if (const auto* list = dynamic_cast<const forms::ListView*>(found)) {
-        shown.kind = Kind::list;
+    shown.kind = found->kind();
+    if (const auto* option = dynamic_cast<const forms::OptionButton*>(found)) shown.checked = option->value();
+    if (const auto* check = dynamic_cast<const forms::CheckBox*>(found)) shown.checked = check->value() != 0;
+    if (const auto* shape = dynamic_cast<const forms::Shape*>(found)) shown.fill_color = shape->fill_color();
+    if (const auto* pages = dynamic_cast<const forms::TabPages*>(found)) shown.page = pages->tab();
+    if (const auto* list = dynamic_cast<const forms::ListView*>(found)) {
         for (const forms::ListRow& row : list->rows()) {
             ShownRow& cells = shown.rows.emplace_back(ShownRow{{row.text}, row.fore_color});
             for (const forms::ListCell& cell : row.sub_items) cells.cells.push_back(cell.text);
         }
-    } else if (found->kind() == forms::ControlKind::text_box) {
-        shown.kind = Kind::text_box;
     }
     return shown;
 }

@@ -17,6 +17,7 @@ using namespace platform::win32;
 
 namespace {
 
+using Kind = forms::ControlKind;
 using OwnedHook = Owned<HHOOK, UnhookWindowsHookEx>;
 
 // ---- What a user reads --------------------------------------------------------------------------------
@@ -52,18 +53,17 @@ LPARAM shape_on(HWND window, std::u16string_view shape) {
 
 /// The kind of a control that has a window, as far as a user can tell: pages are containers in a container that have
 /// no names of their own.
-ShownControl::Kind kind_of(HWND window) {
-    using Kind = ShownControl::Kind;
+Kind kind_of(HWND window) {
     if (has_class(window, WC_EDITW)) return Kind::text_box;
-    if (has_class(window, WC_LISTVIEWW)) return Kind::list;
+    if (has_class(window, WC_LISTVIEWW)) return Kind::list_view;
     if (has_class(window, WC_BUTTONW)) {
         const LONG_PTR style = GetWindowLongPtrW(window, GWL_STYLE) & BS_TYPEMASK;
         if (style == BS_RADIOBUTTON || style == BS_AUTORADIOBUTTON) return Kind::option_button;
-        return style == BS_CHECKBOX || style == BS_AUTOCHECKBOX ? Kind::check_box : Kind::other;
+        return style == BS_CHECKBOX || style == BS_AUTOCHECKBOX ? Kind::check_box : Kind::button;
     }
     const HWND inside = GetWindow(window, GW_CHILD);
     const bool pages = inside != nullptr && has_class(inside, L"#32770") && window_name(inside).empty();
-    return pages ? Kind::pages : Kind::other;
+    return pages ? Kind::tab_pages : Kind::label;
 }
 
 /// The page that shows, from 0.
@@ -161,8 +161,6 @@ public:
         message_hook_ = OwnedHook(SetWindowsHookExW(WH_CALLWNDPROC, message_hook, nullptr, GetCurrentThreadId()));
         current_ = this;
     }
-    Driver(const Driver&) = delete;
-    Driver& operator=(const Driver&) = delete;
     ~Driver() { current_ = nullptr; }
 
     /// What to choose from the next menu.
@@ -341,7 +339,6 @@ void Win32Screen::set_user(ScreenUser* user) noexcept {
 }
 
 std::optional<ShownControl> Win32Screen::find(const std::u16string& name) const {
-    using Kind = ShownControl::Kind;
     const HWND window = any_dialog() ? window_of(name) : nullptr;
     if (window == nullptr) return std::nullopt;
     ShownControl shown;
@@ -354,8 +351,8 @@ std::optional<ShownControl> Win32Screen::find(const std::u16string& name) const 
     if (shown.kind == Kind::option_button || shown.kind == Kind::check_box)
         shown.checked = SendMessageW(window, BM_GETCHECK, 0, 0) == BST_CHECKED;
     if (shown.kind == Kind::shape) shown.fill_color = color_at(window, shape_on(window, name));
-    if (shown.kind == Kind::pages) shown.page = shown_page(window);
-    const auto rows = shown.kind == Kind::list ? SendMessageW(window, LVM_GETITEMCOUNT, 0, 0) : 0;
+    if (shown.kind == Kind::tab_pages) shown.page = shown_page(window);
+    const auto rows = shown.kind == Kind::list_view ? SendMessageW(window, LVM_GETITEMCOUNT, 0, 0) : 0;
     for (LRESULT row = 0; row < rows; ++row) shown.rows.push_back(shown_row_of(window, static_cast<std::size_t>(row)));
     return shown;
 }
