@@ -16,12 +16,7 @@ namespace {
 constexpr std::u16string_view kDisplaysHeader = u"# Brivola displays, version 1";
 constexpr std::u16string_view kConnectionKey = u"connection";
 
-struct TextField {
-    std::u16string_view key;
-    std::u16string Display::*text;
-};
-
-constexpr TextField kTextFields[] = {
+constexpr std::pair<std::u16string_view, std::u16string Display::*> kTextFields[] = {
     {u"type", &Display::type}, {u"code", &Display::code},       {u"port", &Display::port},
     {u"baud", &Display::baud}, {u"phone", &Display::phone},     {u"address", &Display::address},
     {u"ids", &Display::ids},   {u"version", &Display::version},
@@ -29,7 +24,7 @@ constexpr TextField kTextFields[] = {
 
 std::string key_names() {
     std::string names(to_utf8(kConnectionKey));
-    for (const TextField& field : kTextFields) names += ", " + to_utf8(field.key);
+    for (const auto& [key, text] : kTextFields) names += ", " + to_utf8(key);
     return names;
 }
 
@@ -39,7 +34,7 @@ std::u16string written(const Display& display) {
         line.append(u" ").append(key).append(u"=").append(value.empty() ? value : as_word(value));
     };
     field(kConnectionKey, decimal_text(display.connection));
-    for (const TextField& text : kTextFields) field(text.key, display.*text.text);
+    for (const auto& [key, text] : kTextFields) field(key, display.*text);
     return line;
 }
 
@@ -55,16 +50,17 @@ std::optional<std::int16_t> parse_int16(std::u16string_view word) {
 
 void read_field(std::u16string_view word, Display& display) {
     const std::size_t equals = word.find(u'=');
-    if (equals != word.npos && word.substr(0, equals) == kConnectionKey) {
+    const std::u16string_view key = word.substr(0, equals);
+    if (equals != word.npos && key == kConnectionKey) {
         const auto number = parse_int16(word.substr(equals + 1));
         if (!number) throw std::invalid_argument(to_utf8(word) + " needs a number of 16 bits");
         display.connection = *number;
         return;
     }
-    const auto* const field = std::ranges::find(kTextFields, word.substr(0, equals), &TextField::key);
+    const auto* const field = std::ranges::find(kTextFields, key, [](const auto& known) { return known.first; });
     if (equals == word.npos || field == std::end(kTextFields))
         throw std::invalid_argument(to_utf8(word) + " is no KEY=VALUE with a key of " + key_names());
-    display.*field->text = word.substr(equals + 1);
+    display.*field->second = word.substr(equals + 1);
 }
 
 /// The masters of a display, as far as its IDs are numbers to an automation client.
@@ -154,10 +150,7 @@ Units::Unit Units::find(const std::u16string& display, std::int16_t id) const {
     return unit == units_.end() ? Unit() : unit->second;
 }
 
-bool Units::answers(const Display& display, std::int16_t id) const {
-    const std::vector<std::int16_t> known = ids(display);
-    return std::ranges::find(known, id) != known.end();
-}
+bool Units::answers(const Display& display, std::int16_t id) const { return std::ranges::count(ids(display), id) > 0; }
 
 std::vector<std::u16string> Units::boxes(const std::u16string& display) const {
     std::vector<std::u16string> descriptions;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <limits>
 #include <map>
 #include <optional>
@@ -43,12 +42,6 @@ struct Display {
 /// Reads NAME KEY=VALUE..., from the second word. Raises `std::invalid_argument` for an unknown key or a value that is
 /// no number where one is needed.
 Display read_display(const Words& words);
-
-/// What a file holds, which `parse` of a class reads. Raises `TextError`.
-template <class Records>
-Records load(const std::filesystem::path& path) {
-    return Records::parse(path.string(), read_file(path));
-}
 
 /// All displays in the order of their making, found by name without a search.
 class Displays {

@@ -8,19 +8,10 @@
 #include "platform/private_files.h"
 
 namespace vex::sim {
-namespace {
-
-/// The real root folder on one of the sides, and no scenario may depend on the side.
-constexpr char16_t kRealDrive = u'Z';
-
-bool matches(const CallPattern& pattern, const Call& call) {
-    return pattern.operation == call.operation && pattern.display.value_or(call.display) == call.display &&
-           pattern.id.value_or(call.id) == call.id;
-}
-
-}  // namespace
 
 std::filesystem::path Machine::writable_path(const std::u16string& path) {
+    // The real root folder on one of the sides, and no scenario may depend on the side.
+    constexpr char16_t kRealDrive = u'Z';
     const char16_t drive = path.empty() ? u'\0' : to_upper(path.front());
     if (path.size() < 4 || drive < u'A' || drive >= kRealDrive || path[1] != u':' || path[2] != u'\\')
         refuse(path, "is no path on a drive of A: to Y:");
@@ -31,10 +22,13 @@ std::filesystem::path Machine::writable_path(const std::u16string& path) {
 ScriptedCall Host::begin(const Call& call, const std::u16string& shown) {
     ScriptedCall scripted;
     for (ScriptEntry& entry : script) {
-        if (!matches(entry.pattern, call)) continue;
+        const CallPattern& meant = entry.pattern;
+        if (meant.operation != call.operation || meant.display.value_or(call.display) != call.display ||
+            meant.id.value_or(call.id) != call.id)
+            continue;
         // Every entry counts the call, also one that an earlier fault keeps from taking effect.
         ++entry.calls;
-        if (entry.pattern.at != 0 && entry.pattern.at != entry.calls) continue;
+        if (meant.at != 0 && meant.at != entry.calls) continue;
         if (entry.message) {
             scripted.messages.push_back(*entry.message);
         } else if (scripted.fault == FaultKind::none) {

@@ -90,12 +90,11 @@ std::string compare(const CommandLine& options, const fs::path& scenario, MakeSe
     return faults;
 }
 
-ExitStatus compare_scenarios(const CommandLine& options, MakeSession make) {
+ExitStatus compare_scenarios(CommandLine options, MakeSession make) {
     std::vector<fs::path> files;
     for (const std::string& file : options.scenarios) files.push_back(fs::absolute(file));
-    CommandLine whole = options;
-    if (whole.data) whole.data = fs::absolute(*whole.data);
-    if (whole.plugin) whole.plugin = fs::absolute(*whole.plugin);
+    if (options.data) options.data = fs::absolute(*options.data);
+    if (options.plugin) options.plugin = fs::absolute(*options.plugin);
     std::size_t failed = 0;
     for (const fs::path& file : files) {
         // Said first: where a run ends with the program, its scenario is known.
@@ -104,7 +103,7 @@ ExitStatus compare_scenarios(const CommandLine& options, MakeSession make) {
         try {
             // Names in messages and relative files are then the same wherever the folder lies.
             fs::current_path(file.parent_path());
-            faults = compare(whole, file.filename(), make);
+            faults = compare(options, file.filename(), make);
         } catch (const std::exception& error) {
             faults = std::string("  ") + error.what() + '\n';
         }
@@ -138,14 +137,6 @@ constexpr std::pair<std::string_view, bool CommandLine::*> kFlags[] = {
     {"--pictures", &CommandLine::pictures}, {"--compare", &CommandLine::compare}, {"--record", &CommandLine::record},
 };
 
-int run(const CommandLine& options, MakeSession make) {
-    if (options.compare) return compare_scenarios(options, make);
-    const auto session = make(options);
-    if (options.controls) return session->print_controls();
-    if (options.scenarios.empty()) return session->play_without_scenario();
-    return session->play(options.scenarios.front(), std::cout, std::cerr);
-}
-
 }  // namespace
 
 CommandLine parse_command_line(std::span<const std::string> arguments) {
@@ -158,8 +149,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
                 throw std::invalid_argument(word + " needs a value");
             return arguments[++i];
         };
-        const auto* const flag =
-            std::ranges::find(kFlags, word, &std::pair<std::string_view, bool CommandLine::*>::first);
+        const auto* const flag = std::ranges::find(kFlags, word, [](const auto& known) { return known.first; });
         if (flag != std::end(kFlags)) {
             line.*flag->second = true;
         } else if (word == "--speed") {
@@ -200,7 +190,11 @@ int run_program(std::span<const std::string> words, MakeSession make) {
         return std::cout ? kPassed : kFailed;
     }
     try {
-        return run(options, make);
+        if (options.compare) return compare_scenarios(options, make);
+        const auto session = make(options);
+        if (options.controls) return session->print_controls();
+        if (options.scenarios.empty()) return session->play_without_scenario();
+        return session->play(options.scenarios.front(), std::cout, std::cerr);
     } catch (const TextError& error) {
         std::cerr << error.what() << '\n';
     } catch (const std::exception& error) {

@@ -86,8 +86,9 @@ std::int32_t merge(platform::RegistryKey key, const native::RegistrySection::Ent
         return platform::kSuccess;
     }
     const auto& [type, data] = *entry.value;
-    return set(key, entry.name, type,
-               native::is_string(type) ? platform::to_ansi(native::text_of(data)) : std::string(data.begin(), data.end()));
+    return set(
+        key, entry.name, type,
+        native::is_string(type) ? platform::to_ansi(native::text_of(data)) : std::string(data.begin(), data.end()));
 }
 
 }  // namespace
@@ -130,15 +131,14 @@ void import_registry(const std::string& file, std::string_view bytes) {
 
 std::u16string show_registry(const RegistryPath& path, std::u16string_view name) {
     constexpr std::size_t kLargest = 1U << 16U;
-    platform::Registry& registry = platform::registry();
-    OpenRegistryKey key(registry);
+    OpenRegistryKey key(platform::registry());
     std::uint32_t type = 0;
     std::uint32_t size = kLargest;
     std::string data(kLargest, '\0');
     if (key.open(platform::registry_key(path.root), platform::to_ansi(path.key), platform::kKeyRead) !=
             platform::kSuccess ||
-        registry.query_value(key.get(), platform::to_ansi(name).c_str(), type,
-                             reinterpret_cast<std::uint8_t*>(data.data()), size) != platform::kSuccess)
+        platform::registry().query_value(key.get(), platform::to_ansi(name).c_str(), type,
+                                         reinterpret_cast<std::uint8_t*>(data.data()), size) != platform::kSuccess)
         return kNoValue;
     data.resize(size);
     if (type == platform::kRegSz || type == platform::kRegExpandSz)

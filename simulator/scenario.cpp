@@ -39,11 +39,6 @@ void read(Scenario& scenario, const std::string& file, std::string_view text, co
     });
 }
 
-std::u16string_view shown_answer(forms::MessageAnswer answer) {
-    if (answer == forms::MessageAnswer::ok) return u"OK";
-    return answer == forms::MessageAnswer::yes ? u"Yes" : u"No";
-}
-
 template <class Answer>
 std::optional<Answer> take(std::deque<Answer>& queue) {
     if (queue.empty()) return std::nullopt;
@@ -83,14 +78,13 @@ ScenarioPlayer::~ScenarioPlayer() {
 ExitStatus ScenarioPlayer::play() {
     while (act()) {
     }
-    if (stopped_) return kBadUsage;
-    return failed_ ? kFailed : kPassed;
+    return status_;
 }
 
 // ---- Statements ---------------------------------------------------------------------------------------
 
 bool ScenarioPlayer::act() noexcept {
-    if (stopped_ || next_ == scenario_.size()) return false;
+    if (status_ == kBadUsage || next_ == scenario_.size()) return false;
     // Advanced first: the statement may open a dialog that the ones after it act in.
     const Statement& statement = scenario_[next_++];
     run(statement.place, statement.action);
@@ -103,7 +97,7 @@ void ScenarioPlayer::run(const Place& where, const Action& action) noexcept {
         action(*this);
     } catch (const std::exception& error) {
         report(where, error.what());
-        stopped_ = true;
+        status_ = kBadUsage;
     }
     place = std::move(outer);
 }
@@ -162,7 +156,7 @@ void ScenarioPlayer::note_unless_done(ActionResult result, std::u16string_view w
 
 void ScenarioPlayer::expect(const std::u16string& what, const std::u16string& expected, const std::u16string& found) {
     if (expected == found) return;
-    failed_ = true;
+    status_ = kFailed;
     report(place, "expected " + to_utf8(what) + " = " + to_utf8(expected) + ", found " + to_utf8(found));
 }
 
@@ -177,7 +171,7 @@ void ScenarioPlayer::form_closed(const std::u16string& name) noexcept { host.tra
 
 void ScenarioPlayer::messages_handled() noexcept {
     const auto status = screen.find(kStatusControl);
-    ScriptedMessage* const message = status && !stopped_ ? host.read_message(status->caption) : nullptr;
+    ScriptedMessage* const message = status && status_ != kBadUsage ? host.read_message(status->caption) : nullptr;
     if (message == nullptr) return;
     if (!std::exchange(seen_at_work_, true)) screen.look();
     // By value: other messages may be said meanwhile.
@@ -192,11 +186,13 @@ forms::MessageAnswer ScenarioPlayer::answer(const forms::MessageBox& box) noexce
             answer = choice->first;
         } else {
             report(choice->second, "the message " + to_utf8(in_quotes(box.text)) + " has no such button");
-            stopped_ = true;
+            status_ = kBadUsage;
         }
     }
     host.trace.line(u"msgbox " + in_quotes(box.title) + u" " + in_quotes(box.text) +
-                    (asks ? u" YesNo -> " : u" OK -> ") + std::u16string(shown_answer(answer)));
+                    (!asks                                ? u" OK -> OK"
+                     : answer == forms::MessageAnswer::no ? u" YesNo -> No"
+                                                          : u" YesNo -> Yes"));
     return answer;
 }
 

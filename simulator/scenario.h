@@ -114,8 +114,8 @@ private:
     std::ostream& errors_;
     std::filesystem::path folder_;
     std::size_t next_ = 0;
-    bool stopped_ = false;
-    bool failed_ = false;
+    /// So far; kBadUsage ends the script.
+    ExitStatus status_ = kPassed;
     /// The topmost dialog has been looked at while it was at work.
     bool seen_at_work_ = false;
 };

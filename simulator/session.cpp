@@ -23,18 +23,12 @@ com::Variant ask(IDispatch& catalogue, const std::u16string& member, VARTYPE typ
     return answer;
 }
 
-constexpr char kUnitFile[] = "Units.dat";
-/// What a trial begins with.
-constexpr char kSampleScenario[] = "trial.scn";
-
 void load_data(Host& host, const std::filesystem::path& unit_file) {
     host.display_file = host.machine.writable_path(Host::kDisplayFile);
-    if (std::filesystem::exists(host.display_file)) {
-        host.displays = load<Displays>(host.display_file);
-    } else {
-        host.displays_changed = true;
-    }
-    if (std::filesystem::exists(unit_file)) host.units = load<Units>(unit_file);
+    host.displays_changed = !std::filesystem::exists(host.display_file);
+    if (!host.displays_changed)
+        host.displays = Displays::parse(host.display_file.string(), read_file(host.display_file));
+    if (std::filesystem::exists(unit_file)) host.units = Units::parse(unit_file.string(), read_file(unit_file));
 }
 
 }  // namespace
@@ -84,7 +78,7 @@ ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const s
                     const std::function<ExitStatus(Host& host, PluginHost& plugin)>& work) {
     Trace trace(out, quiet);
     Host host(trace, machine);
-    const std::filesystem::path unit_file = data / kUnitFile;
+    const std::filesystem::path unit_file = data / "Units.dat";
     ExitStatus status = kBadUsage;
     bool left_behind = false;
     try {
@@ -141,7 +135,7 @@ ExitStatus Session::try_out(std::ostream& summary, std::ostream& errors,
     return run_host(machine(), data_, plugin_, true, no_trace, errors, [&](Host& host, PluginHost& plugin) {
         const bool fresh = host.displays.size() == 0;
         if (fresh) {
-            const std::filesystem::path file = samples_ / kSampleScenario;
+            const std::filesystem::path file = samples_ / "trial.scn";
             const Scenario sample = parse_scenario(file.string(), read_file(file), samples_);
             const ExitStatus status = ScenarioPlayer(sample, host, screen(), plugin, errors, samples_).play();
             if (status != kPassed) return status;

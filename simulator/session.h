@@ -48,8 +48,6 @@ ExitStatus run_host(Machine& machine, const std::filesystem::path& data, const s
 /// One per process. Used on the thread that made it.
 class Session {
 public:
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
     virtual ~Session() = default;
 
     /// Plays the scenario of that file; "-": standard input. Raises `std::exception` for one that is missing

@@ -1,7 +1,6 @@
 // What somebody meets who tries the plug-in at a simulated host.
 #include "simulator/trial.h"
 
-#include <algorithm>
 #include <thread>
 #include <utility>
 
@@ -72,6 +71,7 @@ DisplayPicker::DisplayPicker(forms::Toolkit& shown_on, const Displays& displays,
         hide();
     };
     cancel_.on_click = [this] { hide(); };
+    show_matches();
 }
 
 std::u16string DisplayPicker::answer() const {
@@ -127,7 +127,6 @@ void DisplayPicker::check_all() {
 
 void RunProgress::begin_run(std::vector<std::u16string> names) {
     chosen_ = std::move(names);
-    displays = std::max<std::size_t>(chosen_.size(), 1);
     display_number = 0;
 }
 
@@ -154,7 +153,7 @@ void RunProgress::begin_display(const std::u16string& name) {
     }
     // A display that nobody picked comes by itself, or nobody answers for it.
     display_number = found != chosen_.end() ? static_cast<std::size_t>(found - chosen_.begin()) + 1
-                                            : std::min(display_number + 1, displays);
+                                            : std::min(display_number + 1, displays());
     unit_number = 0;
     unit_share = 0;
     const auto known = host_.displays.find(name);
@@ -165,7 +164,7 @@ double RunProgress::run_share() const noexcept {
     if (display_number == 0) return 0;
     const double units_done = unit_number == 0 ? 0 : static_cast<double>(unit_number - 1) + unit_share;
     const double displays_done = static_cast<double>(display_number - 1) + units_done / static_cast<double>(units);
-    return std::min(1.0, displays_done / static_cast<double>(displays));
+    return std::min(1.0, displays_done / static_cast<double>(displays()));
 }
 
 // ---- The host in front of its user --------------------------------------------------------------------

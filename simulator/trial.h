@@ -2,6 +2,7 @@
 // that links take.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -18,13 +19,10 @@ namespace vex::sim {
 /// it and not change meanwhile. `chosen`: the names that are checked at first, joined by ",".
 class DisplayPicker final : public forms::Form {
 public:
-    DisplayPicker(forms::Toolkit& shown_on, const Displays& displays, const std::u16string& chosen = {});
+    DisplayPicker(forms::Toolkit& shown_on, const Displays& displays, const std::u16string& chosen);
 
     /// The names of the checked displays in the host's order, joined by ","; empty when the user cancelled.
     std::u16string answer() const;
-
-protected:
-    void Form_Load() override { show_matches(); }
 
 private:
     /// Lists the displays that the search text occurs in.
@@ -52,12 +50,12 @@ public:
     explicit RunProgress(const Host& host) noexcept : host_(host) {}
 
     /// The user chose displays: a new run.
-    void begin_run(std::vector<std::u16string> displays);
+    void begin_run(std::vector<std::u16string> names);
     void follow(const LinkEvent& event);
 
     /// Which display of how many, and which of its units, from 1; 0 before the first.
     std::size_t display_number = 0;
-    std::size_t displays = 1;
+    std::size_t displays() const noexcept { return std::max<std::size_t>(chosen_.size(), 1); }
     std::size_t unit_number = 0;
     std::size_t units = 1;
     /// How much of the unit is done, and of the run: 0 to 1.
@@ -78,7 +76,6 @@ public:
     /// `speed`: how many times as fast as usual. `ended`: whether the user has left, who waits for nothing more.
     Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, double speed, std::function<bool()> ended);
     Trial(const Trial&) = delete;
-    Trial& operator=(const Trial&) = delete;
     ~Trial();
 
 private:

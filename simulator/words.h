@@ -39,15 +39,15 @@ std::u16string in_quotes(std::u16string_view text);
 /// `text` as a word that `split_words` reads back: in quotes only where it must be.
 std::u16string as_word(std::u16string_view text);
 
-/// The number that fills the whole word. `form`: the base of whole numbers, the notation of others.
-template <class Number, class... Form>
-std::optional<Number> number_of(std::string_view word, Form... form) {
+/// The decimal number that fills the whole word.
+template <class Number>
+std::optional<Number> number_of(std::string_view word) {
     Number number{};
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number, form...);
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
     return error == std::errc() && end == word.data() + word.size() ? std::optional(number) : std::nullopt;
 }
 
-/// A decimal number that fills the whole word and lies in the range.
+/// A whole number that fills the whole word and lies in the range.
 std::optional<std::int64_t> parse_number(std::u16string_view word, std::int64_t low, std::int64_t high);
 
 /// The value of "KEY=VALUE" where the word has that key.

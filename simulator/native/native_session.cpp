@@ -84,17 +84,15 @@ std::optional<std::u32string> draw_host_line(terminal::Canvas& canvas, const ter
     if (!is_running(toolkit) || toolkit.top()->name() == "MessageBox") return wide(outcome(toolkit));
     canvas.fill(line, kLine);
     const std::u32string unit = wide(of("Unit", progress.unit_number, progress.units));
-    const std::u32string display = wide(of("Display", progress.display_number, progress.displays));
-    const std::u32string unit_percent = wide(percent(progress.unit_share));
-    const std::u32string run_percent = wide(percent(progress.run_share()));
+    const std::u32string display = wide(of("Display", progress.display_number, progress.displays()));
     const int texts = terminal::text_width(unit) + terminal::text_width(display) + 2 * 6 + 5;
     const int width = std::max(5, (line.width() - texts) / 2);
-    int column = canvas.text({line.left + 1, line.top}, unit, kLine);
-    column = canvas.text({column, line.top}, bar(progress.unit_share, width), kBar);
-    column = canvas.text({column, line.top}, unit_percent, kLine);
-    column = canvas.text({column + 2, line.top}, display, kLine);
-    column = canvas.text({column, line.top}, bar(progress.run_share(), width), kBar);
-    canvas.text({column, line.top}, run_percent, kLine);
+    int column = line.left + 1;
+    for (const auto& [text, share] : {std::pair(unit, progress.unit_share), {display, progress.run_share()}}) {
+        column = canvas.text({column, line.top}, text, kLine);
+        column = canvas.text({column, line.top}, bar(share, width), kBar);
+        column = canvas.text({column, line.top}, wide(percent(share)), kLine) + 2;
+    }
     return std::nullopt;
 }
 
@@ -139,11 +137,10 @@ void NativeSession::prepare(std::ostream& out) {
 }
 
 int NativeSession::play_without_scenario() {
-    constexpr char kDemonstration[] = "demo.scn";
     if (terminal::find_terminal(std::cerr)) return run_trial();
     options_.pictures = true;
     options_.quiet = true;
-    return play((samples_ / kDemonstration).string(), std::cout, std::cerr);
+    return play((samples_ / "demo.scn").string(), std::cout, std::cerr);
 }
 
 int NativeSession::print_controls() {

@@ -13,13 +13,11 @@ using namespace platform::win32;
 
 namespace {
 
-constexpr char16_t kBranches[] = u"Software\\BrivolaSim\\";
-
 /// A key's name for a folder: the folder's path without what a key's name cannot hold.
 std::u16string key_of_folder(const std::filesystem::path& folder) {
     std::u16string name = std::filesystem::absolute(folder).u16string();
     std::replace(name.begin(), name.end(), u'\\', u'/');
-    return kBranches + name;
+    return u"Software\\BrivolaSim\\" + name;
 }
 
 OwnedKey make_key(const std::u16string& path) {
@@ -125,8 +123,7 @@ std::filesystem::path Win32Machine::real_path(const std::u16string& path) {
 
 void Win32Machine::hide(const std::u16string& path) {
     const std::filesystem::path file = real_path(path);
-    const DWORD attributes = GetFileAttributesW(file.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES) SetFileAttributesW(file.c_str(), attributes | FILE_ATTRIBUTE_HIDDEN);
+    SetFileAttributesW(file.c_str(), GetFileAttributesW(file.c_str()) | FILE_ATTRIBUTE_HIDDEN);
 }
 
 }  // namespace vex::sim

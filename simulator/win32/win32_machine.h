@@ -21,8 +21,6 @@ public:
     /// removed in the end unless `keep`; then it belongs to `folder`, and is there again for the next machine of that
     /// folder. Raises `RuntimeError`.
     Win32Machine(std::u16string module, std::filesystem::path folder, bool keep);
-    Win32Machine(const Win32Machine&) = delete;
-    Win32Machine& operator=(const Win32Machine&) = delete;
     ~Win32Machine() override;
 
     std::filesystem::path real_path(const std::u16string& path) override;

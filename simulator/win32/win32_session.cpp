@@ -18,12 +18,6 @@ namespace vex::sim {
 
 using namespace platform::win32;
 
-namespace {
-
-std::u16string class_text(const std::u16string& key) { return show_registry({platform::kHkeyClassesRoot, key}, u""); }
-
-}  // namespace
-
 std::vector<std::string> program_arguments() {
     int count = 0;
     LPWSTR* const words = CommandLineToArgvW(GetCommandLineW(), &count);
@@ -36,6 +30,9 @@ std::vector<std::string> program_arguments() {
 }
 
 bool class_has_server(const std::u16string& programmatic_id) {
+    const auto class_text = [](const std::u16string& key) {
+        return show_registry({platform::kHkeyClassesRoot, key}, u"");
+    };
     const std::u16string key = u"CLSID\\" + class_text(programmatic_id + u"\\CLSID");
     return class_text(key + u"\\InprocServer32") != kNoValue || class_text(key + u"\\LocalServer32") != kNoValue;
 }
