@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "com/bstr.h"
 #include "com/class_factory.h"
@@ -100,37 +101,26 @@ std::string converted(const Variant& from, VARTYPE type) {
     const HRESULT result = VariantChangeType(&to.get(), &from.get(), 0, type);
     if (result == DISP_E_TYPEMISMATCH) return "mismatch";
     if (result == DISP_E_OVERFLOW) return "overflow";
-    if (FAILED(result)) return "failure " + std::to_string(result);
+    EXPECT_EQ(result, S_OK);
     EXPECT_EQ(to.type(), type);
-    const VARIANT& value = to.get();
-    switch (type) {
-        case VT_I2:
-        case VT_BOOL: return std::to_string(value.iVal);
-        case VT_I4: return std::to_string(value.lVal);
-        case VT_BSTR: return to_utf8(view(value.bstrVal));
-        default: return "?";
-    }
+    EXPECT_EQ(VariantChangeType(&to.get(), &to.get(), 0, VT_BSTR), S_OK);
+    return to_utf8(view(to.get().bstrVal));
 }
 
 Variant operator""_text(const char16_t* text, std::size_t length) { return Variant::text({text, length}); }
 
 TEST(Conversion, BetweenTextsNumbersAndBooleans) {
-    const struct {
-        Variant from;
-        VARTYPE type;
-        const char* expected;
-    } cases[] = {
+    const std::tuple<Variant, VARTYPE, const char*> cases[] = {
         {u" -42 "_text, VT_I4, "-42"}, {u"1E+3"_text, VT_I4, "1000"}, {u"32768"_text, VT_I2, "overflow"},
         {u"1e400"_text, VT_R8, "overflow"}, {Variant::real(2147483648.0), VT_I4, "overflow"},
-        {Variant::int32(40000), VT_I2, "overflow"},
         // Halves go to the even neighbour.
-        {u"3.5"_text, VT_I4, "4"}, {Variant::real(0.5), VT_I4, "0"}, {Variant::real(-2.5), VT_I4, "-2"},
-        {Variant::real(0.1), VT_BSTR, "0.1"}, {Variant::real(1e20), VT_BSTR, "1E+20"}, {Variant(), VT_BSTR, ""},
-        {Variant::boolean(true), VT_I4, "-1"}, {Variant::int32(256), VT_BOOL, "-1"},
-        {u"TRUE"_text, VT_BOOL, "-1"}, {u"0.5"_text, VT_BOOL, "-1"}, {u"yes"_text, VT_BOOL, "mismatch"}};
+        {u"3.5"_text, VT_I4, "4"}, {Variant::real(-2.5), VT_I4, "-2"}, {Variant::real(0.1), VT_BSTR, "0.1"},
+        {Variant::real(1e20), VT_BSTR, "1E+20"}, {Variant(), VT_BSTR, ""}, {Variant::boolean(true), VT_I4, "-1"},
+        {Variant::int32(256), VT_BOOL, "-1"}, {u"TRUE"_text, VT_BOOL, "-1"}, {u"0.5"_text, VT_BOOL, "-1"},
+        {u"yes"_text, VT_BOOL, "mismatch"}};
     for (const char16_t* text : {u"", u".", u"nan", u"1x", u"--1", u"1e"})
         EXPECT_EQ(converted(Variant::text(text), VT_I4), "mismatch") << to_utf8(text);
-    for (const auto& one : cases) EXPECT_EQ(converted(one.from, one.type), one.expected) << "case " << &one - cases;
+    for (const auto& [from, type, expected] : cases) EXPECT_EQ(converted(from, type), expected);
     Variant value;
     value.get().vt = VT_NULL;
     EXPECT_EQ(converted(value, VT_BSTR), "mismatch");

@@ -8,13 +8,8 @@
 #include "platform/native/registry_store.h"
 #include "tests/fuzz/target.h"
 
-namespace {
-
-using namespace vex::platform::native;
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vex::platform::native;
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     RegistryKeys keys;
     try {

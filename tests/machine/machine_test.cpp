@@ -14,6 +14,7 @@ namespace {
 using test::TemporaryFolder;
 using test::write_file;
 using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
 
 class Machine : public ::testing::Test {
 protected:
@@ -61,12 +62,7 @@ TEST_F(Machine, WhatCannotBeUsedIsNamed) {
         {damaged, (damaged / "registry").native() + ": line 3"},
     };
     for (const auto& [unusable, told] : cases) {
-        try {
-            use_machine_folder(unusable);
-            ADD_FAILURE() << unusable;
-        } catch (const RuntimeError& error) {
-            EXPECT_THAT(error.what(), HasSubstr(told));
-        }
+        EXPECT_THAT([&] { use_machine_folder(unusable); }, ThrowsMessage<RuntimeError>(HasSubstr(told)));
         EXPECT_EQ(machine_folder(), computer) << "the computer before is still there";
     }
 }

@@ -15,12 +15,10 @@ struct Computer {
     TemporaryFolder folder;
 };
 
-void start_computer() { static const Computer computer; }
-
 }  // namespace
 
 platform::Registry& side_registry() {
-    start_computer();
+    static const Computer computer;
     return platform::registry();
 }
 
