@@ -6,6 +6,7 @@
 #include "core/digits.h"
 #include "core/unicode.h"
 #include "platform/system.h"
+#include "simulator/class_library.h"
 
 // Where the linker finds these functions in a program, it takes them and not the system's.
 
@@ -27,39 +28,6 @@ std::string hex(forms::Color color) { return to_utf8(digits_of(color, 16, 6)); }
 
 constexpr IID kEvents = {0x1B6B7A52, 0x2E0C, 0x4B7B, {0x8E, 0x2F, 0x33, 0x0D, 0x5C, 0x4A, 0x61, 0x07}};
 constexpr DWORD kCookie = 7;
-constexpr DISPID id(std::uint32_t number) { return static_cast<DISPID>(number); }
-
-struct HostClass {
-    const char* name;
-    CLSID clsid;
-    /// Empty: created by class id.
-    const char* programmatic_id;
-    /// By id; the others are called by name.
-    std::map<DISPID, const char*> members;
-};
-
-const HostClass kClasses[] = {
-    {"HostDisplayList", {0x2AF1D132, 0xAC50, 0x445B, {0xBE, 0x5B, 0x80, 0x59, 0xD3, 0x20, 0x64, 0x9C}}, "", {}},
-    {"HostDisplayPicker", {0x829CA34E, 0xAE00, 0x4DDB, {0x94, 0x0C, 0xDB, 0xF8, 0x94, 0x72, 0xB8, 0xFA}}, "", {}},
-    {"HostConnection", {1, 0, 0, {}}, "vexBrivolaClasses4.HostConnection", {}},
-    {"HostSignInfo", {2, 0, 0, {}}, "", {}},
-    {"vexDispTrans",
-     {3, 0, 0, {}},
-     "vexDTCon4.vexDispTrans",
-     {{id(0x60030065), "OpenConnection"},
-      {id(0x68030001), "SignID"},
-      {id(0x60030053), "GetSignInfo"},
-      {id(0x60030068), "ResetAndClear"},
-      {id(0x60030067), "DownloadFirmware"},
-      {id(0x6003004E), "PrepareForFirmware"},
-      {id(0x600300B2), "DownloadFirmwareWithLoader"},
-      {id(0x60030066), "CloseConnection"},
-      {id(0x60030069), "CancelTransmission"}}},
-    {"vexLANBoxFinder2",
-     {4, 0, 0, {}},
-     "vexLantronixControls2.vexLANBoxFinder2",
-     {{id(0x68030001), "SearchTimeout"}, {id(0x6003000A), "FindBoxes"}}},
-};
 
 }  // namespace
 
@@ -162,33 +130,31 @@ void Screen::changed(forms::Control& control, forms::Change change) {
 class HostObject final : public com::Object<HostObject, com::Untyped<IDispatch>, IProvideClassInfo2,
                                             IConnectionPointContainer, IConnectionPoint> {
 public:
-    HostObject(RecordedHost& host, const HostClass& of) : Object(host.objects), host_(host), class_(of) {}
+    HostObject(RecordedHost& host, const sim::HostClass& of) : Object(host.objects), host_(host), class_(of) {}
 
-    const char* name() const { return class_.name; }
+    const std::string& name() const { return name_; }
 
     HRESULT GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
-        if (!class_.members.empty()) return DISP_E_UNKNOWNNAME;
-        const auto found = std::ranges::find(host_.names_, *names);
-        *ids = static_cast<DISPID>(found - host_.names_.begin());
-        if (found == host_.names_.end()) host_.names_.emplace_back(*names);
+        const auto member = std::ranges::find(class_.members, std::u16string(*names), &sim::MemberFacts::name);
+        // The controls are called by id.
+        if (name_.starts_with("vex") || member == class_.members.end()) return DISP_E_UNKNOWNNAME;
+        *ids = static_cast<DISPID>(member->id);
         return S_OK;
     }
-    HRESULT Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
+    HRESULT Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
                    UINT*) noexcept override {
-        const auto fixed = class_.members.find(member);
-        if (fixed == class_.members.end() && !class_.members.empty()) return DISP_E_MEMBERNOTFOUND;
-        const std::string name =
-            fixed != class_.members.end() ? fixed->second : to_utf8(host_.names_.at(static_cast<std::size_t>(member)));
-        const std::string call = class_.name + ('.' + name);
+        const auto member = std::ranges::find(class_.members, static_cast<std::uint32_t>(id), &sim::MemberFacts::id);
+        if (member == class_.members.end()) return DISP_E_MEMBERNOTFOUND;
+        const std::string name = to_utf8(member->name);
+        const std::string call = name_ + '.' + name;
         const bool puts = flags == DISPATCH_PROPERTYPUT && parameters->cNamedArgs == 1 &&
                           parameters->rgdispidNamedArgs[0] == DISPID_PROPERTYPUT && result == nullptr;
         std::string arguments;
         for (UINT i = parameters->cArgs; i-- > 0;)
             arguments += (arguments.empty() ? "" : ", ") + shown(parameters->rgvarg[i]);
         // What is only read is not written down.
-        if (puts) host_.notebook_.part(class_.name, class_.name, ' ' + name + '=' + arguments);
-        if (flags == DISPATCH_METHOD)
-            host_.notebook_.part(class_.name, class_.name, ' ' + name + '(' + arguments + ')');
+        if (puts) host_.notebook_.part(name_, name_, ' ' + name + '=' + arguments);
+        if (flags == DISPATCH_METHOD) host_.notebook_.part(name_, name_, ' ' + name + '(' + arguments + ')');
         if (!puts && flags != DISPATCH_METHOD && flags != (DISPATCH_METHOD | DISPATCH_PROPERTYGET))
             return DISP_E_MEMBERNOTFOUND;
         const com::ComPtr<HostObject> alive(this);
@@ -198,7 +164,7 @@ public:
         if (answer != host_.answers.end()) return VariantCopy(result, &answer->second.get());
         if (call == "vexDispTrans.GetSignInfo")
             *result = com::Variant::object(host_.make("HostSignInfo").get()).detach();
-        else if (class_.name == std::string("vexDispTrans"))
+        else if (name_ == "vexDispTrans")
             *result = com::Variant::boolean(true).detach();
         return S_OK;
     }
@@ -218,7 +184,7 @@ public:
     HRESULT GetConnectionPointContainer(IConnectionPointContainer**) noexcept override { return E_NOTIMPL; }
     HRESULT Advise(IUnknown* sink, DWORD* cookie) noexcept override {
         *cookie = kCookie;
-        return sink->QueryInterface(kEvents, host_.sinks_[class_.name].put_void());
+        return sink->QueryInterface(kEvents, host_.sinks_[name_].put_void());
     }
     // It keeps the sink all the same, and may go on calling it.
     HRESULT Unadvise(DWORD cookie) noexcept override {
@@ -235,27 +201,30 @@ private:
             case VT_I2: return "I2 " + std::to_string(value.iVal);
             case VT_I4: return "I4 " + std::to_string(value.lVal);
             case VT_R8: return "R8 " + std::to_string(static_cast<int>(value.dblVal));
-            case VT_BYREF | VT_DISPATCH: return '&' + std::string(static_cast<HostObject*>(*value.ppdispVal)->name());
+            case VT_BYREF | VT_DISPATCH: return '&' + static_cast<HostObject*>(*value.ppdispVal)->name();
             default: return "kind " + std::to_string(value.vt);
         }
     }
 
     RecordedHost& host_;
-    const HostClass& class_;
+    const sim::HostClass& class_;
+    const std::string name_ = to_utf8(class_.name());
 };
 
 RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     constexpr platform::RegistryKey kClassesRoot = platform::registry_key(platform::kHkeyClassesRoot);
-    for (const HostClass& one : kClasses) {
-        cookies_.push_back(com::offer_class(objects, one.clsid, [this, &one] {
-            notebook_.part(one.name, one.name, " new");
+    for (const sim::HostClass& one : sim::host_classes()) {
+        const std::string name = to_utf8(one.name());
+        cookies_.push_back(com::offer_class(objects, one.clsid, [this, &one, name] {
+            notebook_.part(name, name, " new");
             return com::make_object<HostObject>(*this, one);
         }));
-        if (*one.programmatic_id == '\0') continue;
+        // Those two are created by class id.
+        if (name.starts_with("HostDisplay")) continue;
         OLECHAR text[39];
         StringFromGUID2(one.clsid, text, 39);
-        Key::created(kClassesRoot, std::string(one.programmatic_id) + "\\CLSID").set_text("", to_utf8(text));
+        Key::created(kClassesRoot, to_utf8(one.programmatic_id) + "\\CLSID").set_text("", to_utf8(text));
     }
 }
 
@@ -274,11 +243,8 @@ HRESULT RecordedHost::raise(const char* control, std::u16string_view text, DISPI
 }
 
 com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
-    for (const HostClass& one : kClasses) {
-        if (one.name == std::string_view(name))
-            return com::make_object<HostObject>(*this, one).template query<IDispatch>();
-    }
-    return {};
+    const auto one = std::ranges::find(sim::host_classes(), from_utf8(name), &sim::HostClass::name);
+    return com::make_object<HostObject>(*this, *one).query<IDispatch>();
 }
 
 }  // namespace vex::test

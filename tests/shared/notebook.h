@@ -87,7 +87,7 @@ private:
 
 class HostObject;
 
-/// The host's side: every class that it offers, with answers by "Class.Member".
+/// The host's side: every class of the simulated host, with answers by "Class.Member".
 class RecordedHost {
 public:
     explicit RecordedHost(Notebook& notebook);
@@ -107,7 +107,6 @@ private:
     friend class HostObject;
 
     Notebook& notebook_;
-    std::vector<std::u16string> names_;
     std::map<std::string, com::ComPtr<IDispatch>> sinks_;
     std::vector<DWORD> cookies_;
 };

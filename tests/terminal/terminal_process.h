@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -29,9 +28,8 @@ public:
         int channel[2];
         int own_end = -1;
         const winsize size{24, 80, 0, 0};
-        if (pipe(channel) != 0 || openpty(&terminal_, &own_end, nullptr, nullptr, &size) != 0) {
-            throw std::runtime_error("there is no pseudo terminal");
-        }
+        EXPECT_EQ(pipe(channel), 0);
+        EXPECT_EQ(openpty(&terminal_, &own_end, nullptr, nullptr, &size), 0) << "there is no pseudo terminal";
         // Before the process can change them.
         tcgetattr(terminal_, &modes_);
         process_ = fork();
@@ -48,7 +46,6 @@ public:
         report_ = channel[0];
     }
     TerminalProcess(const TerminalProcess&) = delete;
-    TerminalProcess& operator=(const TerminalProcess&) = delete;
     ~TerminalProcess() {
         hang_up();
         close(report_);

@@ -5,13 +5,10 @@
 namespace vex::test {
 namespace {
 
-class NativeSide final : public Side {
+class NativeSide final : public Side, private sim::NativeScreen {
 public:
-    forms::Toolkit& toolkit() override { return screen_.toolkit(); }
-    sim::Screen& screen() override { return screen_; }
-
-private:
-    sim::NativeScreen screen_;
+    forms::Toolkit& toolkit() override { return NativeScreen::toolkit(); }
+    sim::Screen& screen() override { return *this; }
 };
 
 }  // namespace

@@ -63,10 +63,9 @@ private:
     void press_on(const std::u16string& name, forms::MouseButton button, Point within) {
         // Where it is drawn by now.
         toolkit_.pump_messages();
-        for (const PlacedControl& placed : toolkit_.top_window().controls()) {
-            if (placed.control != &control(name)) continue;
-            return press_at({placed.cells.left + within.column, placed.cells.top + within.row}, button);
-        }
+        const auto placed =
+            std::ranges::find(toolkit_.top_window().controls(), &control(name), &PlacedControl::control);
+        press_at({placed->cells.left + within.column, placed->cells.top + within.row}, button);
     }
     void press_at(Point at, forms::MouseButton button) {
         FakeScreen::click({at.column + toolkit_.top_place().column, at.row + toolkit_.top_place().row}, button);

@@ -34,9 +34,8 @@ protected:
     /// user's next action.
     void press_key(WPARAM key) { PostMessageW(focus_window(), WM_KEYDOWN, key, 1); }
     /// Shows the form until the user has nothing left to do; `last` is what he does at the end.
-    void show(std::function<void()> last = [] {}) {
-        user.then(std::move(last));
-        user.then([this] { screen.click(u"cmdCancel"); });
+    void show(std::function<void()> last) {
+        user.then(std::move(last)).then([this] { screen.click(u"cmdCancel"); });
         form.show_modal();
         EXPECT_EQ(user.actions_left(), 0U);
     }
@@ -61,20 +60,9 @@ RECT client_rectangle(HWND window, HWND parent) {
     return place;
 }
 
-TEST_F(WindowTest, WindowsCarryTheNamesOfTheirControls) {
+TEST_F(WindowTest, ControlsStandWhereTheTablePutsThemAndLeaveNoNamesBehind) {
     show([&] {
-        EXPECT_EQ(platform::win32::window_name(form_window()), u"dlgSample");
-        for (const char16_t* name : {u"panel", u"panel_label", u"pages", u"label", u"text", u"check", u"list", u"cmdOk"})
-            EXPECT_NE(window_of(name), nullptr);
-        EXPECT_EQ(window_of(u"shape"), nullptr);
-        EXPECT_EQ(sim::control_window(form_window(), u"shape"), window_of(u"panel"));
         EXPECT_NE(GlobalFindAtomW(L"panel_label"), 0);
-    });
-    EXPECT_EQ(GlobalFindAtomW(L"panel_label"), 0);
-}
-
-TEST_F(WindowTest, ControlsStandWhereTheTablePutsThem) {
-    show([&] {
         const auto scale = screen_scale();
         RECT client = {};
         GetClientRect(form_window(), &client);
@@ -89,7 +77,15 @@ TEST_F(WindowTest, ControlsStandWhereTheTablePutsThem) {
         }
         // Inside its page, whose top lies above the form's.
         EXPECT_EQ(client_rectangle(window_of(u"text"), form_window()).top, scale.y(-330 + 900));
+        // A label of one line has room for its text, and does not grow out of its panel.
+        const auto right_end = [&] { return client_rectangle(window_of(u"panel_label"), window_of(u"panel")).right; };
+        form.panel_label.set_caption(u"Short");
+        EXPECT_EQ(right_end(), scale.x(1200)) << "as designed";
+        form.panel_label.set_caption(u"More than the designer's font would have needed");
+        EXPECT_GT(right_end(), scale.x(1200));
+        EXPECT_LE(right_end(), scale.x(1500));
     });
+    EXPECT_EQ(GlobalFindAtomW(L"panel_label"), 0);
 }
 
 TEST_F(WindowTest, LineAndLabelAreDrawnOnThePanelsColor) {
@@ -107,17 +103,6 @@ TEST_F(WindowTest, LineAndLabelAreDrawnOnThePanelsColor) {
         }
         EXPECT_GT(colors[forms::kDarkGrey], colors[forms::kWhite]);
         EXPECT_GT(colors[forms::kWhite], 20) << "the text";
-    });
-}
-
-TEST_F(WindowTest, OneLineLabelHasRoomForItsText) {
-    show([&] {
-        const auto right_end = [&] { return client_rectangle(window_of(u"panel_label"), window_of(u"panel")).right; };
-        form.panel_label.set_caption(u"Short");
-        EXPECT_EQ(right_end(), screen_scale().x(1200)) << "as designed";
-        form.panel_label.set_caption(u"More than the designer's font would have needed");
-        EXPECT_GT(right_end(), screen_scale().x(1200));
-        EXPECT_LE(right_end(), screen_scale().x(1500)) << "it does not grow out of its panel";
     });
 }
 
@@ -232,7 +217,7 @@ TEST_F(KeyboardTest, FocusLeavesWhatCanNoLongerBeUsed) {
 }
 
 TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
-    show_list({});
+    show_list({u"Row 1"});
     form.list.select(std::nullopt);
     const auto rows_look = [&](const char16_t* focused) {
         SetFocus(window_of(focused));
@@ -245,15 +230,11 @@ TEST_F(KeyboardTest, ListWithoutASelectionShowsItsFocus) {
         for (LONG y = 0; y < area.bottom; ++y) edge.push_back(GetPixel(context.dc(), 0, y));
         return edge;
     };
-    for (const std::size_t rows : {0U, 1U}) {
-        user.then([&, rows] {
-            if (rows > 0) form.list.add_row({}, u"Row 1");
-            const auto without_focus = rows_look(u"cmdOk");
-            EXPECT_NE(rows_look(u"list"), without_focus);
-            EXPECT_EQ(rows_look(u"cmdOk"), without_focus);
-        });
-    }
-    show();
+    show([&] {
+        const auto without_focus = rows_look(u"cmdOk");
+        EXPECT_NE(rows_look(u"list"), without_focus);
+        EXPECT_EQ(rows_look(u"cmdOk"), without_focus);
+    });
 }
 
 TEST_F(KeyboardTest, ArrowsAndLettersSelectRowsAndTheMenuKeyIsARightPressThere) {
@@ -290,12 +271,11 @@ protected:
     }
 
     /// A click on the form's OK opens the inner form.
-    void open_inner(forms::Form* owner) {
-        form.on_any_click = [this, owner](const std::string& control) {
+    void open_inner() {
+        form.on_any_click = [this](const std::string& control) {
             if (control != "cmdOk") return;
             below = form_window();
-            inner.show_modal(owner);
-            came_back = GetActiveWindow() == below;
+            inner.show_modal();
         };
         user.then([this] { screen.click(u"cmdOk"); });
     }
@@ -307,43 +287,26 @@ protected:
     HWND host, host_field, other;
     SampleForm inner{side->toolkit(), "dlgInner"};
     HWND below = nullptr;
-    bool came_back = false;
 };
 
 TEST_F(ModalityTest, HostTakesNoInputMeanwhileAndGetsItsFocusBack) {
     show([&] {
         EXPECT_FALSE(IsWindowEnabled(host));
-        EXPECT_EQ(GetWindow(form_window(), GW_OWNER), nullptr);
         EXPECT_EQ(GetActiveWindow(), form_window());
     });
     EXPECT_TRUE(IsWindowEnabled(host));
     EXPECT_FALSE(IsWindowEnabled(other)) << "it was disabled before";
     EXPECT_EQ(GetActiveWindow(), host);
     EXPECT_EQ(GetFocus(), host_field);
-    form.on_any_click = [](const std::string&) { throw RuntimeError(kOverflow); };
-    user.then([&] { screen.click(u"cmdOk"); });
-    EXPECT_THROW(form.show_modal(), RuntimeError);
-    EXPECT_TRUE(IsWindowEnabled(host)) << "after an error too";
 }
 
-TEST_F(ModalityTest, CloseRequestToAFormBelowIsIgnored) {
-    open_inner(&form);
+TEST_F(ModalityTest, FormBelowTakesNoCloseRequestAndAPressOnItBringsTheTopOneForward) {
+    open_inner();
     show([&] {
-        EXPECT_EQ(GetWindow(form_window(), GW_OWNER), below);
         SendMessageW(below, WM_CLOSE, 0, 0);
         EXPECT_TRUE(form.loaded());
-        screen.click(u"cmdCancel");
-    });
-    EXPECT_THAT(form.log, testing::Not(Contains("close box")));
-}
-
-TEST_F(ModalityTest, PressOnAFormBelowBringsTheTopOneForward) {
-    open_inner(nullptr);
-    show([&] {
         const HWND top = form_window();
         const auto stands_over_all = [top] { return GetTopWindow(nullptr) == top; };
-        EXPECT_EQ(GetWindow(top, GW_OWNER), nullptr);
-        EXPECT_FALSE(IsWindowEnabled(below));
         EXPECT_TRUE(stands_over_all());
         SetWindowPos(below, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
         EXPECT_FALSE(stands_over_all());
@@ -351,7 +314,7 @@ TEST_F(ModalityTest, PressOnAFormBelowBringsTheTopOneForward) {
         EXPECT_TRUE(stands_over_all());
         screen.click(u"cmdCancel");
     });
-    EXPECT_TRUE(came_back);
+    EXPECT_THAT(form.log, testing::Not(Contains("close box")));
 }
 
 std::wstring refusal_reason;
@@ -374,8 +337,6 @@ TEST_F(ModalityTest, EndOfTheSessionUnloadsTheFormUnlessItRefuses) {
         form.refuses_to_close = true;
         EXPECT_FALSE(may_end());
         EXPECT_EQ(refusal_reason, L"Sample has not finished its work.");
-        SendMessageW(form_window(), WM_ENDSESSION, TRUE, 0);
-        EXPECT_TRUE(form.loaded());
         form.refuses_to_close = false;
         EXPECT_TRUE(may_end());
         EXPECT_EQ(refusal_reason, L"");
@@ -384,11 +345,11 @@ TEST_F(ModalityTest, EndOfTheSessionUnloadsTheFormUnlessItRefuses) {
         SendMessageW(form_window(), WM_ENDSESSION, TRUE, 0);
     });
     form.show_modal();
-    EXPECT_THAT(form.log, ElementsAre("load", "activate", "unload", "unload", "unload", "unload", "unloaded"));
+    EXPECT_THAT(form.log, ElementsAre("load", "activate", "unload", "unload", "unload", "unloaded"));
 }
 
 TEST_F(ModalityTest, RequestToQuitEndsAllFormsAndIsLeftForTheHost) {
-    open_inner(&form);
+    open_inner();
     user.then([&] { PostQuitMessage(7); });
     form.show_modal();
     EXPECT_THAT(user.dialogs, ElementsAre("open dlgSample", "open dlgInner", "close dlgInner", "close dlgSample"));
@@ -402,16 +363,6 @@ TEST_F(ModalityTest, RequestToQuitEndsAllFormsAndIsLeftForTheHost) {
     form.show_modal();
     EXPECT_THAT(form.log, Contains("work goes on"));
     EXPECT_TRUE(was_quit(8)) << "seen in the midst of work";
-}
-
-TEST_F(ModalityTest, DestroyedOwnerTakesTheFormWithIt) {
-    open_inner(&form);
-    user.then([&] { DestroyWindow(GetWindow(form_window(), GW_OWNER)); });
-    form.show_modal();
-    for (const SampleForm* destroyed : {&form, &inner}) {
-        EXPECT_EQ(destroyed->view(), nullptr);
-        EXPECT_TRUE(destroyed->loaded());
-    }
 }
 
 }  // namespace
