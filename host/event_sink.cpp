@@ -12,6 +12,15 @@
 #include "platform/event_source.h"
 
 namespace vex::host {
+namespace {
+
+/// Tells threads apart.
+const void* calling_thread() noexcept {
+    thread_local const char mark = 0;
+    return &mark;
+}
+
+}  // namespace
 
 /// What the control calls. Answers to the source interface that it was connected through.
 class EventConnection::Sink final : public com::Object<Sink, com::Untyped<IDispatch>> {
@@ -28,6 +37,9 @@ public:
     HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID /*reserved*/, LCID /*locale*/, WORD /*flags*/,
                                      DISPPARAMS* parameters, VARIANT* /*result*/, EXCEPINFO* exception,
                                      UINT* /*argument_error*/) noexcept override {
+        // The system brings events of other threads here; what comes past it would meet dialogs in the midst of their
+        // work.
+        if (thread_ != calling_thread()) return RPC_E_WRONG_THREAD;
         // Other events of the control are none of ours.
         if (member != member_ || !handler_) return S_OK;
         if (parameters == nullptr || parameters->cArgs == 0) return DISP_E_BADPARAMCOUNT;
@@ -51,6 +63,7 @@ private:
         }
     }
 
+    const void* thread_ = calling_thread();
     IID source_;
     DISPID member_;
     Handler handler_;

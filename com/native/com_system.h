@@ -71,6 +71,7 @@ constexpr HRESULT E_INVALIDARG = vex_failure(0x80070057U);
 constexpr HRESULT E_ACCESSDENIED = vex_failure(0x80070005U);
 constexpr HRESULT CLASS_E_NOAGGREGATION = vex_failure(0x80040110U);
 constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = vex_failure(0x80040111U);
+constexpr HRESULT RPC_E_WRONG_THREAD = vex_failure(0x8001010EU);
 constexpr HRESULT REGDB_E_CLASSNOTREG = vex_failure(0x80040154U);
 constexpr HRESULT CO_E_NOTINITIALIZED = vex_failure(0x800401F0U);
 constexpr HRESULT CO_E_CLASSSTRING = vex_failure(0x800401F3U);

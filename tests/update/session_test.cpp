@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
+
 #include "core/unicode.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
@@ -57,6 +59,9 @@ TEST_F(Session, ResetsEveryUnitFromTheLastToTheFirst) {
         EXPECT_EQ(host.raise("vexDispTrans", u"Hanging up"), S_OK);
         EXPECT_EQ(host.raise("vexDispTrans", u"another event", 8), S_OK);
         EXPECT_EQ(host.raise("vexDispTrans", u"no argument", 9, 0), DISP_E_BADPARAMCOUNT);
+        std::thread([this] {
+            EXPECT_EQ(host.raise("vexDispTrans", u"from another thread"), RPC_E_WRONG_THREAD);
+        }).join();
     };
     // What the control says while it is closed is no status of the work.
     screen.at_close = [this](forms::Form&) { EXPECT_EQ(host.raise("vexDispTrans", u"Good bye"), S_OK); };
