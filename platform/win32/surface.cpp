@@ -122,7 +122,7 @@ void Surface::paint(HDC dc) const noexcept {
     }
 }
 
-void Surface::invalidate(const forms::Control& drawing) noexcept {
+void Surface::invalidate(const forms::Control& drawing) {
     RECT at = pixels(drawing.place());
     if (drawing.kind() == forms::ControlKind::shape) {
         const std::u16string property = shape_property(drawing);

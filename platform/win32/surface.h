@@ -34,7 +34,7 @@ public:
     /// Draws the background, shapes and lines included, into a context whose origin is this surface's.
     void paint(HDC dc) const noexcept;
     /// Draws a shape or line again with the next paint messages.
-    void invalidate(const forms::Control& drawing) noexcept;
+    void invalidate(const forms::Control& drawing);
 
 protected:
     /// A message, after the drawing ones. Answers nothing for the system's own handling.

@@ -1,8 +1,9 @@
 // The plug-in's own dialogs on real windows, started by a host: how they stand among each other, what they answer when
-// the session ends, and that no handle of them stays behind, nor of a form with every kind of control. The environment
-// variable VEX_WIZARDS says how many wizards are opened for that; a thousand take minutes.
+// the session ends, that memory may end in them, and that nothing of a run stays behind, nor of a form with every kind
+// of control. The environment variable VEX_RUNS says how many runs are made for either; a thousand take minutes.
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <limits>
 #include <map>
@@ -12,6 +13,7 @@
 #include "platform/win32/window_name.h"
 #include "platform/win32/windows_api.h"
 #include "simulator/session.h"
+#include "simulator/win32/import_hook.h"
 #include "simulator/win32/win32_machine.h"
 #include "simulator/win32/win32_screen.h"
 #include "simulator/words.h"
@@ -138,6 +140,124 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
     });
 }
 
+/// A control may handle messages by itself for as long as it likes.
+void handle_messages(std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+    }
+}
+
+TEST_F(PluginWindows, ServeTheUserWhileAControlHandlesMessagesByItself) {
+    run_for_user([this](sim::Host& host, sim::PluginHost& plugin) {
+        host.on_link = [this](const sim::LinkEvent& event) {
+            if (event.kind != sim::LinkEvent::Kind::begins || event.call.operation != u"ResetAndClear") return true;
+            const Forms forms = open_forms();
+            for (const auto& [name, window] : forms) PostMessageW(window, WM_CLOSE, 0, 0);
+            PostMessageW(sim::control_window(forms.at(kSession), u"cmdCancel"), BM_CLICK, 0, 0);
+            handle_messages(std::chrono::milliseconds(300));
+            EXPECT_EQ(user->boxes.size(), 1U);
+            EXPECT_EQ(open_forms(), forms);
+            return true;
+        };
+        user->answers = {forms::MessageAnswer::yes};
+        user->then([this] { choose_and_finish(); }).then([this] {
+            EXPECT_EQ(screen->rows(u"lstvDisplayStatus"),
+                      (std::vector<std::vector<std::u16string>>{{u"Gate A", u"Cancelled - "}}));
+        });
+        plugin.start();
+        EXPECT_EQ(user->actions_left(), 0U);
+    });
+}
+
+/// How often something is done.
+std::size_t runs() {
+    const char* const number = std::getenv("VEX_RUNS");
+    return number == nullptr ? 10 : std::strtoul(number, nullptr, 10);
+}
+
+// ---- Memory that ends
+
+/// The plug-in's own allocations, while it lives; those of the system and of the host are not refused.
+class Allocations {
+public:
+    explicit Allocations(HMODULE plugin)
+        : general_(plugin, "malloc", &allocate), texts_(plugin, "SysAllocStringLen", &allocate_text) {}
+
+    /// From now on the one of that number, from 1, is refused, or also all after it; 0: none.
+    void refuse(std::size_t number, bool for_good) {
+        counted_ = 0;
+        refused_ = number;
+        for_good_ = for_good;
+    }
+    std::size_t counted() const { return counted_; }
+
+private:
+    static bool refuses() noexcept {
+        ++counted_;
+        return refused_ != 0 && (counted_ == refused_ || (for_good_ && counted_ > refused_));
+    }
+    static void* __cdecl allocate(std::size_t size) noexcept { return refuses() ? nullptr : std::malloc(size); }
+    static BSTR WINAPI allocate_text(const OLECHAR* text, UINT length) noexcept {
+        return refuses() ? nullptr : SysAllocStringLen(text, length);
+    }
+
+    static inline std::size_t counted_, refused_;
+    static inline bool for_good_;
+    sim::ImportHook general_, texts_;
+};
+
+/// What a screen does not offer any more is not done.
+template <class Work>
+void try_to(Work work) {
+    try {
+        work();
+    } catch (const std::exception&) {
+    }
+}
+
+TEST_F(PluginWindows, FailOrSucceedWhereverMemoryEnds) {
+    run_for_user([this](sim::Host& host, sim::PluginHost& plugin) {
+        Allocations allocations(GetModuleHandleW(platform::win32::wide(kPlugin)));
+        const auto play = [&](std::size_t refused, bool for_good) {
+            int resets = 0;
+            bool updated = false;
+            host.on_link = [&](const sim::LinkEvent& event) {
+                resets += event.kind == sim::LinkEvent::Kind::begins && event.call.operation == u"ResetAndClear";
+                return true;
+            };
+            user.emplace(*screen);
+            user->then([&] { try_to([this] { choose_and_finish(); }); }).then([&] {
+                try_to([&] { updated = screen->rows(u"lstvDisplayStatus").at(0).at(1) == u"Updated - "; });
+                EXPECT_TRUE(!updated || resets == 1);
+            });
+            allocations.refuse(refused, for_good);
+            try {
+                plugin.start();
+                EXPECT_TRUE(updated || refused != 0);
+            } catch (const RuntimeError& error) {
+                EXPECT_THAT(error.number(), testing::AnyOf(kOutOfMemory, kCannotCreateObject));
+            } catch (const std::bad_alloc&) {
+            }
+            const std::size_t counted = allocations.counted();
+            allocations.refuse(0, false);
+            EXPECT_EQ(open_forms(), Forms());
+            EXPECT_TRUE(plugin.can_unload());
+            return counted;
+        };
+        play(0, false);
+        const std::size_t all = play(0, false);
+        for (const bool for_good : {false, true}) {
+            for (std::size_t run = 0; run < runs(); ++run) {
+                const std::size_t refused = 1 + run * all / runs();
+                SCOPED_TRACE(testing::Message() << "allocation " << refused << " of " << all << ", " << for_good);
+                play(refused, for_good);
+            }
+        }
+    });
+}
+
 // ---- Handles of windows and graphics
 
 template <class Handle>
@@ -180,11 +300,11 @@ HandleCounts count_handles() {
 }
 
 /// Expects as many handles after so many uses of something as before them.
-void expect_no_handle_stays(int times, const std::function<void()>& use) {
+void expect_no_handle_stays(std::size_t times, const std::function<void()>& use) {
     // The first uses make what the system keeps for all.
     for (int used = 0; used < 3; ++used) use();
     const HandleCounts before = count_handles();
-    for (int used = 0; used < times; ++used) use();
+    for (std::size_t used = 0; used < times; ++used) use();
     const HandleCounts after = count_handles();
     EXPECT_GT(before.graphics, 0U);
     EXPECT_EQ(after.user, before.user);
@@ -207,20 +327,13 @@ TEST_F(PluginWindows, MayBeDestroyedByTheHostInTheMiddleOfARun) {
     });
 }
 
-/// Presses the close box of whatever form is on top.
-void CALLBACK close_top_form(HWND, UINT, UINT_PTR, DWORD) {
-    if (auto* const form = static_cast<HWND>(sim::top_form_window())) {
-        PostMessageW(form, WM_SYSCOMMAND, SC_CLOSE, 0);
-    }
-}
-
 TEST_F(PluginWindows, LeaveTheCountsOfHandlesWhereTheyWere) {
-    const UINT_PTR timer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, close_top_form);
-    run([](sim::Host&, sim::PluginHost& plugin) {
-        const char* number = std::getenv("VEX_WIZARDS");
-        expect_no_handle_stays(number == nullptr ? 10 : std::atoi(number), [&] { plugin.start(); });
+    run_for_user([this](sim::Host&, sim::PluginHost& plugin) {
+        expect_no_handle_stays(runs(), [&] {
+            user->then([this] { choose_and_finish(); });
+            plugin.start();
+        });
     });
-    KillTimer(nullptr, timer);
 }
 
 TEST_F(PluginWindows, LeaveNothingOfEveryKindOfControlBehind) {
