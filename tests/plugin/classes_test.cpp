@@ -183,7 +183,10 @@ void check_member(const Member& member, const com::ComPtr<IDispatch>& object, Re
 using Members = PluginTest;
 
 TEST_F(Members, AnswerInTheirPlaceAndByTheirName) {
-    for (const Member& member : kMembers) check_member(member, make(member.clsid), Reached::directly);
+    for (const Member& member : kMembers) {
+        check_member(member, make(member.clsid), Reached::directly);
+        check_member(member, as_described(make(member.clsid)), Reached::directly);
+    }
 }
 
 TEST_F(Members, OtherIndexesFailForTextsAndAreNoPictures) {

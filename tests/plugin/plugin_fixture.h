@@ -26,6 +26,9 @@ extern const char* const kPlatform;
 extern const bool kAnyFolderIsRegistered;
 /// Whether an object is a picture, and, where pictures are real, an icon of 16 pixels.
 bool is_icon(IDispatch& object);
+/// The object as a client meets it that reads what the system tells of its interface, and calls its virtual table by
+/// that; the object itself where the system describes none.
+com::ComPtr<IDispatch> as_described(const com::ComPtr<IDispatch>& object);
 /// An object of a class.
 using Create = std::function<com::ComPtr<IDispatch>(REFCLSID clsid)>;
 /// Lets clients in every other kind of apartment use the registered classes, where the system carries calls between

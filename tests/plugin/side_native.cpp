@@ -21,6 +21,8 @@ void call_from_other_apartments(const std::function<void(const Create& create)>&
     }).join();
 }
 
+com::ComPtr<IDispatch> as_described(const com::ComPtr<IDispatch>& object) { return object; }
+
 bool is_icon(IDispatch& object) { return com::ComPtr<IDispatch>(&object).query<IPictureDisp>().get() != nullptr; }
 
 }  // namespace vex::plugin_test

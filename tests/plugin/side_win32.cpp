@@ -3,9 +3,48 @@
 
 #include <thread>
 
+#include "com/object.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
+namespace {
+
+com::ModuleLifetime clients;
+
+class Described final : public com::Object<Described, com::Untyped<IDispatch>> {
+public:
+    explicit Described(const com::ComPtr<IDispatch>& object) : Object(clients), object_(object) {
+        com::ComPtr<ITypeInfo> late;
+        EXPECT_EQ(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, late.put()), S_OK);
+        // A dual interface shows its dispatch side, which leads to the side with the virtual table.
+        HREFTYPE table = 0;
+        EXPECT_EQ(late->GetRefTypeOfImplType(static_cast<UINT>(-1), &table), S_OK);
+        EXPECT_EQ(late->GetRefTypeInfo(table, type_.put()), S_OK);
+        TYPEATTR* attributes = nullptr;
+        EXPECT_EQ(type_->GetTypeAttr(&attributes), S_OK);
+        EXPECT_EQ(object->QueryInterface(attributes->guid, own_.put_void()), S_OK);
+        type_->ReleaseTypeAttr(attributes);
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) noexcept override {
+        const bool own = IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IDispatch);
+        return own ? Object::QueryInterface(iid, result) : object_->QueryInterface(iid, result);
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept override {
+        return type_->GetIDsOfNames(names, count, ids);
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                                     EXCEPINFO* exception, UINT* argument) noexcept override {
+        return type_->Invoke(own_.get(), member, flags, parameters, result, exception, argument);
+    }
+
+private:
+    com::ComPtr<IDispatch> object_;
+    com::ComPtr<ITypeInfo> type_;
+    com::ComPtr<IUnknown> own_;
+};
+
+}  // namespace
 
 std::filesystem::path plugin_file() {
     return std::filesystem::path(platform::win32::module_path()).replace_filename("vexFirmwarePlugin.dll");
@@ -13,6 +52,10 @@ std::filesystem::path plugin_file() {
 
 const char* const kPlatform = sizeof(void*) == 8 ? "win64" : "win32";
 const bool kAnyFolderIsRegistered = true;
+
+com::ComPtr<IDispatch> as_described(const com::ComPtr<IDispatch>& object) {
+    return com::make_object<Described>(object).query<IDispatch>();
+}
 
 void call_from_other_apartments(const std::function<void(const Create& create)>& use) {
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);

@@ -1,5 +1,4 @@
-// Windows only, for its loader: the system's own loader reads the type library in the plug-in's resources, and calls by
-// it.
+// Windows only, for its loader: what the system's own loader reads in the type library in the plug-in's resources.
 #include <cstdint>
 #include <string>
 
@@ -194,28 +193,6 @@ TEST_F(TypeLibraryLoader, FindsTypesByIdentityAndNamesByTheirHash) {
             const ULONG hash = LHashValOfNameSys(SYS_WIN32, 0x0409, name.c_str()) & 0xFFFF;
             EXPECT_EQ(hash, type_library::name_hash(member.name));
         }
-    }
-}
-
-TEST_F(TypeLibraryLoader, CallsMembersByTheirDescriptions) {
-    const auto object = make(kCatalogueClass);
-    com::ComPtr<ITypeInfo> type;
-    com::ComPtr<IUnknown> target;
-    ASSERT_EQ(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.put()), S_OK);
-    ASSERT_EQ(object->QueryInterface(kCatalogueInterface, target.put_void()), S_OK);
-    for (const SHORT index : {SHORT{0}, SHORT{1}}) {
-        VARIANTARG argument = com::Variant::int16(index).get();
-        DISPPARAMS parameters{&argument, nullptr, 1, 0};
-        com::Variant name;
-        EXCEPINFO exception{};
-        const HRESULT result = type->Invoke(target.get(), kPluginNames, DISPATCH_PROPERTYGET, &parameters, name.put(),
-                                            &exception, nullptr);
-        EXPECT_EQ(result, index == 0 ? S_OK : DISP_E_EXCEPTION);
-        EXPECT_EQ(exception.scode, index == 0 ? S_OK : error_code(9));
-        if (index == 0) {
-            EXPECT_EQ(name.type(), VT_BSTR);
-        }
-        for (BSTR text : {exception.bstrDescription, exception.bstrSource, exception.bstrHelpFile}) SysFreeString(text);
     }
 }
 

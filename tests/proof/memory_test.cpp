@@ -266,12 +266,14 @@ TEST_P(MemoryTest, MayEndAtEveryAllocation) {
 INSTANTIATE_TEST_SUITE_P(OnceOrForGoodInARunOrACancel, MemoryTest,
                          ::testing::Combine(::testing::Bool(), ::testing::Bool()));
 
-/// What a process holds: allocations, open files and threads.
-std::array<long, 3> holdings() {
+/// What a process holds: allocations, open files and threads, and the size of the registry's file.
+std::array<long, 4> holdings() {
     const auto entries = [](const char* folder) {
         return std::distance(std::filesystem::directory_iterator(folder), {});
     };
-    return {memory.alive, entries("/proc/self/fd"), entries("/proc/self/task")};
+    const auto registry = platform::native::real_path(u"C:\\").parent_path() / "registry";
+    return {memory.alive, entries("/proc/self/fd"), entries("/proc/self/task"),
+            static_cast<long>(std::filesystem::file_size(registry))};
 }
 
 TEST(Runs, LeaveNothingBehindAndDoNotSlowDown) {
