@@ -154,11 +154,11 @@ std::string make_motorola_image(std::size_t size) {
     return text + record('8', address(0));
 }
 
-std::string make_loader_image() {
+std::string make_loader_image(bool for_device_server) {
     constexpr char kDivider = '\xA9';
     constexpr char kControl = '\xC4';
     const char prefix = static_cast<char>(kToRegister);
-    return std::string{prefix, kDivider, '\x2F', prefix, kControl, '\0'}.append(kStart);
+    return std::string{prefix, kDivider, for_device_server ? '\x17' : '\x2F', prefix, kControl, '\0'}.append(kStart);
 }
 
 }  // namespace vex::sim

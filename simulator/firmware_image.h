@@ -31,7 +31,7 @@ std::u16string describe_image(std::string_view bytes, const std::u16string& show
 
 /// S-records of `size` data bytes that differ from size to size, with a header and a terminator.
 std::string make_motorola_image(std::size_t size);
-/// A flash loader that sets up the board's serial port.
-std::string make_loader_image();
+/// A flash loader that sets up the board's serial port for the rate of a cable, or of a device server.
+std::string make_loader_image(bool for_device_server = false);
 
 }  // namespace vex::sim

@@ -111,7 +111,7 @@ ExitStatus compare_scenarios(CommandLine options, MakeSession make) {
         if (!faults.empty()) ++failed;
     }
     std::cout << files.size() - failed << " scenarios passed, " << failed << " failed\n";
-    return failed == 0 ? kPassed : kFailed;
+    return failed == 0 && std::cout.flush() ? kPassed : kFailed;
 }
 
 double read_speed(const std::string& word) {
@@ -162,7 +162,7 @@ CommandLine parse_command_line(std::span<const std::string> arguments) {
             line.controls = true;
         } else if (word == "run" && !runs && !line.controls) {
             runs = true;
-        } else if (runs && (word == "-" || word.substr(0, 1) != "-")) {
+        } else if (runs && !word.empty() && (word == "-" || word.front() != '-')) {
             line.scenarios.push_back(word);
         } else {
             throw std::invalid_argument("\"" + word + "\" is not understood");

@@ -112,8 +112,8 @@ Session::Session(const CommandLine& options, const std::filesystem::path& progra
 }
 
 ExitStatus Session::play(const std::string& file, std::ostream& out, std::ostream& errors) {
-    if (file == "-")
-        return play_text("standard input", {std::istreambuf_iterator<char>(std::cin), {}}, {}, out, errors);
+    const char* const input = "standard input";
+    if (file == "-") return play_text(input, read_all(std::cin, input), {}, out, errors);
     return play_text(file, read_file(file), std::filesystem::path(file).parent_path(), out, errors);
 }
 

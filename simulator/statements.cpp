@@ -66,7 +66,10 @@ Action registry(const Words& words) {
 }
 
 Action import(const Words& words) {
-    return [file = words[1]](Player& player) { import_registry(to_utf8(file), read_file(player.source_file(file))); };
+    return [file = words[1]](Player& player) {
+        const std::filesystem::path source = player.source_file(file);
+        import_registry(source.string(), read_file(source));
+    };
 }
 
 Action file(const Words& words) {
@@ -96,7 +99,8 @@ Action image(const Words& words) {
     return put(words[1], make_motorola_image(read_count(words[2], kLargestImage)));
 }
 
-Action loader(const Words& words) { return put(words[1], make_loader_image()); }
+/// That of the device servers has a D before the dot.
+Action loader(const Words& words) { return put(words[1], make_loader_image(to_upper(words[1]).ends_with(u"D.BIN"))); }
 
 // ---- The links ----------------------------------------------------------------------------------------
 

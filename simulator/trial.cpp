@@ -128,6 +128,7 @@ void DisplayPicker::check_all() {
 void RunProgress::begin_run(std::vector<std::u16string> names) {
     chosen_ = std::move(names);
     display_number = 0;
+    cancelled_ = false;
 }
 
 void RunProgress::follow(const LinkEvent& event) {
@@ -135,6 +136,7 @@ void RunProgress::follow(const LinkEvent& event) {
     if (event.kind == LinkEvent::Kind::transfers) unit_share = event.percent / 100.0;
     if (event.kind != LinkEvent::Kind::begins) return;
     if (operation == u"OpenConnection") begin_display(event.call.display);
+    if (operation == u"CancelTransmission") cancelled_ = true;
     // A loader goes to the first unit alone.
     if (operation == u"DownloadFirmwareWithLoader") units = 1;
     // What the run is about for its unit.
@@ -146,8 +148,9 @@ void RunProgress::follow(const LinkEvent& event) {
 
 void RunProgress::begin_display(const std::u16string& name) {
     auto found = std::ranges::find(chosen_, name);
-    if (found != chosen_.end() && found < chosen_.begin() + static_cast<std::ptrdiff_t>(display_number)) {
-        // Done again, it is a run of its own.
+    const bool again = found < chosen_.begin() + static_cast<std::ptrdiff_t>(display_number);
+    if (found != chosen_.end() && (again || cancelled_)) {
+        // Done again, or left over from a run that ended before it, it is a run of its own.
         begin_run({name});
         found = chosen_.begin();
     }

@@ -67,6 +67,8 @@ private:
 
     const Host& host_;
     std::vector<std::u16string> chosen_;
+    /// The run is over.
+    bool cancelled_ = false;
 };
 
 /// While it lives, the host is in front of its user: its selection dialog is shown to him, and its links take the time

@@ -127,7 +127,17 @@ std::string read_file(const std::filesystem::path& path) {
     if (std::filesystem::is_directory(status)) throw TextError(path.string(), 0, "is a folder");
     std::ifstream file(path, std::ios::binary);
     if (!file) throw TextError(path.string(), 0, "cannot be read");
-    return {std::istreambuf_iterator<char>(file), {}};
+    return read_all(file, path.string());
+}
+
+std::string read_all(std::istream& file, const std::string& name) {
+    constexpr std::size_t kMost = 64 << 20;
+    std::string bytes;
+    for (char part[1 << 16]; file.read(part, sizeof part), file.gcount() > 0;) {
+        bytes.append(part, static_cast<std::size_t>(file.gcount()));
+        if (bytes.size() > kMost) throw TextError(name, 0, "holds more than 64 MB");
+    }
+    return bytes;
 }
 
 }  // namespace vex::sim

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <iosfwd>
 #include <optional>
 #include <random>
 #include <stdexcept>
@@ -62,8 +63,10 @@ std::u16string shown_boolean(bool value);
 void read_lines(const std::string& file, std::string_view text, std::u16string_view header,
                 const std::function<void(const Words& words, std::size_t line)>& read);
 
-/// A whole file. Raises `TextError` without a line.
+/// A whole file, of 64 MB at most: some have no end. Raises `TextError` without a line.
 std::string read_file(const std::filesystem::path& path);
+/// The same for one that is open, under the name that is told of it.
+std::string read_all(std::istream& file, const std::string& name);
 
 /// A new folder, for its owner alone, among the system's temporary files; removed in the end.
 class PrivateFolder {

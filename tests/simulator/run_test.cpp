@@ -119,6 +119,12 @@ TEST(Run, KeepsItsDataWhereItIsTold) {
     EXPECT_EQ(run("units").out, "") << "without a folder a run knows of nothing";
 }
 
+TEST(Run, ReadsNoFileWithoutAnEnd) {
+    CommandLine options;
+    std::ostringstream shown;
+    EXPECT_THROW(NativeSession(options).play("/dev/zero", shown, shown), TextError);
+}
+
 TEST(Run, SaysWhyThereIsNoPlugin) {
     CommandLine options;
     options.plugin = "no-such-library.so";

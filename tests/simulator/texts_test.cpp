@@ -69,7 +69,7 @@ TEST(Refusals, NameThePlaceAndTheFault) {
         {command_line, "--speed 0.01", "\"0.01\" is no speed"},
     };
     for (const auto& bad : cases) EXPECT_THAT(complaint(bad.read, bad.text), StartsWith(bad.complaint)) << bad.text;
-    EXPECT_EQ(complaint(loader, make_loader_image()), "");
+    for (const bool kind : {false, true}) EXPECT_EQ(complaint(loader, make_loader_image(kind)), "");
     EXPECT_EQ(complaint(image, "S30700000000010fe8\nS5030001FB\n\nS70500000000FA\n"), "");
     for (const std::size_t size : {32U, 33U, 70'000U}) EXPECT_EQ(complaint(image, make_motorola_image(size)), "");
     EXPECT_EQ(describe_image("123456789", u"C:\\a"), u"a, 9 bytes, CRC-32 CBF43926");

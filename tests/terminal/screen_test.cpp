@@ -56,6 +56,7 @@ const std::pair<std::string, std::string> kSequences[] = {
     {"日", "日\n"}, {"\177", "⌫\n"}, {"\033y", "alt y\n"},
     // As the terminal's description says, and as others send them: xterm, rxvt.
     {"\033[3~", "⌦\n"}, {"\033OA", "↑\n"}, {"\033[B", "↓\n"}, {"\033[29~", "☰\n"}, {"\033[8~", "⇲\n"},
+    {"\033[1~", "⇱\n"}, {"\033[4~", "⇲\n"},
     // Presses of two buttons, releases, the wheel; columns beyond the old limit of 223.
     {"\033[<2;300;3M\033[<2;300;3m", "press 2 at 299,2\nrelease 2 at 299,2\n"},
     {"\033[<0;9;3M\033[<0;5;3m", "press 1 at 8,2\nrelease 1 at 4,2\n"}, {"\033[<65;5;3M", "wheel down 1 at 4,2\n"},

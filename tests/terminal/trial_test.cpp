@@ -31,8 +31,30 @@ TEST(Picker, SearchesAndChecksByKeyAndMouse) {
     screen.keys(U"⏎");
     EXPECT_EQ(choose({}), u"Platform 1,Platform 2") << "in the host's order";
     EXPECT_EQ(screen.beeps, 1);
-    screen.keys(U"müL⏎⏎");
+    screen.keys(U"zzz");
+    screen.look([&] { EXPECT_TRUE(screen.shows("No display has this")); });
+    screen.keys(U"⌫⌫⌫müL⏎⏎");
     EXPECT_EQ(choose(u"北口,gone"), u"Café Müller,北口") << "with the choice of the last time";
+}
+
+TEST(Progress, ARetryCountsAsARunOfItsOwnAndADisplayThatIsPassedOverDoesNot) {
+    std::ostringstream out;
+    Trace trace(out, true);
+    NativeMachine machine;
+    Host host(trace, machine);
+    RunProgress progress(host);
+    const auto place_after = [&](const char16_t* display, Operation operation) {
+        progress.follow({.call = {.display = display, .operation = operation}});
+        return std::pair(progress.display_number, progress.displays());
+    };
+    progress.begin_run({u"A", u"B", u"C"});
+    EXPECT_EQ(place_after(u"B", u"OpenConnection"), std::pair(std::size_t{2}, std::size_t{3}));
+    EXPECT_EQ(place_after(u"A", u"OpenConnection"), std::pair(std::size_t{1}, std::size_t{1}));
+    progress.begin_run({u"A", u"B", u"C"});
+    place_after(u"A", u"OpenConnection");
+    place_after(u"A", u"CancelTransmission");
+    for (const char16_t* left_over : {u"C", u"B"})
+        EXPECT_EQ(place_after(left_over, u"OpenConnection"), std::pair(std::size_t{1}, std::size_t{1}));
 }
 
 TerminalProcess program(const char* terminal) {

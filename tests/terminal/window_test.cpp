@@ -15,6 +15,7 @@ namespace vex::platform::native::terminal {
 namespace {
 
 using test::SampleForm;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -80,6 +81,8 @@ TEST_F(Window, KeysPressWhatTheyAreSaidToPress) {
     EXPECT_EQ(screen.beeps, 2);
     show(form.list);
     form.list.on_click = [] {};
+    EXPECT_THAT(window.keys(), testing::Not(Contains(U"Space choose"))) << "no row is marked";
+    keys(U"↓");
     EXPECT_THAT(window.keys(), ElementsAre(U"Space choose", U"↑↓ move", U"F10 menu", U"Esc Cancel", U"Tab next"));
 }
 
@@ -98,6 +101,9 @@ TEST_F(Window, OnlyAPressAndAReleaseOnOneRowActOnIt) {
     EXPECT_EQ(form.list.selected(), 0U);
     handle(MouseEvent{.action = MouseAction::wheel_up, .at = first});
     EXPECT_EQ(form.list.row_top(19), last + 3 * 195);
+    form.list.clear();
+    form.list.add_row({}, u"one");
+    click({first.column, list.bottom - 1});
     // On a button the release may be anywhere on it.
     const Area ok = show(form.cmdOk);
     click({ok.left, ok.top}, {ok.right - 1, ok.top});
@@ -130,7 +136,11 @@ TEST_F(Window, TextBoxTakesWhatIsTypedAndPasted) {
     EXPECT_EQ(window.cursor(), (Point{box.right - 2, box.top}));
     click({box.left + 2, box.top});
     keys(U"-");
-    EXPECT_EQ(form.text.text(), u"12b日0123456789-abcdefghijklmnopqrstuvwxyz");
+    const std::u16string text = u"12b日0123456789-abcdefghijklmnopqrstuvwxyz";
+    keys(U"⇥");
+    window.handle(Paste{U"nowhere"});
+    EXPECT_EQ(form.text.text(), text);
+    EXPECT_THAT(picture(), HasSubstr("uvwxyz]")) << "its end, without the focus";
 }
 
 TEST_F(Window, ColumnsShareTheWidthAsTheyNeedIt) {

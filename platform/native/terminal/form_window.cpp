@@ -173,9 +173,9 @@ std::vector<std::u32string> FormWindow::keys() {
     if (control != nullptr && control->kind() == ControlKind::check_box) hints.emplace_back(U"Space check");
     if (control != nullptr && control->kind() == ControlKind::option_button) hints.emplace_back(U"↑↓ choose");
     if (control != nullptr && control->kind() == ControlKind::list_view) {
-        const std::size_t rows = static_cast<const ListView*>(control)->row_count();
-        if (rows > 0 && control->on_click) hints.emplace_back(U"Space choose");
-        if (rows > 1) hints.emplace_back(U"↑↓ move");
+        const auto& list = static_cast<const ListView&>(*control);
+        if (list.selected() && control->on_click) hints.emplace_back(U"Space choose");
+        if (list.row_count() > 1) hints.emplace_back(U"↑↓ move");
     }
     if (list_with_menu() != nullptr) hints.emplace_back(U"F10 menu");
     for (const Control* other : form_.controls()) {
