@@ -47,6 +47,7 @@ TEST(Identities, AreThoseThatEverySystemKnows) {
         StringFromGUID2(identity, written, 39);
         EXPECT_EQ(reinterpret_cast<const char16_t*>(written), text);
     }
+    EXPECT_EQ(DISPID_PROPERTYPUT, -3);
 }
 
 TEST(AutomationString, KeepsEmbeddedNullsAndItsWholeLengthOrIsNone) {

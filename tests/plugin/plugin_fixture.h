@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -58,10 +59,13 @@ constexpr HRESULT error_code(int number) { return static_cast<HRESULT>(0x800A000
 
 // ---- Its exports
 
+/// The library, from the first use of an export on.
+inline std::optional<platform::Library> library;
+
 template <class Function>
 Function* plugin_function(const char* name) {
-    static const platform::Library library(plugin_file());
-    return library.function<Function*>(name);
+    if (!library) library.emplace(plugin_file());
+    return library->function<Function*>(name);
 }
 
 inline HRESULT can_unload_now() { return plugin_function<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(); }

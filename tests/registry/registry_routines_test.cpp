@@ -261,6 +261,7 @@ TEST_F(RegistryRoutinesTest, EnumRegistryValuesCarriesOverFromValueToValue) {
         {kRegExpandSz, bytes_of("%VEX_SHORT%\0"sv), u"s"},
         {kRegBinary, {0x77}, u"s 77"},
         {kRegExpandSz, {}, u""},
+        {kRegSz, {'x'}, u""},
         {kRegSz, Bytes(4096, 'x'), std::u16string(4095, u'x')},
         {kRegSz, Bytes(4097, 'x'), std::u16string(4096, u'x')},
     };

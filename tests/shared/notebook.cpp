@@ -234,11 +234,10 @@ RecordedHost::~RecordedHost() {
     CoUninitialize();
 }
 
-HRESULT RecordedHost::raise(const char* control, std::u16string_view text, DISPID event, UINT arguments) {
+HRESULT RecordedHost::raise(const char* control, const com::Variant& argument, DISPID event, UINT arguments) {
     const com::ComPtr<IDispatch> sink = sinks_[control];
-    com::Bstr place(text);
-    VARIANTARG argument = com::Variant::text_reference(place.put_reference()).get();
-    DISPPARAMS parameters{&argument, nullptr, arguments, 0};
+    VARIANTARG place = argument.get();
+    DISPPARAMS parameters{&place, nullptr, arguments, 0};
     return sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
 }
 

@@ -98,7 +98,11 @@ public:
     /// What happens during a call, before it answers.
     std::map<std::string, std::function<void(DISPPARAMS&)>> during;
     /// An event of the control with a text: a status message, or a box found.
-    HRESULT raise(const char* control, std::u16string_view text, DISPID event = 9, UINT arguments = 1);
+    HRESULT raise(const char* control, std::u16string_view text, DISPID event = 9, UINT arguments = 1) {
+        com::Bstr place(text);
+        return raise(control, com::Variant::text_reference(place.put_reference()), event, arguments);
+    }
+    HRESULT raise(const char* control, const com::Variant& argument, DISPID event = 9, UINT arguments = 1);
     void forget_sinks() { sinks_.clear(); }
     com::ComPtr<IDispatch> make(const char* name);
     com::ModuleLifetime objects;

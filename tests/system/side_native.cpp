@@ -8,35 +8,29 @@
 #include "tests/system/side.h"
 
 namespace vex::test {
+
+using platform::native::real_path;
+
 namespace {
 
-class NativeSystemSide final : public SystemSide {
-public:
-    NativeSystemSide() {
-        platform::native::use_machine_folder(machine_.path() / "machine");
-        platform::native::on_program_started(
-            [this](const std::u16string& path) { ++runs_[platform::native::real_path(path)]; });
-        make_folder(folder());
-    }
-    ~NativeSystemSide() override { platform::native::on_program_started(nullptr); }
-
-    bool is_windows_1252() const override { return true; }
-    std::u16string folder() const override { return u"C:\\contract"; }
-    void make_file(const std::u16string& path) override { std::ofstream(platform::native::real_path(path)) << "x"; }
-    void make_folder(const std::u16string& path) override {
-        std::filesystem::create_directory(platform::native::real_path(path));
-    }
-    void hide(const std::u16string& path) override { platform::native::hide(path); }
-    void make_program(const std::u16string& path) override { make_file(path); }
-    bool has_run(const std::u16string& path) override { return runs_[platform::native::real_path(path)] == 1; }
-
-private:
-    sim::PrivateFolder machine_;
-    std::map<std::filesystem::path, int> runs_;
-};
+std::map<std::filesystem::path, int> runs;
 
 }  // namespace
 
-std::unique_ptr<SystemSide> make_system_side() { return std::make_unique<NativeSystemSide>(); }
+bool is_windows_1252() { return true; }
+
+std::u16string test_folder() {
+    static const sim::PrivateFolder computer;
+    platform::native::use_machine_folder(computer.path() / "machine");
+    platform::native::on_program_started([](const std::u16string& path) { ++runs[real_path(path)]; });
+    make_folder(u"C:\\contract");
+    return u"C:\\contract\\";
+}
+
+void make_file(const std::u16string& path) { std::ofstream(real_path(path)) << "x"; }
+void make_folder(const std::u16string& path) { std::filesystem::create_directory(real_path(path)); }
+void hide_file(const std::u16string& path) { platform::native::hide(path); }
+void make_program(const std::u16string& path) { make_file(path); }
+bool has_run(const std::u16string& path) { return runs[real_path(path)] == 1; }
 
 }  // namespace vex::test

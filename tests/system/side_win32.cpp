@@ -8,46 +8,38 @@
 #include "tests/system/side.h"
 
 namespace vex::test {
-namespace {
 
-constexpr char16_t kSign[] = u".ran";
+using platform::win32::wide;
 
-class Win32SystemSide final : public SystemSide {
-public:
-    bool is_windows_1252() const override { return GetACP() == 1252; }
-    std::u16string folder() const override { return folder_.path().u16string(); }
-    void make_file(const std::u16string& path) override { std::ofstream(std::filesystem::path(path)) << "x"; }
-    void make_folder(const std::u16string& path) override { std::filesystem::create_directory(path); }
-    void hide(const std::u16string& path) override {
-        SetFileAttributesW(platform::win32::wide(path), FILE_ATTRIBUTE_HIDDEN);
+bool is_windows_1252() { return GetACP() == 1252; }
+
+std::u16string test_folder() {
+    static const sim::PrivateFolder folder;
+    return folder.path().u16string() + u"\\";
+}
+
+void make_file(const std::u16string& path) { std::ofstream(std::filesystem::path(path)) << "x"; }
+void make_folder(const std::u16string& path) { std::filesystem::create_directory(path); }
+void hide_file(const std::u16string& path) { SetFileAttributesW(wide(path), FILE_ATTRIBUTE_HIDDEN); }
+
+void make_program(const std::u16string& path) {
+    const std::filesystem::path program(platform::win32::module_path());
+    std::filesystem::copy_file(program.parent_path() / "system_contract_program.exe", path);
+}
+
+bool has_run(const std::u16string& path) {
+    constexpr int kPatience = 30;
+    const std::filesystem::path sign(path + u".ran");
+    for (int wait = 0; wait < kPatience && !std::filesystem::exists(sign); ++wait) Sleep(100);
+    // A program that is still running cannot be removed with its folder.
+    for (int wait = 0; wait < kPatience && std::filesystem::exists(sign); ++wait) {
+        if (std::filesystem::exists(path) && DeleteFileW(wide(path))) break;
+        Sleep(100);
     }
-    void make_program(const std::u16string& path) override {
-        CopyFileW(
-            platform::win32::wide(std::filesystem::path(platform::win32::module_path()).parent_path().u16string() +
-                                  u"\\system_contract_program.exe"),
-            platform::win32::wide(path), TRUE);
-    }
-    bool has_run(const std::u16string& path) override {
-        constexpr int kPatience = 30;
-        const std::filesystem::path sign(path + kSign);
-        for (int wait = 0; wait < kPatience && !std::filesystem::exists(sign); ++wait) Sleep(100);
-        // A program that is still running cannot be removed with its folder.
-        for (int wait = 0; wait < kPatience && std::filesystem::exists(sign); ++wait) {
-            if (std::filesystem::exists(path) && DeleteFileW(platform::win32::wide(path))) break;
-            Sleep(100);
-        }
-        std::ifstream file(sign);
-        std::string text;
-        std::getline(file, text);
-        return text == "1 run without arguments";
-    }
-
-private:
-    sim::PrivateFolder folder_;
-};
-
-}  // namespace
-
-std::unique_ptr<SystemSide> make_system_side() { return std::make_unique<Win32SystemSide>(); }
+    std::ifstream file(sign);
+    std::string text;
+    std::getline(file, text);
+    return text == "1 run without arguments";
+}
 
 }  // namespace vex::test

@@ -9,35 +9,34 @@
 namespace vex::test {
 namespace {
 
+using platform::ordinary_file_exists;
+
 class SystemContract : public testing::Test {
 protected:
-    std::unique_ptr<SystemSide> side = make_system_side();
-    const std::u16string folder = side->folder() + u"\\";
-
-    bool exists(const std::u16string& path) { return platform::ordinary_file_exists(path); }
+    const std::u16string folder = test_folder();
 };
 
 TEST_F(SystemContract, OrdinaryFileIsFoundHoweverItsPathIsWritten) {
-    side->make_folder(folder + u"BIN");
-    side->make_file(folder + u"BIN\\Loader B.bin");
-    EXPECT_TRUE(exists(folder + u"BIN\\Loader B.bin"));
-    EXPECT_TRUE(exists(folder + u"bin\\LOADER b.BIN"));
-    EXPECT_TRUE(exists(folder + u"\\BIN\\\\Loader B.bin"));
-    EXPECT_FALSE(exists(folder + u"BIN\\Loader B.bin\\"));
+    make_folder(folder + u"BIN");
+    make_file(folder + u"BIN\\Loader B.bin");
+    EXPECT_TRUE(ordinary_file_exists(folder + u"BIN\\Loader B.bin"));
+    EXPECT_TRUE(ordinary_file_exists(folder + u"bin\\LOADER b.BIN"));
+    EXPECT_TRUE(ordinary_file_exists(folder + u"\\BIN\\\\Loader B.bin"));
+    EXPECT_FALSE(ordinary_file_exists(folder + u"BIN\\Loader B.bin\\"));
 }
 
 TEST_F(SystemContract, PathWithBlanksIsOneProgram) {
     // What a command line that is guessed at would start instead.
-    side->make_program(folder + u"serial.exe");
-    side->make_program(folder + u"serial tool.exe");
+    make_program(folder + u"serial.exe");
+    make_program(folder + u"serial tool.exe");
     EXPECT_TRUE(platform::start_program(folder + u"\\serial tool.exe")) << "doubled separators do not matter";
-    EXPECT_TRUE(side->has_run(folder + u"serial tool.exe"));
-    EXPECT_FALSE(side->has_run(folder + u"serial.exe"));
+    EXPECT_TRUE(has_run(folder + u"serial tool.exe"));
+    EXPECT_FALSE(has_run(folder + u"serial.exe"));
 }
 
 TEST_F(SystemContract, OnlyFullPathsOfOrdinaryFilesLeadAnywhere) {
-    side->make_program(folder + u"tool.exe");
-    side->make_folder(folder + u"folder.exe");
+    make_program(folder + u"tool.exe");
+    make_folder(folder + u"folder.exe");
     const std::u16string below_drive = folder.substr(3) + u"tool.exe";
     // None of these may be completed from a current folder or a search path, and none may end at its null.
     for (const std::u16string& path :
@@ -46,13 +45,13 @@ TEST_F(SystemContract, OnlyFullPathsOfOrdinaryFilesLeadAnywhere) {
           u"\"" + folder + u"tool.exe\"", folder + u"folder.exe", folder + u"missing.exe",
           folder + u"missing\\tool.exe", folder + u"a<b>.exe", std::u16string(), std::u16string(u"\\"),
           std::u16string(u"C:"), std::u16string(40'000, u'x')}) {
-        EXPECT_FALSE(exists(path));
+        EXPECT_FALSE(ordinary_file_exists(path));
         EXPECT_FALSE(platform::start_program(path));
     }
-    EXPECT_FALSE(side->has_run(folder + u"tool.exe"));
-    side->make_file(folder + u"hidden.bin");
-    side->hide(folder + u"hidden.bin");
-    EXPECT_FALSE(exists(folder + u"hidden.bin"));
+    EXPECT_FALSE(has_run(folder + u"tool.exe"));
+    make_file(folder + u"hidden.bin");
+    hide_file(folder + u"hidden.bin");
+    EXPECT_FALSE(ordinary_file_exists(folder + u"hidden.bin"));
 }
 
 TEST_F(SystemContract, LibrariesAreNotLookedForOnASearchPath) {
@@ -65,7 +64,7 @@ TEST_F(SystemContract, TextGoesThroughTheCodePageAndBack) {
     EXPECT_EQ(from_ansi(""), u"");
     const std::u16string_view with_null(u"C:\\a\0b", 6);
     EXPECT_EQ(from_ansi(to_ansi(with_null)), with_null);
-    if (!side->is_windows_1252()) GTEST_SKIP() << "another code page";
+    if (!is_windows_1252()) GTEST_SKIP() << "another code page";
     EXPECT_EQ(to_ansi(u"M\u00FCller \u20AC"), "M\xFCller \x80");
     EXPECT_EQ(from_ansi("M\xFCller \x80"), u"M\u00FCller \u20AC");
     EXPECT_EQ(to_ansi(u"\u5317"), "?");

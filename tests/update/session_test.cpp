@@ -56,8 +56,12 @@ TEST_F(Session, ResetsEveryUnitFromTheLastToTheFirst) {
         host.answers["HostSignInfo.SlaveCountX"] = com::Variant::int16(0);
     };
     host.during["vexDispTrans.CloseConnection"] = [this](DISPPARAMS&) {
+        EXPECT_EQ(host.raise("vexDispTrans", com::Variant::int32(5)), S_OK);
         EXPECT_EQ(host.raise("vexDispTrans", u"Hanging up"), S_OK);
         EXPECT_EQ(host.raise("vexDispTrans", u"another event", 8), S_OK);
+        com::Variant nowhere = com::Variant::text_reference(nullptr);
+        for (const com::Variant& no_text : {com::Variant::object(nullptr), nowhere})
+            EXPECT_EQ(host.raise("vexDispTrans", no_text), DISP_E_EXCEPTION) << no_text.type();
         EXPECT_EQ(host.raise("vexDispTrans", u"no argument", 9, 0), DISP_E_BADPARAMCOUNT);
         std::thread([this] {
             EXPECT_EQ(host.raise("vexDispTrans", u"from another thread"), RPC_E_WRONG_THREAD);
@@ -88,6 +92,9 @@ lblID: 1
 vexDispTrans ResetAndClear()
 lblStatus: Closing Connection
 vexDispTrans CloseConnection()
+pump
+lblStatus: 5
+pump
 pump
 lblStatus: Hanging up
 pump

@@ -1,11 +1,8 @@
 // Libraries: where the Windows side looks for them, and that the plug-in's leaves the process when the last reference is
 // given back, and lets the threads that used it end.
-#include <gtest/gtest.h>
-
-#include "com/bstr.h"
-#include "com/com_ptr.h"
 #include "platform/win32/windows_api.h"
 #include "simulator/words.h"
+#include "tests/plugin/plugin_fixture.h"
 
 namespace vex::platform::win32 {
 namespace {
@@ -29,8 +26,6 @@ TEST(LateLibrary, IsTheSystemsOwn) {
 // ---- Unloading
 
 constexpr char kLibraryFile[] = "vexFirmwarePlugin.dll";
-constexpr CLSID kCatalogue = {0x09D14609, 0x0E72, 0x4D6E, {0xA3, 0xB6, 0xD8, 0x40, 0x9C, 0x89, 0x77, 0x02}};
-constexpr DISPID kPluginNames = 0x68030003;
 
 bool is_loaded() { return GetModuleHandleA(kLibraryFile) != nullptr; }
 
@@ -40,12 +35,9 @@ void use(HMODULE library) {
         reinterpret_cast<LPFNGETCLASSOBJECT>(reinterpret_cast<void*>(GetProcAddress(library, "DllGetClassObject")));
     com::ComPtr<IClassFactory> factory;
     com::ComPtr<IDispatch> catalogue;
-    ASSERT_EQ(get_class(kCatalogue, IID_IClassFactory, factory.put_void()), S_OK);
+    ASSERT_EQ(get_class(plugin_test::kCatalogueClass, IID_IClassFactory, factory.put_void()), S_OK);
     ASSERT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, catalogue.put_void()), S_OK);
-    VARIANTARG index = {};
-    index.vt = VT_I2;
-    DISPPARAMS arguments{&index, nullptr, 1, 0};
-    EXPECT_EQ(catalogue->Invoke(kPluginNames, IID_NULL, 0, DISPATCH_PROPERTYGET, &arguments, nullptr, nullptr, nullptr),
+    EXPECT_EQ(plugin_test::call(*catalogue, plugin_test::kPluginNames, DISPATCH_PROPERTYGET, {com::Variant::int16(0)}).result,
               S_OK);
 }
 

@@ -110,6 +110,7 @@ TEST_F(PluginWindows, StandAsTheirOwnersSayAndKeepTheSessionFromEndingInTheMiddl
             EXPECT_EQ(owner_of(forms.at(kWizard)), nullptr);
             EXPECT_EQ(owner_of(forms.at(kRun)), forms.at(kWizard));
             EXPECT_EQ(owner_of(forms.at(kSession)), nullptr);
+            EXPECT_EQ(GetWindowLongPtrW(forms.at(kSession), GWL_EXSTYLE) & WS_EX_TOOLWINDOW, 0) << "a taskbar button";
             EXPECT_EQ(GetActiveWindow(), forms.at(kSession));
             for (const auto& [name, window] : forms) EXPECT_EQ(IsWindowEnabled(window) != FALSE, name == kSession);
             EXPECT_FALSE(may_end_session(3));
@@ -281,12 +282,15 @@ bool is_own_window(HWND window) noexcept {
 struct HandleCounts {
     unsigned long user = 0;
     unsigned long graphics = 0;
+    /// Files, keys and threads.
+    unsigned long kernel = 0;
 };
 
 /// Windows tells the numbers. Wine does not (it answers 0); there every possible handle is looked at.
 HandleCounts count_handles() {
     HandleCounts counts{GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS),
                         GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS)};
+    GetProcessHandleCount(GetCurrentProcess(), &counts.kernel);
     if (counts.user != 0 || counts.graphics != 0) return counts;
     // Only the lower half of a handle says which one it is.
     for (std::uintptr_t index = 1; index <= std::numeric_limits<std::uint16_t>::max(); ++index) {
@@ -309,6 +313,7 @@ void expect_no_handle_stays(std::size_t times, const std::function<void()>& use)
     EXPECT_GT(before.graphics, 0U);
     EXPECT_EQ(after.user, before.user);
     EXPECT_EQ(after.graphics, before.graphics);
+    EXPECT_EQ(after.kernel, before.kernel);
 }
 
 TEST_F(PluginWindows, MayBeDestroyedByTheHostInTheMiddleOfARun) {
