@@ -53,7 +53,7 @@ KeyedCollection<RegistryRoutines::NamedValue> RegistryRoutines::EnumRegistryValu
         std::int32_t result =
             registry_.enum_value(key, index, buffer, length, data.type, data.buffer.data(), data.size);
         if (result == platform::kMoreData) {
-            data.buffer.assign(data.size, 0);
+            data.buffer.resize(data.size);
             length = kNameSize;
             result = registry_.enum_value(key, index, buffer, length, data.type, data.buffer.data(), data.size);
         }
