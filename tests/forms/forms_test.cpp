@@ -54,6 +54,13 @@ TEST_F(FormsTest, LoadsAgainAfterAFailureAndUnloadsOnce) {
     EXPECT_EQ(notebook.take(), "") << "unloaded while it loads";
 }
 
+TEST_F(FormsTest, TheKeyboardMeetsEachControlBehindItsLabelAndWithinItsContainer) {
+    std::string order;
+    for (const Control* control : dialog.keyboard_order()) order += control->name() + ' ';
+    EXPECT_EQ(order, "cmdOk cmdCancel pages label text option_a option_b check etched list lone_option panel line shape "
+                     "panel_label ");
+}
+
 TEST_F(FormsTest, TheFirstErrorEndsEveryModalLoopAboveTheCaller) {
     SampleForm inner(screen, "inner");
     inner.cmdOk.on_click = [] { throw RuntimeError(kTypeMismatch); };
