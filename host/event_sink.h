@@ -10,8 +10,8 @@ namespace vex::host {
 
 /// A connection to one event of an object. While it lives, the handler is called with the event's last
 /// argument as text, also when memory has ended. An event that is raised on another thread than that of the connection
-/// is refused with RPC_E_WRONG_THREAD. Errors of the handler go back to the object as its call's result. Cut off when it
-/// is destroyed, even if the object keeps the sink.
+/// is refused with RPC_E_WRONG_THREAD. Errors of the handler go back to the object as its call's result. Cut off when
+/// it is destroyed, even if the object keeps the sink.
 class EventConnection {
 public:
     using Handler = std::function<void(std::u16string_view text)>;

@@ -1,5 +1,5 @@
-// The side under test: its files, programs and code page, and a folder to try them in. Implemented once for each side; the
-// build picks.
+// The side under test: its files, programs and code page, and a folder to try them in. Implemented once for each side;
+// the build picks.
 #pragma once
 
 #include <string>

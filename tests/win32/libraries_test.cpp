@@ -37,8 +37,9 @@ void use(HMODULE library) {
     com::ComPtr<IDispatch> catalogue;
     ASSERT_EQ(get_class(plugin_test::kCatalogueClass, IID_IClassFactory, factory.put_void()), S_OK);
     ASSERT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, catalogue.put_void()), S_OK);
-    EXPECT_EQ(plugin_test::call(*catalogue, plugin_test::kPluginNames, DISPATCH_PROPERTYGET, {com::Variant::int16(0)}).result,
-              S_OK);
+    const auto name =
+        plugin_test::call(*catalogue, plugin_test::kPluginNames, DISPATCH_PROPERTYGET, {com::Variant::int16(0)});
+    EXPECT_EQ(name.result, S_OK);
 }
 
 /// Loads the library, uses it in an apartment of the thread's own and gives the reference back, or not.

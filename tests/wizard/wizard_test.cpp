@@ -250,8 +250,8 @@ TEST_F(Wizard, ButtonsStandUntilTheNextRefresh) {
     notebook.omitted.erase("dlgDispUpdater");
     // A bare ending is a name. Next is refused silently, and Finish does not check again.
     screen.file = u"SHX";
-    EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdFirmwareBrowse", "@800,2000", "=",
-                      "--", "cmdNext", "cmdFinish"}),
+    EXPECT_THAT(play({"cmdNext", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdFirmwareBrowse",
+                      "@800,2000", "=", "--", "cmdNext", "cmdFinish"}),
                 testing::StartsWith("open dlgDispUpdater"));
 }
 
