@@ -21,7 +21,7 @@ std::vector<com::Variant> hostile_values() {
         u"1.2.3", u"TQ-1 - ", u"KQS",    u"\\",     u"a\\b",  u"..\\..\\x",  u"10.0.0.7",
         u"a.b.c.", u"\xD800",  u"\xDC00x",
         std::u16string(1, u'\0'), std::u16string(u"1\0" u"2", 3), std::u16string(70'000, u'9'),
-        std::u16string(70'000, u','), std::u16string(70'000, u'x'), every_unit};
+        std::u16string(33'000, u','), std::u16string(70'000, u'x'), every_unit};
     std::vector<com::Variant> values;
     for (const std::u16string& text : texts) values.push_back(com::Variant::text(text));
     for (const int number : {0, 1, 2, 3, 4, -1, 32766, 32767, -32768})

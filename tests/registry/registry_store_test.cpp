@@ -177,7 +177,7 @@ TEST_F(RegistryStoreTest, EveryAnsweredWriteSurvivesAKill) {
     };
     Child survivor([&] { return write_on(0); });
     std::mt19937 random(4711);
-    for (int kill = 0; kill < 50 && !HasFailure(); ++kill) {
+    for (int kill = 0; kill < 20 && !HasFailure(); ++kill) {
         const int wanted = answered[1] + 1 + static_cast<int>(random() % 30);
         Child writer([&] { return write_on(1); });
         for (int waits = 0; answered[1] < wanted && waits < 100'000; ++waits) ::usleep(100);
