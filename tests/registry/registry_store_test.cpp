@@ -24,6 +24,7 @@ namespace {
 using namespace std::string_literals;
 using test::read_file;
 using test::write_file;
+using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::Property;
 using ::testing::StartsWith;
@@ -219,6 +220,21 @@ TEST_F(RegistryStoreTest, OpenKeysLiveOnWhileOthersChangeTheFile) {
     EXPECT_EQ(two.read(key, "w"), "(1018)");
     EXPECT_EQ(two.write("Key", "v", "4"), kSuccess);
     EXPECT_EQ(one.read("Key", "v"), "4");
+}
+
+TEST_F(RegistryStoreTest, AThreadReadsOnWhileTheFolderChanges) {
+    const test::TemporaryFolder other;
+    Process(other).write("Key", "v", "there");
+    Process process(folder);
+    process.write("Key", "v", "here");
+    std::atomic<bool> done = false;
+    std::thread reader([&] {
+        // Or its handle has become invalid meanwhile.
+        while (!done) EXPECT_THAT(process.read("Key", "v"), AnyOf("here", "there", "(6)"));
+    });
+    for (int times = 0; times < 200; ++times) process.service.use_folder((times % 2 == 0 ? other : folder).path());
+    done = true;
+    reader.join();
 }
 
 // ---- What is refused
