@@ -94,6 +94,7 @@ public:
         return ids[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
     }
 
+    // NOLINTNEXTLINE(readability-non-const-parameter): it is the caller's to be written
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         if (result != nullptr) VariantInit(result);

@@ -65,27 +65,27 @@ public:
     virtual void set_user(ScreenUser* user) noexcept = 0;
     virtual bool any_dialog() const noexcept = 0;
     /// The topmost dialog's control, if it has one of that name.
-    virtual std::optional<ShownControl> find(const std::u16string& control) const = 0;
+    virtual std::optional<ShownControl> find(const std::u16string& name) const = 0;
     /// The topmost dialog is what its user looks at now.
     virtual void look() {}
 
-    ActionResult click(const std::u16string& control);
+    ActionResult click(const std::u16string& name);
     /// x and y in twips of the control.
-    ActionResult press(const std::u16string& control, forms::MouseButton button, float x, float y);
+    ActionResult press(const std::u16string& name, forms::MouseButton button, float x, float y);
     /// The text of a text box; "on" or "off" of an option button or a check box. Raises
     /// `std::invalid_argument` for other controls and values.
-    ActionResult set(const std::u16string& control, const std::u16string& value);
+    ActionResult set(const std::u16string& name, const std::u16string& value);
     /// Right press on a row (from 1), then the item of the menu that pops up, by its caption.
-    ActionResult choose_from_menu(const std::u16string& list, std::size_t row, const std::u16string& item);
+    ActionResult choose_from_menu(const std::u16string& name, std::size_t row, const std::u16string& item);
     /// The close box of the topmost dialog, which may refuse.
     virtual void close() = 0;
     /// The topmost dialog is brought to the front again.
     virtual void activate() = 0;
 
     /// Caption, Text, Enabled, Visible; Value; FillColor; Tab; Rows, RowN, RowN.ForeColor.
-    std::u16string property(const std::u16string& control, const std::u16string& property) const;
+    std::u16string property(const std::u16string& name, const std::u16string& property) const;
     /// All columns of all rows.
-    std::vector<std::vector<std::u16string>> rows(const std::u16string& list) const;
+    std::vector<std::vector<std::u16string>> rows(const std::u16string& name) const;
 
 protected:
     // Of the topmost dialog, which there is, and its controls, which take input.
@@ -95,7 +95,7 @@ protected:
     /// Of its controls; none where a side cannot tell.
     virtual std::vector<std::u16string> control_names() const { return {}; }
     virtual void do_click(const std::u16string& control) = 0;
-    virtual void do_press(const std::u16string& control, forms::MouseButton button, float x, float y) = 0;
+    virtual void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) = 0;
     virtual void do_type(const std::u16string& text_box, const std::u16string& text) = 0;
     /// `row` from 0. False when no menu came up, or it has no such item.
     virtual bool do_choose(const std::u16string& list, std::size_t row, const std::u16string& item) = 0;

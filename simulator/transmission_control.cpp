@@ -93,6 +93,7 @@ public:
                u" SlaveCountX=" + decimal_text(counts_.x);
     }
 
+    // NOLINTNEXTLINE(readability-make-member-function-const): the table's members are none
     com::Variant has_slaves(const CallArguments& /*none*/) { return com::Variant::boolean(has_slaves_); }
     template <auto Field>
     com::Variant count(const CallArguments& /*none*/) {

@@ -177,7 +177,7 @@ Trial::Trial(Host& host, forms::Toolkit& toolkit, RunProgress& progress, double 
     host_.choose_displays = [&] {
         DisplayPicker picker(toolkit_, host_.displays, choice_);
         picker.show_modal();
-        const std::u16string answer = picker.answer();
+        std::u16string answer = picker.answer();
         if (answer.empty()) return answer;
         progress.begin_run(split(answer, u','));
         return choice_ = answer;

@@ -78,15 +78,13 @@ HRESULT find_in_server(REFCLSID clsid, ComPtr<IClassFactory>& factory) {
     if (path.empty()) return REGDB_E_CLASSNOTREG;
     const std::filesystem::path file = platform::native::real_path(from_ansi(path));
     if (file.empty()) return CO_E_DLLNOTFOUND;
-    auto server = std::ranges::find(apartment.servers, file, &Server::file);
-    if (server == apartment.servers.end()) {
-        try {
-            server = apartment.servers.emplace(server, file);
-        } catch (const RuntimeError&) {
-            return CO_E_DLLNOTFOUND;
-        }
+    const auto known = std::ranges::find(apartment.servers, file, &Server::file);
+    try {
+        const Server& server = known != apartment.servers.end() ? *known : apartment.servers.emplace_back(file);
+        return server.get_class_object(clsid, IID_IClassFactory, factory.put_void());
+    } catch (const RuntimeError&) {
+        return CO_E_DLLNOTFOUND;
     }
-    return server->get_class_object(clsid, IID_IClassFactory, factory.put_void());
 }
 
 /// Runs a function of the runtime whose tables and texts may run out of memory.

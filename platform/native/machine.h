@@ -24,7 +24,7 @@ const std::filesystem::path& machine_folder();
 /// first.
 std::filesystem::path real_path(const std::u16string& path);
 /// The drive-letter path of a real file, on Z: unless it lies on one of the machine's drives.
-std::u16string drive_path(const std::filesystem::path& path);
+std::u16string drive_path(const std::filesystem::path& file);
 /// Hides a file or folder that is there: adds its name to its folder's list of hidden names (the file ".hidden", as
 /// file managers read it). Raises std::system_error.
 void hide(const std::u16string& path);

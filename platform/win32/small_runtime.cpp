@@ -26,8 +26,6 @@
 
 /// The start-up code's list of what to destroy when a thread ends or the library goes, without a reference.
 extern "C" int __mingw_cxa_thread_atexit(void (*destroy)(void*), void* object, void* library);
-/// What the compiler calls for each thread-local object.
-extern "C" int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* library);
 
 namespace {
 
@@ -58,7 +56,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE /*library*/, DWORD reason, void* /*rese
     return TRUE;
 }
 
-extern "C" int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* library) {
+/// What the compiler calls for each thread-local object.
+extern "C" int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* library) noexcept {
     // Not to be left out as a call without effect.
     [[maybe_unused]] const void* volatile exceptions = __cxxabiv1::__cxa_get_globals();
     return __mingw_cxa_thread_atexit(destroy, object, library);

@@ -134,7 +134,8 @@ void Win32Toolkit::pump_messages() {
 
 forms::MessageAnswer Win32Toolkit::message_box(const forms::MessageBox& box) {
     const bool question = box.buttons == forms::MessageButtons::yes_no;
-    const int answer = MessageBoxW(top_window(), wide(box.text.data()), wide(box.title.data()), question ? MB_YESNO : MB_OK);
+    const int answer =
+        MessageBoxW(top_window(), wide(box.text.data()), wide(box.title.data()), question ? MB_YESNO : MB_OK);
     if (!question) return forms::MessageAnswer::ok;
     return answer == IDYES ? forms::MessageAnswer::yes : forms::MessageAnswer::no;
 }

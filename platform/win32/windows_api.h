@@ -96,7 +96,7 @@ public:
     /// An exported function. Raises RuntimeError when there is none of that name.
     template <class Function>
     Function* function(const char* name) const {
-        if (Function* const found = try_function<Function>(name)) return found;
+        if (auto* const found = try_function<Function>(name)) return found;
         throw last_error(u"A function of the system is missing");
     }
     /// The same, or null.

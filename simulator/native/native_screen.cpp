@@ -85,7 +85,7 @@ std::vector<std::u16string> NativeScreen::control_names() const {
 }
 
 bool NativeScreen::do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) {
-    auto& list = static_cast<forms::ListView&>(control(name));
+    auto& list = static_cast<forms::ListView&>(form_control(name));
     menu_item_ = item;
     const auto y = static_cast<float>(list.row_top(row)) + forms::ScriptedToolkit::kRowHeight / 2.0F;
     form().raise_mouse_down(list, forms::MouseButton::right, 1.0F, y);

@@ -35,7 +35,7 @@ public:
 
     void set_user(ScreenUser* user) noexcept override { user_ = user; }
     bool any_dialog() const noexcept override { return toolkit_.top() != nullptr; }
-    std::optional<ShownControl> find(const std::u16string& control) const override;
+    std::optional<ShownControl> find(const std::u16string& name) const override;
     void look() override { on_look(toolkit_.top()); }
     void close() override { form().raise_close_request(); }
     void activate() override { form().raise_activate(); }
@@ -44,18 +44,18 @@ protected:
     /// The topmost dialog. Raises `std::invalid_argument` where there is none.
     virtual forms::Form& form() const;
     /// A control of it, which there is.
-    forms::Control& control(const std::u16string& name) const { return *form().find(to_utf8(name)); }
+    forms::Control& form_control(const std::u16string& name) const { return *form().find(to_utf8(name)); }
 
 private:
     std::u16string dialog_name() const override { return from_utf8(form().name()); }
     std::u16string dialog_caption() const override { return form().caption(); }
     std::vector<std::u16string> control_names() const override;
-    void do_click(const std::u16string& name) override { form().raise_click(control(name)); }
+    void do_click(const std::u16string& name) override { form().raise_click(form_control(name)); }
     void do_press(const std::u16string& name, forms::MouseButton button, float x, float y) override {
-        form().raise_mouse_down(control(name), button, x, y);
+        form().raise_mouse_down(form_control(name), button, x, y);
     }
     void do_type(const std::u16string& name, const std::u16string& text) override {
-        form().user_text(static_cast<forms::TextBox&>(control(name)), text);
+        form().user_text(static_cast<forms::TextBox&>(form_control(name)), text);
     }
     bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override;
 

@@ -47,12 +47,12 @@ private:
     }
     void do_type(const std::u16string& name, const std::u16string& value) override {
         do_click(name);
-        keys(U"⇲" + std::u32string(control(name).caption().size(), U'⌫') + to_utf32(value));
+        keys(U"⇲" + std::u32string(form_control(name).caption().size(), U'⌫') + to_utf32(value));
         toolkit_.pump_messages();
     }
     bool do_choose(const std::u16string& name, std::size_t row, const std::u16string& item) override {
         menu_item_ = item;
-        const auto& list = static_cast<const forms::ListView&>(control(name));
+        const auto& list = static_cast<const forms::ListView&>(form_control(name));
         do_press(name, forms::MouseButton::right, 100, static_cast<float>(list.row_top(row)));
         return !std::exchange(menu_item_, std::nullopt);
     }
@@ -64,7 +64,7 @@ private:
         // Where it is drawn by now.
         toolkit_.pump_messages();
         const auto placed =
-            std::ranges::find(toolkit_.top_window().controls(), &control(name), &PlacedControl::control);
+            std::ranges::find(toolkit_.top_window().controls(), &form_control(name), &PlacedControl::control);
         press_at({placed->cells.left + within.column, placed->cells.top + within.row}, button);
     }
     void press_at(Point at, forms::MouseButton button) {

@@ -65,7 +65,7 @@ char32_t mnemonic_of(const Control& control) {
     return caption.mnemonic ? to_upper(caption.text[*caption.mnemonic]) : 0;
 }
 
-std::u32string hint(std::u32string key, const Control& control) {
+std::u32string hint(const std::u32string& key, const Control& control) {
     return key + U" " + shorten(parse_caption(control.caption()).text, kLongestHint);
 }
 

@@ -1,6 +1,7 @@
 // A list view on the character grid.
 #include "platform/native/terminal/list_pane.h"
 
+#include <cmath>
 #include <numeric>
 #include <utility>
 
@@ -152,7 +153,7 @@ void ListPane::paint_row(Canvas& canvas, std::size_t row, bool focused, const Ic
 void ListPane::paint_scroll_bar(Canvas& canvas) const {
     const int height = std::max(1, page() * page() / count());
     const double travelled = static_cast<double>(scroll_.top) / (count() - page());
-    const int thumb = static_cast<int>(travelled * (page() - height) + 0.5);
+    const int thumb = static_cast<int>(std::lround(travelled * (page() - height)));
     for (int line = 0; line < page(); ++line) {
         canvas.text({cells_.right - 1, cells_.top + 1 + line}, line >= thumb && line < thumb + height ? U"█" : U"│",
                     {.fore = look::kFaint, .back = look::kFace.back});

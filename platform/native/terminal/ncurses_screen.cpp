@@ -216,34 +216,7 @@ public:
                 follow_size();
                 return Resized{};
             }
-            // What the library has read ahead behind an escape or a sequence cannot be waited for.
-            pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {state.pipe[0], POLLIN, 0}};
-            const int patience = escape_due_ ? std::max(0, static_cast<int>((*escape_due_ - Clock::now()) / 1ms)) : -1;
-            poll(sources, 2, wait && !read_ahead_ ? patience : 0);
-            const bool readable = sources[0].revents != 0;
-            if (escape_due_ && (readable || Clock::now() >= *escape_due_)) {
-                escape_due_.reset();
-                read_ahead_ = readable;
-                read_escaped(true);
-                continue;
-            }
-            if (!readable && !read_ahead_) {
-                if (!wait && sources[1].revents == 0) return std::nullopt;
-                continue;
-            }
-            // The rest of a character or a sequence may come late.
-            set_escdelay(wait ? escape_delay_ : kRestDelay);
-            wtimeout(stdscr, readable ? escape_delay_ : kRestDelay);
-            wint_t code = 0;
-            const int kind = get_wch(&code);
-            read_ahead_ = kind == KEY_CODE_YES || (kind == OK && code == kEscape);
-            if (kind == OK && code == kEscape) {
-                read_escaped(wait);
-            } else if (kind != ERR) {
-                translate(kind, code);
-            } else if ((sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
-                ended_ = true;
-            }
+            if (!read_keyboard(wait)) return std::nullopt;
         }
         if (ended_) return Ended{state.asked_to_end};
         Input input = std::move(inputs_.front());
@@ -256,14 +229,46 @@ public:
 private:
     static constexpr char kModesOff[] = "\033[?2004l";
 
+    /// Takes what has come, and waits for it if it may. Answers false when it may not, and nothing has.
+    bool read_keyboard(bool wait) {
+        // What the library has read ahead behind an escape or a sequence cannot be waited for.
+        pollfd sources[2] = {{STDIN_FILENO, POLLIN, 0}, {state.pipe[0], POLLIN, 0}};
+        const int patience = escape_due_ ? std::max(0, static_cast<int>((*escape_due_ - Clock::now()) / 1ms)) : -1;
+        poll(sources, 2, wait && !read_ahead_ ? patience : 0);
+        const bool readable = sources[0].revents != 0;
+        if (escape_due_ && (readable || Clock::now() >= *escape_due_)) {
+            escape_due_.reset();
+            read_ahead_ = readable;
+            read_escaped(true);
+            return true;
+        }
+        if (!readable && !read_ahead_) return wait || sources[1].revents != 0;
+        // The rest of a character or a sequence may come late.
+        set_escdelay(wait ? escape_delay_ : kRestDelay);
+        wtimeout(stdscr, readable ? escape_delay_ : kRestDelay);
+        wint_t code = 0;
+        const int kind = get_wch(&code);
+        read_ahead_ = kind == KEY_CODE_YES || (kind == OK && code == kEscape);
+        if (kind == OK && code == kEscape) {
+            read_escaped(wait);
+        } else if (kind != ERR) {
+            translate(kind, code);
+        } else if ((sources[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
+            ended_ = true;
+        }
+        return true;
+    }
+
+    void add(KeyPress key) { inputs_.emplace_back(key); }
+
     void translate(int kind, wint_t code) {
         if (kind == OK && code >= L' ' && code != 127) {
-            return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code)});
+            return add({Key::character, static_cast<char32_t>(code)});
         }
         if (code == KEY_MOUSE) return read_mouse();
         if (code == kPasteBegins) return read_paste();
         for (const auto& [known, key] : kKeys) {
-            if (known == code) inputs_.push_back(KeyPress{key});
+            if (known == code) add({key});
         }
     }
 
@@ -293,7 +298,7 @@ private:
         for (int kind = get_wch(&code); kind != ERR && code != kPasteEnds; kind = get_wch(&code)) {
             if (kind == OK) paste.text.push_back(static_cast<char32_t>(code));
         }
-        inputs_.push_back(std::move(paste));
+        inputs_.emplace_back(std::move(paste));
     }
 
     /// An escape character that begins no sequence the library has known: Alt sends it before a character, and unknown
@@ -306,7 +311,7 @@ private:
             escape_due_ = Clock::now() + kEscapeDelay;
             return;
         }
-        if (kind == ERR || (kind == OK && code == kEscape)) return inputs_.push_back(KeyPress{Key::escape});
+        if (kind == ERR || (kind == OK && code == kEscape)) return add({Key::escape});
         if (kind == KEY_CODE_YES) return translate(kind, code);
         const bool text = code == L']' || code == L'^' || code == L'_' || code == L'P';
         const bool letter = code == L'O' || code == L'P' || !(text || code == L'[');
@@ -315,17 +320,20 @@ private:
         wint_t next = 0;
         kind = sequence ? get_wch(&next) : ERR;
         if (kind == ERR && letter && code >= L' ') {
-            return inputs_.push_back(KeyPress{Key::character, static_cast<char32_t>(code), true});
+            return add({Key::character, static_cast<char32_t>(code), true});
         }
         wtimeout(stdscr, escape_delay_);
-        if (text) {
-            // To the bell or the string terminator.
-            while (kind == OK && next != 7 && next != kEscape) kind = get_wch(&next);
-            if (kind == OK && next == kEscape) get_wch(&next);
-            return;
-        }
-        // Parameters, then a letter or a sign.
-        std::string bytes = {'\033', static_cast<char>(code)};
+        return text ? skip_text(kind, next) : read_sequence({'\033', static_cast<char>(code)}, kind, next);
+    }
+
+    /// To the bell or the string terminator.
+    static void skip_text(int kind, wint_t next) {
+        while (kind == OK && next != 7 && next != kEscape) kind = get_wch(&next);
+        if (kind == OK && next == kEscape) get_wch(&next);
+    }
+
+    /// Parameters, then a letter or a sign.
+    void read_sequence(std::string bytes, int kind, wint_t next) {
         for (; kind == OK && next >= L' ' && next < L'@'; kind = get_wch(&next)) bytes += static_cast<char>(next);
         if (kind == KEY_CODE_YES) return translate(kind, next);
         if (kind == OK && next == kEscape) return read_escaped(true);

@@ -55,16 +55,21 @@ std::optional<std::vector<u16string>> names_in(const u16string& folder) {
         if (!real_path(drive).empty() && std::filesystem::is_directory(real_path(drive), error)) names.push_back(drive);
     }
     if (folder.empty()) return names;
-    const std::filesystem::path real = real_path(folder + u"\\");
+    const u16string in_folder = folder + u"\\";
+    const std::filesystem::path real = real_path(in_folder);
     if (!is_full_path(folder) || real.empty() || !std::filesystem::is_directory(real, error)) return std::nullopt;
     // A folder that may not be read shows nothing.
     std::filesystem::directory_iterator file(real, error);
     for (; !error && file != std::filesystem::directory_iterator(); file.increment(error)) {
         std::error_code unreadable;
-        const u16string name = from_utf8(file->path().filename().native());
+        u16string name = from_utf8(file->path().filename().native());
         const bool is_directory = file->is_directory(unreadable);
-        if (!is_directory && !ordinary_file_exists(folder + u"\\" + name)) continue;
-        names.push_back(is_directory ? name + u"\\" : name);
+        if (is_directory) {
+            name += u'\\';
+        } else if (!ordinary_file_exists(in_folder + name)) {
+            continue;
+        }
+        names.push_back(std::move(name));
     }
     std::ranges::sort(names, {}, [](const u16string& name) { return std::pair(!is_folder(name), to_upper(name)); });
     return names;
