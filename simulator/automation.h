@@ -94,8 +94,8 @@ public:
         return ids[0] == DISPID_UNKNOWN || count > 1 ? DISP_E_UNKNOWNNAME : S_OK;
     }
 
-    // NOLINTNEXTLINE(readability-non-const-parameter): it is the caller's to be written
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
+                                     // NOLINTNEXTLINE(readability-non-const-parameter): the interface's
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument_error) noexcept override {
         if (result != nullptr) VariantInit(result);
         if (!IsEqualGUID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
