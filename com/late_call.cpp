@@ -72,9 +72,8 @@ bool succeeded(HRESULT result) {
 
 Variant invoke(IDispatch& object, DISPID member, WORD flags, std::initializer_list<Variant> arguments) {
     // Last argument first, as automation passes them. The values stay the initializer list's.
-    std::vector<VARIANT> values;
-    values.reserve(arguments.size());
-    std::transform(std::rbegin(arguments), std::rend(arguments), std::back_inserter(values),
+    std::vector<VARIANT> values(arguments.size());
+    std::transform(std::rbegin(arguments), std::rend(arguments), values.begin(),
                    [](const Variant& argument) { return argument.get(); });
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS parameters = {values.data(), nullptr, static_cast<UINT>(values.size()), 0};

@@ -44,7 +44,7 @@ public:
         if (interface_matches<First>(iid)) {
             *object = static_cast<First*>(this);
         } else {
-            (void)((interface_matches<More>(iid) && ((*object = static_cast<More*>(this)), true)) || ...);
+            ((interface_matches<More>(iid) ? void(*object = static_cast<More*>(this)) : void()), ...);
         }
         if (*object == nullptr) return E_NOINTERFACE;
         AddRef();

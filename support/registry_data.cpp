@@ -32,15 +32,21 @@ std::u16string text_of(const RegistryData& data, std::size_t count) {
     return platform::from_ansi({bytes, std::min(count, data.buffer.size())});
 }
 
+struct Expanded {
+    std::u16string text;
+    /// The length that the system answers, the null included.
+    std::size_t reported;
+};
+
 /// `text` expanded into a buffer of just its own length, which holds the text itself before: a text that grows does
-/// not fit and stays; one that shrinks leaves its terminating null and what was behind it. `reported` receives the
-/// length that the system answers, the null included.
-std::u16string expanded(platform::Registry& registry, const std::u16string& text, std::size_t& reported) {
+/// not fit and stays; one that shrinks leaves its terminating null and what was behind it.
+Expanded expanded(platform::Registry& registry, const std::u16string& text) {
     const std::string source = platform::to_ansi(text);
     std::string buffer = source;
-    reported = registry.expand_environment(source.c_str(), buffer.data(), narrowed<std::uint32_t>(buffer.size()));
+    const std::size_t reported =
+        registry.expand_environment(source.c_str(), buffer.data(), narrowed<std::uint32_t>(buffer.size()));
     // What does not fit comes back unexpanded, whatever the system has left in the buffer.
-    return platform::from_ansi(reported <= buffer.size() ? buffer : source);
+    return {platform::from_ansi(reported <= buffer.size() ? buffer : source), reported};
 }
 
 /// The strings and the nulls between them. A text cannot have a negative length.
@@ -72,10 +78,9 @@ AutomationValue decode_value(RegistryData data, AutomationValue initial, EmptyEx
             if (data.size == 0) return initial;
             // Kept: the buffer is as long as the text, and the reported length counts the null. What grows
             // comes back unexpanded, what shrinks ends in a null, and callers live with both.
-            std::size_t reported = 0;
-            std::u16string text = expanded(registry, text_of(data, data.size - 1), reported);
-            text.resize(std::min(text.size(), reported));
-            return text;
+            Expanded item = expanded(registry, text_of(data, data.size - 1));
+            item.text.resize(std::min(item.text.size(), item.reported));
+            return item.text;
         }
         case platform::kRegBinary: return binary(std::move(data));
         case platform::kRegDword: return dword(data);
@@ -93,33 +98,26 @@ const AutomationValue& EnumeratedValues::next(RegistryData data) {
     switch (data.type) {
         case platform::kRegSz:
             scratch_ = data.size == 0 ? std::u16string() : text_of(data, data.size - 1);
-            value_ = scratch_;
-            break;
-        case platform::kRegExpandSz: {
-            std::size_t reported = 0;
+            return value_ = scratch_;
+        case platform::kRegExpandSz:
             scratch_ = data.size == 0 ? std::u16string()
-                                      : trimmed_at_null(expanded(registry_, text_of(data, data.size - 1), reported));
-            value_ = scratch_;
-            break;
-        }
+                                      : trimmed_at_null(expanded(registry_, text_of(data, data.size - 1)).text);
+            return value_ = scratch_;
         case platform::kRegBinary:
             // Kept: the bytes are appended to whatever text the value before left, which is not cleared.
             // cppcheck-suppress accessMoved ; moved once, before the loop
             for (const std::uint8_t byte : binary(std::move(data))) scratch_ += u' ' + hexadecimal(byte);
-            value_ = scratch_.substr(std::min(scratch_.size(), scratch_.find_first_not_of(u' ')));
-            break;
-        case platform::kRegDword: value_ = dword(data); break;
+            return value_ = scratch_.substr(std::min(scratch_.size(), scratch_.find_first_not_of(u' ')));
+        case platform::kRegDword: return value_ = dword(data);
         case platform::kRegMultiSz:
             scratch_ = multiple_string(data);
             std::replace(scratch_.begin(), scratch_.end(), u'\0', u',');
-            value_ = scratch_;
-            break;
+            return value_ = scratch_;
         default:
             // Kept: the pair is used again for each value, so a type without a conversion shows the data of
             // the value before.
-            break;
+            return value_;
     }
-    return value_;
 }
 
 }  // namespace vex

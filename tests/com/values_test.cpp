@@ -1,5 +1,5 @@
 // Automation strings, automation values with their conversions, and classes that make objects.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 #include <tuple>
@@ -28,7 +28,7 @@ public:
     }
 };
 
-TEST(Identities, AreThoseThatEverySystemKnows) {
+TEST(IdentitiesAndConstants, AreThoseThatEverySystemKnows) {
     const std::pair<GUID, std::u16string> known[] = {
         {IID_NULL, u"{00000000-0000-0000-0000-000000000000}"},
         {IID_IUnknown, u"{00000000-0000-0000-C000-000000000046}"},
@@ -39,6 +39,7 @@ TEST(Identities, AreThoseThatEverySystemKnows) {
         {IID_ISupportErrorInfo, u"{DF0B3D60-548F-101B-8E65-08002B2BD119}"},
         {IID_IConnectionPointContainer, u"{B196B284-BAB4-101A-B69C-00AA00341D07}"},
         {IID_IConnectionPoint, u"{B196B286-BAB4-101A-B69C-00AA00341D07}"},
+        {IID_IProvideClassInfo, u"{B196B283-BAB4-101A-B69C-00AA00341D07}"},
         {IID_IProvideClassInfo2, u"{A6BC3AC0-DBAA-11CE-9DE3-00AA004BB851}"},
         {IID_IPictureDisp, u"{7BF80981-BF32-101A-8BBB-00AA00300CAB}"},
     };
@@ -47,7 +48,13 @@ TEST(Identities, AreThoseThatEverySystemKnows) {
         StringFromGUID2(identity, written, 39);
         EXPECT_EQ(reinterpret_cast<const char16_t*>(written), text);
     }
-    EXPECT_EQ(DISPID_PROPERTYPUT, -3);
+    const long constants[] = {
+        VT_EMPTY, VT_NULL, VT_I2, VT_I4, VT_R8, VT_BSTR, VT_DISPATCH, VT_ERROR, VT_BOOL, VT_VARIANT, VT_UNKNOWN, VT_VOID,
+        VT_HRESULT, VT_PTR, VT_USERDEFINED, VARIANT_TRUE, VARIANT_FALSE, S_FALSE, DISPID_UNKNOWN, DISPID_PROPERTYPUT,
+        DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_PROPERTYPUT, GUIDKIND_DEFAULT_SOURCE_DISP_IID,
+        CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, COINIT_APARTMENTTHREADED};
+    EXPECT_THAT(constants, testing::ElementsAre(0, 1, 2, 3, 5, 8, 9, 10, 11, 12, 13, 24, 25, 26, 29, -1, 0, 1, -1, -3, 1,
+                                                2, 4, 1, 1, 1, 2));
 }
 
 TEST(AutomationString, KeepsEmbeddedNullsAndItsWholeLengthOrIsNone) {
