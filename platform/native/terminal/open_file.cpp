@@ -62,14 +62,10 @@ std::optional<std::vector<u16string>> names_in(const u16string& folder) {
     std::filesystem::directory_iterator file(real, error);
     for (; !error && file != std::filesystem::directory_iterator(); file.increment(error)) {
         std::error_code unreadable;
-        u16string name = from_utf8(file->path().filename().native());
+        const u16string name = from_utf8(file->path().filename().native());
         const bool is_directory = file->is_directory(unreadable);
-        if (is_directory) {
-            name += u'\\';
-        } else if (!ordinary_file_exists(in_folder + name)) {
-            continue;
-        }
-        names.push_back(std::move(name));
+        if (!is_directory && !ordinary_file_exists(in_folder + name)) continue;
+        names.push_back(is_directory ? name + u"\\" : name);
     }
     std::ranges::sort(names, {}, [](const u16string& name) { return std::pair(!is_folder(name), to_upper(name)); });
     return names;
