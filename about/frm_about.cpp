@@ -38,7 +38,7 @@ std::u16string digits_of_bytes(std::string_view data) {
 /// do wherever the plug-in reads a number from the registry.
 std::u16string decimal_of_hexadecimal(const std::u16string& digits) {
     const std::string text = to_utf8(digits);
-    std::uint32_t number = 0;
+    std::uint32_t number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
     if (error == std::errc::result_out_of_range) throw RuntimeError(kOverflow);
     if (error != std::errc() || end != text.data() + text.size()) throw RuntimeError(kTypeMismatch);

@@ -56,14 +56,16 @@ HRESULT result_code(const RuntimeError& error) noexcept {
 
 HRESULT boundary_detail::report_exception(REFIID interface_id) noexcept {
     const Failure failure = describe_exception();
-    SetErrorInfo(0, nullptr);
+    com::ComPtr<IErrorInfo> error;
     com::ComPtr<ICreateErrorInfo> info;
     if (SUCCEEDED(CreateErrorInfo(info.put()))) {
         info->SetGUID(interface_id);
         info->SetSource(writable(reinterpret_cast<const OLECHAR*>(kApplicationTitle)));
         info->SetDescription(writable(com::ole_text(failure.description)));
-        if (const auto error = info.query<IErrorInfo>()) SetErrorInfo(0, error.get());
+        error = info.query<IErrorInfo>();
     }
+    // Without memory for a new one, at least not an older one.
+    SetErrorInfo(0, error.get());
     return failure.result;
 }
 

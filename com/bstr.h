@@ -12,8 +12,7 @@ namespace vex::com {
 
 /// The characters of an automation string, embedded nulls included; a null pointer is the empty text.
 inline std::u16string_view view(BSTR text) noexcept {
-    return text == nullptr ? std::u16string_view()
-                           : std::u16string_view(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
+    return {reinterpret_cast<const char16_t*>(text), SysStringLen(text)};
 }
 
 /// A new automation string that the caller owns. Throws std::bad_alloc.
@@ -37,10 +36,7 @@ public:
     explicit Bstr(std::u16string_view text) : text_(allocate_bstr(text)) {}
     Bstr(const Bstr&) = delete;
     Bstr(Bstr&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
-    Bstr& operator=(Bstr other) noexcept {
-        std::swap(text_, other.text_);
-        return *this;
-    }
+    Bstr& operator=(const Bstr&) = delete;
     ~Bstr() { SysFreeString(text_); }
 
     BSTR get() const noexcept { return text_; }

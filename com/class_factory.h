@@ -43,7 +43,7 @@ ComPtr<IClassFactory> make_class_factory(ModuleLifetime& module, Make make) {
 /// Offers a class to the calling apartment until the answered cookie is revoked. Raises the system's refusal.
 template <class Make>
 DWORD offer_class(ModuleLifetime& module, REFCLSID clsid, Make make) {
-    DWORD cookie = 0;
+    DWORD cookie{};
     const HRESULT result = CoRegisterClassObject(clsid, make_class_factory(module, std::move(make)).get(),
                                                  CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
     if (FAILED(result)) throw RuntimeError(result, u"A class is refused");

@@ -31,7 +31,7 @@ std::int32_t number_of(HRESULT result) noexcept {
 
 RuntimeError numbered_error(std::int32_t number, std::u16string description) {
     if (!description.empty()) return {number, std::move(description)};
-    return number > 0 ? RuntimeError(static_cast<ErrorNumber>(number)) : RuntimeError(number, u"Automation error");
+    return RuntimeError(static_cast<ErrorNumber>(number));
 }
 
 /// What an object said of an exception that it raised. The strings are the caller's.
@@ -41,9 +41,7 @@ public:
     Exception(const Exception&) = delete;
     Exception& operator=(const Exception&) = delete;
     ~Exception() {
-        SysFreeString(info_.bstrSource);
-        SysFreeString(info_.bstrDescription);
-        SysFreeString(info_.bstrHelpFile);
+        for (BSTR text : {info_.bstrSource, info_.bstrDescription, info_.bstrHelpFile}) SysFreeString(text);
     }
 
     EXCEPINFO* put() noexcept { return &info_; }
@@ -84,7 +82,7 @@ Variant invoke(IDispatch& object, DISPID member, WORD flags, std::initializer_li
     }
     Variant result;
     Exception exception;
-    UINT argument_error = 0;
+    UINT argument_error{};
     const HRESULT outcome = object.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
                                           puts ? nullptr : result.put(), exception.put(), &argument_error);
     if (outcome == DISP_E_EXCEPTION) throw exception.error();

@@ -49,7 +49,7 @@ struct Font {
     bool bold = false;
 };
 
-enum class MouseButton : std::int16_t { left = 1, right = 2, middle = 4 };
+enum class MouseButton : std::int16_t { left = 1, right, middle };
 
 /// What a change concerns, so that a view redraws no more than it must.
 enum class Change { caption, enabled, visible, value, color, tab, rows, row, selection };

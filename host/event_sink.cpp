@@ -16,7 +16,7 @@ namespace {
 
 /// Tells threads apart.
 const void* calling_thread() noexcept {
-    thread_local const char mark = 0;
+    thread_local const char mark{};
     return &mark;
 }
 

@@ -29,7 +29,7 @@ private:
 
     com::ComPtr<IConnectionPoint> point_;
     com::ComPtr<Sink> sink_;
-    DWORD cookie_ = 0;
+    DWORD cookie_{};
 };
 
 }  // namespace vex::host

@@ -51,7 +51,7 @@ VARTYPE variant_type(ValueType type) noexcept {
 /// Takes an argument in the type of its parameter. `converted` holds what the caller's own value would not do for.
 HRESULT convert(const Parameter& parameter, VARIANT& given, com::Variant& converted, Argument& argument) {
     VARIANT& source = behind_reference(given);
-    if (refers_to_nothing(given) || refers_to_nothing(source)) return DISP_E_TYPEMISMATCH;
+    if (refers_to_nothing(source)) return DISP_E_TYPEMISMATCH;
     if (parameter.type == ValueType::object) {
         // A reference of the right type goes through, so that the member sees the caller's own variable.
         if (&source != &given && source.vt == VT_DISPATCH) argument.object = &source.pdispVal;

@@ -11,7 +11,7 @@ com::ComPtr<IPictureDisp> load_icon(std::int16_t id) {
 }
 
 std::u16string module_path() {
-    static constexpr char kAnchor = 0;
+    static constexpr char kAnchor{};
     return com::native::module_path(&kAnchor);
 }
 

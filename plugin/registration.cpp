@@ -16,7 +16,7 @@ constexpr GUID kAutomationMarshaller = {0x00020424, 0, 0, {0xC0, 0, 0, 0, 0, 0, 
 
 std::u16string text_of(REFGUID guid) {
     OLECHAR text[39];
-    StringFromGUID2(guid, text, 39);
+    StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
     return reinterpret_cast<const char16_t*>(text);
 }
 

@@ -57,7 +57,7 @@ std::u16string multiple_string(const RegistryData& data) {
 
 /// Two digits below ten ("07"), but single letters for ten to fifteen ("C"): the digits pass through a
 /// number format that leaves letters alone. Readers of the texts know them so; kept.
-std::u16string hexadecimal(std::uint8_t byte) { return digits_of(byte, 16, byte >= 10 && byte <= 15 ? 1 : 2); }
+std::u16string hexadecimal(std::uint8_t byte) { return digits_of(byte, 16, byte >= 10 ? 1 : 2); }
 
 }  // namespace
 

@@ -3,7 +3,6 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <filesystem>
@@ -56,24 +55,29 @@ struct Apartment {
 
 thread_local Apartment apartment;
 
+/// How much room an identity as text needs, its null included.
+constexpr int kTextSize = 39;
+
 /// The default value of a key below HKEY_CLASSES_ROOT, or an empty text.
 std::string class_value(const std::string& path) {
     using namespace platform;
-    RegistryKey key = 0;
-    if (registry().open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, key) != kSuccess) return {};
-    std::uint32_t type = kRegNone;
-    std::array<char, 4096> text{};
-    auto size = static_cast<std::uint32_t>(text.size() - 1);
+    struct OpenKey {
+        RegistryKey key{};
+        ~OpenKey() { registry().close_key(key); }
+    } open;
+    if (registry().open_key(registry_key(kHkeyClassesRoot), path.c_str(), kKeyRead, open.key) != kSuccess) return {};
+    std::uint32_t type{}, size{};
+    registry().query_value(open.key, "", type, nullptr, size);
+    std::string text(size, '\0');
     const std::int32_t result =
-        registry().query_value(key, "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
-    registry().close_key(key);
-    return result == kSuccess ? text.data() : "";
+        registry().query_value(open.key, "", type, reinterpret_cast<std::uint8_t*>(text.data()), size);
+    return result == kSuccess ? text.c_str() : "";
 }
 
 /// The class object of the server that the registry names.
 HRESULT find_in_server(REFCLSID clsid, ComPtr<IClassFactory>& factory) {
-    OLECHAR name[39];
-    StringFromGUID2(clsid, name, 39);
+    OLECHAR name[kTextSize];
+    StringFromGUID2(clsid, name, kTextSize);
     const std::string path = class_value("CLSID\\" + to_ansi(name) + "\\InprocServer32");
     if (path.empty()) return REGDB_E_CLASSNOTREG;
     const std::filesystem::path file = platform::native::real_path(from_ansi(path));
@@ -104,15 +108,15 @@ constexpr std::size_t kWritten[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13
 static_assert(std::endian::native == std::endian::little && std::size(kWritten) == sizeof(GUID));
 
 /// Whether a hyphen stands before the byte at that place in the text.
-constexpr bool has_hyphen(std::size_t place) noexcept { return place >= 4 && place <= 10 && place % 2 == 0; }
-
-constexpr int kTextLength = 38;
+constexpr bool has_hyphen(std::size_t place) noexcept {
+    return place == 4 || place == 6 || place == 8 || place == 10;
+}
 
 }  // namespace
 
 std::u16string module_path(const void* address) {
     Dl_info info{};
-    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
+    if (dladdr(address, &info) == 0) {
         throw RuntimeError(kCannotCreateObject, u"The module's path is unknown");
     }
     return platform::native::drive_path(std::filesystem::absolute(info.dli_fname));
@@ -123,7 +127,7 @@ std::u16string module_path(const void* address) {
 using namespace vex::com::native;
 
 int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) noexcept {
-    if (text == nullptr || capacity < kTextLength + 1) return 0;
+    if (text == nullptr || capacity < kTextSize) return 0;
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(&guid);
     *text++ = u'{';
     for (std::size_t i = 0; i < sizeof guid; ++i) {
@@ -132,7 +136,7 @@ int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) noexcept {
     }
     *text++ = u'}';
     *text = 0;
-    return kTextLength + 1;
+    return kTextSize;
 }
 
 HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) noexcept {
@@ -144,13 +148,11 @@ HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) noexcept {
     if (*text++ != u'{') return CO_E_CLASSSTRING;
     for (std::size_t i = 0; i < sizeof guid; ++i) {
         if (has_hyphen(i) && *text++ != u'-') return CO_E_CLASSSTRING;
-        int value = 0;
-        for (int digits = 2; digits > 0; --digits) {
-            const int digit = vex::hex_value(*text++);
-            if (digit < 0) return CO_E_CLASSSTRING;
-            value = value * 16 + digit;
-        }
-        bytes[kWritten[i]] = static_cast<std::uint8_t>(value);
+        const int high = vex::hex_value(*text++);
+        // A text that ends here is read no further.
+        const int low = high < 0 ? high : vex::hex_value(*text++);
+        if (low < 0) return CO_E_CLASSSTRING;
+        bytes[kWritten[i]] = static_cast<std::uint8_t>(high * 16 + low);
     }
     if (text[0] != u'}' || text[1] != 0) return CO_E_CLASSSTRING;
     *clsid = guid;
@@ -158,7 +160,6 @@ HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) noexcept {
 }
 
 HRESULT CLSIDFromProgID(LPCOLESTR programmatic_id, CLSID* clsid) noexcept {
-    if (programmatic_id == nullptr || clsid == nullptr) return E_INVALIDARG;
     *clsid = GUID_NULL;
     return guarded([&] {
         const std::string text = class_value(to_ansi(programmatic_id) + "\\CLSID");
@@ -179,8 +180,6 @@ void CoUninitialize() noexcept {
 
 HRESULT CoRegisterClassObject(REFCLSID clsid, IUnknown* factory, DWORD /*context*/, DWORD /*flags*/,
                               DWORD* cookie) noexcept {
-    if (factory == nullptr || cookie == nullptr) return E_INVALIDARG;
-    *cookie = 0;
     if (apartment.initialisations == 0) return CO_E_NOTINITIALIZED;
     return guarded([&] {
         apartment.classes[apartment.last_cookie + 1] = {clsid, vex::com::ComPtr<IUnknown>(factory)};

@@ -48,7 +48,6 @@ bool is_object(VARTYPE type) noexcept { return type == VT_DISPATCH || type == VT
 /// Reads what a by-reference value of one of the simple types points at, without owning it.
 HRESULT follow(const VARIANT& reference, VARIANT& value) noexcept {
     if (reference.byref == nullptr) return E_INVALIDARG;
-    VariantInit(&value);
     const auto type = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
     switch (type) {
         case VT_I2:
@@ -97,11 +96,11 @@ HRESULT parse_number(std::u16string_view text, double& number) {
     // The standard library would take names of numbers and a second sign, too.
     if (plain.find_first_of("0123456789.") != 0) return DISP_E_TYPEMISMATCH;
     // The larger range tells what is too large from what is nearly nothing.
-    long double value = 0;
+    long double value{};
     const char* const end = plain.data() + plain.size();
     const auto [stop, error] = std::from_chars(plain.data(), end, value);
     if (stop != end || error == std::errc::invalid_argument) return DISP_E_TYPEMISMATCH;
-    if (error != std::errc() || value > std::numeric_limits<double>::max()) return DISP_E_OVERFLOW;
+    if (error != std::errc() || std::isinf(static_cast<double>(value))) return DISP_E_OVERFLOW;
     number = static_cast<double>(negative ? -value : value);
     return S_OK;
 }
@@ -131,7 +130,7 @@ HRESULT store_integer(double number, Integer& place) noexcept {
 }
 
 HRESULT to_number(const VARIANT& from, VARTYPE type, VARIANT& to) {
-    double number = 0;
+    double number{};
     const HRESULT result = read_number(from, number);
     if (FAILED(result)) return result;
     switch (type) {
@@ -196,12 +195,12 @@ HRESULT convert(const VARIANT& from, VARTYPE type, VARIANT& to) {
 }  // namespace vex::com
 
 BSTR SysAllocStringLen(const OLECHAR* text, UINT length) noexcept {
-    constexpr std::size_t kOverhead = sizeof(vex::com::StringHeader) + sizeof(OLECHAR);
-    if (length > (std::numeric_limits<std::uint32_t>::max() - kOverhead) / sizeof(OLECHAR)) return nullptr;
-    const std::size_t bytes = length * sizeof(OLECHAR);
-    auto* header = static_cast<vex::com::StringHeader*>(::operator new(kOverhead + bytes, std::nothrow));
+    const std::uint64_t bytes = std::uint64_t{length} * sizeof(OLECHAR);
+    const std::uint64_t size = sizeof(vex::com::StringHeader) + bytes + sizeof(OLECHAR);
+    if (!std::in_range<std::uint32_t>(size)) return nullptr;
+    auto* header = static_cast<vex::com::StringHeader*>(::operator new(size, std::nothrow));
     if (header == nullptr) return nullptr;
-    std::memset(static_cast<void*>(header), 0, kOverhead + bytes);
+    std::memset(static_cast<void*>(header), 0, size);
     header->byte_length = static_cast<std::uint32_t>(bytes);
     BSTR result = reinterpret_cast<BSTR>(header + 1);
     if (text != nullptr) std::memcpy(result, text, bytes);
@@ -237,13 +236,11 @@ HRESULT VariantClear(VARIANTARG* value) noexcept {
 }
 
 HRESULT VariantCopy(VARIANTARG* to, const VARIANTARG* from) noexcept {
-    if (to == nullptr || from == nullptr) return E_INVALIDARG;
     return to == from ? S_OK : vex::com::assign(to, *from);
 }
 
 HRESULT VariantCopyInd(VARIANT* to, const VARIANTARG* from) noexcept {
     constexpr VARTYPE kWholeValue = VT_BYREF | VT_VARIANT;
-    if (to == nullptr || from == nullptr) return E_INVALIDARG;
     const VARIANT* source = from->vt == kWholeValue ? from->pvarVal : from;
     if (source == nullptr || source->vt == kWholeValue) return E_INVALIDARG;
     VARIANT value = *source;
@@ -254,8 +251,8 @@ HRESULT VariantCopyInd(VARIANT* to, const VARIANTARG* from) noexcept {
     return vex::com::assign(to, value);
 }
 
-HRESULT VariantChangeType(VARIANTARG* to, const VARIANTARG* from, USHORT /*flags*/, VARTYPE type) noexcept {
-    if (to == nullptr || from == nullptr) return E_INVALIDARG;
+HRESULT VariantChangeType(VARIANTARG* to, const VARIANTARG* from, USHORT flags, VARTYPE type) noexcept {
+    if (flags != 0) return E_INVALIDARG;
     try {
         vex::com::Variant source;
         vex::com::Variant converted;

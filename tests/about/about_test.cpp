@@ -52,6 +52,8 @@ TEST_F(About, LooksForTheSystemInformationInOnePlaceOnly) {
     EXPECT_EQ(started(), "is there C:\\Info\\MSINFO32.EXE\nstart C:\\Info\\MSINFO32.EXE\n");
     files_exist = false;
     EXPECT_EQ(started(), "is there C:\\Info\\MSINFO32.EXE\n" + refusal);
+    machine_key("SOFTWARE\\Microsoft\\Shared Tools\\MSINFO").set("PATH", platform::kRegDword, {});
+    EXPECT_EQ(started(), refusal) << "a number without digits";
 }
 
 TEST_F(About, TextsAndNumbersOfTheRegistryAreReadAndNothingElse) {
@@ -70,9 +72,10 @@ TEST_F(About, TextsAndNumbersOfTheRegistryAreReadAndNothingElse) {
     EXPECT_EQ(value(platform::kRegDword, {0x04, 0x03, 0x02, 0x01}), u"4660") << "not 01, 02, 03, 04: kept";
     EXPECT_EQ(value(platform::kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}), u"-1") << "32 bits keep their sign";
     EXPECT_EQ(value(platform::kRegDword, {1, 0, 0, 0}, u"2"), u"8193") << "behind the caller's digits: kept";
-    EXPECT_EQ(error_of([&] { value(platform::kRegDword, {1, 0, 0, 0}, u"x"); }), kTypeMismatch);
+    EXPECT_EQ(error_of([&] { value(platform::kRegDword, {1, 0, 0, 0}, u"1x"); }), kTypeMismatch);
+    EXPECT_EQ(error_of([&] { value(platform::kRegDword, {0xFF, 0xFF, 0xFF, 0xFF}, u"1"); }), kOverflow);
     EXPECT_EQ(value(platform::kRegBinary, {1, 2}, u"old"), u"old");
-    EXPECT_EQ(value(platform::kRegSz, Bytes(1100, 'x')), u"failed: ") << "more than the buffer of 1024 bytes holds";
+    EXPECT_EQ(value(platform::kRegSz, Bytes(1025, 'x')), u"failed: ") << "more than the buffer of 1024 bytes holds";
     EXPECT_EQ(read(u"missing", u"old"), u"failed: ");
 }
 

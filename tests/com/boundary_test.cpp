@@ -25,7 +25,7 @@ struct Texts {
 HRESULT code_of(std::int32_t number) { return result_code(RuntimeError(number, u"")); }
 
 TEST(Boundary, NumbersBecomeResultCodes) {
-    EXPECT_EQ(code_of(9), static_cast<HRESULT>(0x800A0009U));
+    EXPECT_EQ(code_of(1), static_cast<HRESULT>(0x800A0001U));
     EXPECT_EQ(code_of(65535), static_cast<HRESULT>(0x800AFFFFU));
     EXPECT_EQ(code_of(E_ACCESSDENIED), E_ACCESSDENIED) << "a result code of someone else's stays";
     EXPECT_EQ(code_of(0), E_UNEXPECTED) << "an error must not look like success";
@@ -44,6 +44,7 @@ std::u16string take_error() {
     com::ComPtr<IErrorInfo> info;
     if (GetErrorInfo(0, info.put()) != S_OK) return u"none";
     com::Bstr description;
+    EXPECT_EQ(info->GetHelpFile(description.put()), S_OK);
     EXPECT_EQ(info->GetDescription(description.put()), S_OK);
     return description.str();
 }

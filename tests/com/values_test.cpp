@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <thread>
 #include <tuple>
 
 #include "com/bstr.h"
@@ -45,9 +46,15 @@ TEST(IdentitiesAndConstants, AreThoseThatEverySystemKnows) {
     };
     for (const auto& [identity, text] : known) {
         OLECHAR written[39];
-        StringFromGUID2(identity, written, 39);
+        EXPECT_EQ(StringFromGUID2(identity, written, 38), 0) << "no room";
+        EXPECT_EQ(StringFromGUID2(identity, written, 39), 39);
         EXPECT_EQ(reinterpret_cast<const char16_t*>(written), text);
     }
+    CLSID read;
+    for (const std::u16string wrong :
+         {u"{00020400-0000-0000-C000-000000000046}x", u"{00020400-0000-0000-C000-000000000046)"})
+        EXPECT_EQ(CLSIDFromString(ole_text(wrong), &read), CO_E_CLASSSTRING);
+    EXPECT_EQ(sizeof(VARIANT), 8 + 2 * sizeof(void*));
     const long constants[] = {
         VT_EMPTY, VT_NULL, VT_I2, VT_I4, VT_R8, VT_BSTR, VT_DISPATCH, VT_ERROR, VT_BOOL, VT_VARIANT, VT_UNKNOWN, VT_VOID,
         VT_HRESULT, VT_PTR, VT_USERDEFINED, VARIANT_TRUE, VARIANT_FALSE, S_FALSE, DISPID_UNKNOWN, DISPID_PROPERTYPUT,
@@ -59,17 +66,18 @@ TEST(IdentitiesAndConstants, AreThoseThatEverySystemKnows) {
 
 TEST(AutomationString, KeepsEmbeddedNullsAndItsWholeLengthOrIsNone) {
     const std::u16string text(u"a\0b", 3);
-    const Bstr string{text};
+    Bstr string{text};
     EXPECT_EQ(SysStringLen(string.get()), 3U);
     EXPECT_EQ(string.str(), text);
     EXPECT_EQ(string.get()[3], 0) << "a null must follow, for those who count on one";
     EXPECT_EQ(reinterpret_cast<const std::uint32_t*>(string.get())[-1], 6U) << "the length in bytes stands before";
     EXPECT_EQ(view(nullptr), u"");
-    EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr) << "more than memory holds";
+    EXPECT_THROW(allocate_bstr({u"a", 0x7FFFFFFCU}), std::bad_alloc) << "more than memory holds";
     if constexpr (sizeof(std::size_t) > sizeof(UINT)) {
         const std::u16string_view too_long(u"a", static_cast<std::size_t>((std::uint64_t{1} << 32) + 1));
         EXPECT_THROW(allocate_bstr(too_long), std::bad_alloc) << "and no part of a text";
     }
+    EXPECT_EQ(*string.put(), nullptr) << "what was held is freed";
 }
 
 TEST(AutomationValue, CopiesAndClearingKeepCount) {
@@ -84,6 +92,10 @@ TEST(AutomationValue, CopiesAndClearingKeepCount) {
         ASSERT_EQ(VariantCopy(&copy.get(), &reference.get()), S_OK);
         ASSERT_EQ(VariantCopy(&copy.get(), &copy.get()), S_OK);
         EXPECT_EQ(copy.get().pdispVal, object.get());
+        Variant unknown;
+        unknown.get().vt = VT_VOID;
+        EXPECT_EQ(VariantCopy(&copy.get(), &unknown.get()), DISP_E_BADVARTYPE);
+        EXPECT_EQ(VariantCopy(&unknown.get(), &reference.get()), DISP_E_BADVARTYPE);
     }
     EXPECT_TRUE(test_module().can_unload());
 }
@@ -99,6 +111,10 @@ TEST(AutomationValue, ReferencesStayReferencesUntilTheyAreFollowed) {
         ASSERT_EQ(VariantCopyInd(&copy.get(), &copy.get()), S_OK) << "in place";
         EXPECT_EQ(view(copy.get().bstrVal), u"mine");
         EXPECT_NE(copy.get().bstrVal, place);
+        Variant whole;
+        whole.get().vt = VT_BYREF | VT_VARIANT;
+        whole.get().pvarVal = &whole.get();
+        EXPECT_EQ(VariantCopyInd(&copy.get(), &whole.get()), E_INVALIDARG) << "one step and no more";
     }
     EXPECT_EQ(view(place), u"mine") << "never freed";
 }
@@ -119,10 +135,11 @@ Variant operator""_text(const char16_t* text, std::size_t length) { return Varia
 
 TEST(Conversion, BetweenTextsNumbersAndBooleans) {
     const std::tuple<Variant, VARTYPE, const char*> cases[] = {
-        {u" -42 "_text, VT_I4, "-42"}, {u"1E+3"_text, VT_I4, "1000"}, {u"32768"_text, VT_I2, "overflow"},
-        {u"1e400"_text, VT_R8, "overflow"}, {Variant::real(2147483648.0), VT_I4, "overflow"},
+        {u" -32768 "_text, VT_I2, "-32768"}, {u"3.2767E+4"_text, VT_I2, "32767"}, {u"32768"_text, VT_I2, "overflow"},
+        {u"1e400"_text, VT_BOOL, "overflow"}, {Variant::real(2147483648.0), VT_I4, "overflow"},
         // Halves go to the even neighbour.
-        {u"3.5"_text, VT_I4, "4"}, {Variant::real(-2.5), VT_I4, "-2"}, {Variant::real(0.1), VT_BSTR, "0.1"},
+        {u"3.5"_text, VT_I4, "4"}, {Variant::real(-2.5), VT_I4, "-2"}, {Variant::real(2.0 / 3), VT_BSTR, "0.666666666666667"},
+        {Variant::real(-0.0), VT_BSTR, "0"}, {Variant::int32(0), VT_BOOL, "0"},
         {Variant::real(1e20), VT_BSTR, "1E+20"}, {Variant(), VT_BSTR, ""}, {Variant::boolean(true), VT_I4, "-1"},
         {Variant::int32(256), VT_BOOL, "-1"}, {u"TRUE"_text, VT_BOOL, "-1"}, {u"0.5"_text, VT_BOOL, "-1"},
         {u"yes"_text, VT_BOOL, "mismatch"}};
@@ -139,6 +156,17 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
 
 // ---- Class objects and creation
 
+TEST(ModuleLifetime, LosesNoLockBetweenThreads) {
+    ModuleLifetime module;
+    const auto lock_often = [&module] {
+        for (int i = 0; i < 100'000; ++i) module.add_lock(), module.remove_lock();
+    };
+    std::thread other(lock_often);
+    lock_often();
+    other.join();
+    EXPECT_TRUE(module.can_unload());
+}
+
 constexpr CLSID kTestClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x01}};
 
 TEST(ClassObjects, ServeUntilTheyAreRevoked) {
@@ -146,17 +174,32 @@ TEST(ClassObjects, ServeUntilTheyAreRevoked) {
     const auto create = [&object] {
         return CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void());
     };
+    const auto offer = [] {
+        return offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
+    };
     EXPECT_EQ(create(), CO_E_NOTINITIALIZED);
+    EXPECT_THROW(offer(), RuntimeError);
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
     EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
     EXPECT_FALSE(object);
-    const DWORD cookie = offer_class(test_module(), kTestClass, [] { return make_object<CountedObject>(); });
+    const DWORD cookie = offer();
     EXPECT_EQ(create(), S_OK);
+    UINT count = 7;
+    auto* type = reinterpret_cast<ITypeInfo*>(&count);
+    EXPECT_EQ(object->GetTypeInfoCount(&count), S_OK);
+    EXPECT_EQ(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type), E_NOTIMPL);
+    EXPECT_TRUE(count == 0 && type == nullptr);
     object.reset();
     EXPECT_TRUE(FAILED(CoRevokeClassObject(cookie + 1)));
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
     EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
+    offer();
     CoUninitialize();
+    EXPECT_EQ(create(), S_OK) << "one user is left";
+    object.reset();
+    CoUninitialize();
+    EXPECT_EQ(create(), CO_E_NOTINITIALIZED);
     EXPECT_TRUE(test_module().can_unload()) << "something was not released";
 }
 

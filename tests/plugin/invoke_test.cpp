@@ -56,7 +56,7 @@ TEST_F(Invoke, TakesArgumentsOfEveryTypeThatConverts) {
     VARIANT object_value = value_of(VT_DISPATCH, mine).detach();
     for (const Variant& given : {Variant::object(mine), Variant::object(nullptr), Variant::object_reference(&mine),
                                  Variant::object_reference(&none), value_of(VT_BYREF | VT_VARIANT, &object_value),
-                                 value_of(VT_BYREF | VT_UNKNOWN, &plain)}) {
+                                 value_of(VT_BYREF | VT_UNKNOWN, &plain), value_of<IUnknown>(VT_UNKNOWN)}) {
         EXPECT_EQ(start_pre_transmit({given}).result, S_OK) << given.type();
     }
 }
@@ -67,20 +67,21 @@ TEST_F(Invoke, TellsTheArgumentAtFault) {
         EXPECT_EQ(outcome.argument, 0U);
     };
     VARIANT nothing = value_of<SHORT>(VT_BYREF | VT_I2).get();
-    VARIANT left_out = missing().get();
+    VARIANT left_out = missing().get(), number = Variant::int16(1).get();
+    IDispatch* none = nullptr;
     const Variant null_value = value_of<void>(VT_NULL);
-    for (const Variant& wrong : {Variant::text(u"first"), null_value, Variant::object(nullptr),
+    for (const Variant& wrong : {Variant::text(u"first"), null_value, Variant::object_reference(&none),
                                  value_of<SHORT>(VT_BYREF | VT_I2), value_of<BSTR>(VT_BYREF | VT_BSTR),
                                  value_of<VARIANT>(VT_BYREF | VT_VARIANT), value_of(VT_BYREF | VT_VARIANT, &nothing)}) {
         SCOPED_TRACE(wrong.type());
         expect_fault(name_at({wrong}), DISP_E_TYPEMISMATCH);
     }
     for (const Variant& wrong : {Variant::int16(1), Variant::text(u"x"), Variant(), null_value,
-                                 value_of<IDispatch*>(VT_BYREF | VT_DISPATCH)}) {
+                                 value_of<IDispatch*>(VT_BYREF | VT_DISPATCH), value_of(VT_BYREF | VT_VARIANT, &number)}) {
         SCOPED_TRACE(wrong.type());
         expect_fault(start_pre_transmit({wrong}), DISP_E_TYPEMISMATCH);
     }
-    expect_fault(name_at({Variant::int32(32768)}), DISP_E_OVERFLOW);
+    expect_fault(name_at({Variant::int32(DISP_E_PARAMNOTFOUND)}), DISP_E_OVERFLOW);
     expect_fault(name_at({missing()}), DISP_E_PARAMNOTOPTIONAL);
     expect_fault(name_at({value_of(VT_BYREF | VT_VARIANT, &left_out)}), DISP_E_PARAMNOTOPTIONAL);
     expect_fault(name_at({Variant::int16(0)}, {1}), DISP_E_PARAMNOTFOUND);
@@ -127,17 +128,18 @@ TEST_F(Invoke, RefusesCallsThatAreNone) {
 
 TEST_F(Invoke, FindsNamesOfMembersAndTheirParameters) {
     const auto catalogue = make(kCatalogueClass);
-    LPOLESTR names[] = {ole_name(u"pluginnames"), ole_name(u"IINDEX"), ole_name(u"iIndices")};
-    DISPID ids[3] = {7, 7, 7};
+    LPOLESTR names[] = {ole_name(u"pluginnames"), ole_name(u"IINDEX"), ole_name(u"iIndices"), nullptr};
+    DISPID ids[4] = {7, 7, 7, 7};
     const auto find = [&](REFIID reserved, LPOLESTR* what, UINT count) {
         return catalogue->GetIDsOfNames(reserved, what, count, LOCALE_USER_DEFAULT, ids);
     };
     EXPECT_EQ(find(IID_NULL, names, 3), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(std::vector<DISPID>(ids, ids + 3), (std::vector<DISPID>{kPluginNames, 0, DISPID_UNKNOWN}));
+    EXPECT_EQ(std::vector<DISPID>(ids, ids + 4), (std::vector<DISPID>{kPluginNames, 0, DISPID_UNKNOWN, 7}));
     EXPECT_EQ(find(IID_NULL, names, 2), S_OK);
     EXPECT_EQ(find(IID_IUnknown, names, 1), DISP_E_UNKNOWNINTERFACE);
     EXPECT_EQ(find(IID_NULL, names, 0), E_INVALIDARG);
     EXPECT_EQ(find(IID_NULL, nullptr, 1), E_INVALIDARG);
+    EXPECT_EQ(find(IID_NULL, names + 3, 1), E_INVALIDARG);
     names[1] = nullptr;
     EXPECT_EQ(find(IID_NULL, names, 2), E_INVALIDARG);
     for (const char16_t* name : {u"StartPlugin", u"PluginName", u"PluginNamess", u""}) {

@@ -58,9 +58,13 @@ TEST(Registration, IsWholeOrNotAtAll) {
     const auto entries = registration_entries(u"C:\\Host\\vexFirmwarePlugin.dll", u"win32");
     const std::set<std::u16string> shared = {u"CLSID", u"Interface", u"TypeLib"};
     for (std::size_t written = 0; written < entries.size(); ++written) {
-        store = {shared, written, {}};
+        // What it has not come to was there before.
+        store = {shared, 1, {}};
+        if (written + 1 < entries.size()) platform::write_class_text(entries.back().key, entries.back().name, u"older");
+        const auto before = store.names;
+        store.writes = written;
         EXPECT_EQ(write_registration(entries), entries[written].failure);
-        EXPECT_EQ(store.names, shared) << written;
+        EXPECT_EQ(store.names, before) << written;
     }
     store = {shared, entries.size(), {}};
     EXPECT_EQ(write_registration(entries), S_OK);

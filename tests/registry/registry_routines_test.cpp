@@ -165,6 +165,7 @@ TEST_F(RegistryRoutinesTest, ReadingConvertsByTypeAndSize) {
         {kRegSz, {0}, u""},
         {kRegSz, bytes_of("a\0b\0"sv), u"a\0b"s},
         {kRegExpandSz, {}, kDefault},
+        {kRegExpandSz, {'x'}, u"x"},
         // What shrinks ends in a null. What stays as long as it is does not fit: its null has no room.
         {kRegExpandSz, bytes_of("<%VEX_SHORT%>\0"sv), u"<s>\0"s},
         {kRegExpandSz, bytes_of("%VEX_JUST%\0"sv), u"123456789\0"s},
@@ -258,12 +259,13 @@ TEST_F(RegistryRoutinesTest, EnumRegistryValuesCarriesOverFromValueToValue) {
         {kRegBinary, {0x43}, u"43"},
         {kRegMultiSz, bytes_of("\0two\0\0"sv), u",two"},
         {kRegBinary, {0xAB}, u",two AB"},
+        {kRegExpandSz, bytes_of("%VEX_FULL%\0"sv), u"%VEX_FULL%"},
         {kRegExpandSz, bytes_of("%VEX_SHORT%\0"sv), u"s"},
         {kRegBinary, {0x77}, u"s 77"},
         {kRegExpandSz, {}, u""},
         {kRegSz, {'x'}, u""},
         {kRegSz, Bytes(4096, 'x'), std::u16string(4095, u'x')},
-        {kRegSz, Bytes(4097, 'x'), std::u16string(4096, u'x')},
+        {kRegSz, Bytes(4098, 'x'), std::u16string(4097, u'x')},
     };
     // Names that come in this order on systems that keep the order and on those that sort.
     const auto name_of = [](std::size_t index) { return std::string(1, static_cast<char>('a' + index)); };

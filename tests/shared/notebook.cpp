@@ -132,12 +132,15 @@ class HostObject final : public com::Object<HostObject, com::Untyped<IDispatch>,
 public:
     HostObject(RecordedHost& host, const sim::HostClass& of) : Object(host.objects), host_(host), class_(of) {}
 
+    ~HostObject() { EXPECT_EQ(listeners_, 0) << name_ << " is still connected"; }
+
     const std::string& name() const { return name_; }
 
     HRESULT GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
         const auto member = std::ranges::find(class_.members, std::u16string(*names), &sim::MemberFacts::name);
         // The controls are called by id.
         if (name_.starts_with("vex") || member == class_.members.end()) return DISP_E_UNKNOWNNAME;
+        EXPECT_TRUE(asked_.insert(*names).second) << "asked twice";
         *ids = static_cast<DISPID>(member->id);
         return S_OK;
     }
@@ -184,11 +187,13 @@ public:
     HRESULT GetConnectionPointContainer(IConnectionPointContainer**) noexcept override { return E_NOTIMPL; }
     HRESULT Advise(IUnknown* sink, DWORD* cookie) noexcept override {
         *cookie = kCookie;
+        ++listeners_;
         return sink->QueryInterface(kEvents, host_.sinks_[name_].put_void());
     }
     // It keeps the sink all the same, and may go on calling it.
     HRESULT Unadvise(DWORD cookie) noexcept override {
         EXPECT_EQ(cookie, kCookie);
+        --listeners_;
         return S_OK;
     }
     HRESULT EnumConnections(IEnumConnections**) noexcept override { return E_NOTIMPL; }
@@ -209,6 +214,8 @@ private:
     RecordedHost& host_;
     const sim::HostClass& class_;
     const std::string name_ = to_utf8(class_.name());
+    std::set<std::u16string> asked_;
+    int listeners_ = 0;
 };
 
 RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {

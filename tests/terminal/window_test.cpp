@@ -265,6 +265,9 @@ TEST_F(OnTerminal, ControlsOfOneSizeHaveOneSizeOnEveryScreen) {
     dlgHandleSignOption session(services);
     frmAbout about(services);
     auto& pages = static_cast<forms::TabPages&>(*wizard.find("SSTab1"));
+    const std::pair<forms::Form*, const char32_t*> escapes[] = {
+        {&wizard, U"Esc Cancel"}, {&run, U"Esc Close"}, {&session, U"Esc Cancel"}, {&about, U"Esc OK"}};
+    for (const auto& [dialog, hint] : escapes) EXPECT_THAT(FormWindow(*dialog, toolkit).keys(), Contains(hint));
     for (int columns = 80; columns <= 250; ++columns) {
         // Rows and columns are independent: every value of one with a few of the other.
         for (int rows = 24; rows <= 80; rows += columns % 10 == 0 ? 1 : 7) {

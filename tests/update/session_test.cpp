@@ -31,8 +31,8 @@ protected:
         host::HostDisplayList displays;
         dlgHandleSignOption session(services);
         session.sFirmwareFilename = file;
-        session.bIsTQ1 = tq1;
-        session.bUseExternalApp = external;
+        if (tq1) session.bIsTQ1 = true;
+        if (external) session.bUseExternalApp = true;
         session.dDisp = &displays;
         const bool updated = session.ProcessOptions();
         status = session.LastStatus();

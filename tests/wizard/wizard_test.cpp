@@ -214,18 +214,22 @@ close dlgFirmwareWizard
 
 TEST_F(Wizard, TheTreeLeadsStraightToAStepOrBeeps) {
     pick(u"A");
-    EXPECT_EQ(play({"@390,600", "--", "@800,1000", "@800,1500", "@800,2000", "@390,2480", "cmdChooseDisplay",
-                    "@800,1500", "cmdChooseDisplay", "@390,2480"}),
+    EXPECT_EQ(play({"@390,600", "--", "@800,1000", "cmdBack", "@800,1500", "@800,2000", "@390,600", "@800,2000",
+                    "@390,2480", "cmdChooseDisplay", "@800,1500", "cmdChooseDisplay", "@390,600", "@390,2480"}),
               log(R"(
 set SSTab1=1 shpNavNodeStart=808080 shpNavNodeChooseOpt=00FF00 cmdBack=on
-set SSTab1=2 shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080
+set SSTab1=0 shpNavNodeStart=00FF00 shpNavNodeChooseOpt=808080 cmdBack=off
+set SSTab1=2 shpNavNodeStart=808080 shpNavNodesChooseDest=00FF00 cmdBack=on
 set SSTab1=3 shpNavNodePickFiles=00FF00 shpNavNodesChooseDest=808080 cmdNext=off
+set SSTab1=0 shpNavNodeStart=00FF00 shpNavNodePickFiles=808080 cmdBack=off cmdNext=on
+set SSTab1=3 shpNavNodeStart=808080 shpNavNodePickFiles=00FF00 cmdBack=on cmdNext=off
 beep
 set SSTab1=2 shpNavNodePickFiles=808080 shpNavNodesChooseDest=00FF00 cmdNext=on
 HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "Z180 Sign" "COM1" "9600" "555"
 set cmdFinish=on
-set SSTab1=4 shpNavNodesChooseDest=808080 shpNavNodesFinish=00FF00 cmdNext=off
+set SSTab1=0 shpNavNodeStart=00FF00 shpNavNodesChooseDest=808080 cmdBack=off
+set SSTab1=4 shpNavNodeStart=808080 shpNavNodesFinish=00FF00 cmdBack=on cmdNext=off
 close dlgFirmwareWizard
 )"));
     // Edges belong to no node, and labels take the press.
