@@ -63,10 +63,8 @@ void Shape::set_fill_color(Color color) {
 }
 
 std::optional<std::size_t> ImageList::find(std::u16string_view key) const noexcept {
-    for (std::size_t i = 0; i < images_.size(); ++i) {
-        if (images_[i].key == key) return i;
-    }
-    return std::nullopt;
+    const auto found = std::ranges::find(images_, key, &Image::key);
+    return found == images_.end() ? std::nullopt : std::optional<std::size_t>(found - images_.begin());
 }
 
 void ListView::clear() {

@@ -35,6 +35,7 @@ protected:
 TEST_F(FormsTest, LoadsAgainAfterAFailureAndUnloadsOnce) {
     int loads = 0;
     dialog.on_load = [&] {
+        EXPECT_FALSE(dialog.running());
         if (++loads == 1) throw RuntimeError(kSubscriptOutOfRange);
     };
     EXPECT_EQ(error_of([this] { dialog.show_modal(); }), kSubscriptOutOfRange);
@@ -45,6 +46,11 @@ TEST_F(FormsTest, LoadsAgainAfterAFailureAndUnloadsOnce) {
         dialog.show_modal();
     }
     EXPECT_EQ(loads, 2) << "not once more while it is loaded";
+    EXPECT_FALSE(dialog.running());
+    dialog.refuses_to_close = true;
+    EXPECT_FALSE(dialog.may_unload(UnloadMode::system) || dialog.unload());
+    dialog.refuses_to_close = false;
+    EXPECT_TRUE(dialog.may_unload(UnloadMode::system));
     EXPECT_TRUE(dialog.unload());
     EXPECT_FALSE(dialog.loaded());
     EXPECT_TRUE(dialog.unload()) << "nothing happens";
@@ -55,9 +61,13 @@ TEST_F(FormsTest, LoadsAgainAfterAFailureAndUnloadsOnce) {
 }
 
 TEST_F(FormsTest, TheKeyboardMeetsEachControlBehindItsLabelAndWithinItsContainer) {
+    // The first index counts like any other; of equals the earlier in the table comes first.
+    dialog.pages.set_tab_index(0);
+    dialog.cmdOk.set_tab_index(-1);
+    dialog.cmdCancel.set_tab_index(0);
     std::string order;
     for (const Control* control : dialog.keyboard_order()) order += control->name() + ' ';
-    EXPECT_EQ(order, "cmdOk cmdCancel pages label text option_a option_b check etched list lone_option panel line shape "
+    EXPECT_EQ(order, "pages label text option_a option_b check etched list lone_option cmdOk cmdCancel panel line shape "
                      "panel_label ");
 }
 
@@ -109,12 +119,17 @@ TEST_F(FormsTest, TheViewIsToldOfChangesAndOfNothingElse) {
         }
         dialog.list.add_row({}, u"A");
         dialog.list.select(0);
+        dialog.list.set_cell_color(0, 0, kRed);
+        dialog.check.set_value(1);
+        dialog.option_b.set_value(true);
         dialog.panel_label.refresh();
     }), test::log(R"(
 panel_label: New
 set cmdOk=off cmdOk=hidden shape=00FF00 pages=1
 list[0] "A" key "" tag ""
 set list=0
+list[0] cell 0000FF
+set check=changed option_b=changed
 redraw panel_label
 )"));
     // What the user does is on the screen already.
@@ -128,13 +143,16 @@ redraw panel_label
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(dialog.text.text(), u"typed");
     EXPECT_FALSE(dialog.list.selected());
+    // Without a view there is nobody to tell or to ask.
+    dialog.panel_label.refresh();
+    EXPECT_EQ(dialog.list.row_top(0), 0);
 }
 
 TEST_F(FormsTest, AListRefusesUnknownIconsAndClearingEndsItsSelection) {
     dialog.list.add_row(u"A", u"A", u"good");
     EXPECT_EQ(error_of([this] { dialog.list.set_icon(0, u"unknown"); }), kListElementNotFound);
     dialog.list.select(0);
-    dialog.list.clear();
+    EXPECT_EQ(told_of([this] { dialog.list.clear(); }), "list cleared\n");
     EXPECT_FALSE(dialog.list.selected());
 }
 
@@ -145,7 +163,7 @@ TEST_F(FormsTest, TheFileDialogKeepsItsNameThroughACancel) {
     screen.file.reset();
     files.ShowOpen();
     EXPECT_EQ(files.FileName, u"D:\\fw\\a.SHX");
-    EXPECT_NE(notebook.take().find("named \"D:\\fw\\a.SHX\""), std::string::npos) << "the next use begins with it";
+    EXPECT_NE(notebook.take().find("named \"D:\\fw\\a.SHX\" \"\" 000000"), std::string::npos) << "the next use begins with it";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/system.h"
 #include "tests/registry/side.h"
@@ -31,8 +32,7 @@ public:
         return opened(target_.create_key(parent, path, class_name, access, attributes, key), key);
     }
     std::int32_t close_key(Key key) noexcept override {
-        if (key == 0) ++null_closes;
-        open_keys.erase(key);
+        if (open_keys.erase(key) == 0) stray_closes.push_back(key);
         return target_.close_key(key);
     }
     std::int32_t delete_key(Key parent, const char* path) noexcept override { return target_.delete_key(parent, path); }
@@ -72,7 +72,8 @@ public:
     std::uint32_t last_access = 0;
     platform::SecurityAttributes last_attributes;
     std::set<Key> open_keys;
-    int null_closes = 0;
+    /// What was closed without having been opened.
+    std::vector<Key> stray_closes;
     int writes = 0;
 
 private:

@@ -92,7 +92,8 @@ TEST(AutomationValue, TextsBecome16BitNumbersOnlyWhenWhole) {
 TEST(AutomationValue, LeadingNumbersStopAtTheFirstOtherCharacter) {
     const std::pair<const char16_t*, double> cases[] = {{u"abc", 0},          {u".", 0},       {u"-1", 0},
                                                         {u"9600 baud", 9600}, {u"4.05", 4.05}, {u"3.2.1", 3.2},
-                                                        {u".5x", 0.5},        {u"7.", 7},      {u"\x0663", 0}};
+                                                        {u".5x", 0.5},        {u"7.", 7},      {u"\x0663", 0},
+                                                        {u"0.00000000000000000000009", 0}};
     for (const auto& [text, number] : cases) EXPECT_DOUBLE_EQ(leading_number(text), number) << to_utf8(text);
     EXPECT_EQ(leading_number(u'1' + std::u16string(5000, u'0')), std::numeric_limits<double>::infinity());
 }

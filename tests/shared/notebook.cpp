@@ -98,7 +98,7 @@ void Screen::changed(forms::Control& control, forms::Change change) {
         case Change::caption: return tell(": " + to_utf8(control.caption()));
         case Change::enabled: return set(control.enabled() ? "on" : "off");
         case Change::visible: return set(control.visible() ? "shown" : "hidden");
-        case Change::value: return;
+        case Change::value: return set("changed");
         case Change::color: return set(hex(static_cast<forms::Shape&>(control).fill_color()));
         case Change::tab: return set(std::to_string(static_cast<forms::TabPages&>(control).tab()));
         default: break;

@@ -132,6 +132,7 @@ TEST_F(Wizard, LoadingRabbitFirmwareReadiesTheExternalTool) {
     EXPECT_EQ(play({"cmdNext", "--", "opLoadFirmware", "cmdNext", "cmdChooseDisplay", "cmdNext", "cmdFirmwareBrowse",
                     "chkUseExternalApp", "cmdNext", "cmdBack", "cmdFinish", "cmdClose"}),
               log(R"(
+set opLoadFirmware=changed optJustResetDisplays=changed
 set SSTab1=2 shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080 cmdNext=off picFirmwareFileSect=shown lblFinishLoadFirmware=shown
 HostDisplayPicker new ShowDisplayPicker()
 lstvDisplays[0] "A" key "A" tag "" "tq-1 - Street" "COM3" "9600" "555"
@@ -142,6 +143,7 @@ set SSTab1=3 shpNavNodePickFiles=00FF00 shpNavNodesChooseDest=808080 cmdNext=off
 choose file in "C:\Host\bin\Firmware" named "" "Rabbit Files(*.BIN)|*.BIN" 081000
 txtFirmwareFilename: D:\fw\new.bin
 set cmdNext=on cmdFinish=on
+set chkUseExternalApp=changed
 set SSTab1=4 shpNavNodePickFiles=808080 shpNavNodesFinish=00FF00 cmdNext=off
 set SSTab1=3 shpNavNodePickFiles=00FF00 shpNavNodesFinish=808080 cmdNext=on
 is there C:\Host\\BIN\FIRMWARE\nvSerDownload.exe
@@ -205,6 +207,7 @@ lstvDisplays[1] "B" key "B" tag "" "Z180 Sign" "COM1" "9600" "555"
 lstvDisplays[2] "C" key "C" tag "" "z180 sign" "COM1" "9600" "555"
 set lblSignMismatchWarning=shown
 set SSTab1=1 shpNavNodesChooseDest=808080 shpNavNodeChooseOpt=00FF00 cmdNext=on
+set optJustResetDisplays=changed opLoadFirmware=changed
 set SSTab1=2 shpNavNodesChooseDest=00FF00 shpNavNodeChooseOpt=808080 lblSignMismatchWarning=hidden cmdFinish=on picFirmwareFileSect=hidden lblFinishLoadFirmware=hidden
 set SSTab1=4 shpNavNodesChooseDest=808080 shpNavNodesFinish=00FF00 cmdNext=off
 close dlgFirmwareWizard
