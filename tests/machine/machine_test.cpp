@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "com/com.h"
+#include "com/native/server.h"
 #include "core/runtime_error.h"
 #include "platform/native/registry_text.h"
 #include "tests/shared/temporary_folder.h"
@@ -79,6 +80,7 @@ TEST_F(Machine, DriveLettersLeadIntoItsFoldersAndBack) {
     EXPECT_EQ(drive_path(drive_c / "a/../Firmware/new.bin"), u"C:\\Firmware\\new.bin");
     EXPECT_EQ(drive_path(drive_c), u"C:\\");
     EXPECT_EQ(drive_path("/usr/lib"), u"Z:\\usr\\lib");
+    EXPECT_THROW(com::native::module_path(nullptr), RuntimeError) << "no module lies there";
 }
 
 }  // namespace

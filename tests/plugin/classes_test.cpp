@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "core/unicode.h"
-#include "plugin/type_library/writer.h"
 #include "tests/plugin/plugin_fixture.h"
 
 namespace vex::plugin_test {
@@ -291,15 +290,6 @@ TEST_F(Apartments, ManyAtOnceCreateCallAndLetGo) {
         });
     }
     for (std::thread& client : clients) client.join();
-}
-
-/// What it says is read by the system's loader on the other side; here it is the very file that was read there.
-TEST(TypeLibrary, IsTheFileThatSystemsWereSeenToRead) {
-    const std::vector<std::uint8_t> bytes = type_library::write(plugin::kLibrary);
-    EXPECT_EQ(bytes.size(), 3084U);
-    std::uint32_t sum = 0;
-    for (const std::uint8_t byte : bytes) sum = sum * 31 + byte;
-    EXPECT_EQ(sum, 3615085644U);
 }
 
 }  // namespace

@@ -25,18 +25,20 @@ TEST(Objects, ArgumentsAreOfTheirKind) {
         return std::ranges::find(host_classes(), name, &HostClass::name)->make(host);
     };
     const auto expect_refusal = [](IDispatch& object, const std::u16string& member,
-                                   std::initializer_list<com::Variant> arguments, const char* refusal) {
+                                   std::initializer_list<com::Variant> arguments, const char* refusal,
+                                   WORD flags = kMethod | kGet) {
         try {
-            call_late(object, member, arguments);
+            call_late(object, member, arguments, flags);
             ADD_FAILURE() << refusal;
         } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.number(), kTypeMismatch);
-            EXPECT_EQ(to_utf8(error.description()), refusal);
+            EXPECT_STREQ(error.what(), refusal);
         }
     };
-    expect_refusal(*made(u"HostDisplayList"), u"FindDisplay", {}, "FindDisplay: argument 1 is missing");
+    expect_refusal(*made(u"HostDisplayList"), u"FindDisplay", {}, "run-time error 13: FindDisplay: argument 1 is missing");
+    expect_refusal(*made(u"HostDisplayList"), u"OpenDisplayFile", {},
+                   "run-time error 438: Object doesn't support this property or method", kPut);
     expect_refusal(*made(u"vexDispTrans"), u"OpenConnection", {com::Variant::object(made(u"HostConnection").get())},
-                   "OpenConnection: argument 1 is of another type than declared");
+                   "run-time error 13: OpenConnection: argument 1 is of another type than declared");
 }
 
 // ---- Runs
