@@ -1,6 +1,7 @@
 // Dialog controls as plain data.
 #include "forms/controls.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/runtime_error.h"
