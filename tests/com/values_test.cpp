@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <string>
-#include <thread>
 #include <tuple>
 
 #include "com/bstr.h"
@@ -155,17 +154,6 @@ TEST(Conversion, BetweenTextsNumbersAndBooleans) {
 }
 
 // ---- Class objects and creation
-
-TEST(ModuleLifetime, LosesNoLockBetweenThreads) {
-    ModuleLifetime module;
-    const auto lock_often = [&module] {
-        for (int i = 0; i < 100'000; ++i) module.add_lock(), module.remove_lock();
-    };
-    std::thread other(lock_often);
-    lock_often();
-    other.join();
-    EXPECT_TRUE(module.can_unload());
-}
 
 constexpr CLSID kTestClass = {0x5B8D3A10, 0x2B1E, 0x4E0B, {0x9A, 0x1D, 0x0C, 0x1B, 0x7E, 0x52, 0x44, 0x01}};
 
