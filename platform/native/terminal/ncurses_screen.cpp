@@ -262,9 +262,7 @@ private:
     void add(KeyPress key) { inputs_.emplace_back(key); }
 
     void translate(int kind, wint_t code) {
-        if (kind == OK && code >= L' ' && code != 127) {
-            return add({Key::character, static_cast<char32_t>(code)});
-        }
+        if (kind == OK && code >= L' ' && code != 127) return add({Key::character, static_cast<char32_t>(code)});
         if (code == KEY_MOUSE) return read_mouse();
         if (code == kPasteBegins) return read_paste();
         for (const auto& [known, key] : kKeys) {
@@ -319,9 +317,7 @@ private:
         wtimeout(stdscr, letter ? 0 : escape_delay_);
         wint_t next = 0;
         kind = sequence ? get_wch(&next) : ERR;
-        if (kind == ERR && letter && code >= L' ') {
-            return add({Key::character, static_cast<char32_t>(code), true});
-        }
+        if (kind == ERR && letter && code >= L' ') return add({Key::character, static_cast<char32_t>(code), true});
         wtimeout(stdscr, escape_delay_);
         return text ? skip_text(kind, next) : read_sequence({'\033', static_cast<char>(code)}, kind, next);
     }
