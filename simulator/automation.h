@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <map>
@@ -74,8 +75,8 @@ struct Member : MemberFacts {
     com::Variant (Object::*call)(const CallArguments& arguments);
 };
 
-/// Base of the host's automation objects, whose table is `Derived::kMembers`. `Derived::on_call`, where there is one,
-/// is told of each call first and may raise an error in place of it.
+/// Base of the host's automation objects, whose name is `Derived::kClass` and whose table `Derived::kMembers`.
+/// `Derived::on_call`, where there is one, is told of each call first and may raise an error in place of it.
 template <class Derived, class... Interfaces>
 class AutomationObject : public com::Object<Derived, com::Untyped<IDispatch>, Interfaces...> {
 public:
@@ -110,9 +111,14 @@ public:
         // Called back in the middle of a call, the object may lose its last other reference.
         const com::ComPtr<Derived> alive(static_cast<Derived*>(this));
         return guarded_invoke(exception, [&] {
-            const CallArguments arguments(*parameters, *member, argument_error);
-            if constexpr (requires { alive->on_call(arguments); }) alive->on_call(arguments);
-            com::Variant value = (alive.get()->*member->call)(arguments);
+            const auto answer = [&] {
+                const CallArguments arguments(*parameters, *member, argument_error);
+                if constexpr (requires { alive->on_call(arguments); }) alive->on_call(arguments);
+                return (alive.get()->*member->call)(arguments);
+            };
+            com::Variant value = host_.around_call
+                                     ? host_.around_call({Derived::kClass, member, parameters}, std::ref(answer))
+                                     : answer();
             if (result != nullptr) *result = value.detach();
             return S_OK;
         });
@@ -156,13 +162,17 @@ public:
             com::ComPtr<IDispatch> target;
             if (FAILED(sink->QueryInterface(Derived::kSourceInterface, target.put_void())))
                 return CONNECT_E_CANNOTCONNECT;
+            if (this->host_.on_listener) this->host_.on_listener(Derived::kClass, *target, true);
             sinks_[++last_cookie_] = std::move(target);
             *cookie = last_cookie_;
             return S_OK;
         });
     }
     HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override {
-        return sinks_.extract(cookie).empty() ? CONNECT_E_NOCONNECTION : S_OK;
+        const auto gone = sinks_.extract(cookie);
+        if (gone.empty()) return CONNECT_E_NOCONNECTION;
+        if (this->host_.on_listener) this->host_.on_listener(Derived::kClass, *gone.mapped(), false);
+        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) noexcept override {
         return offers_none(connections);

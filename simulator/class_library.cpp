@@ -18,6 +18,8 @@ constexpr std::u16string_view kFinderName = u"FindXPort";
 /// selected last. Before opening, and of a host without displays, the fields are empty.
 class DisplayListObject final : public AutomationObject<DisplayListObject> {
 public:
+    static constexpr char16_t kClass[] = u"HostDisplayList";
+
     using AutomationObject::AutomationObject;
 
     void on_call(const CallArguments& arguments) {
@@ -98,6 +100,8 @@ private:
 /// The host's selection dialog.
 class DisplayPickerObject final : public AutomationObject<DisplayPickerObject> {
 public:
+    static constexpr char16_t kClass[] = u"HostDisplayPicker";
+
     using AutomationObject::AutomationObject;
 
     com::Variant show(const CallArguments& /*none*/) { return com::Variant::text(host_.choose_displays()); }
@@ -109,6 +113,7 @@ public:
 /// Reports the device servers in front of the displays at the addresses that it searches.
 class BoxFinder final : public EventfulControl<BoxFinder> {
 public:
+    static constexpr char16_t kClass[] = u"vexLANBoxFinder2";
     static constexpr const IID& kSourceInterface = kBoxFinderEvents;
 
     using EventfulControl::EventfulControl;
@@ -161,10 +166,9 @@ constexpr CLSID kDisplayPickerClass = {0x829CA34E, 0xAE00, 0x4DDB, {0x94, 0x0C, 
 const std::vector<HostClass>& host_classes() {
     static const std::vector<HostClass> kClasses = [] {
         std::vector<HostClass> classes = transmission_classes();
-        classes.push_back(host_class<BoxFinder>(own_identity(0x52), u"vexLantronixControls2.vexLANBoxFinder2"));
-        classes.push_back(host_class<DisplayListObject>(kDisplayListClass, u"vexBrivolaClasses4.HostDisplayList"));
-        classes.push_back(
-            host_class<DisplayPickerObject>(kDisplayPickerClass, u"vexBrivolaClasses4.HostDisplayPicker"));
+        classes.push_back(host_class<BoxFinder>(own_identity(0x52), u"vexLantronixControls2"));
+        classes.push_back(host_class<DisplayListObject>(kDisplayListClass, u"vexBrivolaClasses4"));
+        classes.push_back(host_class<DisplayPickerObject>(kDisplayPickerClass, u"vexBrivolaClasses4"));
         return classes;
     }();
     return kClasses;
@@ -195,8 +199,13 @@ HostClasses::HostClasses(Host& host) {
         if (!platform::write_class_text(key, u"", reinterpret_cast<const char16_t*>(clsid)))
             throw RuntimeError(kAutomationError, entry.programmatic_id + u" cannot be registered");
         cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
-            host.begin({host.display_asked_about, 0, entry.name()}, u"new " + std::u16string(entry.name()));
-            return entry.make(host);
+            const ObjectCall creation{entry.name()};
+            const auto make = [&] {
+                host.begin({host.display_asked_about, 0, entry.name()}, creation.name());
+                return com::Variant::object(entry.make(host).get());
+            };
+            const com::Variant made = host.around_call ? host.around_call(creation, std::ref(make)) : make();
+            return com::ComPtr<IDispatch>(made.get().pdispVal);
         }));
     }
 }

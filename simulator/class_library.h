@@ -31,9 +31,9 @@ struct HostClass {
 };
 
 template <class Class>
-HostClass host_class(const CLSID& clsid, const char16_t* programmatic_id) {
+HostClass host_class(const CLSID& clsid, const std::u16string& library) {
     const auto make = [](Host& host) { return com::make_object<Class>(host).template query<IDispatch>(); };
-    return {clsid, programmatic_id, make, {std::begin(Class::kMembers), std::end(Class::kMembers)}};
+    return {clsid, library + u'.' + Class::kClass, make, {std::begin(Class::kMembers), std::end(Class::kMembers)}};
 }
 
 /// Those of `transmission_control.h` first.

@@ -6,6 +6,7 @@
 #include "core/digits.h"
 #include "core/runtime_error.h"
 #include "platform/private_files.h"
+#include "simulator/automation.h"
 
 namespace vex::sim {
 
@@ -17,6 +18,11 @@ std::filesystem::path Machine::writable_path(const std::u16string& path) {
         refuse(path, "is no path on a drive of A: to Y:");
     platform::make_private_folder(drives() / (std::string("drive_") + static_cast<char>(drive - u'A' + 'a')));
     return real_path(path);
+}
+
+std::u16string ObjectCall::name() const {
+    return member == nullptr ? u"new " + std::u16string(class_name)
+                             : std::u16string(class_name).append(u".").append(member->name);
 }
 
 ScriptedCall Host::begin(const Call& call, const std::u16string& shown) {

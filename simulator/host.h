@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "com/object.h"
+#include "com/variant.h"
 #include "core/unicode.h"
 #include "simulator/displays.h"
 
@@ -37,6 +38,19 @@ struct Call {
     std::u16string display;
     std::int16_t id = 0;
     Operation operation;
+};
+
+struct MemberFacts;
+
+/// A call of one of the host's objects by automation, or the creation of one.
+struct ObjectCall {
+    std::u16string_view class_name;
+    /// Null of a creation, as the parameters are.
+    const MemberFacts* member = nullptr;
+    DISPPARAMS* parameters = nullptr;
+
+    /// "Class.Member", or "new Class".
+    std::u16string name() const;
 };
 
 /// Something on a link, while it happens.
@@ -146,6 +160,12 @@ struct Host {
     /// Told of what goes on on the links, so that it can be watched and take its time; may be empty. Answers
     /// whether the link still stands; where not, what is in progress is interrupted.
     std::function<bool(const LinkEvent& event)> on_link;
+
+    /// Stands between callers and the host's objects: lets them answer, or answers or raises in their place. Empty:
+    /// they answer.
+    std::function<com::Variant(const ObjectCall& call, const std::function<com::Variant()>& answer)> around_call;
+    /// Told of who begins and ends to listen to a control.
+    std::function<void(std::u16string_view class_name, IDispatch& sink, bool listens)> on_listener;
 
     /// The display that a caller asked about last. Where several displays share one line, it is meant.
     std::u16string display_asked_about;

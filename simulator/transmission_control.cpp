@@ -38,6 +38,8 @@ struct ConnectionSettings {
 /// object gives itself away.
 class ConnectionObject final : public AutomationObject<ConnectionObject> {
 public:
+    static constexpr char16_t kClass[] = u"HostConnection";
+
     explicit ConnectionObject(Host& host, ConnectionSettings settings = {}) noexcept
         : AutomationObject(host), settings_(std::move(settings)) {}
 
@@ -85,6 +87,8 @@ private:
 /// What a display reports of the slaves behind one of its units.
 class SignInfoObject final : public AutomationObject<SignInfoObject> {
 public:
+    static constexpr char16_t kClass[] = u"HostSignInfo";
+
     explicit SignInfoObject(Host& host, std::optional<SlaveCounts> slaves = {}) noexcept
         : AutomationObject(host), has_slaves_(slaves.has_value()), counts_(slaves.value_or(SlaveCounts())) {}
 
@@ -116,6 +120,7 @@ private:
 /// operation is in progress.
 class TransmissionControl final : public EventfulControl<TransmissionControl> {
 public:
+    static constexpr char16_t kClass[] = u"vexDispTrans";
     static constexpr const IID& kSourceInterface = kTransmissionEvents;
 
     using EventfulControl::EventfulControl;
@@ -359,9 +364,9 @@ private:
 }  // namespace
 
 std::vector<HostClass> transmission_classes() {
-    return {host_class<TransmissionControl>(own_identity(0x50), u"vexDTCon4.vexDispTrans"),
-            host_class<ConnectionObject>(own_identity(0x4D), u"vexBrivolaClasses4.HostConnection"),
-            host_class<SignInfoObject>(own_identity(0x4F), u"vexBrivolaClasses4.HostSignInfo")};
+    return {host_class<TransmissionControl>(own_identity(0x50), u"vexDTCon4"),
+            host_class<ConnectionObject>(own_identity(0x4D), u"vexBrivolaClasses4"),
+            host_class<SignInfoObject>(own_identity(0x4F), u"vexBrivolaClasses4")};
 }
 
 bool speaks(Operation operation) noexcept {

@@ -1,7 +1,5 @@
 // Lets memory end at every allocation of a whole road: registration, catalogue, wizard with About, a run over two
 // displays with a retry, deregistration.
-#include "tests/proof/memory.h"
-
 #include <gtest/gtest.h>
 #include <link.h>
 

@@ -5,19 +5,19 @@
 
 #include <deque>
 #include <filesystem>
+#include <iostream>
 #include <map>
-#include <sstream>
 #include <utility>
 
 #include "core/runtime_error.h"
 #include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "platform/registry.h"
+#include "simulator/class_library.h"
 #include "simulator/firmware_image.h"
 #include "simulator/native/native_session.h"
 #include "support/mod_reg_access.h"
 #include "support/text.h"
-#include "tests/proof/memory.h"
 #include "tests/shared/temporary_folder.h"
 #include "wizard/dlg_firmware_wizard.h"
 
@@ -205,8 +205,7 @@ std::vector<std::pair<std::size_t, Moment>> moments(const std::vector<std::u16st
 
 Outcome play(const Plan& plan) {
     Outcome outcome;
-    std::ostringstream shown;
-    sim::Trace trace(shown, true);
+    sim::Trace trace(std::cerr, true);
     com::ModuleLifetime module;
     sim::NativeMachine machine;
     {
@@ -218,22 +217,23 @@ Outcome play(const Plan& plan) {
 
         bool interrupting = true;
         User user(plan, host, outcome, interrupting);
-        Meddling meddling;
-        meddling.before = [&](const std::u16string& call) -> std::optional<com::Variant> {
-            if (!interrupting) return std::nullopt;
+        host.around_call = [&](const sim::ObjectCall& made, const std::function<com::Variant()>& answer) {
+            const Side side(Side::host);
+            if (!interrupting) return answer();
+            const std::u16string call = made.name();
             outcome.calls.push_back(call);
-            if (user.cancelled() && call.starts_with(u"vexDispTrans.")) outcome.calls_after_cancel.push_back(call);
-            return plan.meddle ? plan.meddle(call) : std::nullopt;
-        };
-        meddling.after = [&](const std::u16string& call, VARIANT& answer) {
-            const bool heedless = plan.heedless && interrupting && call.starts_with(u"vexDispTrans.");
-            if (heedless && answer.vt == VT_BOOL) answer.boolVal = VARIANT_TRUE;
+            const bool is_controls = call.starts_with(u"vexDispTrans.");
+            if (user.cancelled() && is_controls) outcome.calls_after_cancel.push_back(call);
+            const auto given = plan.meddle ? plan.meddle(call) : std::nullopt;
+            // A value that is put has no answer.
+            com::Variant value = given && made.member->kind != sim::kPut ? *given : answer();
+            if (plan.heedless && is_controls && value.type() == VT_BOOL) return com::Variant::boolean(true);
+            return value;
         };
         if (plan.moment) {
             host.script.push_back({.pattern = {std::nullopt, std::nullopt, plan.moment->operation, plan.moment->at},
                                    .message = sim::ScriptedMessage{u"Just a moment", [] {}}});
         }
-        const Interposer interposer(host, meddling);
         const sim::HostClasses classes(host);
         const long factories = host.lifetime.objects();
         forms::ScriptedToolkit toolkit(user);

@@ -1,4 +1,5 @@
-// A whole update in one process: simulated host, real dialogs, a scripted user. Each run stands alone.
+// A whole update in one process: simulated host, real dialogs, a scripted user. Each run stands alone. Its memory may
+// end, where a program has an operator new of its own.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "com/variant.h"
 #include "forms/scripted_toolkit.h"
 #include "simulator/host.h"
 #include "simulator/words.h"
-#include "tests/proof/interposer.h"
 
 namespace vex::proof {
 
@@ -20,6 +21,13 @@ enum class Mode { reset, firmware, flash_loader, external_tool };
 inline constexpr Mode kModes[] = {Mode::reset, Mode::firmware, Mode::flash_loader, Mode::external_tool};
 
 const char* name_of(Mode mode) noexcept;
+
+/// The number of the errors that tests raise.
+inline constexpr std::int32_t kRaisedNumber = 1234;
+
+/// What becomes of a call, "Class.Member": nothing: it happens; a value: it does not, and is answered so; an error that
+/// is thrown here: it raises that one. Of a creation, "new Class": an error makes it fail.
+using Meddle = std::function<std::optional<com::Variant>(const std::u16string& call)>;
 
 /// A message during the `at`-th call of an operation, and what the user does about it.
 struct Moment {
@@ -68,6 +76,35 @@ struct Outcome {
     /// The host's and the plug-in's objects that were left over.
     long host_objects = 0;
     long plugin_objects = 0;
+};
+
+/// How allocations of the plug-in, and of the runtime on its behalf, are counted and refused. Those of the host and of
+/// the user are neither.
+struct Memory {
+    bool counting = false;
+    std::size_t counted = 0;
+    /// The allocation, counted from 1, that is refused; 0: none.
+    std::size_t refused = 0;
+    /// Also every one after it.
+    bool to_the_end = false;
+    /// Allocations of anybody that have not been freed.
+    long alive = 0;
+    bool plugin_runs = false;
+};
+
+inline Memory memory;
+
+/// While it lives, whose code runs.
+class Side {
+public:
+    static constexpr bool host = false, plugin = true;
+    explicit Side(bool plugin_runs) noexcept : before_(std::exchange(memory.plugin_runs, plugin_runs)) {}
+    Side(const Side&) = delete;
+    Side& operator=(const Side&) = delete;
+    ~Side() { memory.plugin_runs = before_; }
+
+private:
+    bool before_;
 };
 
 /// Plays the plan on a simulated machine that has the files that plans need.

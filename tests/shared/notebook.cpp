@@ -1,12 +1,9 @@
 // Writes down what dialogs do.
 #include "tests/shared/notebook.h"
 
-#include "com/class_factory.h"
-#include "com/object.h"
 #include "core/digits.h"
 #include "core/unicode.h"
 #include "platform/system.h"
-#include "simulator/class_library.h"
 
 // Where the linker finds these functions in a program, it takes them and not the system's.
 
@@ -26,8 +23,17 @@ namespace {
 std::string in_quotes(std::u16string_view text) { return '"' + to_utf8(text) + '"'; }
 std::string hex(forms::Color color) { return to_utf8(digits_of(color, 16, 6)); }
 
-constexpr IID kEvents = {0x1B6B7A52, 0x2E0C, 0x4B7B, {0x8E, 0x2F, 0x33, 0x0D, 0x5C, 0x4A, 0x61, 0x07}};
-constexpr DWORD kCookie = 7;
+std::string shown(const VARIANT& value) {
+    switch (value.vt) {
+        case VT_BSTR: return in_quotes(com::view(value.bstrVal));
+        case VT_BYREF | VT_BSTR: return '&' + in_quotes(com::view(*value.pbstrVal));
+        case VT_I2: return "I2 " + std::to_string(value.iVal);
+        case VT_I4: return "I4 " + std::to_string(value.lVal);
+        case VT_R8: return "R8 " + std::to_string(static_cast<int>(value.dblVal));
+        case VT_BYREF | VT_DISPATCH: return "&object";
+        default: return "kind " + std::to_string(value.vt);
+    }
+}
 
 }  // namespace
 
@@ -126,117 +132,41 @@ void Screen::changed(forms::Control& control, forms::Change change) {
     }
 }
 
-/// An object of any of the host's classes; a control raises its one event to the sink that it is given.
-class HostObject final : public com::Object<HostObject, com::Untyped<IDispatch>, IProvideClassInfo2,
-                                            IConnectionPointContainer, IConnectionPoint> {
-public:
-    HostObject(RecordedHost& host, const sim::HostClass& of) : Object(host.objects), host_(host), class_(of) {}
-
-    ~HostObject() { EXPECT_EQ(listeners_, 0) << name_ << " is still connected"; }
-
-    const std::string& name() const { return name_; }
-
-    HRESULT GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
-        const auto member = std::ranges::find(class_.members, std::u16string(*names), &sim::MemberFacts::name);
-        // The controls are called by id.
-        if (name_.starts_with("vex") || member == class_.members.end()) return DISP_E_UNKNOWNNAME;
-        *ids = static_cast<DISPID>(member->id);
-        return S_OK;
-    }
-    HRESULT Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
-                   UINT*) noexcept override {
-        const auto member = std::ranges::find(class_.members, static_cast<std::uint32_t>(id), &sim::MemberFacts::id);
-        if (member == class_.members.end()) return DISP_E_MEMBERNOTFOUND;
-        const std::string name = to_utf8(member->name);
-        const std::string call = name_ + '.' + name;
-        const bool puts = flags == DISPATCH_PROPERTYPUT && parameters->cNamedArgs == 1 &&
-                          parameters->rgdispidNamedArgs[0] == DISPID_PROPERTYPUT && result == nullptr;
-        std::string arguments;
-        for (UINT i = parameters->cArgs; i-- > 0;)
-            arguments += (arguments.empty() ? "" : ", ") + shown(parameters->rgvarg[i]);
-        // What is only read is not written down.
-        if (puts) host_.notebook_.part(name_, name_, ' ' + name + '=' + arguments);
-        if (flags == DISPATCH_METHOD) host_.notebook_.part(name_, name_, ' ' + name + '(' + arguments + ')');
-        if (!puts && flags != DISPATCH_METHOD && flags != (DISPATCH_METHOD | DISPATCH_PROPERTYGET))
-            return DISP_E_MEMBERNOTFOUND;
-        const com::ComPtr<HostObject> alive(this);
-        if (const auto during = host_.during.find(call); during != host_.during.end()) during->second(*parameters);
-        if (result == nullptr) return S_OK;
-        const auto answer = host_.answers.find(call);
-        if (answer != host_.answers.end()) return VariantCopy(result, &answer->second.get());
-        if (call == "vexDispTrans.GetSignInfo")
-            *result = com::Variant::object(host_.make("HostSignInfo").get()).detach();
-        else if (name_ == "vexDispTrans")
-            *result = com::Variant::boolean(true).detach();
-        return S_OK;
-    }
-
-    HRESULT GetClassInfo(ITypeInfo**) noexcept override { return E_NOTIMPL; }
-    HRESULT GetGUID(DWORD, GUID* guid) noexcept override {
-        *guid = kEvents;
-        return S_OK;
-    }
-    HRESULT EnumConnectionPoints(IEnumConnectionPoints**) noexcept override { return E_NOTIMPL; }
-    HRESULT FindConnectionPoint(REFIID, IConnectionPoint** point) noexcept override {
-        AddRef();
-        *point = this;
-        return S_OK;
-    }
-    HRESULT GetConnectionInterface(IID*) noexcept override { return E_NOTIMPL; }
-    HRESULT GetConnectionPointContainer(IConnectionPointContainer**) noexcept override { return E_NOTIMPL; }
-    HRESULT Advise(IUnknown* sink, DWORD* cookie) noexcept override {
-        *cookie = kCookie;
-        ++listeners_;
-        return sink->QueryInterface(kEvents, host_.sinks_[name_].put_void());
-    }
-    // It keeps the sink all the same, and may go on calling it.
-    HRESULT Unadvise(DWORD cookie) noexcept override {
-        EXPECT_EQ(cookie, kCookie);
-        --listeners_;
-        return S_OK;
-    }
-    HRESULT EnumConnections(IEnumConnections**) noexcept override { return E_NOTIMPL; }
-
-private:
-    static std::string shown(const VARIANT& value) {
-        switch (value.vt) {
-            case VT_BSTR: return in_quotes(com::view(value.bstrVal));
-            case VT_BYREF | VT_BSTR: return '&' + in_quotes(com::view(*value.pbstrVal));
-            case VT_I2: return "I2 " + std::to_string(value.iVal);
-            case VT_I4: return "I4 " + std::to_string(value.lVal);
-            case VT_R8: return "R8 " + std::to_string(static_cast<int>(value.dblVal));
-            case VT_BYREF | VT_DISPATCH: return '&' + static_cast<HostObject*>(*value.ppdispVal)->name();
-            default: return "kind " + std::to_string(value.vt);
-        }
-    }
-
-    RecordedHost& host_;
-    const sim::HostClass& class_;
-    const std::string name_ = to_utf8(class_.name());
-    int listeners_ = 0;
-};
-
 RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    constexpr platform::RegistryKey kClassesRoot = platform::registry_key(platform::kHkeyClassesRoot);
-    for (const sim::HostClass& one : sim::host_classes()) {
-        const std::string name = to_utf8(one.name());
-        cookies_.push_back(com::offer_class(objects, one.clsid, [this, &one, name] {
-            notebook_.part(name, name, " new");
-            return com::make_object<HostObject>(*this, one);
-        }));
-        // Those two are created by class id.
-        if (name.starts_with("HostDisplay")) continue;
-        OLECHAR text[39];
-        StringFromGUID2(one.clsid, text, 39);
-        Key::created(kClassesRoot, to_utf8(one.programmatic_id) + "\\CLSID").set_text("", to_utf8(text));
-    }
+    side_registry();  // puts it in place
+    host_.around_call = [this](const sim::ObjectCall& call, const auto& create) { return answer(call, create); };
+    host_.on_listener = [this](std::u16string_view control, IDispatch& sink, bool listens) {
+        sinks_[to_utf8(control)] = com::ComPtr<IDispatch>(&sink);
+        listeners_ += listens ? 1 : -1;
+    };
+    classes_.emplace(host_);
 }
 
 RecordedHost::~RecordedHost() {
-    for (const DWORD cookie : cookies_) CoRevokeClassObject(cookie);
-    EXPECT_EQ(objects.objects(), 0) << "an object of the host was left";
+    classes_.reset();
+    EXPECT_EQ(listeners_, 0) << "a control is still connected";
+    EXPECT_EQ(host_.lifetime.objects(), 0) << "an object of the host was left";
     CoUninitialize();
+}
+
+com::Variant RecordedHost::answer(const sim::ObjectCall& call, const std::function<com::Variant()>& create) {
+    const std::string of = to_utf8(call.class_name), name = to_utf8(call.name());
+    if (call.member == nullptr) {
+        notebook_.part(of, of, " new");
+        return create();
+    }
+    std::string arguments;
+    for (UINT i = call.parameters->cArgs; i-- > 0;)
+        arguments += (arguments.empty() ? "" : ", ") + shown(call.parameters->rgvarg[i]);
+    // What is only read is not written down.
+    const std::string member = to_utf8(call.member->name);
+    if (call.member->kind == sim::kPut) notebook_.part(of, of, ' ' + member + '=' + arguments);
+    if (call.member->kind == sim::kMethod) notebook_.part(of, of, ' ' + member + '(' + arguments + ')');
+    if (const auto during_call = during.find(name); during_call != during.end()) during_call->second(*call.parameters);
+    if (const auto given = answers.find(name); given != answers.end()) return given->second;
+    if (name == "vexDispTrans.GetSignInfo") return com::Variant::object(make(u"HostSignInfo").get());
+    return of == "vexDispTrans" ? com::Variant::boolean(true) : com::Variant();
 }
 
 HRESULT RecordedHost::raise(const char* control, const com::Variant& argument, DISPID event, UINT arguments) {
@@ -246,9 +176,8 @@ HRESULT RecordedHost::raise(const char* control, const com::Variant& argument, D
     return sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
 }
 
-com::ComPtr<IDispatch> RecordedHost::make(const char* name) {
-    const auto one = std::ranges::find(sim::host_classes(), from_utf8(name), &sim::HostClass::name);
-    return com::make_object<HostObject>(*this, *one).query<IDispatch>();
+com::ComPtr<IDispatch> RecordedHost::make(const char16_t* name) {
+    return std::ranges::find(sim::host_classes(), name, &sim::HostClass::name)->make(host_);
 }
 
 }  // namespace vex::test

@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <functional>
+#include <iostream>
 #include <map>
 #include <set>
 #include <string>
@@ -15,6 +16,8 @@
 #include "com/variant.h"
 #include "core/unicode.h"
 #include "forms/form.h"
+#include "simulator/class_library.h"
+#include "simulator/native/native_session.h"
 #include "support/services.h"
 #include "tests/registry/observed_registry.h"
 #include "tests/registry/test_key.h"
@@ -85,8 +88,6 @@ private:
     std::map<const forms::ListView*, std::vector<forms::ListRow>> rows_;
 };
 
-class HostObject;
-
 /// The host's side: every class of the simulated host, with answers by "Class.Member".
 class RecordedHost {
 public:
@@ -104,15 +105,19 @@ public:
     }
     HRESULT raise(const char* control, const com::Variant& argument, DISPID event = 9, UINT arguments = 1);
     void forget_sinks() { sinks_.clear(); }
-    com::ComPtr<IDispatch> make(const char* name);
-    com::ModuleLifetime objects;
+    com::ComPtr<IDispatch> make(const char16_t* name);
 
 private:
-    friend class HostObject;
+    com::Variant answer(const sim::ObjectCall& call, const std::function<com::Variant()>& create);
 
     Notebook& notebook_;
+    /// Who listens or has listened to each control. A control may go on calling one that has gone.
     std::map<std::string, com::ComPtr<IDispatch>> sinks_;
-    std::vector<DWORD> cookies_;
+    int listeners_ = 0;
+    sim::Trace trace_{std::cerr, true};
+    sim::NativeMachine machine_;
+    sim::Host host_{trace_, machine_};
+    std::optional<sim::HostClasses> classes_;
 };
 
 /// What the system answers in the place of the real one: whether each file exists, and whether each program starts.

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "simulator/displays.h"
 #include "simulator/firmware_image.h"
 #include "simulator/program.h"
@@ -29,11 +27,9 @@ void displays(const std::string& text) { Displays::parse("a", text); }
 void units(const std::string& text) { Units::parse("a", text); }
 void image(const std::string& text) { check_motorola_image(text, u"a"); }
 void loader(const std::string& text) { check_loader_image(text, u"a"); }
-/// Words with blanks between.
 CommandLine options(const std::string& text) {
     std::vector<std::string> words;
-    std::istringstream stream(text);
-    for (std::string word; stream >> word;) words.push_back(word);
+    for (const std::u16string& word : split_words(from_utf8(text))) words.push_back(to_utf8(word));
     return parse_command_line(words);
 }
 void command_line(const std::string& text) { options(text); }

@@ -78,7 +78,7 @@ open dlgHandleSignOption
 lblDisplayName: Main Street
 lblStatus: Preparing to Open Connection to Display!
 HostConnection new ConnectionType=I2 1 ComBaud="9600" ComPort="COM1" SignID=I2 1
-vexDispTrans OpenConnection(&HostConnection)
+vexDispTrans OpenConnection(&object)
 lblStatus: Connection Open
 lblStatus: Checking for Master/Slaves
 redraw lblStatus
@@ -129,7 +129,7 @@ lblStatus: Checking if Display Type and Connection support firmware download!
 vexLANBoxFinder2 SearchTimeout=I2 1000 FindBoxes("10.0.0.7", R8 7, R8 7)
 lblStatus: Preparing to Open Connection to Display!
 HostConnection new ConnectionType=I2 2 NetworkAddress="10.0.0.7" ComPort="COM1" SignID=I2 7
-vexDispTrans OpenConnection(&HostConnection)
+vexDispTrans OpenConnection(&object)
 lblStatus: Connection Open
 vexDispTrans PrepareForFirmware()
 is there C:\Plugin\BIN\FIRMWARE\SL-RCM2000D.BIN
@@ -150,7 +150,7 @@ TEST_F(Session, LeavesRabbitFirmwareToTheExternalTool) {
         EXPECT_EQ(play(u"D:\\fw\\new.BIN", true, true), prepared);
         EXPECT_EQ(status, u"Locked") << "the control's last word";
         EXPECT_EQ(log_from("OpenConnection"), log(R"(
-OpenConnection(&HostConnection)
+OpenConnection(&object)
 lblStatus: Connection Open
 vexDispTrans PrepareForFirmware()
 pump
@@ -187,19 +187,15 @@ TEST_F(Session, AConnectionThatDoesNotOpenEndsIt) {
                                                  "to display!\nclose dlgHandleSignOption\n");
 }
 
-TEST_F(Session, AnUnknownKindOfConnectionIsTheNetwork) {
+TEST_F(Session, AnUnknownKindOfConnectionIsTheNetworkAndTheControlMayReplaceIt) {
     display({{"ConnectionType", u"7"}});
-    EXPECT_TRUE(play(u""));
-    EXPECT_THAT(notebook.take(), HasSubstr("new ConnectionType=I2 2 NetworkAddress=\"10.0.0.7\" ComPort=\"COM1\" "));
-}
-
-TEST_F(Session, TheControlMayReplaceTheConnection) {
     host.during["vexDispTrans.OpenConnection"] = [this](DISPPARAMS& given) {
         IDispatch*& connection = *given.rgvarg[0].ppdispVal;
         connection->Release();
-        connection = host.make("HostConnection").detach();
+        connection = host.make(u"HostConnection").detach();
     };
     EXPECT_TRUE(play(u""));
+    EXPECT_THAT(notebook.take(), HasSubstr("new ConnectionType=I2 2 NetworkAddress=\"10.0.0.7\" ComPort=\"COM1\" "));
 }
 
 TEST_F(Session, CancelAsksAndEndsTheOperationAndTheConnection) {
