@@ -4,6 +4,10 @@
 #include "simulator/words.h"
 #include "tests/plugin/plugin_fixture.h"
 
+std::filesystem::path vex::plugin_test::plugin_file() {
+    return std::filesystem::path(platform::win32::module_path()).replace_filename("vexFirmwarePlugin.dll");
+}
+
 namespace vex::platform::win32 {
 namespace {
 
@@ -15,7 +19,7 @@ TEST(LateLibrary, IsTheSystemsOwn) {
     const std::filesystem::path here = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
     for (const std::filesystem::path& planted : {beside, folder.path() / "vexPlanted.dll"}) {
-        std::filesystem::copy_file(std::filesystem::path(beside).replace_filename("vexFirmwarePlugin.dll"), planted);
+        std::filesystem::copy_file(plugin_test::plugin_file(), planted);
         EXPECT_THROW(LateLibrary(u"vexPlanted.dll"), RuntimeError) << planted;
         std::error_code left_loaded;
         std::filesystem::remove(planted, left_loaded);
@@ -25,29 +29,17 @@ TEST(LateLibrary, IsTheSystemsOwn) {
 
 // ---- Unloading
 
-constexpr char kLibraryFile[] = "vexFirmwarePlugin.dll";
+bool is_loaded() { return GetModuleHandleW(plugin_test::plugin_file().c_str()) != nullptr; }
 
-bool is_loaded() { return GetModuleHandleA(kLibraryFile) != nullptr; }
-
-/// Makes a catalogue and asks it for a name, which fills the apartment's data.
-void use(HMODULE library) {
-    const auto get_class =
-        reinterpret_cast<LPFNGETCLASSOBJECT>(reinterpret_cast<void*>(GetProcAddress(library, "DllGetClassObject")));
-    com::ComPtr<IClassFactory> factory;
-    com::ComPtr<IDispatch> catalogue;
-    ASSERT_EQ(get_class(plugin_test::kCatalogueClass, IID_IClassFactory, factory.put_void()), S_OK);
-    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, catalogue.put_void()), S_OK);
-    const auto name =
-        plugin_test::call(*catalogue, plugin_test::kPluginNames, DISPATCH_PROPERTYGET, {com::Variant::int16(0)});
-    EXPECT_EQ(name.result, S_OK);
-}
-
-/// Loads the library, uses it in an apartment of the thread's own and gives the reference back, or not.
+/// Loads the library, asks for a name in an apartment of the thread's own, which fills that one's data, and gives the
+/// reference back, or not.
 DWORD WINAPI visit(void* frees) {
     EXPECT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
-    const HMODULE library = LoadLibraryA(kLibraryFile);
-    use(library);
-    if (frees != nullptr) FreeLibrary(library);
+    EXPECT_EQ(plugin_test::call(*plugin_test::make(plugin_test::kCatalogueClass), plugin_test::kPluginNames,
+                                DISPATCH_PROPERTYGET, {com::Variant::int16(0)})
+                  .result,
+              S_OK);
+    if (frees != nullptr) plugin_test::library.reset();
     EXPECT_EQ(is_loaded(), frees == nullptr);
     CoUninitialize();
     return 0;
@@ -67,7 +59,7 @@ TEST(Unloading, TheLastReferenceTakesTheLibraryAwayOnAnyThread) {
     visit_on_another_thread(&yes);
     visit_on_another_thread(nullptr);
     ASSERT_TRUE(is_loaded()) << "the ended thread's reference is still there";
-    FreeLibrary(GetModuleHandleA(kLibraryFile));
+    plugin_test::library.reset();
     EXPECT_FALSE(is_loaded());
 }
 
