@@ -28,11 +28,6 @@ TEST(Rules, VersionNumbersReadOneCharacterBeforeTheLastPoint) {
     EXPECT_FALSE(is_kqs_controller(u"KQ") || is_kqs_controller(u" KQS"));
 }
 
-TEST(Rules, HostNumbersStandBehindTheLastPoint) {
-    EXPECT_EQ(host_number(u"10.0.0.7"), 7);
-    EXPECT_EQ(host_number(u"displays"), 0);
-}
-
 TEST(Rules, SplittingLosesNothing) {
     EXPECT_TRUE(split(u"", u',').empty());
     EXPECT_EQ(split(u",", u','), (std::vector<std::u16string>{u"", u""}));
@@ -47,7 +42,9 @@ TEST(Rules, BoardFamiliesByTypeTextAndByCode) {
     EXPECT_FALSE(IsTQ1SignType(159) || IsTQ1SignType(170));
 }
 
-TEST(Rules, LanBoxesAreToldByTheFirstWordOfThree) {
+TEST(Rules, HostNumbersStandBehindTheLastPointAndLanBoxesAreToldByTheFirstWordOfThree) {
+    EXPECT_EQ(host_number(u"10.0.0.7"), 7);
+    EXPECT_EQ(host_number(u"displays"), 0);
     const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"UDS before XPort", u"XPort"}, {u"MSS4 or UDS", u"UDS"}, {u"MSS", u"MSS"}, {u"xport uds mss", u"Unknown"}};
     for (const auto& [text, type] : cases) EXPECT_EQ(lan_box_type(text), type);

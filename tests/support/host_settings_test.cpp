@@ -16,13 +16,17 @@ protected:
     }
 };
 
-TEST_F(HostSettings, WhatIsMissingReadsAsTheDefault) {
+TEST_F(HostSettings, NumbersReadAsDecimalTextAndWhatIsMissingOrNoTextAsTheDefault) {
     EXPECT_EQ(read(u"AppPath"), u"the default");
     EXPECT_FALSE(Key::opened(platform::registry_key(kHkeyLocalMachine), "Software\\Norvan"))
         << "reading creates nothing";
     WriteHostSetting(services, std::u16string(256, u'x'), u"Settings", u"v", u"what cannot be written is dropped");
-    machine_key("Software\\Norvan\\Brivola3\\Settings");
+    const Key section = machine_key("Software\\Norvan\\Brivola3\\Settings");
     EXPECT_EQ(read(u"AppPath"), u"the default");
+    section.set("EnableXPort", kRegDword, {0xFE, 0xFF, 0xFF, 0xFF});
+    EXPECT_EQ(read(u"EnableXPort"), u"-2");
+    section.set("EnableXPort", kRegBinary, {1, 2});
+    EXPECT_EQ(read(u"EnableXPort"), u"the default") << "bytes are no text";
 }
 
 TEST_F(HostSettings, WritingCreatesTheKeysAsTheyAreNamedAndATextValue) {
@@ -32,14 +36,6 @@ TEST_F(HostSettings, WritingCreatesTheKeysAsTheyAreNamedAndATextValue) {
     ASSERT_TRUE(section);
     EXPECT_EQ(section.get("Key\\Name"), std::pair(std::uint32_t{kRegSz}, bytes_of({"12\0", 3})))
         << "what looks like a number is written as text";
-}
-
-TEST_F(HostSettings, NumbersReadAsDecimalTextAndBytesAsTheDefault) {
-    const Key section = machine_key("Software\\Norvan\\Brivola3\\Settings");
-    section.set("EnableXPort", kRegDword, {0xFE, 0xFF, 0xFF, 0xFF});
-    EXPECT_EQ(read(u"EnableXPort"), u"-2");
-    section.set("EnableXPort", kRegBinary, {1, 2});
-    EXPECT_EQ(read(u"EnableXPort"), u"the default") << "bytes are no text";
 }
 
 }  // namespace

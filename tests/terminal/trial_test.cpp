@@ -1,6 +1,8 @@
 // The trial on the terminal: the host's selection dialog and progress, and the program as its user meets it.
 #include <gmock/gmock.h>
 
+#include <iostream>
+
 #include "platform/native/terminal/terminal_toolkit.h"
 #include "simulator/native/native_session.h"
 #include "simulator/trial.h"
@@ -38,8 +40,7 @@ TEST(Picker, SearchesAndChecksByKeyAndMouse) {
 }
 
 TEST(Progress, ARetryCountsAsARunOfItsOwnAndADisplayThatIsPassedOverDoesNot) {
-    std::ostringstream out;
-    Trace trace(out, true);
+    Trace trace(std::cerr, true);
     NativeMachine machine;
     Host host(trace, machine);
     RunProgress progress(host);

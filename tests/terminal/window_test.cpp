@@ -1,4 +1,4 @@
-// Keyboard and mouse on forms over each other and on the Open dialog, and where everything stands.
+// Drawing on cells, keyboard and mouse on forms over each other and on the Open dialog, and where everything stands.
 #include <gmock/gmock.h>
 
 #include "about/frm_about.h"
@@ -18,6 +18,38 @@ using test::SampleForm;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+// ---- Cells --------------------------------------------------------------------------------------------
+
+TEST(Canvas, ShowsNoHalfOfAWideCharacterAndLetsNoTextSteerTheTerminal) {
+    Canvas canvas({6, 1});
+    canvas.text({0, 0}, U"日本語", {});
+    canvas.text({1, 0}, U"x", {});   // over a right half
+    canvas.text({5, 0}, U"日", {});  // at the edge
+    EXPECT_EQ(text_picture(canvas), " x本\n");
+    Canvas line({20, 1});
+    line.text({0, 0}, U"a\x1B[2Jb\u009Bc\u202Ed\u200Be\n", {});
+    EXPECT_EQ(text_picture(line), "a\uFFFD[2Jb\uFFFDcde\uFFFD\n");
+    // Marks beyond those a cell keeps are dropped, and one without a letter is.
+    line.fill(line.area(), look::kField);
+    line.text({0, 0}, U"\u0301e\u0301\u0302\u0303\u0304x", {});
+    EXPECT_EQ(text_picture(line), "e\u0301\u0302x\n");
+}
+
+TEST(Text, IsCutBetweenWholeCharacters) {
+    EXPECT_EQ(text_width(U"Cafe\u0301 日本 \U0001F680\t"), 13);
+    EXPECT_EQ(shorten(U"日本語", 4), U"日…");
+    EXPECT_EQ(shorten(U"C:\\日本語", 6, Cut::start), U"…本語");
+    EXPECT_EQ(beginning(U"e\u0301x", 1), U"e\u0301") << "a mark stays with its letter";
+    EXPECT_THAT(wrap(U"one two three", 6), ElementsAre(U"one", U"two", U"three"));
+    EXPECT_THAT(wrap(U"one\r\n\r\ntwo \n", 9), ElementsAre(U"one", U"", U"two", U""));
+    EXPECT_THAT(wrap(U"日本", 1), ElementsAre(U"日", U"本")) << "also where nothing fits";
+    const Caption both = parse_caption(u"Reset && &Clear &");
+    EXPECT_EQ(both.text, U"Reset & Clear &");
+    EXPECT_EQ(both.mnemonic, 8U);
+}
+
+// ---- One window ---------------------------------------------------------------------------------------
 
 class OnTerminal : public testing::Test {
 protected:
@@ -236,20 +268,19 @@ TEST_F(OnTerminal, ListOfFilesFollowsTheFieldAndOpenTakesWhatIsMarked) {
 /// meet another control or whose captions are short.
 std::string faults_of(const forms::Form& form, Size terminal) {
     using enum forms::ControlKind;
-    const auto kind_and_size = [](const forms::Control& control) {
-        return std::tuple(control.kind(), control.place().width, control.place().height);
-    };
+    std::map<std::tuple<forms::ControlKind, forms::Twips, forms::Twips>, std::pair<int, int>> sizes;
     std::string faults;
     const std::vector<PlacedControl> controls = lay_out(form, scale_for(terminal));
     for (const auto& [control, cells, clip, lines] : controls) {
         if (control->kind() == label || control->kind() == line || control->kind() == option_button) continue;
-        bool good = cells.meet(clip) == cells && (control->kind() != button || !lines.front().ends_with(U'…'));
+        const std::tuple design(control->kind(), control->place().width, control->place().height);
+        const std::pair size(cells.width(), cells.height());
+        bool good = sizes.emplace(design, size).first->second == size && cells.meet(clip) == cells;
         for (const PlacedControl& other : controls) {
+            if (control->kind() != button || other.control == control) continue;
             const Area common = other.cells.meet(cells);
-            const bool meet = other.control != control && common.width() > 0 && common.height() > 0;
-            if (meet && control->kind() == button && other.control->parent() == control->parent()) good = false;
-            const bool same = other.cells.width() == cells.width() && other.cells.height() == cells.height();
-            if (!same && kind_and_size(*other.control) == kind_and_size(*control)) good = false;
+            const bool meet = common.width() > 0 && common.height() > 0;
+            if (lines.front().ends_with(U'…') || (meet && other.control->parent() == control->parent())) good = false;
         }
         if (!good) faults += control->name() + "; ";
     }

@@ -94,7 +94,7 @@ private:
     }
     void Form_QueryUnload(bool& cancel, forms::UnloadMode mode) override {
         log.push_back(mode == forms::UnloadMode::control_menu ? "close box" : "unload");
-        cancel = refuses_to_close;
+        if (refuses_to_close) cancel = true;
     }
     void Form_Unload() override { log.push_back("unloaded"); }
     void clicked(const std::string& control) {

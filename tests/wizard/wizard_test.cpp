@@ -243,17 +243,14 @@ close dlgFirmwareWizard
     EXPECT_EQ(play({"--", "@1100,2400"}), "close dlgFirmwareWizard\n");
 }
 
-TEST_F(Wizard, ARefusedStepStillChecksTheTypes) {
+TEST_F(Wizard, ARefusedStepStillChecksTheTypesAndButtonsStandUntilTheNextRefresh) {
     pick(u"A");
     displays[u"A"] = {{"DisplayTypeName", u"TQ-1 - X"}};
     EXPECT_EQ(
         play({"cmdNext", "cmdNext", "cmdChooseDisplay", "cmdBack", "opLoadFirmware", "--", "@390,2480"}),
         "lblFirmwareFileNotification: This file will be in Rabbit BIN format.\nset chkUseExternalApp=shown\nbeep\n"
         "close dlgFirmwareWizard\n");
-}
-
-TEST_F(Wizard, ButtonsStandUntilTheNextRefresh) {
-    pick(u"A");
+    displays.clear();
     notebook.omitted.erase("dlgDispUpdater");
     // A bare ending is a name. Next is refused silently, and Finish does not check again.
     screen.file = u"SHX";
