@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <map>
@@ -116,9 +115,7 @@ public:
                 if constexpr (requires { alive->on_call(arguments); }) alive->on_call(arguments);
                 return (alive.get()->*member->call)(arguments);
             };
-            com::Variant value = host_.around_call
-                                     ? host_.around_call({Derived::kClass, member, parameters}, std::ref(answer))
-                                     : answer();
+            com::Variant value = host_.outcome_of({Derived::kClass, member, parameters}, answer);
             if (result != nullptr) *result = value.detach();
             return S_OK;
         });

@@ -204,8 +204,7 @@ HostClasses::HostClasses(Host& host) {
                 host.begin({host.display_asked_about, 0, entry.name()}, creation.name());
                 return com::Variant::object(entry.make(host).get());
             };
-            const com::Variant made = host.around_call ? host.around_call(creation, std::ref(make)) : make();
-            return com::ComPtr<IDispatch>(made.get().pdispVal);
+            return com::ComPtr<IDispatch>(host.outcome_of(creation, make).get().pdispVal);
         }));
     }
 }

@@ -164,6 +164,10 @@ struct Host {
     /// Stands between callers and the host's objects: lets them answer, or answers or raises in their place. Empty:
     /// they answer.
     std::function<com::Variant(const ObjectCall& call, const std::function<com::Variant()>& answer)> around_call;
+    /// What becomes of a call: `answer`, unless something stands between.
+    com::Variant outcome_of(const ObjectCall& call, const auto& answer) const {
+        return around_call ? around_call(call, std::ref(answer)) : answer();
+    }
     /// Told of who begins and ends to listen to a control.
     std::function<void(std::u16string_view class_name, IDispatch& sink, bool listens)> on_listener;
 
