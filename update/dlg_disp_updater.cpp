@@ -1,6 +1,8 @@
 // The update run.
 #include "update/dlg_disp_updater.h"
 
+#include <utility>
+
 #include "support/text.h"
 #include "update/dlg_handle_sign_option.h"
 
@@ -54,8 +56,7 @@ void dlgDispUpdater::Form_Load() {
 }
 
 void dlgDispUpdater::Form_Activate() {
-    if (started_ > 0) return;
-    started_ = 10;
+    if (std::exchange(started_, true)) return;
     UpdateAllDisplays();
 }
 

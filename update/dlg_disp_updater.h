@@ -56,8 +56,7 @@ private:
     std::optional<host::HostDisplayList> displays_;
     /// Set when a display was cancelled, never cleared.
     bool stop_ = false;
-    /// Positive once the run was started.
-    int started_ = 0;
+    bool started_ = false;
 
     forms::ImageList imgUpdate;
     forms::ListView lstvDisplayStatus;

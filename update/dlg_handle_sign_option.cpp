@@ -1,6 +1,8 @@
 // One display's update session: the dialog, its driver, the connection and cancellation.
 #include "update/dlg_handle_sign_option.h"
 
+#include <utility>
+
 #include "core/runtime_error.h"
 #include "support/text.h"
 
@@ -48,8 +50,7 @@ void dlgHandleSignOption::Form_Load() {
 }
 
 void dlgHandleSignOption::Form_Activate() {
-    if (started_ > 0) return;
-    started_ = 10;
+    if (std::exchange(started_, true)) return;
     // Hiding the dialog closes the control, which may raise its event once more; that must not replace the last
     // status of the work. So the event is disconnected at the end of this scope, also when an error ends it.
     const auto status_event = transmission_->take_status_event();

@@ -69,8 +69,7 @@ private:
     bool bResult = false;
     /// "XPort", "UDS", "MSS", "Unknown", or empty when no box was reported.
     std::u16string sLANBoxType;
-    /// Positive once the procedure was started.
-    std::int16_t started_ = 0;
+    bool started_ = false;
 
     forms::Label lblDisplayName, lblID, lblStatus;
     forms::Button cmdCancel;

@@ -105,7 +105,7 @@ constexpr char kTour[] =
 
 void print_controls_of(const forms::Form& form) {
     constexpr std::size_t kWidth = 100;
-    std::cout << form.name() << ':';
+    std::cout << form.name() << ", " << form.width() << " by " << form.height() << ':';
     std::size_t column = kWidth;
     for (const forms::Control* control : form.controls()) {
         if (column + control->name().size() + 1 > kWidth) {
@@ -114,6 +114,12 @@ void print_controls_of(const forms::Form& form) {
         }
         std::cout << ' ' << control->name();
         column += control->name().size() + 1;
+    }
+    for (const forms::Control* control : form.controls()) {
+        if (control->kind() != forms::ControlKind::list_view) continue;
+        const char* before = "\n    columns: ";
+        for (const auto& [title, width] : static_cast<const forms::ListView*>(control)->columns)
+            std::cout << std::exchange(before, ", ") << to_utf8(title) << ' ' << width;
     }
     std::cout << '\n';
 }
