@@ -103,9 +103,9 @@ public:
         const auto* const member = std::ranges::find_if(
             Derived::kMembers, [&](const MemberFacts& facts) { return facts.is_called(id, flags); });
         if (member == std::end(Derived::kMembers)) return DISP_E_MEMBERNOTFOUND;
-        // The one named argument is the value of a property.
+        // The one named argument is the value of a property, which has no answer.
         const bool puts_value = parameters->cNamedArgs == 1 && parameters->rgdispidNamedArgs != nullptr &&
-                                *parameters->rgdispidNamedArgs == DISPID_PROPERTYPUT;
+                                *parameters->rgdispidNamedArgs == DISPID_PROPERTYPUT && result == nullptr;
         if ((member->kind == kPut) != puts_value) return DISP_E_PARAMNOTFOUND;
         // Called back in the middle of a call, the object may lose its last other reference.
         const com::ComPtr<Derived> alive(static_cast<Derived*>(this));
@@ -115,7 +115,7 @@ public:
                 if constexpr (requires { alive->on_call(arguments); }) alive->on_call(arguments);
                 return (alive.get()->*member->call)(arguments);
             };
-            com::Variant value = host_.outcome_of({Derived::kClass, member, parameters}, answer);
+            com::Variant value = host_.outcome_of({Derived::kClass, member, flags, parameters}, answer);
             if (result != nullptr) *result = value.detach();
             return S_OK;
         });
@@ -135,6 +135,11 @@ class EventfulControl
 public:
     using AutomationObject<Derived, IConnectionPointContainer, IConnectionPoint, IProvideClassInfo2>::AutomationObject;
 
+    /// Callers know controls by dispatch ids.
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* /*names*/, UINT /*count*/, LCID /*locale*/,
+                                            DISPID* /*ids*/) noexcept override {
+        return DISP_E_UNKNOWNNAME;
+    }
     HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override {
         return offers_none(points);
     }
@@ -159,9 +164,9 @@ public:
             com::ComPtr<IDispatch> target;
             if (FAILED(sink->QueryInterface(Derived::kSourceInterface, target.put_void())))
                 return CONNECT_E_CANNOTCONNECT;
-            if (this->host_.on_listener) this->host_.on_listener(Derived::kClass, *target, true);
-            sinks_[++last_cookie_] = std::move(target);
+            sinks_[++last_cookie_] = target;
             *cookie = last_cookie_;
+            if (this->host_.on_listener) this->host_.on_listener(Derived::kClass, *target, true);
             return S_OK;
         });
     }

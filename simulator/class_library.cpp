@@ -24,7 +24,7 @@ public:
 
     void on_call(const CallArguments& arguments) {
         const MemberFacts& member = arguments.member();
-        const std::u16string shown = arguments.shown_call(u"HostDisplayList");
+        const std::u16string shown = arguments.shown_call(kClass);
         if (member.name == u"FindDisplay") host_.display_asked_about = arguments.text(0);
         host_.begin({host_.display_asked_about, 0, member.name}, shown);
         if (member.kind == kMethod) host_.trace.line(shown);
@@ -167,8 +167,8 @@ const std::vector<HostClass>& host_classes() {
     static const std::vector<HostClass> kClasses = [] {
         std::vector<HostClass> classes = transmission_classes();
         classes.push_back(host_class<BoxFinder>(own_identity(0x52), u"vexLantronixControls2"));
-        classes.push_back(host_class<DisplayListObject>(kDisplayListClass, u"vexBrivolaClasses4"));
-        classes.push_back(host_class<DisplayPickerObject>(kDisplayPickerClass, u"vexBrivolaClasses4"));
+        classes.push_back(host_class<DisplayListObject>(kDisplayListClass, u"vexBrivolaClasses4", false));
+        classes.push_back(host_class<DisplayPickerObject>(kDisplayPickerClass, u"vexBrivolaClasses4", false));
         return classes;
     }();
     return kClasses;
@@ -196,7 +196,7 @@ HostClasses::HostClasses(Host& host) {
         OLECHAR clsid[39];
         StringFromGUID2(entry.clsid, clsid, 39);
         const std::u16string key = entry.programmatic_id + u"\\CLSID";
-        if (!platform::write_class_text(key, u"", reinterpret_cast<const char16_t*>(clsid)))
+        if (entry.found_by_name && !platform::write_class_text(key, u"", reinterpret_cast<const char16_t*>(clsid)))
             throw RuntimeError(kAutomationError, entry.programmatic_id + u" cannot be registered");
         cookies_.push_back(com::offer_class(host.lifetime, entry.clsid, [&host, &entry] {
             const ObjectCall creation{entry.name()};

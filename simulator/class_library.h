@@ -21,6 +21,8 @@ constexpr GUID own_identity(unsigned char last) noexcept {
 struct HostClass {
     CLSID clsid;
     std::u16string programmatic_id;
+    /// Else callers find it by its class id alone.
+    bool found_by_name;
     com::ComPtr<IDispatch> (*make)(Host& host);
     std::vector<MemberFacts> members;
 
@@ -31,9 +33,10 @@ struct HostClass {
 };
 
 template <class Class>
-HostClass host_class(const CLSID& clsid, const std::u16string& library) {
+HostClass host_class(const CLSID& clsid, const std::u16string& library, bool found_by_name = true) {
     const auto make = [](Host& host) { return com::make_object<Class>(host).template query<IDispatch>(); };
-    return {clsid, library + u'.' + Class::kClass, make, {std::begin(Class::kMembers), std::end(Class::kMembers)}};
+    const std::vector<MemberFacts> members(std::begin(Class::kMembers), std::end(Class::kMembers));
+    return {clsid, library + u'.' + Class::kClass, found_by_name, make, members};
 }
 
 /// Those of `transmission_control.h` first.

@@ -45,8 +45,9 @@ struct MemberFacts;
 /// A call of one of the host's objects by automation, or the creation of one.
 struct ObjectCall {
     std::u16string_view class_name;
-    /// Null of a creation, as the parameters are.
+    /// Null of a creation, as what follows.
     const MemberFacts* member = nullptr;
+    WORD flags = 0;
     DISPPARAMS* parameters = nullptr;
 
     /// "Class.Member", or "new Class".
@@ -161,14 +162,14 @@ struct Host {
     /// whether the link still stands; where not, what is in progress is interrupted.
     std::function<bool(const LinkEvent& event)> on_link;
 
-    /// Stands between callers and the host's objects: lets them answer, or answers or raises in their place. Empty:
-    /// they answer.
+    /// Stands between callers and the host's objects: lets them answer, or answers or raises in their place; a creation
+    /// is answered by an object. Empty: they answer.
     std::function<com::Variant(const ObjectCall& call, const std::function<com::Variant()>& answer)> around_call;
     /// What becomes of a call: `answer`, unless something stands between.
     com::Variant outcome_of(const ObjectCall& call, const auto& answer) const {
         return around_call ? around_call(call, std::ref(answer)) : answer();
     }
-    /// Told of who begins and ends to listen to a control.
+    /// Told of who begins and ends to listen to a control; raises nothing.
     std::function<void(std::u16string_view class_name, IDispatch& sink, bool listens)> on_listener;
 
     /// The display that a caller asked about last. Where several displays share one line, it is meant.

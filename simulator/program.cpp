@@ -126,7 +126,7 @@ constexpr char kUsage[] = R"(brivola-sim: a simulated host with displays, for th
                                                   is none, plays the sample scenario and draws each screen as text
   brivola-sim run FILE [--quiet] [--pictures]     plays a scenario (-: standard input) and prints its trace
   brivola-sim run {--compare | --record} FILE...  compares traces with those recorded, or records them
-  brivola-sim controls                            prints the controls of each dialog
+  brivola-sim controls                            prints the size and controls of each dialog
 
 Also: --data DIR keeps settings, drives, displays and units; --plugin PATH is the library to try.
 The manual page tells more. Statements of a scenario, one a line (# begins a comment):

@@ -18,7 +18,7 @@ struct CommandLine {
     bool help = false;
     /// The scenarios to run, one unless they are compared; "-": standard input; nothing: none was named.
     std::vector<std::string> scenarios;
-    /// Prints the controls of each dialog.
+    /// Prints the size of each dialog, its controls and the columns of its list.
     bool controls = false;
     /// Compares each trace with the one recorded beside the scenario.
     bool compare = false;

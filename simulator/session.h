@@ -61,7 +61,7 @@ public:
 
     /// No scenario is named: opens the wizard on the sample displays.
     virtual int play_without_scenario() = 0;
-    /// Prints what controls each of the plug-in's dialogs has.
+    /// Prints each of the plug-in's dialogs: its size, its controls and the columns of its list.
     virtual int print_controls() = 0;
 
 protected:

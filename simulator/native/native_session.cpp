@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "com/com.h"
 #include "core/digits.h"

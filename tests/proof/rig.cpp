@@ -10,13 +10,11 @@
 #include <utility>
 
 #include "core/runtime_error.h"
-#include "core/unicode.h"
 #include "platform/native/machine.h"
 #include "platform/registry.h"
 #include "simulator/class_library.h"
 #include "simulator/firmware_image.h"
 #include "simulator/native/native_session.h"
-#include "support/mod_reg_access.h"
 #include "support/text.h"
 #include "tests/shared/temporary_folder.h"
 #include "wizard/dlg_firmware_wizard.h"
@@ -226,7 +224,7 @@ Outcome play(const Plan& plan) {
             if (user.cancelled() && is_controls) outcome.calls_after_cancel.push_back(call);
             const auto given = plan.meddle ? plan.meddle(call) : std::nullopt;
             // A value that is put has no answer.
-            com::Variant value = given && made.member->kind != sim::kPut ? *given : answer();
+            com::Variant value = given && made.member != nullptr && made.member->kind != sim::kPut ? *given : answer();
             if (plan.heedless && is_controls && value.type() == VT_BOOL) return com::Variant::boolean(true);
             return value;
         };
@@ -237,7 +235,6 @@ Outcome play(const Plan& plan) {
         const sim::HostClasses classes(host);
         const long factories = host.lifetime.objects();
         forms::ScriptedToolkit toolkit(user);
-        namespace native = platform::native;
         const Services services{toolkit, platform::registry(), module, u"C:\\Host"};
         try {
             if (plan.start) {

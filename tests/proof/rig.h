@@ -2,6 +2,7 @@
 // end, where a program has an operator new of its own.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -12,7 +13,6 @@
 #include "com/variant.h"
 #include "forms/scripted_toolkit.h"
 #include "simulator/host.h"
-#include "simulator/words.h"
 
 namespace vex::proof {
 

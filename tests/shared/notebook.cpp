@@ -1,6 +1,8 @@
 // Writes down what dialogs do.
 #include "tests/shared/notebook.h"
 
+#include <algorithm>
+
 #include "core/digits.h"
 #include "core/unicode.h"
 #include "platform/system.h"
@@ -30,7 +32,7 @@ std::string shown(const VARIANT& value) {
         case VT_I2: return "I2 " + std::to_string(value.iVal);
         case VT_I4: return "I4 " + std::to_string(value.lVal);
         case VT_R8: return "R8 " + std::to_string(static_cast<int>(value.dblVal));
-        case VT_BYREF | VT_DISPATCH: return "&object";
+        case VT_BYREF | VT_DISPATCH: return *value.ppdispVal == nullptr ? "&nothing" : "&object";
         default: return "kind " + std::to_string(value.vt);
     }
 }
@@ -135,9 +137,9 @@ void Screen::changed(forms::Control& control, forms::Change change) {
 RecordedHost::RecordedHost(Notebook& notebook) : notebook_(notebook) {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     side_registry();  // puts it in place
-    host_.around_call = [this](const sim::ObjectCall& call, const auto& create) { return answer(call, create); };
+    host_.around_call = [this](const sim::ObjectCall& call, const auto& make_it) { return answer(call, make_it); };
     host_.on_listener = [this](std::u16string_view control, IDispatch& sink, bool listens) {
-        sinks_[to_utf8(control)] = com::ComPtr<IDispatch>(&sink);
+        if (listens) sinks_[to_utf8(control)] = com::ComPtr<IDispatch>(&sink);
         listeners_ += listens ? 1 : -1;
     };
     classes_.emplace(host_);
@@ -150,16 +152,17 @@ RecordedHost::~RecordedHost() {
     CoUninitialize();
 }
 
-com::Variant RecordedHost::answer(const sim::ObjectCall& call, const std::function<com::Variant()>& create) {
+com::Variant RecordedHost::answer(const sim::ObjectCall& call, const std::function<com::Variant()>& make_it) {
     const std::string of = to_utf8(call.class_name), name = to_utf8(call.name());
     if (call.member == nullptr) {
         notebook_.part(of, of, " new");
-        return create();
+        return make_it();
     }
     std::string arguments;
     for (UINT i = call.parameters->cArgs; i-- > 0;)
         arguments += (arguments.empty() ? "" : ", ") + shown(call.parameters->rgvarg[i]);
-    // What is only read is not written down.
+    // Who reads cannot tell properties from methods. What is only read is not written down.
+    EXPECT_EQ(call.flags, call.member->kind == sim::kGet ? sim::kGet | sim::kMethod : call.member->kind) << name;
     const std::string member = to_utf8(call.member->name);
     if (call.member->kind == sim::kPut) notebook_.part(of, of, ' ' + member + '=' + arguments);
     if (call.member->kind == sim::kMethod) notebook_.part(of, of, ' ' + member + '(' + arguments + ')');

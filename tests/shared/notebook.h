@@ -9,6 +9,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -108,7 +109,7 @@ public:
     com::ComPtr<IDispatch> make(const char16_t* name);
 
 private:
-    com::Variant answer(const sim::ObjectCall& call, const std::function<com::Variant()>& create);
+    com::Variant answer(const sim::ObjectCall& call, const std::function<com::Variant()>& make_it);
 
     Notebook& notebook_;
     /// Who listens or has listened to each control. A control may go on calling one that has gone.

@@ -5,7 +5,6 @@
 #include <iostream>
 #include <sstream>
 
-#include "core/unicode.h"
 #include "simulator/class_library.h"
 #include "simulator/native/native_session.h"
 #include "tests/shared/temporary_folder.h"
@@ -32,8 +31,8 @@ TEST(Objects, ArgumentsAreOfTheirKind) {
     EXPECT_EQ(refusal(u"HostDisplayList", u"FindDisplay", {}), "run-time error 13: FindDisplay: argument 1 is missing");
     EXPECT_EQ(refusal(u"HostDisplayList", u"OpenDisplayFile", {}, kPut),
               "run-time error 438: Object doesn't support this property or method");
-    EXPECT_EQ(refusal(u"vexDispTrans", u"OpenConnection", {com::Variant::object(nullptr)}),
-              "run-time error 13: OpenConnection: argument 1 is of another type than declared");
+    EXPECT_EQ(refusal(u"HostConnection", u"SignID", {com::Variant::int32(1)}, kPut),
+              "run-time error 13: SignID: argument 1 is of another type than declared");
 }
 
 // ---- Runs

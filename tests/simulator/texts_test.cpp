@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/unicode.h"
 #include "simulator/displays.h"
 #include "simulator/firmware_image.h"
 #include "simulator/program.h"

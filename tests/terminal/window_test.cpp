@@ -1,6 +1,9 @@
 // Drawing on cells, keyboard and mouse on forms over each other and on the Open dialog, and where everything stands.
 #include <gmock/gmock.h>
 
+#include <map>
+#include <tuple>
+
 #include "about/frm_about.h"
 #include "platform/native/machine.h"
 #include "platform/native/terminal/terminal_toolkit.h"
