@@ -20,7 +20,7 @@ std::uint32_t size_of(const Bytes& bytes, std::size_t more = 0) {
 }  // namespace
 
 bool RegistryRoutines::KeyExists() {
-    platform::RegistryKey key = 0;
+    platform::RegistryKey key{};
     // Kept: the key that opened is left open.
     return registry_.open_key(platform::registry_key(root_key_), platform::to_ansi(working_path()).c_str(),
                               platform::kKeyRead, key) == platform::kSuccess;
